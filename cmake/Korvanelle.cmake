@@ -1,0 +1,44 @@
+# Shared build rules: warnings, sanitizers, one library for each source folder, one test program
+# for each test folder.
+
+add_library(korvanelle_options INTERFACE)
+target_compile_options(korvanelle_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+target_compile_definitions(korvanelle_options INTERFACE
+    QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII
+    KORVANELLE_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
+    KORVANELLE_VERSION_MINOR=${PROJECT_VERSION_MINOR}
+    KORVANELLE_VERSION_REVISION=${PROJECT_VERSION_PATCH})
+if(KORVANELLE_SANITIZE)
+    target_compile_options(korvanelle_options INTERFACE
+        -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(korvanelle_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# korvanelle_folder(<name> <libraries>...): the library of src/<name>, made of all its sources.
+function(korvanelle_folder name)
+    file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h *.ui *.qrc)
+    add_library(${name} STATIC ${sources})
+    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC korvanelle_options ${ARGN})
+    set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+# korvanelle_tests(<folder> <libraries>...): the program test_<folder> of tests/<folder>.
+function(korvanelle_tests folder)
+    file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(test_${folder} ${sources})
+    target_include_directories(test_${folder} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_compile_definitions(test_${folder} PRIVATE
+        KORVANELLE_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+        KORVANELLE_BUILD_DIR="${CMAKE_BINARY_DIR}")
+    target_link_libraries(test_${folder} PRIVATE korvanelle_options ${ARGN} GTest::gmock)
+    gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
+        DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT 300
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;UBSAN_OPTIONS=print_stacktrace=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp")
+endfunction()
+include(GoogleTest)

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/RunTimeError.h"
+#include "platform/SerialLink.h"
+
+#include <QList>
+#include <functional>
+
+/// A line whose far end is a function of the test: it gets each frame and gives the reply, empty
+/// for silence. Waiting for a reply that doesn't come moves the clock to the deadline.
+class FakeLink : public platform::SerialLink {
+public:
+    std::function<QByteArray(const QByteArray&)> answer = [](const QByteArray&) {
+        return QByteArray();
+    };
+    QList<QByteArray> sent;
+    bool canOpen = true;
+    qint64 waitedMs = 0;
+
+    int CommPort() const override { return port_; }
+    void setCommPort(int number) override { port_ = number; }
+    QString Settings() const override { return settings_; }
+    void setSettings(const QString& settings) override { settings_ = settings; }
+    bool PortOpen() const override { return open_; }
+    void setPortOpen(bool open) override {
+        if (open && !canOpen)
+            throw platform::RunTimeError(platform::errors::PortUnavailable);
+        open_ = open;
+    }
+    void setRTSEnable(bool) override {}
+    void ClearBuffers() override { received_.clear(); }
+    void Output(const QByteArray& bytes) override {
+        if (!open_)
+            throw platform::RunTimeError(platform::errors::PortNotOpen);
+        sent += bytes;
+        received_ += answer(bytes);
+    }
+    int InBufferCount() override { return int(received_.size()); }
+    QByteArray Input() override { return std::exchange(received_, {}); }
+    void WaitForInput(int count, qint64 deadlineMs) override {
+        auto& clock = platform::Clock::Current();
+        if (received_.size() >= count || deadlineMs <= clock.MonotonicMs())
+            return;
+        waitedMs += deadlineMs - clock.MonotonicMs();
+        clock.Sleep(int(deadlineMs - clock.MonotonicMs()));
+    }
+
+private:
+    int port_ = 1;
+    QString settings_ = QStringLiteral("9600,N,8,1");
+    bool open_ = false;
+    QByteArray received_;
+};
