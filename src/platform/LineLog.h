@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+#include <memory>
+
+namespace platform {
+
+/// A text log that grows line by line, Windows-1252, lines ended by carriage return and line
+/// feed.
+class LineLog {
+public:
+    static constexpr int AppendMode = 3;
+
+    LineLog() = default;
+    LineLog(const LineLog&) = delete;
+    LineLog& operator=(const LineLog&) = delete;
+
+    /// Closes what was open and opens `path`; mode 3 appends and makes a missing file. Throws
+    /// RunTimeError `PathAccess` when the file can't be opened; writing is then refused until the
+    /// next opening.
+    void Open(const QString& path, int mode);
+    /// Appends one line; a file that was removed meanwhile is made anew. Throws RunTimeError
+    /// `BadFileName` with nothing open, `DeviceIo` or `DiskFull` when it can't be written.
+    void WriteLine(const QString& text);
+    /// Hands what was written to the system, so that the end of the process loses nothing.
+    void Commit();
+    bool IsOpen() const { return file_.isOpen(); }
+    QString Path() const { return file_.fileName(); }
+
+private:
+    void Renew();
+
+    QFile file_;
+};
+
+} // namespace platform

@@ -1,0 +1,188 @@
+#include "platform/Clock.h"
+#include "platform/SerialLink.h"
+#include "platform/TestFiles.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace platform;
+
+namespace {
+
+/// Far end of a line: the master side of a pseudo-terminal, reached under a link's name.
+class FarEnd {
+public:
+    explicit FarEnd(const QString& link)
+        : handle_(posix_openpt(O_RDWR | O_NOCTTY)) {
+        grantpt(handle_);
+        unlockpt(handle_);
+        QFile::remove(link);
+        QFile::link(QFile::decodeName(ptsname(handle_)), link);
+    }
+    ~FarEnd() { Vanish(); }
+    FarEnd(const FarEnd&) = delete;
+    FarEnd& operator=(const FarEnd&) = delete;
+
+    void Vanish() {
+        if (handle_ >= 0)
+            close(handle_);
+        handle_ = -1;
+    }
+    void Send(const QByteArray& bytes) const {
+        EXPECT_EQ(write(handle_, bytes.constData(), size_t(bytes.size())), bytes.size());
+    }
+    QByteArray Take(qsizetype count) const {
+        QByteArray taken;
+        pollfd state = {handle_, POLLIN, 0};
+        while (taken.size() < count && poll(&state, 1, 1000) > 0) {
+            std::array<char, 256> buffer = {};
+            const ssize_t got = read(handle_, buffer.data(), buffer.size());
+            if (got <= 0)
+                break;
+            taken.append(buffer.data(), got);
+        }
+        return taken;
+    }
+
+private:
+    int handle_;
+};
+
+class SerialPortTest : public ::testing::Test {
+protected:
+    static qint64 In(int milliseconds) { return Clock::Current().MonotonicMs() + milliseconds; }
+    QTemporaryDir folder_;
+    QString link_ = folder_.filePath(QStringLiteral("COM3"));
+    std::unique_ptr<SerialLink> port_ = MakeSerialPort(
+        [this](int number) { return folder_.filePath(QStringLiteral("COM%1").arg(number)); });
+
+    void OpenPort() {
+        port_->setCommPort(3);
+        port_->setPortOpen(true);
+        ASSERT_TRUE(port_->PortOpen());
+    }
+};
+
+const QByteArray AnyBytes("\x01\x03\x00\x0A\x0D\x11\x13\x04\x1A\x7F\xFF", 11);
+
+} // namespace
+
+TEST_F(SerialPortTest, ExchangesBytesAsTheyAre) {
+    const FarEnd far(link_);
+    OpenPort();
+    port_->setRTSEnable(true);
+    EXPECT_TRUE(port_->PortOpen());
+    std::thread panel([&] {
+        EXPECT_EQ(far.Take(AnyBytes.size()), AnyBytes);
+        far.Send(AnyBytes.left(4));
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        far.Send(AnyBytes.mid(4) + "surplus");
+    });
+    port_->Output(AnyBytes);
+    port_->WaitForInput(int(AnyBytes.size()), In(2000));
+    panel.join();
+    QElapsedTimer timer;
+    timer.start();
+    port_->WaitForInput(3, In(2000));
+    EXPECT_LT(timer.elapsed(), 500);
+    EXPECT_EQ(port_->InBufferCount(), AnyBytes.size() + 7);
+    EXPECT_EQ(port_->Input(), AnyBytes + "surplus");
+    EXPECT_EQ(port_->Input(), QByteArray());
+}
+
+TEST_F(SerialPortTest, EmptiesBuffersAndBoundsNoise) {
+    const FarEnd far(link_);
+    OpenPort();
+    far.Send("late reply of the frame before");
+    port_->ClearBuffers();
+    EXPECT_EQ(port_->InBufferCount(), 0);
+    far.Send(QByteArray(3000, '~'));
+    QElapsedTimer timer;
+    timer.start();
+    port_->WaitForInput(5000, In(1000));
+    EXPECT_LT(timer.elapsed(), 900);
+    EXPECT_LE(port_->InBufferCount(), 1024);
+    port_->ClearBuffers();
+    EXPECT_EQ(port_->InBufferCount(), 0);
+}
+
+TEST_F(SerialPortTest, WaitsOutTheDeadlineWithoutEventsOrWork) {
+    const FarEnd far(link_);
+    OpenPort();
+    bool eventRan = false;
+    QTimer::singleShot(0, qApp, [&] { eventRan = true; });
+    const clock_t before = clock();
+    QElapsedTimer timer;
+    timer.start();
+    port_->WaitForInput(1, In(150));
+    EXPECT_GE(timer.elapsed(), 150);
+    EXPECT_LT(timer.elapsed(), 600);
+    EXPECT_LT(clock() - before, CLOCKS_PER_SEC / 20);
+    EXPECT_FALSE(eventRan);
+    QCoreApplication::processEvents();
+
+    const TestClock standing;
+    port_->WaitForInput(1, In(50));
+}
+
+TEST_F(SerialPortTest, ClosesWhenTheDeviceGoesAndOpensAgainWhenItReturns) {
+    for (const bool byEventLoop : {false, true}) {
+        FarEnd far(link_);
+        OpenPort();
+        far.Vanish();
+        QElapsedTimer timer;
+        timer.start();
+        if (byEventLoop) {
+            while (port_->PortOpen() && timer.elapsed() < 1000)
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        } else {
+            port_->WaitForInput(8, In(2000));
+        }
+        EXPECT_LT(timer.elapsed(), 900);
+        EXPECT_FALSE(port_->PortOpen());
+        EXPECT_EQ(port_->InBufferCount(), 0);
+        EXPECT_EQ(ErrorOf([&] { port_->Output("x"); }), errors::PortNotOpen);
+        EXPECT_EQ(ErrorOf([&] { port_->setPortOpen(true); }), errors::PortUnavailable);
+    }
+    const FarEnd back(link_);
+    OpenPort();
+    port_->Output("again");
+    EXPECT_EQ(back.Take(5), QByteArray("again"));
+}
+
+TEST_F(SerialPortTest, RefusesWhatIsNoSettingOrNoDevice) {
+    const FarEnd far(link_);
+    const auto opens = [this](const char* settings) {
+        port_->setSettings(QString::fromLatin1(settings));
+        const int error = ErrorOf([&] { port_->setPortOpen(true); });
+        EXPECT_EQ(port_->PortOpen(), error == 0);
+        port_->setPortOpen(false);
+        return error;
+    };
+    port_->setCommPort(3);
+    for (const char* good : {"9600,N,8,1", "19200,e,7,2", "4800,O,8,1", "115200,m,8,1", "300,S,8,1",
+                             " 9600 , n , 8 , 1 "})
+        EXPECT_EQ(opens(good), 0) << good;
+    for (const char* bad : {"", "9600", "9600,N,8", "9600,X,8,1", "9600,N,9,1", "9600,N,8,1.5",
+                            "0,N,8,1", "fast,N,8,1", "9600,N,8,1,1"})
+        EXPECT_EQ(opens(bad), errors::PortUnavailable) << bad;
+    port_->setCommPort(4);
+    EXPECT_EQ(opens("9600,N,8,1"), errors::PortUnavailable);
+    PutBytes(folder_.filePath(QStringLiteral("COM5")), "a plain file");
+    port_->setCommPort(5);
+    EXPECT_EQ(opens("9600,N,8,1"), errors::PortUnavailable);
+    OpenPort();
+    EXPECT_EQ(ErrorOf([&] { port_->setSettings(QStringLiteral("9600,N,8,3")); }),
+              errors::PortUnavailable);
+}

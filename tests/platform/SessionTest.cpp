@@ -1,0 +1,156 @@
+#include "platform/ActivityDetection.h"
+#include "platform/ShutdownWatch.h"
+#include "platform/SingleInstance.h"
+#include "platform/Sound.h"
+#include "platform/TestFiles.h"
+
+#include <QAudioDevice>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMediaDevices>
+#include <QSessionManager>
+#include <QTemporaryDir>
+#include <array>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace platform;
+using ::testing::ElementsAre;
+
+namespace {
+
+void Press(Qt::Key key) {
+    QObject somewhere;
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(&somewhere, &event);
+}
+
+template <typename Condition> bool Until(Condition&& met) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!met() && timer.elapsed() < 2000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    return met();
+}
+
+} // namespace
+
+TEST(ActivityDetectionTest, TellsOnceAfterTheCountUntilTheNextInput) {
+    ActivityDetection detection;
+    int told = 0;
+    QObject::connect(&detection, &ActivityDetection::UserIsNotHere, [&] { ++told; });
+    detection.setCheckPeriod(3600000);
+    detection.setCount(3);
+    detection.setEnabled(true);
+    const auto checks = [&](int count) {
+        for (int i = 0; i < count; ++i)
+            detection.Check();
+        return told;
+    };
+    EXPECT_EQ(checks(2), 0);
+    Press(Qt::Key_A);
+    EXPECT_EQ(checks(2), 0);
+    QEvent paint(QEvent::UpdateRequest);
+    QCoreApplication::sendEvent(qApp, &paint);
+    EXPECT_EQ(checks(1), 1);
+    EXPECT_EQ(checks(10), 1);
+    Press(Qt::Key_A);
+    EXPECT_EQ(checks(3), 2);
+    detection.setEnabled(false);
+    EXPECT_FALSE(detection.Enabled());
+    detection.setEnabled(true);
+    EXPECT_EQ(checks(2), 2);
+    EXPECT_EQ(checks(1), 3);
+}
+
+TEST(ActivityDetectionTest, ChecksByItsTimer) {
+    ActivityDetection detection;
+    int told = 0;
+    QObject::connect(&detection, &ActivityDetection::UserIsNotHere, [&] { ++told; });
+    detection.setCheckPeriod(5);
+    detection.setCount(2);
+    detection.setEnabled(true);
+    EXPECT_TRUE(Until([&] { return told > 0; }));
+}
+
+TEST(SingleInstanceTest, OneLiveHolderAtATime) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("panel.lock"));
+    {
+        SingleInstance first(path);
+        EXPECT_TRUE(first.Acquire());
+        EXPECT_TRUE(first.Acquire());
+        SingleInstance second(path);
+        EXPECT_FALSE(second.Acquire());
+    }
+    // A holder that dies with the mark in its hand.
+    const pid_t child = fork();
+    if (child == 0) {
+        SingleInstance holder(path);
+        _exit(holder.Acquire() ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0);
+    ASSERT_TRUE(QFile::exists(path));
+    SingleInstance next(path);
+    EXPECT_TRUE(next.Acquire());
+    SingleInstance nowhere(folder.filePath(QStringLiteral("none/panel.lock")));
+    EXPECT_TRUE(nowhere.Acquire());
+}
+
+TEST(ShutdownWatchTest, TurnsSignalsIntoRequests) {
+    std::signal(SIGHUP, SIG_DFL);
+    const auto former = std::signal(SIGTERM, SIG_IGN);
+    {
+        ShutdownWatch watch;
+        QList<UnloadMode> modes;
+        QObject::connect(&watch, &ShutdownWatch::Requested,
+                         [&](UnloadMode mode) { modes.append(mode); });
+        raise(SIGTERM);
+        EXPECT_TRUE(modes.isEmpty());
+        ASSERT_TRUE(Until([&] { return modes.size() == 1; }));
+        raise(SIGINT);
+        ASSERT_TRUE(Until([&] { return modes.size() == 2; }));
+        raise(SIGHUP);
+        ASSERT_TRUE(Until([&] { return modes.size() == 3; }));
+        // The system announces its way down before it sends its signals.
+        ASSERT_TRUE(QMetaObject::invokeMethod(&watch, "SystemGoesDown", Q_ARG(bool, true)));
+        raise(SIGTERM);
+        ASSERT_TRUE(Until([&] { return modes.size() == 4; }));
+        ASSERT_TRUE(QMetaObject::invokeMethod(&watch, "SystemGoesDown", Q_ARG(bool, false)));
+        raise(SIGTERM);
+        ASSERT_TRUE(Until([&] { return modes.size() == 5; }));
+        EXPECT_THAT(modes,
+                    ElementsAre(UnloadMode::TaskManager, UnloadMode::TaskManager,
+                                UnloadMode::System, UnloadMode::System, UnloadMode::TaskManager));
+        if (qGuiApp != nullptr) {
+            // Only the session's own library makes a manager; nobody looks into this one.
+            alignas(QSessionManager) std::array<char, sizeof(QSessionManager)> manager = {};
+            Q_EMIT qGuiApp->commitDataRequest(*reinterpret_cast<QSessionManager*>(manager.data()));
+            EXPECT_EQ(modes.last(), UnloadMode::System);
+        }
+    }
+    EXPECT_EQ(std::signal(SIGTERM, former), SIG_IGN);
+}
+
+TEST(SoundTest, StaysSilentWithoutFileAndTellsOfAMissingOutputOnce) {
+    const QTemporaryDir folder;
+    int told = 0;
+    const auto sound = MakeSound([&] { ++told; });
+    sound->Stop();
+    sound->StartLooped(folder.filePath(QStringLiteral("none")));
+    EXPECT_EQ(told, 0);
+    if (!QMediaDevices::defaultAudioOutput().isNull())
+        GTEST_SKIP() << "this machine has an audio output";
+    PutBytes(folder.filePath(QStringLiteral("AlarmSound5.wav")), "RIFF");
+    sound->StartLooped(folder.filePath(QStringLiteral("AlarmSound5")));
+    sound->StartLooped(folder.filePath(QStringLiteral("AlarmSound5.WAV")));
+    sound->StartLooped(folder.filePath(QStringLiteral("AlarmSound5.wav")));
+    EXPECT_EQ(told, 1);
+    sound->Stop();
+}

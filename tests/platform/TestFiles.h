@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/RunTimeError.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+
+/// Whole content of a file, empty when there is none.
+inline QByteArray BytesOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void PutBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+}
+
+/// Number of the run-time error that `work` throws, 0 for none.
+template <typename Work> int ErrorOf(Work&& work) {
+    try {
+        work();
+    } catch (const platform::RunTimeError& error) {
+        return error.Number();
+    }
+    return 0;
+}

@@ -1,0 +1,74 @@
+#include "platform/CodePage.h"
+#include "platform/LineLog.h"
+#include "platform/TestFiles.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace platform;
+
+TEST(CodePageTest, EveryByteComesBackAsItself) {
+    QByteArray all;
+    for (int code = 0; code < 256; ++code)
+        all.append(char(code));
+    const QString text = FromCodePage(all);
+    EXPECT_EQ(ToCodePage(text), all);
+    QString sample = text.mid(0x41, 1) + text.mid(0x80, 1) + text.mid(0x92, 1) + text.mid(0x9F, 1);
+    EXPECT_EQ(sample, QString::fromUtf8("A€’Ÿ"));
+    EXPECT_EQ(text.mid(0xE9, 1), QString::fromUtf8("é"));
+}
+
+TEST(CodePageTest, ForeignCharactersBecomeOneQuestionMarkEach) {
+    EXPECT_EQ(ToCodePage(QString::fromUtf8("aΩb😀c")), QByteArray("a?b?c"));
+    EXPECT_EQ(ToCodePage(QString(QChar(0x80))), QByteArray("?"));
+    EXPECT_EQ(ToCodePage(QString(QChar(0xD83D))), QByteArray("?"));
+}
+
+TEST(LineLogTest, AppendsLinesThatAreThereAtOnce) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("20240315.log"));
+    PutBytes(path, "first\r\n");
+    LineLog log;
+    log.Open(path, LineLog::AppendMode);
+    log.WriteLine(QString::fromUtf8("Prüfung €"));
+    log.Commit();
+    EXPECT_EQ(BytesOf(path), QByteArray("first\r\nPr\xFC"
+                                        "fung \x80\r\n"));
+    const QString next = folder.filePath(QStringLiteral("20240316.log"));
+    log.Open(next, LineLog::AppendMode);
+    log.WriteLine(QStringLiteral("day"));
+    EXPECT_EQ(BytesOf(next), QByteArray("day\r\n"));
+}
+
+TEST(LineLogTest, SaysWhyALineCannotBeWritten) {
+    const QTemporaryDir folder;
+    const auto line = QStringLiteral("line");
+    LineLog log;
+    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::BadFileName);
+    log.Commit();
+    log.Open(QStringLiteral("/dev/full"), LineLog::AppendMode);
+    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::DiskFull);
+    const QString missing = folder.filePath(QStringLiteral("none/x.log"));
+    EXPECT_EQ(ErrorOf([&] { log.Open(missing, LineLog::AppendMode); }), errors::PathAccess);
+    EXPECT_FALSE(log.IsOpen());
+    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::BadFileName);
+}
+
+TEST(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
+    const QTemporaryDir folder;
+    const QString trace = folder.filePath(QStringLiteral("Trace"));
+    const QString path = trace + QStringLiteral("/x.log");
+    ASSERT_TRUE(QDir().mkpath(trace));
+    LineLog log;
+    log.Open(path, LineLog::AppendMode);
+    log.WriteLine(QStringLiteral("lost"));
+    ASSERT_TRUE(QFile::remove(path));
+    log.WriteLine(QStringLiteral("kept"));
+    EXPECT_EQ(BytesOf(path), QByteArray("kept\r\n"));
+    ASSERT_TRUE(QDir(trace).removeRecursively());
+    EXPECT_EQ(ErrorOf([&] { log.WriteLine(QStringLiteral("lost")); }), errors::DeviceIo);
+    ASSERT_TRUE(QDir().mkpath(trace));
+    log.WriteLine(QStringLiteral("back"));
+    EXPECT_EQ(BytesOf(path), QByteArray("back\r\n"));
+}
