@@ -1,0 +1,160 @@
+#include "core/Config.h"
+
+#include "core/Bytes.h"
+#include "core/ErrorHandling.h"
+#include "core/Global.h"
+#include "core/SLVfonctions.h"
+#include "platform/Folders.h"
+#include "platform/RecordDatabase.h"
+#include "platform/RunTimeError.h"
+
+#include <QFile>
+#include <QHash>
+#include <QStringList>
+#include <cmath>
+
+namespace Config {
+
+using ErrorHandling::Guard;
+
+namespace {
+
+/// First language field of T_Language: the id and two fields for the translator stand before it.
+constexpr int FirstLanguage = 3;
+const QString Connect = QStringLiteral(";pwd=9C42");
+
+struct Base {
+    explicit Base(const QString& path)
+        : database(path, Connect)
+        , languageTable(database.OpenTable(QStringLiteral("T_Language")))
+        , configTable(database.OpenTable(QStringLiteral("T_Config")))
+        , soundTable(database.OpenTable(QStringLiteral("T_Sounds")))
+        , words(languageTable.ReadAll())
+        , defaults(configTable.ReadAll()) {}
+
+    platform::RecordDatabase database;
+    platform::RecordTable languageTable;
+    platform::RecordTable configTable;
+    platform::RecordTable soundTable;
+    QHash<qint64, platform::Record> words;
+    QHash<qint64, platform::Record> defaults;
+};
+
+std::unique_ptr<Base> base;
+
+QString FieldText(const platform::Record& record, int index) {
+    if (index < 0 || index >= record.size())
+        throw platform::RunTimeError(platform::errors::NoSuchField);
+    return record[index].toString();
+}
+
+} // namespace
+
+bool OpenConfigBase() {
+    base.reset();
+    Guard("OpenConfigBase", [] {
+        base = std::make_unique<Base>(
+            Global::InApplicationFolder(platform::ExecutableName() + QStringLiteral(".cfg")));
+        Global::Get().language = Bytes::ShortVal(
+            IniRead(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("0")));
+    });
+    return base != nullptr;
+}
+
+void CloseConfigBase() {
+    base.reset();
+}
+
+QString GetText(int key, bool keepBars) {
+    QString text;
+    Guard("Config.GetText", [&] {
+        text = u'#' + QString::number(key) + u'#';
+        if (!base)
+            return;
+        const auto found = base->words.constFind(key);
+        if (found == base->words.constEnd())
+            return;
+        text.clear();
+        const int fieldCount = base->languageTable.FieldCount();
+        int field = Global::Get().language + FirstLanguage;
+        if (field > fieldCount || Global::Get().language < 0)
+            field = FirstLanguage;
+        text = FieldText(*found, field);
+        if (!keepBars && text.contains(u'|'))
+            text.replace(u'|', QStringLiteral("\r\n"));
+    });
+    return text;
+}
+
+QString GetText(const QString& key, bool keepBars) {
+    bool isNumber = false;
+    const double number = key.toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(number))
+        return {};
+    // Ids are whole: nothing else can be found.
+    if (number != std::floor(number) || std::abs(number) > 2147483647.0)
+        return u'#' + key + u'#';
+    return GetText(int(number), keepBars);
+}
+
+QString GetConfig(int id) {
+    QString value;
+    Guard("Config.GetConfig", [&] {
+        if (!base)
+            return;
+        const auto found = base->defaults.constFind(id);
+        if (found != base->defaults.constEnd())
+            value = FieldText(*found, base->configTable.FieldIndex(QStringLiteral("Value")));
+    });
+    return value;
+}
+
+QString GetLanguage(int index) {
+    if (!base || index < 0 || index + FirstLanguage >= base->languageTable.FieldCount())
+        return {};
+    return base->languageTable.FieldName(index + FirstLanguage);
+}
+
+std::optional<QByteArray> Sound(int number) {
+    std::optional<QByteArray> content;
+    Guard("Config.Sound", [&] {
+        const platform::Record record = base ? base->soundTable.Seek(number) : platform::Record();
+        if (record.isEmpty())
+            return;
+        const int size = record.value(base->soundTable.FieldIndex(QStringLiteral("Size"))).toInt();
+        content = record.value(base->soundTable.FieldIndex(QStringLiteral("Content")))
+                      .toByteArray()
+                      .left(qMax(0, size));
+    });
+    return content;
+}
+
+void ExportSound(int place, int number) {
+    Guard("Config.ExportSound", [&] {
+        const QString path =
+            Global::InApplicationFolder(QStringLiteral("AlarmSound%1.wav").arg(place));
+        if (QFile::exists(path))
+            return;
+        const std::optional<QByteArray> content = Sound(number);
+        if (!content)
+            return;
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(*content) != content->size() ||
+            !file.flush()) {
+            // Half a sound would stay for ever: a file that exists isn't written again.
+            file.remove();
+            throw platform::RunTimeError(platform::errors::PathAccess);
+        }
+    });
+}
+
+qint32 BinToDec(const QString& text, bool is16Bit) {
+    const int digits = is16Bit ? 16 : 32;
+    const QString padded = (QString(32, u'0') + text).right(digits);
+    qint32 sum = 0;
+    for (int i = 1; i < digits; ++i)
+        sum = sum * 2 + (padded[i] == u'0' ? 0 : 1);
+    return padded[0] == u'0' ? sum : -sum;
+}
+
+} // namespace Config

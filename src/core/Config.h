@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+/// The configuration base beside the executable: words, factory defaults and alarm sounds.
+namespace Config {
+
+/// Opens the base, reads all its words and the language in use. True when the base is open
+/// afterwards.
+bool OpenConfigBase();
+/// Drops the base, for tests.
+void CloseConfigBase();
+
+/// The word of a numeric text id in the language in use: empty for a key that isn't a number, the
+/// key between two "#" for an unknown one. "|" stands for a line break unless the caller keeps
+/// it.
+QString GetText(const QString& key, bool keepBars = false);
+QString GetText(int key, bool keepBars = false);
+
+/// A factory default; empty when there is none of that id.
+QString GetConfig(int id);
+
+/// Name of a language, counted from 0; empty behind the last one.
+QString GetLanguage(int index);
+
+/// The .wav bytes of a sound number; nothing when the base holds none.
+std::optional<QByteArray> Sound(int number);
+
+/// Writes for each place I of the priorities 0 to 99 the sound numbered `soundNumber(I)` to
+/// "AlarmSound" + I + ".wav" beside the executable. A file that exists stays as it is.
+template <class SoundNumber> void ExportSounds(SoundNumber soundNumber);
+
+/// The file of one place.
+void ExportSound(int place, int number);
+
+/// A string of 0 and 1 as a number, sign and magnitude: the leftmost of its 16 or 32 digits makes
+/// the sum of the others negative.
+qint32 BinToDec(const QString& text, bool is16Bit = false);
+
+} // namespace Config
+
+using Config::GetConfig;
+using Config::GetLanguage;
+using Config::GetText;
+
+template <class SoundNumber> void Config::ExportSounds(SoundNumber soundNumber) {
+    for (int place = 0; place <= 99; ++place)
+        ExportSound(place, soundNumber(place));
+}

@@ -1,0 +1,87 @@
+#include "core/ErrorHandling.h"
+
+#include "core/Message.h"
+#include "core/Pointer.h"
+#include "platform/RunTimeError.h"
+
+#include <QHash>
+#include <QScopeGuard>
+#include <QSet>
+#include <new>
+#include <stdexcept>
+
+namespace ErrorHandling {
+
+namespace {
+/// Errors whose box stands on the screen now. Timers go on while it waits: the same error again
+/// must not stack boxes over it.
+QSet<QString> standing;
+} // namespace
+
+QString RunTimeText(int number) {
+    using namespace platform;
+    static const QHash<int, QString> texts = {
+        {errors::Overflow, QStringLiteral("Overflow")},
+        {errors::OutOfMemory, QStringLiteral("Out of memory")},
+        {errors::Subscript, QStringLiteral("Subscript out of range")},
+        {errors::TypeMismatch, QStringLiteral("Type mismatch")},
+        {errors::Internal, QStringLiteral("Internal error")},
+        {errors::BadFileName, QStringLiteral("Bad file name or number")},
+        {errors::FileNotFound, QStringLiteral("File not found")},
+        {errors::DeviceIo, QStringLiteral("Device I/O error")},
+        {errors::DiskFull, QStringLiteral("Disk full")},
+        {errors::InputPastEnd, QStringLiteral("Input past end of file")},
+        {errors::PermissionDenied, QStringLiteral("Permission denied")},
+        {errors::PathAccess, QStringLiteral("Path/File access error")},
+        {errors::PathNotFound, QStringLiteral("Path not found")},
+        {errors::InvalidPropertyValue, QStringLiteral("Invalid property value")},
+        {errors::PrinterError, QStringLiteral("Printer error")},
+        {errors::NoSuchField, QStringLiteral("Item not found in this collection")},
+        {errors::DatabaseOpen, QStringLiteral("Could not find or open the database file")},
+        {errors::DatabasePassword, QStringLiteral("Not a valid password")},
+        {errors::PortNotOpen, QStringLiteral("Operation valid only when the port is open")},
+        {errors::PortUnavailable, QStringLiteral("The port is not available")},
+    };
+    return texts.value(number, QStringLiteral("Application-defined or object-defined error"));
+}
+
+QString ErrorText(const QString& source, int number) {
+    QString text =
+        QStringLiteral("Error Nr %1 : %2\r\nModule : ").arg(number).arg(RunTimeText(number));
+    const qsizetype point = source.indexOf(u'.');
+    if (point < 0)
+        return text + source;
+    const qsizetype underscore = source.indexOf(u'_', point);
+    text += source.left(point) + QStringLiteral("\r\n");
+    if (underscore < 0)
+        return text + QStringLiteral("Function : ") + source.mid(point + 1);
+    return text + QStringLiteral("Object : ") + source.mid(point + 1, underscore - point - 1) +
+           QStringLiteral("\r\nEvent : ") + source.mid(underscore + 1);
+}
+
+void Report(const QString& source, int number) {
+    Pointer::Default();
+    const QString text = ErrorText(source, number);
+    if (standing.contains(text))
+        return;
+    standing.insert(text);
+    const auto answered = qScopeGuard([&text] { standing.remove(text); });
+    Message(text, Messages::Critical);
+}
+
+int CurrentErrorNumber() {
+    using namespace platform;
+    try {
+        throw;
+    } catch (const RunTimeError& error) {
+        return error.Number();
+    } catch (const std::bad_alloc&) {
+        return errors::OutOfMemory;
+    } catch (const std::out_of_range&) {
+        return errors::Subscript;
+    } catch (...) {
+        return errors::Internal;
+    }
+}
+
+} // namespace ErrorHandling

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <utility>
+
+/// The one handler of run-time errors and the guard that leads to it.
+namespace ErrorHandling {
+
+/// Tells the operator of an error in a procedure, in a box that waits. `source` is the module or
+/// form, a point and the procedure; handlers of a form add the object, "_" and the event.
+void Report(const QString& source, int number);
+
+/// The text of the box.
+QString ErrorText(const QString& source, int number);
+
+/// What the run-time library says of an error number.
+QString RunTimeText(int number);
+
+/// The number of the exception that is being handled; only inside a catch.
+int CurrentErrorNumber();
+
+/// Runs the body of a procedure. An error inside goes to the handler, and the procedure returns
+/// with what it had. True when the body ran to its end.
+template <class Body> bool Guard(const char* source, Body&& body) noexcept {
+    try {
+        std::forward<Body>(body)();
+        return true;
+    } catch (...) {
+        const int number = CurrentErrorNumber();
+        try {
+            Report(QString::fromLatin1(source), number);
+        } catch (...) {
+            // The handler is the end of the line: an error inside it has nowhere to go.
+            return false;
+        }
+        return false;
+    }
+}
+
+} // namespace ErrorHandling

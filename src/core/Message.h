@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+/// The program's message box: a text, a style word, a flag for a box that doesn't wait. Gives the
+/// number of the button pressed; -1 when the box was closed without one, 0 at once for a box
+/// that doesn't wait.
+int Message(const QString& text, int buttons = 0, bool noWait = false);
+
+namespace Messages {
+
+/// Pictures and button sets of the style word.
+inline constexpr int Critical = 16;
+
+enum Result { Closed = -1, Ok = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
+
+using Presenter = std::function<int(const QString& text, int buttons, bool noWait)>;
+
+/// A notice that stands on the screen without a button while something takes long; it goes with
+/// the object.
+class Notice {
+public:
+    explicit Notice(const QString& text);
+    ~Notice();
+    Notice(const Notice&) = delete;
+    Notice& operator=(const Notice&) = delete;
+
+private:
+    std::function<void()> close_;
+};
+
+/// Shows a notice and gives what takes it away.
+using NoticePresenter = std::function<std::function<void()>(const QString& text)>;
+void InstallNotice(NoticePresenter presenter);
+
+/// Says who shows the box. Without a presenter `Message` writes to the standard error stream and
+/// gives -1, so that a failure ahead of the first screen is still told.
+void Install(Presenter presenter);
+
+} // namespace Messages

@@ -1,0 +1,71 @@
+#include "core/SLVfonctions.h"
+
+#include "core/Bytes.h"
+#include "core/ErrorHandling.h"
+#include "core/Global.h"
+#include "platform/Folders.h"
+#include "platform/SettingsFile.h"
+
+#include <memory>
+
+namespace SLVfonctions {
+
+using ErrorHandling::Guard;
+
+namespace {
+
+/// The engine of the file in use; another path, as tests set it, brings another engine.
+platform::SettingsFile& File() {
+    static std::unique_ptr<platform::SettingsFile> file;
+    const QString path = IniFileName();
+    if (!file || file->Path() != path) {
+        file.reset();
+        file = std::make_unique<platform::SettingsFile>(path);
+    }
+    return *file;
+}
+
+} // namespace
+
+QString IniFileName() {
+    return Global::InApplicationFolder(platform::ExecutableName() + QStringLiteral(".ini"));
+}
+
+QString IniRead(const QString& section, const QString& key, const QString& fallback) {
+    QString value = fallback;
+    Guard("SLVfonctions.IniRead", [&] { value = File().Read(section, key, fallback); });
+    return value;
+}
+
+void IniWrite(const QString& section, const QString& key, const QString& value) {
+    Guard("SLVfonctions.IniWrite", [&] { File().Write(section, key, value); });
+}
+
+void IniDeleteKey(const QString& section, const QString& key) {
+    Guard("SLVfonctions.IniDeleteKey", [&] { File().DeleteKey(section, key); });
+}
+
+void IniDeleteSection(const QString& section) {
+    Guard("SLVfonctions.IniDeleteSection", [&] { File().DeleteSection(section); });
+}
+
+int IniReadKeys(QStringList& keys, const QString& section) {
+    keys.clear();
+    Guard("SLVfonctions.IniReadKeys", [&] { keys = File().Keys(section); });
+    return int(keys.size());
+}
+
+QString DevicePath(const QString& portName) {
+    const int number = Bytes::ShortVal(portName.mid(3));
+    const QString fallback = portName.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive)
+                                 ? QStringLiteral("/dev/lp%1")
+                                 : QStringLiteral("/dev/ttyS%1");
+    return IniRead(QStringLiteral("Ports"), portName, fallback.arg(number - 1));
+}
+
+bool IsTrue(const QString& value) {
+    return Bytes::Val(value) != 0 ||
+           value.compare(QStringLiteral("true"), Qt::CaseInsensitive) == 0;
+}
+
+} // namespace SLVfonctions

@@ -1,0 +1,49 @@
+#include "core/Trace.h"
+
+#include "core/Global.h"
+#include "platform/Folders.h"
+#include "platform/LineLog.h"
+
+#include <QDir>
+
+namespace Trace {
+
+namespace {
+platform::LineLog& Log() {
+    static platform::LineLog log;
+    return log;
+}
+} // namespace
+
+QString FileName(DateTime day) {
+    return Global::InApplicationFolder(QStringLiteral("Trace")) + QDir::separator() +
+           DateTimes::FileDate(day) + QStringLiteral(".log");
+}
+
+void OpenToday() {
+    const QString folder = Global::InApplicationFolder(QStringLiteral("Trace"));
+    if (!QDir(folder).exists())
+        platform::MakeFolder(folder);
+    Log().Open(FileName(DateTimes::Now()), platform::LineLog::AppendMode);
+}
+
+void Write(const QString& line) {
+    Log().WriteLine(line);
+    Log().Commit();
+}
+
+QString SystemLine(DateTime when, const QString& number, const QString& word) {
+    Record record(Columns::Width);
+    record.Set(Columns::Date, DateTimes::ShortDate(when));
+    record.Set(Columns::Time, DateTimes::LongTime(when));
+    record.Set(Columns::Number, number);
+    record.Set(Columns::Key, Stars(Columns::Key.width));
+    record.Set(Columns::Origin, QStringLiteral("SYSTEM"));
+    record.Set(Columns::Parameter, QStringLiteral("COMM"));
+    record.Set(Columns::Word, word);
+    record.Set(Columns::Common, Stars(Columns::Common.width));
+    record.Set(Columns::Specific, Stars(Columns::Specific.width));
+    return record.Text();
+}
+
+} // namespace Trace

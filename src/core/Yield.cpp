@@ -1,0 +1,7 @@
+#include "core/Yield.h"
+
+#include <QCoreApplication>
+
+void Yield() {
+    QCoreApplication::processEvents();
+}

@@ -1,0 +1,87 @@
+#include "core/DateTimes.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Dates : public ::testing::Test {
+protected:
+    ~Dates() override { DateTimes::ReadLocale(QLocale::system()); }
+    static void Use(const char* name) { DateTimes::ReadLocale(QLocale(QLatin1String(name))); }
+    static QString Short(int year, int month, int day) {
+        return DateTimes::ShortDate(DateTimes::FromDate(QDate(year, month, day)));
+    }
+};
+
+TEST_F(Dates, ShortDateHasTenColumnsInEveryLocale) {
+    struct Case {
+        const char* locale;
+        const char* text;
+    };
+    for (const Case& test :
+         {Case{"C", "2024-03-05"}, Case{"fr_FR", "05/03/2024"}, Case{"de_DE", "05.03.2024"},
+          Case{"en_US", "03/05/2024"}, Case{"ja_JP", "2024/03/05"}, Case{"nl_NL", "05-03-2024"}}) {
+        Use(test.locale);
+        EXPECT_EQ(Short(2024, 3, 5), QLatin1String(test.text)) << test.locale;
+    }
+}
+
+TEST_F(Dates, WhatIsWrittenIsReadBack) {
+    for (const char* locale : {"C", "fr_FR", "de_DE", "en_US", "ja_JP", "ar_EG", "hu_HU", "bg_BG",
+                               "sr_RS", "th_TH", "zh_CN"}) {
+        Use(locale);
+        for (const DateTime when : {45366.0, 45366.5, 45292 + 86399.0 / 86400, 36526.25, 1.0}) {
+            const QString text = DateTimes::DateAndTime(when);
+            EXPECT_EQ(text.size(), 19) << locale;
+            const auto parsed = DateTimes::Parse(text);
+            ASSERT_TRUE(parsed) << locale << ' ' << text.toStdString();
+            EXPECT_NEAR(*parsed, when, 1e-9) << locale;
+            EXPECT_EQ(DateTimes::Parse(DateTimes::ShortDate(when)), std::floor(when)) << locale;
+            EXPECT_NEAR(DateTimes::Parse(DateTimes::LongTime(when)).value_or(-1),
+                        when - std::floor(when), 1e-9);
+        }
+    }
+}
+
+// Lines written before the locale was changed must not turn into other dates.
+TEST_F(Dates, TextsOfAnotherLocaleAreNoDates) {
+    const auto isDate = [](const char* text) {
+        return DateTimes::Parse(QLatin1String(text)).has_value();
+    };
+    Use("fr_FR");
+    EXPECT_TRUE(isDate("15/03/2024 12:00:00"));
+    for (const char* text :
+         {"03/15/2024", "15.03.2024", "2024-03-15", "2024/03/15", "30/02/2024", "15/03/24",
+          "5/3/2024", "15/03/2024 24:00:00", "15/03/2024 12:00", "12:00:00 15/03/2024",
+          "15/03/2024 15/03/2024", "15/03/2024 12:00:00 x", "", "   ", "aa/bb/cccc", "12:60:00"})
+        EXPECT_FALSE(isDate(text)) << text;
+    Use("de_DE");
+    EXPECT_TRUE(isDate("15.03.2024"));
+    EXPECT_FALSE(isDate("15/03/2024"));
+    Use("C");
+    EXPECT_FALSE(isDate("15.03.2024"));
+}
+
+TEST_F(Dates, DayNumbers) {
+    EXPECT_EQ(DateTimes::FromDate(QDate(1899, 12, 30)), 0);
+    EXPECT_EQ(DateTimes::FromDate(QDate(2000, 1, 1), QTime(6, 0)), 36526.25);
+    EXPECT_EQ(DateTimes::DateOf(-0.25), QDate(1899, 12, 29));
+    EXPECT_EQ(DateTimes::TimeOf(-0.25), QTime(18, 0));
+    EXPECT_EQ(DateTimes::FileDate(36526.25), QStringLiteral("20000101"));
+    EXPECT_EQ(DateTimes::FileMonth(36526.25), QStringLiteral("200001"));
+    // Seconds are added as fractions of a day; the sum must not fall short of the second.
+    const DateTime start = DateTimes::FromDate(QDate(2024, 3, 15));
+    for (int second = 0; second < 86400; ++second)
+        ASSERT_EQ(DateTimes::TimeOf(start + second * platform::OneSecond),
+                  QTime(0, 0).addSecs(second));
+}
+
+TEST_F(Dates, NowFollowsTheClock) {
+    platform::TestClock clock;
+    clock.Set(2024, 12, 31, 23, 59, 59);
+    EXPECT_EQ(DateTimes::LongTime(DateTimes::Now()), QStringLiteral("23:59:59"));
+    clock.Advance(1000);
+    EXPECT_EQ(DateTimes::FileDate(DateTimes::Now()), QStringLiteral("20250101"));
+}
+
+} // namespace

@@ -1,0 +1,115 @@
+#include "core/ErrorHandling.h"
+
+#include "core/Message.h"
+#include "core/Pointer.h"
+#include "platform/RunTimeError.h"
+
+#include <QGuiApplication>
+#include <QStringList>
+#include <gtest/gtest.h>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+namespace errors = platform::errors;
+using ErrorHandling::ErrorText;
+using ErrorHandling::Guard;
+
+namespace {
+
+class Errors : public ::testing::Test {
+protected:
+    Errors() {
+        Messages::Install([this](const QString& text, int buttons, bool noWait) {
+            EXPECT_EQ(buttons, Messages::Critical);
+            EXPECT_FALSE(noWait);
+            boxes.append(text);
+            if (whileShown)
+                whileShown();
+            return int(Messages::Ok);
+        });
+    }
+    ~Errors() override { Messages::Install({}); }
+
+    QStringList boxes;
+    std::function<void()> whileShown;
+};
+
+TEST_F(Errors, TextSplitsTheSource) {
+    const QString head = QStringLiteral("Error Nr 9 : Subscript out of range\r\nModule : ");
+    struct Case {
+        const char* source;
+        const char* rest;
+    };
+    for (const Case& test :
+         {Case{"OpenConfigBase", "OpenConfigBase"}, Case{"", ""}, Case{"a_b", "a_b"},
+          Case{"HistoProcs.HistoEvent", "HistoProcs\r\nFunction : HistoEvent"},
+          Case{"wRunAlarms.imgAcquit_Click", "wRunAlarms\r\nObject : imgAcquit\r\nEvent : Click"},
+          Case{"my_Form.Go", "my_Form\r\nFunction : Go"},
+          Case{"wMain.a_b_c", "wMain\r\nObject : a\r\nEvent : b_c"},
+          Case{"a.b.c", "a\r\nFunction : b.c"}})
+        EXPECT_EQ(ErrorText(QLatin1String(test.source), 9), head + QLatin1String(test.rest));
+    EXPECT_TRUE(ErrorText(QStringLiteral("M.F"), 4711)
+                    .startsWith(QStringLiteral("Error Nr 4711 : Application-defined")));
+}
+
+TEST_F(Errors, GuardTurnsExceptionsIntoNumbers) {
+    const std::pair<std::function<void()>, int> cases[] = {
+        {[] { throw platform::RunTimeError(errors::DiskFull); }, errors::DiskFull},
+        {[] { throw std::bad_alloc(); }, errors::OutOfMemory},
+        {[] { (void)std::vector<int>().at(1); }, errors::Subscript},
+        {[] { throw std::runtime_error("x"); }, errors::Internal},
+        {[] { throw 1; }, errors::Internal},
+    };
+    for (const auto& [body, number] : cases) {
+        boxes.clear();
+        EXPECT_FALSE(Guard("Module.Function", body));
+        ASSERT_EQ(boxes.size(), 1);
+        EXPECT_EQ(boxes[0], ErrorText(QStringLiteral("Module.Function"), number));
+    }
+}
+
+TEST_F(Errors, GuardKeepsWhatTheBodyReached) {
+    int reached = 0;
+    EXPECT_TRUE(Guard("M.F", [&] { reached = 1; }));
+    EXPECT_TRUE(boxes.isEmpty());
+    EXPECT_FALSE(Guard("M.F", [&] {
+        reached = 2;
+        // The inner procedure's error ends the inner procedure only.
+        EXPECT_FALSE(Guard("M.Inner", [] { throw platform::RunTimeError(errors::Overflow); }));
+        reached = 3;
+        throw platform::RunTimeError(errors::Overflow);
+    }));
+    EXPECT_EQ(reached, 3);
+    EXPECT_EQ(boxes.size(), 2);
+}
+
+TEST_F(Errors, SameErrorDoesNotStackWhileItsBoxStands) {
+    whileShown = [this] {
+        whileShown = {};
+        ErrorHandling::Report(QStringLiteral("wPolling.tmrPolling_Timer"), errors::PortNotOpen);
+        ErrorHandling::Report(QStringLiteral("wPolling.tmrPolling_Timer"), errors::DeviceIo);
+    };
+    ErrorHandling::Report(QStringLiteral("wPolling.tmrPolling_Timer"), errors::PortNotOpen);
+    EXPECT_EQ(boxes.size(), 2) << "one for each error";
+    ErrorHandling::Report(QStringLiteral("wPolling.tmrPolling_Timer"), errors::PortNotOpen);
+    EXPECT_EQ(boxes.size(), 3) << "answered, then failed again";
+}
+
+TEST_F(Errors, FailureOfTheBoxItselfEndsThere) {
+    whileShown = [] { throw std::bad_alloc(); };
+    EXPECT_FALSE(Guard("M.Box", [] { throw platform::RunTimeError(errors::Overflow); }));
+    whileShown = {};
+    EXPECT_FALSE(Guard("M.Box", [] { throw platform::RunTimeError(errors::Overflow); }));
+    EXPECT_EQ(boxes.size(), 2) << "the next one is shown again";
+}
+
+TEST_F(Errors, NoHourglassOutlivesAFailure) {
+    Pointer::Hourglass();
+    Pointer::Hourglass();
+    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr);
+    Guard("M.F", [] { throw platform::RunTimeError(errors::Overflow); });
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+} // namespace

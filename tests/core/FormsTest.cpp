@@ -1,0 +1,111 @@
+#include "core/Forms.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+namespace {
+
+class TestForm : public Forms::Form {
+public:
+    explicit TestForm(QString name)
+        : name_(std::move(name)) {
+        Forms::Added(this);
+    }
+    QString Name() const override { return name_; }
+    void Show() override { visible_ = true; }
+    void Hide() override { visible_ = false; }
+    void BringToFront() override { ++raised; }
+    bool Visible() const override { return visible_; }
+    void Unload() override {
+        if (atUnload)
+            atUnload();
+        Forms::Removed(this);
+        visible_ = false;
+    }
+
+    std::function<void()> atUnload;
+    int raised = 0;
+
+private:
+    QString name_;
+    bool visible_ = false;
+};
+
+class FormRegistry : public ::testing::Test {
+protected:
+    FormRegistry() {
+        for (const char* name : {"wMain", "wPolling", "wHistoric"}) {
+            Forms::Register(QLatin1String(name), [this, name] {
+                made.push_back(std::make_unique<TestForm>(QLatin1String(name)));
+                return made.back().get();
+            });
+        }
+    }
+    ~FormRegistry() override {
+        for (const auto& form : made)
+            Forms::Removed(form.get());
+        for (const char* name : {"wMain", "wPolling", "wHistoric"})
+            Forms::Register(QLatin1String(name), {});
+    }
+    static TestForm* Load(const char* name) {
+        return static_cast<TestForm*>(Forms::Load(QLatin1String(name)));
+    }
+    static int Instances(const char* name) { return NbInstances(QLatin1String(name)); }
+
+    std::vector<std::unique_ptr<TestForm>> made;
+};
+
+TEST_F(FormRegistry, MakesAFormOnceUntilItIsUnloaded) {
+    EXPECT_EQ(Forms::Find(QStringLiteral("wMain")), nullptr);
+    Forms::BringToFront(QStringLiteral("wMain"));
+    Forms::Unload(QStringLiteral("wMain"));
+    EXPECT_TRUE(made.empty());
+    TestForm* form = Load("wMain");
+    EXPECT_EQ(Load("wMain"), form);
+    EXPECT_FALSE(Forms::AnyVisible());
+    Forms::Show(QStringLiteral("wMain"));
+    EXPECT_TRUE(Forms::AnyVisible());
+    Forms::BringToFront(QStringLiteral("wMain"));
+    EXPECT_EQ(form->raised, 1);
+    EXPECT_EQ(Instances("wMain"), 1);
+    EXPECT_EQ(Instances("wmain"), 0);
+    Forms::Unload(QStringLiteral("wMain"));
+    EXPECT_EQ(Instances("wMain"), 0);
+    EXPECT_NE(Load("wMain"), form);
+    EXPECT_EQ(Load("wUnknown"), nullptr);
+    Forms::Show(QStringLiteral("wUnknown"));
+}
+
+TEST_F(FormRegistry, UnloadAllButTakesFormsThatAnUnloadOpens) {
+    Load("wMain");
+    Load("wPolling")->atUnload = [] { Load("wHistoric"); };
+    Forms::UnloadAllBut({QStringLiteral("wMain")});
+    EXPECT_EQ(Instances("wMain"), 1);
+    EXPECT_EQ(Instances("wPolling"), 0);
+    EXPECT_EQ(Instances("wHistoric"), 0);
+}
+
+TEST_F(FormRegistry, UnloadAllButPassesFormsThatAnUnloadTakesAlong) {
+    TestForm* first = Load("wPolling");
+    int unloads = 0;
+    Load("wHistoric")->atUnload = [&] { ++unloads; };
+    first->atUnload = [] { Forms::Unload(QStringLiteral("wHistoric")); };
+    Forms::UnloadAllBut({});
+    EXPECT_EQ(unloads, 1);
+    EXPECT_EQ(Instances("wPolling") + Instances("wHistoric"), 0);
+}
+
+TEST_F(FormRegistry, UnloadAllButEndsWithAFormThatComesBack) {
+    std::function<void()> again = [&] { Load("wPolling")->atUnload = again; };
+    TestForm* form = Load("wPolling");
+    form->atUnload = [&, form] {
+        Forms::Removed(form);
+        again();
+    };
+    Forms::UnloadAllBut({});
+    EXPECT_LE(Instances("wPolling"), 1);
+}
+
+} // namespace
