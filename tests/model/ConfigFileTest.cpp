@@ -1,0 +1,256 @@
+// The site file as a whole: its layout against bytes put together by hand, the results of reading
+// and saving, and damaged files.
+
+#include "model/ConfigClass.h"
+
+#include "core/Message.h"
+#include "model/CurrentConfig.h"
+#include "model/SiteBytes.h"
+#include "platform/Folders.h"
+
+#include <QTemporaryDir>
+#include <memory>
+#include <random>
+
+namespace {
+
+class ConfigFile : public ::testing::Test {
+protected:
+    ConfigFile() {
+        Messages::Install([this](const QString& text, int, bool) {
+            boxes.append(text);
+            return int(Messages::Ok);
+        });
+    }
+    ~ConfigFile() override {
+        Messages::Install({});
+        platform::OverrideApplication({}, {});
+    }
+
+    QString Path(const char* name = "site.kv2") const {
+        return folder.filePath(QLatin1String(name));
+    }
+
+    /// Reads bytes as a site file into a new configuration.
+    qint32 Read(const QByteArray& bytes) {
+        WriteFile(Path(), bytes);
+        config = std::make_unique<ConfigClass>();
+        return config->Read(Path());
+    }
+
+    /// Saves and gives the bytes.
+    QByteArray Saved(ConfigClass& saved) {
+        EXPECT_EQ(saved.Save(Path()), -1);
+        return FileBytes(Path());
+    }
+
+    QTemporaryDir folder;
+    QStringList boxes;
+    std::unique_ptr<ConfigClass> config;
+    const QByteArray tail = SiteTail();
+};
+
+/// Place of the scrambling key in a header of SiteHeader's settings.
+int KeyOffset(const SiteHeader& header) {
+    return int(32 + 4 + header.busSettings.size() + 4 + header.secondPrtSettings.size() + 4 + 200 +
+               4);
+}
+
+TEST_F(ConfigFile, ReadsEveryField) {
+    ASSERT_EQ(Read(SiteHeader().Bytes() + tail + "trailing"), 0);
+    EXPECT_EQ(config->BusSettings(), QStringLiteral("COM3:9600,N,8,2"));
+    EXPECT_EQ(config->PrtSettings(), QStringLiteral("LPT2:"));
+    EXPECT_TRUE(config->AutoStart());
+    EXPECT_FALSE(config->PrintBusResult());
+    EXPECT_EQ(config->AlarmPrioSound(99), 7);
+    EXPECT_TRUE(config->OptionScreen(4) && config->OptionKlaxon(1) && config->OptionPrinter(2) &&
+                config->OptionHisto(4));
+    EXPECT_FALSE(config->OptionKlaxon(2) || config->OptionPrinter(1) || config->OptionHisto(1));
+    EXPECT_EQ(config->UserCount(), 2);
+    EXPECT_EQ(config->UserName(2), QStringLiteral("CHIEF"));
+    EXPECT_EQ(config->UserPwd(1), QStringLiteral("1234"));
+    EXPECT_EQ(config->UserLevel(2), 2);
+    EXPECT_EQ(config->PrintMaxLen(), 132);
+    EXPECT_EQ(config->PrinterInitString(7), QStringLiteral("\u001BH"));
+    EXPECT_EQ(config->PrinterInitCode(0), QStringLiteral("<27>A"));
+    EXPECT_EQ(config->PrinterName(), QStringLiteral("Matrix"));
+    EXPECT_EQ(config->InactivityTime(), 15);
+    EXPECT_EQ(config->Panel(64).Numero(), 64);
+    EXPECT_EQ(config->Mirrors().Item(1).ID(), QStringLiteral("03120504"));
+    EXPECT_TRUE(boxes.isEmpty());
+}
+
+TEST_F(ConfigFile, SavesWhatItReadByteForByte) {
+    SiteHeader header;
+    header.prtSettings = header.secondPrtSettings;
+    ASSERT_EQ(Read(header.Bytes() + tail), 0);
+    config->Panel(9).setNumero(1);
+    config->setModified(true);
+    WriteFile(Path("again.kv2"), QByteArray(1000000, 'x'));
+    ASSERT_EQ(config->Save(Path("again.kv2")), -1);
+    const QByteArray saved = FileBytes(Path("again.kv2"));
+    header.key = quint8(saved[KeyOffset(header)]);
+    EXPECT_EQ(saved, header.Bytes() + tail);
+    EXPECT_FALSE(config->Panel(9).Modified());
+    EXPECT_TRUE(config->Modified());
+}
+
+TEST_F(ConfigFile, HeaderBeyondThePanelOffsetHasNoPadding) {
+    ConfigClass full;
+    full.setUserCount(40);
+    for (int i = 1; i <= 40; ++i)
+        full.setUserName(i, QString(16, QChar(0xE9)));
+    full.Panel(1).setTitle(QStringLiteral("Hall"));
+    full.setConsigne(48, QString(1024, QChar(0x20AC)));
+    ASSERT_EQ(Read(Saved(full)), 0);
+    EXPECT_EQ(config->Panel(1).Title(), QStringLiteral("Hall"));
+    EXPECT_EQ(config->Consigne(48), QString(1024, QChar(0x20AC)));
+    EXPECT_EQ(config->Panel(64).Numero(), 64);
+    EXPECT_EQ(config->UserCount(), 40);
+}
+
+// A text that the key turns blank at its end loses it, as in every file of this format.
+TEST_F(ConfigFile, ScrambledBlanksAreLost) {
+    SiteHeader header;
+    header.key = 'C' ^ ' ';
+    ASSERT_EQ(Read(header.Bytes() + tail), 0);
+    EXPECT_EQ(config->UserName(1), QStringLiteral("HIEF"));
+    EXPECT_EQ(config->UserPwd(1), QStringLiteral("1234"));
+}
+
+TEST_F(ConfigFile, SoundsOfBothRevisions) {
+    SiteHeader header;
+    header.sound = 120;
+    ASSERT_EQ(Read(header.Bytes() + tail), 0);
+    EXPECT_EQ(config->AlarmPrioSound(1), 99);
+    EXPECT_EQ(config->AlarmPrioSound(99), 99);
+    header.revision = 23;
+    ASSERT_EQ(Read(header.Bytes() + tail), 0);
+    EXPECT_EQ(config->AlarmPrioSound(99), 99);
+    header.revision = 22;
+    header.sounds = 6;
+    ASSERT_EQ(Read(header.Bytes() + tail), 0);
+    EXPECT_EQ(config->AlarmPrioSound(5), 120);
+    EXPECT_EQ(config->AlarmPrioSound(6), 1);
+    EXPECT_EQ(config->AlarmPrioSound(99), 1);
+    EXPECT_EQ(config->Panel(64).Numero(), 64);
+}
+
+TEST_F(ConfigFile, PortSettingsOfTheFile) {
+    SiteHeader header;
+    header.busSettings = "";
+    header.secondPrtSettings = "";
+    WriteFile(Path(), header.Bytes() + tail);
+    ConfigClass read;
+    read.setBusSettings(QStringLiteral("COM1:4800,N,8,1"));
+    ASSERT_EQ(read.Read(Path()), 0);
+    EXPECT_EQ(read.BusSettings(), QStringLiteral("COM1:4800,N,8,1"));
+    EXPECT_EQ(read.PrtSettings(), QString());
+}
+
+TEST_F(ConfigFile, SignatureAndVersion) {
+    SiteHeader header;
+    header.signature = "  Korvanelle II";
+    EXPECT_EQ(Read(header.Bytes() + tail), 0);
+    for (const char* signature : {"Korvanelle I", "korvanelle ii", "", "Korvanelle II\t"}) {
+        header.signature = signature;
+        EXPECT_EQ(Read(header.Bytes() + tail), 20003) << signature;
+    }
+    struct Case {
+        int majorVersion, minorVersion, revision, result;
+    };
+    // Minor 10 sorts below minor 2, as texts do.
+    for (const Case& version :
+         {Case{2, 3, 0, 20004}, Case{3, 0, 0, 20004}, Case{2, 9, 30, 20004}, Case{2, 2, 9999, 0},
+          Case{2, 1, 99, 0}, Case{2, 10, 30, 0}, Case{10, 0, 30, 0}, Case{2, 20, 30, 20004}}) {
+        header = {};
+        header.majorVersion = version.majorVersion;
+        header.minorVersion = version.minorVersion;
+        header.revision = version.revision;
+        header.sounds = version.revision < 23 ? 6 : 100;
+        EXPECT_EQ(Read(header.Bytes() + tail), version.result)
+            << version.majorVersion << '.' << version.minorVersion << '.' << version.revision;
+    }
+}
+
+TEST_F(ConfigFile, UserCountsThatCannotBe) {
+    for (const int count : {0, -1, 32767}) {
+        QByteArray bytes = SiteHeader().Bytes() + tail;
+        const int place = KeyOffset(SiteHeader()) + 1;
+        bytes.replace(place, 2, SiteBytes().Word(count).bytes);
+        EXPECT_EQ(Read(bytes), 20001) << count;
+        EXPECT_EQ(config->BusSettings(), QStringLiteral("COM3:9600,N,8,2"))
+            << "what was read stays";
+        EXPECT_LE(config->UserCount(), 32767);
+    }
+}
+
+TEST_F(ConfigFile, UnreadableFilesGiveNoReport) {
+    ConfigClass read;
+    EXPECT_EQ(read.Read(QString()), 20001);
+    EXPECT_EQ(read.Read(Path("missing.kv2")), 20001);
+    EXPECT_EQ(read.Read(folder.path()), 20001);
+    EXPECT_EQ(Read(QByteArray()), 20001);
+    EXPECT_TRUE(boxes.isEmpty());
+}
+
+TEST_F(ConfigFile, FailedSavesAreReported) {
+    ConfigClass site;
+    site.Panel(1).setTitle(QStringLiteral("x"));
+    EXPECT_EQ(site.Save(QString()), 20002);
+    EXPECT_TRUE(boxes.isEmpty());
+    EXPECT_EQ(site.Save(Path("no/such/folder.kv2")), 20002);
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_TRUE(boxes[0].contains(
+        QStringLiteral("Error Nr 76 : Path not found\r\nModule : ConfigClass\r\nFunction : Save")));
+    EXPECT_TRUE(site.Panel(1).Modified()) << "nothing was saved";
+    if (QFile::exists(QStringLiteral("/dev/full"))) {
+        EXPECT_EQ(site.Save(QStringLiteral("/dev/full")), 20002);
+    }
+    for (int i = 0; i <= 32767; ++i)
+        site.Mirrors().Add(1, 1, 2, 1, 1);
+    EXPECT_EQ(site.Save(Path()), 20002) << "more rules than the count can tell";
+}
+
+TEST_F(ConfigFile, CurrentConfigurationLiesBesideTheExecutable) {
+    platform::OverrideApplication(folder.path(), QStringLiteral("korvanelle"));
+    Global::setConfiguration(nullptr);
+    Global::Configuration().Panel(3).setTitle(QStringLiteral("Three"));
+    EXPECT_EQ(SaveCurrentConfig(), -1);
+    EXPECT_EQ(CurrentConfigFile(), Path("korvanelle.dat"));
+    ConfigClass read;
+    EXPECT_EQ(read.Read(Path("korvanelle.dat")), 0);
+    EXPECT_EQ(read.Panel(3).Title(), QStringLiteral("Three"));
+    Global::setConfiguration(nullptr);
+}
+
+TEST_F(ConfigFile, EveryTruncationFails) {
+    const QByteArray whole = SiteHeader().Bytes() + tail;
+    for (qsizetype length = 0; length < whole.size(); length += length < 1100 ? 1 : 997)
+        ASSERT_EQ(Read(whole.left(length)), 20001) << length;
+    EXPECT_EQ(Read(whole.chopped(1)), 20001);
+    EXPECT_TRUE(boxes.isEmpty());
+}
+
+TEST_F(ConfigFile, DamageNeverEndsTheProgram) {
+    const QByteArray whole = SiteHeader().Bytes() + tail;
+    std::mt19937 random(20240315);
+    int failures = 0;
+    for (int round = 0; round < 300; ++round) {
+        QByteArray damaged = whole;
+        // Half of the rounds hit the settings, where lengths and counts stand close together.
+        const auto end = round % 2 == 0 ? 1024U : unsigned(whole.size());
+        for (unsigned i = 0; i <= random() % 12; ++i)
+            damaged[30U + unsigned(random()) % (end - 30U)] = char(random());
+        const qint32 result = Read(damaged);
+        ASSERT_TRUE(result == 0 || result == 20001) << round << ": " << result;
+        failures += result == 0 ? 0 : 1;
+        if (result == 0) {
+            EXPECT_EQ(config->Save(Path("resaved.kv2")), -1) << round;
+        }
+    }
+    EXPECT_GT(failures, 20);
+    EXPECT_LT(failures, 290);
+}
+
+} // namespace

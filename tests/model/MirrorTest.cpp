@@ -1,0 +1,89 @@
+#include "model/MirrorClass.h"
+
+#include "model/SiteBytes.h"
+#include "platform/RunTimeError.h"
+
+namespace errors = platform::errors;
+
+namespace {
+
+TEST(Mirrors, AreFoundByTheirEndPoints) {
+    MirrorClasses list;
+    list.Add(3, 12, 5, 4, 1);
+    list.Add(7, 0, 8, 0, 0);
+    EXPECT_EQ(list.Item(2).ID(), QStringLiteral("07000800"));
+    EXPECT_EQ(list.GetByID(QStringLiteral("03120504")), &list.Item(1));
+    EXPECT_EQ(list.GetByID(QStringLiteral("99999999")), nullptr);
+
+    MirrorClass other;
+    other.Copy(list.Item(1));
+    other.setMirrorType(2);
+    EXPECT_TRUE(list.IsAlreadyPresent(other));
+    other.setToChannel(5);
+    EXPECT_FALSE(list.IsAlreadyPresent(other));
+}
+
+TEST(Mirrors, PositionsCountFromOne) {
+    MirrorClasses list;
+    MirrorClass& first = list.Add(1, 1, 2, 1, 1);
+    for (qint16 i = 2; i <= 50; ++i)
+        list.Add(i, 1, 2, 1, 1);
+    EXPECT_EQ(&first, &list.Item(1)) << "a rule stays in its place while others come";
+    for (const int index : {-1, 0, 51}) {
+        EXPECT_EQ(ErrorNumberOf([&] { list.Item(index); }), errors::Subscript);
+        EXPECT_EQ(ErrorNumberOf([&] { list.Remove(index); }), errors::Subscript);
+    }
+    list.Remove(1);
+    EXPECT_EQ(list.Item(1).FromModule(), 2);
+    int walked = 0;
+    for (const MirrorClass& rule : list)
+        walked += rule.FromModule() == walked + 2 ? 1 : 0;
+    EXPECT_EQ(walked, 49);
+}
+
+TEST(Mirrors, MarksOfTheListAndItsRules) {
+    MirrorClasses list;
+    list.RemoveAll();
+    EXPECT_FALSE(list.Modified()) << "nothing was there to remove";
+    list.Add(0, 0, 0, 0, 0);
+    EXPECT_TRUE(list.Modified());
+    list.setModified(false);
+
+    const std::function<void(MirrorClass&)> changes[] = {
+        [](MirrorClass& rule) { rule.setFromModule(1); },
+        [](MirrorClass& rule) { rule.setFromChannel(1); },
+        [](MirrorClass& rule) { rule.setToModule(1); },
+        [](MirrorClass& rule) { rule.setToChannel(1); },
+        [](MirrorClass& rule) { rule.setMirrorType(1); },
+    };
+    for (const auto& change : changes) {
+        change(list.Item(1));
+        EXPECT_TRUE(list.Modified());
+        list.setModified(false);
+        change(list.Item(1));
+        EXPECT_FALSE(list.Modified());
+    }
+    list.RemoveAll();
+    EXPECT_TRUE(list.Modified());
+    EXPECT_EQ(list.Count(), 0);
+}
+
+TEST(Mirrors, CopyTakesTheMarkOfItsSource) {
+    MirrorClasses source;
+    source.Add(1, 2, 3, 4, 1);
+    source.Add(5, 6, 7, 8, 2);
+    MirrorClasses target;
+    target.Add(9, 9, 9, 9, 1);
+    target.Copy(source);
+    EXPECT_TRUE(target.Modified() && target.Item(2).Modified());
+    source.setModified(false);
+    target.Copy(source);
+    EXPECT_FALSE(target.Modified() || target.Item(1).Modified());
+    ASSERT_EQ(target.Count(), 2);
+    EXPECT_EQ(target.Item(2).ID(), QStringLiteral("05060708"));
+    EXPECT_EQ(target.Item(2).MirrorType(), 2);
+    target.Copy(target);
+    EXPECT_EQ(target.Count(), 2);
+}
+
+} // namespace

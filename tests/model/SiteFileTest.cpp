@@ -1,0 +1,157 @@
+// The bytes of the site file's pieces, and what a damaged piece does.
+
+#include "model/SiteFile.h"
+
+#include "model/SiteBytes.h"
+#include "platform/RunTimeError.h"
+
+namespace errors = platform::errors;
+
+int ErrorNumberOf(const std::function<void()>& body) {
+    try {
+        body();
+        return 0;
+    } catch (const platform::RunTimeError& error) {
+        return error.Number();
+    }
+}
+
+namespace {
+
+template <class Piece> QByteArray Saved(Piece& piece) {
+    SiteFileWriter writer;
+    piece.SaveTo(writer);
+    return writer.Bytes();
+}
+
+void Fill(ChannelClass& channel) {
+    channel.setScreenText(QStringLiteral("Pompe 1 \u20AC"));
+    channel.setPrintText(QStringLiteral("\u00E9t\u00E9"));
+    channel.setHelpNum(48);
+    channel.setBibNum(0x0140);
+    channel.setScrAlm(true);
+    channel.setHisto(false);
+    channel.setKlaxon(true);
+    channel.setAlmPrio(7);
+    channel.setReact(true);
+    channel.setReactTpo(0x01020304);
+    channel.setTypeImp(-2);
+}
+
+TEST(SiteFile, ChannelRecord) {
+    ChannelClass channel;
+    EXPECT_EQ(Saved(channel), SiteBytes()
+                                  .Text("")
+                                  .Text("")
+                                  .Raw(QByteArray::fromHex("00000000 00000000 ffff 0000 6300"
+                                                           "0000 00000000 0000"))
+                                  .bytes);
+    Fill(channel);
+    EXPECT_EQ(Saved(channel),
+              QByteArray::fromHex("09000000 506f6d706520312080 03000000 e974e9"
+                                  "3000 4001 ffff 0000 0000 ffff 0700 ffff 04030201 feff"));
+    EXPECT_FALSE(channel.Modified());
+
+    ChannelClass read;
+    SiteFileReader reader(Saved(channel));
+    read.ReadFrom(reader);
+    EXPECT_EQ(Saved(read), Saved(channel));
+    EXPECT_EQ(read.ScreenText(), QStringLiteral("Pompe 1 \u20AC"));
+    EXPECT_EQ(reader.Left(), 0);
+}
+
+TEST(SiteFile, PanelRecordHoldsAllChannels) {
+    PanelClass panel;
+    panel.setNumero(64);
+    panel.setModel(1);
+    panel.setTitle(QStringLiteral("  Hall A "));
+    panel.setTitleColor(0x00FF8001);
+    panel.setActive(true);
+    Fill(panel.Channel(24));
+    SiteBytes expected;
+    expected.Byte(64).Byte(1).Text("  Hall A ").Long(0x00FF8001).Word(-1);
+    ChannelClass empty;
+    for (int i = 1; i <= 23; ++i)
+        expected.Raw(Saved(empty));
+    expected.Raw(Saved(panel.Channel(24)));
+    EXPECT_EQ(Saved(panel), expected.bytes);
+    EXPECT_FALSE(panel.Modified());
+
+    PanelClass read;
+    SiteFileReader reader(expected.bytes);
+    EXPECT_TRUE(read.ReadFrom(reader));
+    EXPECT_EQ(read.Title(), QStringLiteral("Hall A"));
+    EXPECT_EQ(read.Channel(24).AlmPrio(), 7);
+    EXPECT_EQ(read.TitleColor(), 0x00FF8001);
+    EXPECT_TRUE(read.Active());
+    EXPECT_FALSE(read.Modified());
+}
+
+TEST(SiteFile, MirrorList) {
+    MirrorClasses list;
+    EXPECT_EQ(Saved(list), QByteArray::fromHex("0000"));
+    list.Add(3, 12, 5, 4, 2);
+    list.Add(7, 0, 8, 0, 0);
+    const QByteArray bytes = QByteArray::fromHex("0200 0300 0c00 0500 0400 0200"
+                                                 "0700 0000 0800 0000 0000");
+    EXPECT_EQ(Saved(list), bytes);
+    EXPECT_TRUE(list.Modified());
+
+    MirrorClasses read;
+    for (int round = 1; round <= 2; ++round) {
+        SiteFileReader reader(bytes);
+        EXPECT_TRUE(read.ReadFrom(reader));
+        EXPECT_EQ(read.Count(), 2 * round);
+    }
+    EXPECT_EQ(read.Item(3).ID(), QStringLiteral("03120504"));
+    EXPECT_TRUE(read.Modified());
+
+    SiteFileReader negative(QByteArray::fromHex("ffff"));
+    EXPECT_TRUE(read.ReadFrom(negative));
+    EXPECT_EQ(read.Count(), 4);
+    SiteFileReader truncated(bytes.chopped(1));
+    EXPECT_EQ(ErrorNumberOf([&] { read.ReadFrom(truncated); }), errors::InputPastEnd);
+}
+
+TEST(SiteFile, TextsLoseBlanksOnly) {
+    SiteFileReader reader(
+        SiteBytes().Text("  a b\r\n\t ").Text("    ").Text(QByteArray("\0x ", 3)).bytes);
+    EXPECT_EQ(reader.GetFileString(), QStringLiteral("a b\r\n\t"));
+    EXPECT_EQ(reader.GetFileString(), QString());
+    EXPECT_EQ(reader.GetFileString(), QString(QChar()) + u'x');
+}
+
+TEST(SiteFile, FixedTextsAreCutAndPadded) {
+    SiteFileWriter writer;
+    writer.PutFixedText(QStringLiteral("abcdef"), 4);
+    writer.PutFixedText(QStringLiteral("\u20AC"), 3);
+    writer.PutFixedText(QString(2, QChar()), 2);
+    EXPECT_EQ(writer.Bytes(), QByteArray("abcd\x80  \0\0", 9));
+    SiteFileReader reader(writer.Bytes());
+    EXPECT_EQ(reader.GetFixedText(4), QStringLiteral("abcd"));
+    EXPECT_EQ(reader.GetFixedText(3), QStringLiteral("\u20AC  "));
+    EXPECT_EQ(reader.GetFixedText(2), QString(2, QChar()));
+}
+
+// A damaged length would otherwise ask for two gigabytes or run backwards.
+TEST(SiteFile, LengthsBeyondTheFileAreRefused) {
+    for (const qint32 length : {-1, -2147483647 - 1, 2147483647, 4}) {
+        SiteFileReader reader(SiteBytes().Long(length).Raw("abc").bytes);
+        EXPECT_EQ(ErrorNumberOf([&] { reader.GetFileString(); }), errors::InputPastEnd) << length;
+    }
+    SiteFileReader shortFile(QByteArray("abc"));
+    EXPECT_EQ(ErrorNumberOf([&] { shortFile.GetLong(); }), errors::InputPastEnd);
+    EXPECT_EQ(shortFile.GetWord(), 0x6261);
+    EXPECT_EQ(ErrorNumberOf([&] { shortFile.Skip(2); }), errors::InputPastEnd);
+    EXPECT_EQ(shortFile.GetByte(), 'c');
+    EXPECT_EQ(ErrorNumberOf([&] { shortFile.GetByte(); }), errors::InputPastEnd);
+}
+
+TEST(SiteFile, OnlyPlainFilesAreOpened) {
+    EXPECT_NE(ErrorNumberOf([] { SiteFileReader::Open(QStringLiteral("/dev/zero")); }), 0);
+    EXPECT_NE(ErrorNumberOf([] { SiteFileReader::Open(QStringLiteral("/")); }), 0);
+    EXPECT_EQ(ErrorNumberOf([] { SiteFileReader::Open(QStringLiteral("/no/such/file")); }),
+              errors::FileNotFound);
+}
+
+} // namespace
