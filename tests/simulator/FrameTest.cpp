@@ -1,0 +1,99 @@
+#include "simulator/Frame.h"
+
+#include <gmock/gmock.h>
+
+using namespace Sim;
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+
+namespace {
+
+Bytes WithCrc(Bytes frame) {
+    AppendCrc(frame);
+    return frame;
+}
+
+const Bytes ReadFrame{0x01, 0x03, 0x00, 0x00, 0x00, 0x0A, 0xC5, 0xCD};
+
+} // namespace
+
+TEST(FrameCrc, KnownVectors) {
+    EXPECT_EQ(WithCrc({0x01, 0x03, 0x00, 0x00, 0x00, 0x0A}), ReadFrame);
+    EXPECT_THAT(WithCrc({0x11, 0x06, 0x00, 0x01, 0x00, 0x03}),
+                ElementsAre(0x11, 0x06, 0x00, 0x01, 0x00, 0x03, 0x9A, 0x9B));
+    const std::string check = "123456789";
+    EXPECT_EQ(FrameCrc(Bytes(check.begin(), check.end())), 0x4B37);
+}
+
+TEST(FrameReader, AllFunctionsBackToBack) {
+    Bytes stream = ReadFrame;
+    for (const auto& frame :
+         {WithCrc({2, 6, 0x01, 0x21, 0xAB, 0xCD}),
+          WithCrc({0, 16, 0x00, 0x19, 0x00, 0x02, 4, 0x30, 0x81, 0x00, 0x07})}) {
+        stream.insert(stream.end(), frame.begin(), frame.end());
+    }
+    FrameReader reader;
+    reader.Feed(stream, 1s);
+
+    const auto read = reader.Next();
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->address, 1);
+    EXPECT_EQ(read->function, Function::ReadRegisters);
+    EXPECT_EQ(read->first, 0);
+    EXPECT_EQ(read->count, 10);
+
+    const auto write = reader.Next();
+    ASSERT_TRUE(write);
+    EXPECT_EQ(write->first, 289);
+    EXPECT_EQ(write->count, 1);
+    EXPECT_THAT(write->values, ElementsAre(0xABCD));
+
+    const auto several = reader.Next();
+    ASSERT_TRUE(several);
+    EXPECT_EQ(several->address, 0);
+    EXPECT_EQ(several->first, 25);
+    EXPECT_THAT(several->values, ElementsAre(0x3081, 0x0007));
+    EXPECT_FALSE(reader.Next());
+}
+
+TEST(FrameReader, PiecesOfAFrameJoinUnlessSilenceParts) {
+    const auto frame = WithCrc({3, 16, 0x00, 0x11, 0x00, 0x02, 4, 0, 3, 0, 2});
+    FrameReader reader;
+    auto time = 1000ms;
+    for (const auto byte : frame) {
+        EXPECT_FALSE(reader.Next());
+        reader.Feed(Bytes{byte}, time += 5ms);
+    }
+    EXPECT_TRUE(reader.Next());
+
+    reader.Feed(std::span(frame).first(6), time += 100ms);
+    EXPECT_FALSE(reader.Next());
+    reader.Feed(std::span(frame).subspan(6), time += FrameReader::Silence);
+    EXPECT_FALSE(reader.Next());
+    reader.Feed(ReadFrame, time += FrameReader::Silence);
+    EXPECT_TRUE(reader.Next());
+}
+
+TEST(FrameReader, GarbageSpoilsAllUpToTheNextSilence) {
+    auto badCrc = ReadFrame;
+    badCrc.at(7) ^= 1;
+    for (const auto& garbage : {badCrc, Bytes{0x01, 0x2B, 0x00}, Bytes{1, 16, 0, 17, 0, 2, 6}}) {
+        FrameReader reader;
+        reader.Feed(garbage, 1000ms);
+        EXPECT_FALSE(reader.Next());
+        reader.Feed(ReadFrame, 1010ms);
+        EXPECT_FALSE(reader.Next());
+        reader.Feed(ReadFrame, 1030ms);
+        EXPECT_TRUE(reader.Next());
+    }
+}
+
+TEST(Replies, LayoutOfEach) {
+    const Request read{7, Function::ReadRegisters, 144, 2, {}};
+    EXPECT_EQ(ReadReply(read, {0x1012, 0x3456}), WithCrc({7, 3, 4, 0x10, 0x12, 0x34, 0x56}));
+    EXPECT_EQ(RefusalReply(read, Refusal::UnknownRegister), WithCrc({7, 0x83, 2}));
+    const Request one{7, Function::WriteRegister, 289, 1, {0x0102}};
+    EXPECT_EQ(WriteReply(one), WithCrc({7, 6, 0x01, 0x21, 0x01, 0x02}));
+    const Request several{7, Function::WriteRegisters, 25, 3, {9, 9, 9}};
+    EXPECT_EQ(WriteReply(several), WithCrc({7, 16, 0, 25, 0, 3}));
+}
