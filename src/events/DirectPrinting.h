@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/PrinterPort.h"
+
+#include <QByteArray>
+#include <QString>
+#include <array>
+#include <functional>
+#include <memory>
+
+/// A line printer wired straight to a serial or parallel port, with no spooler between. Errors are
+/// returned as text and told to the owner; only setting a port name that is none is a run-time
+/// error.
+class DirectPrinting {
+public:
+    /// Where an error arose.
+    enum Where {
+        Opening = 0,
+        ReadingState = 1,
+        SettingState = 2,
+        ReadingTimeouts = 3,
+        SettingTimeouts = 4,
+        PrintingData = 6,
+        PrintingString = 8
+    };
+
+    /// On the machine's ports.
+    DirectPrinting();
+    explicit DirectPrinting(std::unique_ptr<platform::PrinterPort> device);
+    ~DirectPrinting();
+
+    /// Told of each error: its text and where it arose.
+    std::function<void(const QString& text, int where)> onError;
+
+    /// A line feed goes behind each line's carriage return.
+    bool AddLF() const { return addLF_; }
+    void setAddLF(bool value) { addLF_ = value; }
+    /// Speed, parity letter, data bits, stop bits. The default has its fields in another order
+    /// than the parser reads and stands only until the site's settings are assigned.
+    QString Settings() const { return settings_; }
+    void setSettings(const QString& value) { settings_ = value; }
+    bool IsOpen() const { return device_->IsOpen(); }
+    QString Port() const { return port_; }
+    /// "COM*", "LPT*" or nothing, which closes. Throws RunTimeError `InvalidPropertyValue` for
+    /// anything else.
+    void setPort(const QString& value);
+
+    /// Opens the port; an empty argument stands for the present value. Gives the error text,
+    /// empty if all is well. A serial port is always closed behind each line.
+    QString OpenPrinter(const QString& port, const QString& settings, bool closeAfterLine);
+    void ClosePrinter();
+    /// Each gives the error text, empty if all is well.
+    QString PrintString(const QString& text);
+    QString PrintData(const QByteArray& bytes);
+    QString PrintLine(const QString& text);
+    /// The text in the printer's character set: characters above 127 by table, which is that of
+    /// code page 850.
+    static QString AnsiToOem(const QString& text);
+
+private:
+    QString Told(int error, int where) const;
+    QString Send(const QByteArray& bytes, int where);
+    void Configure();
+
+    std::unique_ptr<platform::PrinterPort> device_;
+    bool addLF_ = false;
+    bool closeAfterLine_ = false;
+    QString settings_ = QStringLiteral("9600,8,N,1");
+    QString port_;
+};
+
+/// Can the printer port of this string be used? No port is a valid choice; a port that doesn't
+/// open is told.
+bool TestPrintPort(const QString& portString);

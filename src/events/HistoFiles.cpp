@@ -1,0 +1,124 @@
+// The daily care of the files: old traces and histories go, histories are copied to a second
+// folder.
+
+#include "events/HistoProcs.h"
+
+#include "core/Bytes.h"
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Global.h"
+#include "core/SLVfonctions.h"
+#include "core/Trace.h"
+#include "platform/Folders.h"
+#include "platform/RunTimeError.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+
+namespace HistoProcs {
+
+using ErrorHandling::Guard;
+
+namespace {
+
+/// Id of the number of days of traces to keep.
+constexpr int TraceDaysId = 100100;
+
+QString FilesKey(const QString& key, const QString& fallback) {
+    return IniRead(QStringLiteral("Files"), key, fallback);
+}
+
+/// The date at the head of a trace file's name; none for a file that the system didn't make.
+QDate DateOfName(const QString& name) {
+    return QDate::fromString(name.left(8), QStringLiteral("yyyyMMdd"));
+}
+
+void PurgeTraces(const QDate& today) {
+    const int days = Bytes::LongVal(GetConfig(TraceDaysId));
+    if (days <= 0)
+        return;
+    const QDate limit = today.addDays(-days);
+    const QDir folder(Global::InApplicationFolder(QStringLiteral("Trace")));
+    for (const QString& name : folder.entryList({QStringLiteral("*.log")}, QDir::Files)) {
+        const QDate date = DateOfName(name);
+        if (date.isValid() && date < limit)
+            QFile::remove(folder.filePath(name));
+    }
+}
+
+QFileInfoList Histories(const QDir& folder) {
+    return folder.entryInfoList({QStringLiteral("*.his")}, QDir::Files);
+}
+
+/// Deletes the histories last written before the limit, write-protected ones too.
+void PurgeHistories(const QDir& folder, const QDateTime& limit) {
+    for (const QFileInfo& info : Histories(folder)) {
+        if (info.lastModified() >= limit)
+            continue;
+        QFile file(info.filePath());
+        if (!file.remove()) {
+            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+            file.remove();
+        }
+    }
+}
+
+/// By a temporary name: what stands in the second folder is always a whole file. The copy takes
+/// the time of its original, so that it isn't newer than what is written to that afterwards.
+bool CopyOver(const QFileInfo& source, const QString& target) {
+    const QString temporary = target + QStringLiteral(".tmp");
+    QFile::remove(temporary);
+    if (!QFile::copy(source.filePath(), temporary)) {
+        QFile::remove(temporary);
+        return false;
+    }
+    QFile copy(temporary);
+    copy.setPermissions(copy.permissions() | QFile::WriteOwner);
+    if (copy.open(QIODevice::ReadWrite)) {
+        copy.setFileTime(source.lastModified(), QFileDevice::FileModificationTime);
+        copy.close();
+    }
+    QFile::remove(target);
+    return QFile::rename(temporary, target);
+}
+
+/// A file that can't be copied is told, once all the others are.
+void CopyHistories(const QDir& from, const QDir& to) {
+    bool failed = false;
+    for (const QFileInfo& source : Histories(from)) {
+        const QFileInfo copy(to.filePath(source.fileName()));
+        if (!copy.exists() || copy.lastModified() < source.lastModified())
+            failed = !CopyOver(source, copy.filePath()) || failed;
+    }
+    if (failed)
+        throw platform::RunTimeError(platform::errors::PathAccess);
+}
+
+} // namespace
+
+void DoMidnightActions() {
+    Guard("HistoProcs.DoMidnightActions", [] {
+        Trace::OpenToday();
+        const QDateTime now(DateTimes::DateOf(DateTimes::Now()), QTime(0, 0));
+        PurgeTraces(now.date());
+        const int period =
+            Bytes::ShortVal(FilesKey(QStringLiteral("PeriodTime"), QStringLiteral("0")));
+        const bool months =
+            Bytes::Val(FilesKey(QStringLiteral("PeriodUnit"), QStringLiteral("0"))) < 1;
+        const QDateTime limit = months ? now.addMonths(-period) : now.addDays(-period);
+        const QDir own(platform::ApplicationFolder());
+        const QString named = FilesKey(QStringLiteral("Histo"), platform::ApplicationFolder());
+        const QDir second(QDir(named).absolutePath());
+        const bool ready = !named.isEmpty() && second.exists();
+        if (period > 0) {
+            PurgeHistories(own, limit);
+            if (ready)
+                PurgeHistories(second, limit);
+        }
+        if (ready)
+            CopyHistories(own, second);
+    });
+}
+
+} // namespace HistoProcs

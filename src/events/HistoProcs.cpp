@@ -1,0 +1,175 @@
+#include "events/HistoProcs.h"
+
+#include "core/Bytes.h"
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Global.h"
+#include "core/SLVfonctions.h"
+#include "core/Trace.h"
+#include "events/TextProcs.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "platform/CodePage.h"
+#include "platform/RunTimeError.h"
+
+#include <QFile>
+
+namespace HistoProcs {
+
+using ErrorHandling::Guard;
+using TextProcs::PartOf;
+using Trace::Stars;
+namespace Columns = Trace::Columns;
+namespace FileLine = TextProcs::FileLine;
+
+namespace {
+
+void SetPresence(Record& record, const EventClass& event) {
+    record.Set(Columns::Word, event.Aff() != 0 ? u"APPEAR" : u"DISAPP");
+    record.Set(Columns::Origin, TextProcs::PanelOrigin(event.Panel()));
+    record.Set(Columns::Parameter, u"Alarm");
+    record.Set(Columns::Common, Stars(Columns::Common.width));
+    record.Set(Columns::Specific, Stars(Columns::Specific.width));
+}
+
+void SetUser(Record& record, const QString& origin, QStringView word, const QString& specific) {
+    record.Set(Columns::Origin, origin);
+    record.Set(Columns::Word, word);
+    record.Set(Columns::Parameter, u"USER");
+    record.Set(Columns::Common, Global::Get().userName);
+    record.Set(Columns::Specific, specific);
+}
+
+void SetStartOrStop(Record& record, QStringView word, QStringView parameter) {
+    record.Set(Columns::Origin, u"SYSTEM");
+    record.Set(Columns::Word, word);
+    record.Set(Columns::Parameter, parameter);
+    record.Set(Columns::Common, Stars(Columns::Common.width));
+    record.Set(Columns::Specific, Stars(Columns::Specific.width));
+}
+
+void SetSystem(Record& record, const EventClass& event) {
+    switch (event.Aff()) {
+    case SystemEvents::AcknowledgedOnPc:
+        SetUser(record, TextProcs::PanelOrigin(event.Panel()), u"ACK PC",
+                Stars(Columns::Specific.width));
+        break;
+    case SystemEvents::ApplicationStarted:
+    case SystemEvents::ApplicationStopped:
+        record.Set(Columns::Key, Stars(Columns::Key.width));
+        SetStartOrStop(record, event.Aff() == SystemEvents::ApplicationStarted ? u"START" : u"STOP",
+                       u"APPLI");
+        break;
+    case SystemEvents::UserChanged:
+        SetUser(record, QStringLiteral("SYSTEM"), u"CHANGE",
+                QStringLiteral("LEVEL %1").arg(Global::Get().userLevel));
+        break;
+    case SystemEvents::CommStarted:
+    case SystemEvents::CommStopped:
+        SetStartOrStop(record, event.Aff() == SystemEvents::CommStarted ? u"START" : u"STOP",
+                       u"COMM");
+        break;
+    default:
+        break;
+    }
+}
+
+/// English word of an event of a channel or of a panel as a whole. Throws RunTimeError
+/// `Subscript` for a code behind the lists.
+QString TraceWord(const EventClass& event) {
+    static const QStringList channelWords = {
+        QStringLiteral("NORMAL"), QStringLiteral("ACTIVE|ACKLGD"), QStringLiteral("CABLE"),
+        QStringLiteral("1stFLT"), QStringLiteral("2ndFLT")};
+    static const QStringList panelWords = {QStringLiteral("ACK???"), QStringLiteral("ACK KL"),
+                                           QStringLiteral("ACK CL"), QStringLiteral("CLEAR")};
+    const bool ofPanel = event.Chnl() == Family::PanelWide;
+    const QStringList& words = ofPanel ? panelWords : channelWords;
+    if (event.Aff() < 0 || event.Aff() >= words.size())
+        throw platform::RunTimeError(platform::errors::Subscript);
+    const QString& word = words[event.Aff()];
+    return !ofPanel && event.Aff() == 1 ? PartOf(word, event.Param()) : word;
+}
+
+void SetChannel(Record& record, const EventClass& event) {
+    record.Set(Columns::Word, TraceWord(event));
+    record.Set(Columns::PanelClock, TextProcs::PanelClockText(event.Clock()));
+    record.Set(Columns::Origin, TextProcs::ChannelOrigin(event.Panel(), event.Chnl()));
+    record.Set(Columns::Parameter, GetText(51000 + event.Param()));
+    record.Set(Columns::Common, TextProcs::CommonText(event.Panel(), event.Chnl()));
+    record.Set(Columns::Specific,
+               Global::Configuration().Panel(event.Panel()).Channel(event.Chnl()).ScreenText());
+}
+
+/// Headings of two words hold a no-break space: whoever counts words by blanks sees one.
+QString HeadingLine() {
+    Record record(FileLine::Width);
+    record.Set(FileLine::Date, u"Date");
+    record.Set(FileLine::Time, u"Time");
+    record.Set(FileLine::Number, u"Evt\u00A0No");
+    record.Set(FileLine::PanelClock, u"PnlCnt");
+    record.Set(FileLine::Origin, u"Origin");
+    record.Set(FileLine::Parameter, u"Parameter");
+    record.Set(FileLine::Display, u"Display");
+    record.Set(FileLine::Common, u"Common\u00A0text");
+    record.Set(FileLine::Specific, u"Specific\u00A0text");
+    return record.Text();
+}
+
+bool DailyFiles() {
+    return Bytes::Val(IniRead(QStringLiteral("Files"), QStringLiteral("PeriodUnit"),
+                              QStringLiteral("0"))) >= 1;
+}
+
+} // namespace
+
+QString FormateTrace(const EventClass& event) {
+    Record record(Columns::Width);
+    Guard("HistoProcs.FormateTrace", [&] {
+        record.Set(Columns::Date, DateTimes::ShortDate(event.GDH()));
+        record.Set(Columns::Time, DateTimes::LongTime(event.GDH()));
+        record.Set(Columns::Number, Bytes::Padded(event.Num(), Columns::Number.width));
+        record.Set(Columns::Key, Bytes::Hex8(event.ID()));
+        if (event.Chnl() == Family::Presence)
+            SetPresence(record, event);
+        else if (event.Chnl() == Family::System)
+            SetSystem(record, event);
+        else if (event.Chnl() <= Family::LastChannel)
+            SetChannel(record, event);
+    });
+    return record.Text();
+}
+
+QString HistoFileName() {
+    const DateTime now = DateTimes::Now();
+    return Global::InApplicationFolder(
+        QStringLiteral("Histo") +
+        (DailyFiles() ? DateTimes::FileDate(now) : DateTimes::FileMonth(now)) +
+        QStringLiteral(".his"));
+}
+
+void HistoEvent(const EventClass& event) {
+    Guard("HistoProcs.HistoEvent", [&] {
+        const QString line =
+            TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(event));
+        QFile file(HistoFileName());
+        const bool isNew = !file.exists();
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
+            throw platform::RunTimeError(platform::errors::PathAccess);
+        QByteArray bytes;
+        if (isNew)
+            bytes += platform::ToCodePage(HeadingLine()) + "\r\n";
+        // Heading and line go in one write: a kill leaves both or neither.
+        bytes += platform::ToCodePage(line) + "\r\n";
+        const qint64 sizeBefore = file.size();
+        if (file.write(bytes) != bytes.size()) {
+            // A torn line would swallow the next one, and an empty file never gets its heading.
+            if (isNew)
+                file.remove();
+            else
+                file.resize(sizeBefore);
+            throw platform::RunTimeError(platform::errors::DiskFull);
+        }
+    });
+}
+
+} // namespace HistoProcs

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "events/EventClass.h"
+
+#include <QString>
+
+class DirectPrinting;
+
+/// What is written of an event: trace line, history line, printed line; and the daily care of the
+/// files.
+namespace HistoProcs {
+
+/// The 132-character trace line, in English whatever the operator's language.
+QString FormateTrace(const EventClass& event);
+
+/// Appends one event to the history file of the month, or of the day when "PeriodUnit" is above
+/// 0. Never asks whether the event belongs there, so that a line can be forced. The file is open
+/// for no longer than the call.
+void HistoEvent(const EventClass& event);
+
+/// Path of the history file that takes the lines of the present moment.
+QString HistoFileName();
+
+/// Prints one line for the event. May lower `Aff` to 5, which stays on the event.
+void PrintEvent(EventClass& event, DirectPrinting& printer);
+
+/// The daily task, in this order: the trace file of the new day; purge of traces by the date of
+/// their name; purge of histories by the time they were last written, here and in the second
+/// folder; copy of the histories to the second folder.
+void DoMidnightActions();
+
+} // namespace HistoProcs

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// Silences the horn.
+inline constexpr qint16 StopAlarme = -1;
+/// Priority of faults that concern the whole system.
+inline constexpr qint16 HighestPriority = 99;
+
+/// Starts the looped sound of a priority, 1 to 99, unless one of the same or a higher priority
+/// sounds; -1 stops whatever sounds.
+void Alarme(qint16 priority);

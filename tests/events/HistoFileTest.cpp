@@ -1,0 +1,86 @@
+#include "events/HistoProcs.h"
+
+#include "events/TextProcs.h"
+#include "model/Models.h"
+#include "support/Bench.h"
+#include "support/Rows.h"
+
+namespace {
+
+class HistoFile : public Bench {
+protected:
+    HistoFile() { AddPanel(3, Models::Q7100); }
+
+    EventClass Event() {
+        EventClass event(3, 5, 0, 1);
+        event.setNum(42);
+        event.setGDH(clock.Now());
+        return event;
+    }
+};
+
+const QString Month = QStringLiteral("Histo202403.his");
+const QString Day = QStringLiteral("Histo20240315.his");
+
+TEST_F(HistoFile, BeginsWithItsHeadingAndGrowsLineByLine) {
+    HistoProcs::HistoEvent(Event());
+    HistoProcs::HistoEvent(Event());
+    const QByteArray bytes = BytesOf(Month);
+    EXPECT_EQ(bytes.size(), 3 * 140);
+    const QByteArray heading = "Date       Time     Evt\xA0No PnlCnt  Origin  Parameter   Display"
+                               "         Common\xA0text                Specific\xA0text";
+    EXPECT_EQ(bytes.left(140), heading.leftJustified(138, ' ') + "\r\n");
+    const QStringList lines = LinesOf(Month);
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[1],
+              TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(Event())));
+    EXPECT_EQ(lines[2], lines[1]);
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(HistoFile, HoldsOneByteForEachCharacter) {
+    Site().Panel(3).Channel(5).setScreenText(QStringLiteral(u"Überdruck 5 \u20AC \u0394"));
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(BytesOf(Month).mid(140 + 98, 40).trimmed(), QByteArray("\xDC"
+                                                                     "berdruck 5 \x80 ?"));
+}
+
+TEST_F(HistoFile, IsNamedAfterTheMomentOfWriting) {
+    EventClass old = Event();
+    old.setGDH(clock.Now() - 40);
+    HistoProcs::HistoEvent(old);
+    EXPECT_EQ(LinesOf(Month).size(), 2);
+
+    // A change to daily files leaves the file of the month as it is.
+    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodUnit"), QStringLiteral("1"));
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(LinesOf(Month).size(), 2);
+    EXPECT_EQ(LinesOf(Day).size(), 2);
+
+    clock.Set(2024, 12, 31, 23, 59, 59);
+    HistoProcs::HistoEvent(Event());
+    clock.Advance(1000);
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(LinesOf(QStringLiteral("Histo20241231.his")).size(), 2);
+    EXPECT_EQ(LinesOf(QStringLiteral("Histo20250101.his")).size(), 2);
+}
+
+TEST_F(HistoFile, AppendsToAFileThatSomebodyEdited) {
+    QFile file(Path(Month));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("note\r\n");
+    file.close();
+    HistoProcs::HistoEvent(Event());
+    const QStringList lines = LinesOf(Month);
+    ASSERT_EQ(lines.size(), 2) << "no heading in a file that was there";
+    EXPECT_EQ(lines[0], QStringLiteral("note"));
+}
+
+TEST_F(HistoFile, ThatCannotBeWrittenIsToldOnce) {
+    ASSERT_TRUE(QDir().mkdir(Path(Month)));
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(boxes, QStringList{QStringLiteral("Error Nr 75 : Path/File access error\r\nModule : "
+                                                "HistoProcs\r\nFunction : HistoEvent")});
+}
+
+} // namespace

@@ -1,0 +1,54 @@
+#include "events/Klaxon.h"
+
+#include "support/Bench.h"
+
+namespace {
+
+class Klaxon : public Bench {
+protected:
+    Klaxon() {
+        Site().setAlarmPrioSound(3, 11);
+        Site().setAlarmPrioSound(5, 12);
+        Site().setAlarmPrioSound(7, 4);
+    }
+    void ExpectSound(const char* name, int starts) {
+        EXPECT_EQ(horn->playing, Path(QString::fromLatin1(name)));
+        EXPECT_EQ(horn->starts, starts);
+    }
+};
+
+TEST_F(Klaxon, OnlyAHigherPriorityReplacesASound) {
+    Alarme(5);
+    ExpectSound("AlarmSound12", 1);
+    Alarme(3);
+    Alarme(5);
+    Alarme(0);
+    ExpectSound("AlarmSound12", 1);
+    Alarme(7);
+    ExpectSound("AlarmSound4", 2);
+    Alarme(HighestPriority);
+    ExpectSound("AlarmSound1", 3);
+    Alarme(HighestPriority);
+    ExpectSound("AlarmSound1", 3);
+}
+
+TEST_F(Klaxon, StopIsAlwaysPossibleAndArmsAnyPriority) {
+    Alarme(StopAlarme);
+    EXPECT_EQ(horn->stops, 1);
+    Alarme(7);
+    Alarme(StopAlarme);
+    EXPECT_EQ(horn->playing, QString());
+    Alarme(3);
+    ExpectSound("AlarmSound11", 2);
+}
+
+TEST_F(Klaxon, AMachineWithoutSoundKeepsThePriority) {
+    Global::Get().sound.reset();
+    Alarme(7);
+    EXPECT_EQ(Global::Get().currentPriority, 7);
+    Alarme(StopAlarme);
+    EXPECT_EQ(Global::Get().currentPriority, 0);
+    EXPECT_EQ(boxes, QStringList());
+}
+
+} // namespace
