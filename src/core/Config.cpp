@@ -23,20 +23,32 @@ namespace {
 constexpr int FirstLanguage = 3;
 const QString Connect = QStringLiteral(";pwd=9C42");
 
+QHash<int, QStringList> WordsOf(const QHash<qint64, platform::Record>& rows) {
+    QHash<int, QStringList> words;
+    words.reserve(rows.size());
+    for (auto row = rows.cbegin(); row != rows.cend(); ++row) {
+        QStringList& fields = words[int(row.key())];
+        for (const QVariant& field : row.value())
+            fields += field.toString();
+    }
+    return words;
+}
+
 struct Base {
     explicit Base(const QString& path)
         : database(path, Connect)
         , languageTable(database.OpenTable(QStringLiteral("T_Language")))
         , configTable(database.OpenTable(QStringLiteral("T_Config")))
         , soundTable(database.OpenTable(QStringLiteral("T_Sounds")))
-        , words(languageTable.ReadAll())
+        , words(WordsOf(languageTable.ReadAll()))
         , defaults(configTable.ReadAll()) {}
 
     platform::RecordDatabase database;
     platform::RecordTable languageTable;
     platform::RecordTable configTable;
     platform::RecordTable soundTable;
-    QHash<qint64, platform::Record> words;
+    /// The fields of each row as texts: a null is an empty one.
+    QHash<int, QStringList> words;
     QHash<qint64, platform::Record> defaults;
 };
 
@@ -68,18 +80,19 @@ void CloseConfigBase() {
 QString GetText(int key, bool keepBars) {
     QString text;
     Guard("Config.GetText", [&] {
-        text = u'#' + QString::number(key) + u'#';
-        if (!base)
+        const auto found =
+            base ? base->words.constFind(key) : QHash<int, QStringList>::const_iterator();
+        if (!base || found == base->words.constEnd()) {
+            text = u'#' + QString::number(key) + u'#';
             return;
-        const auto found = base->words.constFind(key);
-        if (found == base->words.constEnd())
-            return;
-        text.clear();
-        const int fieldCount = base->languageTable.FieldCount();
-        int field = Global::Get().language + FirstLanguage;
-        if (field > fieldCount || Global::Get().language < 0)
+        }
+        const int language = Global::Get().language;
+        int field = language + FirstLanguage;
+        if (field > base->languageTable.FieldCount() || language < 0)
             field = FirstLanguage;
-        text = FieldText(*found, field);
+        if (field >= found->size())
+            throw platform::RunTimeError(platform::errors::NoSuchField);
+        text = found->at(field);
         if (!keepBars && text.contains(u'|'))
             text.replace(u'|', QStringLiteral("\r\n"));
     });
