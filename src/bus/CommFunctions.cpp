@@ -1,0 +1,163 @@
+#include "bus/CommFunctions.h"
+
+#include "core/Bytes.h"
+#include "core/ErrorHandling.h"
+#include "platform/Clock.h"
+
+#include <QStringList>
+
+namespace CommFunctions {
+
+using ErrorHandling::Guard;
+
+namespace {
+
+void AppendWord(QByteArray& frame, quint16 word) {
+    frame += char(Bytes::HighByte(word));
+    frame += char(Bytes::LowByte(word));
+}
+
+QByteArray FrameHead(quint8 module, quint8 function, qint32 registerNo) {
+    QByteArray frame;
+    frame += char(module);
+    frame += char(function);
+    AppendWord(frame, quint16(registerNo));
+    return frame;
+}
+
+/// The CRC of all of a frame that has none yet; CRC16 itself refuses the last two lengths.
+quint16 CrcOf(const QByteArray& frame) {
+    return quint16(CRC16(frame + QByteArray(2, '\0'), int(frame.size())));
+}
+
+void AppendCrc(QByteArray& frame) {
+    const quint16 crc = CrcOf(frame);
+    frame += char(Bytes::LowByte(crc));
+    frame += char(Bytes::HighByte(crc));
+}
+
+quint16 WordAt(const QByteArray& bytes, int offset) {
+    return Bytes::MakeWord(quint8(bytes[offset]), quint8(bytes[offset + 1]));
+}
+
+/// Without a port, as after bad settings or with its adapter pulled out, nothing is sent and so
+/// nothing answers: each poll would tell the operator of it in a box otherwise.
+void Send(platform::SerialLink& link, const QByteArray& frame) {
+    platform::Clock::Current().Sleep(FrameGap);
+    link.setRTSEnable(true);
+    link.ClearBuffers();
+    if (link.PortOpen())
+        link.Output(frame);
+}
+
+/// The reply to a frame; empty when the line has fewer or more bytes than expected.
+QByteArray Receive(platform::SerialLink& link, int expected, int deadline) {
+    if (!link.PortOpen())
+        return {};
+    link.WaitForInput(expected, platform::Clock::Current().MonotonicMs() + deadline);
+    if (link.InBufferCount() != expected)
+        return {};
+    const QByteArray reply = link.Input();
+    return reply.size() == expected ? reply : QByteArray();
+}
+
+bool IsReplyTo(const QByteArray& frame, const QByteArray& reply) {
+    return !reply.isEmpty() && reply[1] == frame[1] && reply[0] == frame[0];
+}
+
+bool CrcIsRight(const QByteArray& reply) {
+    const int length = int(reply.size()) - 2;
+    const quint16 received = Bytes::MakeWord(quint8(reply[length + 1]), quint8(reply[length]));
+    return received == CrcOf(reply.left(length));
+}
+
+/// A write and its reply of eight bytes, of which only address and function count.
+bool Write(platform::SerialLink& link, QByteArray frame) {
+    constexpr int ReplyLength = 8;
+    AppendCrc(frame);
+    Send(link, frame);
+    if (frame[0] == 0)
+        return true;
+    return IsReplyTo(frame, Receive(link, ReplyLength, WriteDeadline));
+}
+
+} // namespace
+
+int ReadDeadline(int words, int speed) {
+    return int(1000 + double(words) * speed * 0.003);
+}
+
+qint16 CRC16(const QByteArray& buffer, int length) {
+    if (length >= buffer.size() - 1)
+        return 1;
+    quint16 crc = 0xFFFF;
+    for (int i = 0; i < length; ++i) {
+        crc ^= quint8(buffer[i]);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = quint16((crc & 1) != 0 ? (crc >> 1) ^ 0xA001 : crc >> 1);
+    }
+    return qint16(crc);
+}
+
+bool LitMots(platform::SerialLink& link, quint8 module, qint32 registerNo, Words& values) {
+    bool done = false;
+    Guard("CommFunctions.LitMots", [&] {
+        const int count = int(values.size());
+        QByteArray frame = FrameHead(module, ReadRegisters, registerNo);
+        AppendWord(frame, quint16(count));
+        AppendCrc(frame);
+        Send(link, frame);
+        const int speed = Bytes::LongVal(link.Settings().section(u',', 0, 0));
+        const QByteArray reply = Receive(link, 5 + 2 * count, ReadDeadline(count, speed));
+        if (!IsReplyTo(frame, reply) || !CrcIsRight(reply))
+            return;
+        for (int i = 0; i < count; ++i)
+            values[i] = qint16(WordAt(reply, 3 + 2 * i));
+        done = true;
+    });
+    return done;
+}
+
+bool EcritMots(platform::SerialLink& link, quint8 module, qint32 registerNo, const Words& values) {
+    bool done = false;
+    Guard("CommFunctions.EcritMots", [&] {
+        QByteArray frame = FrameHead(module, WriteRegisters, registerNo);
+        AppendWord(frame, quint16(values.size()));
+        frame += char(2 * values.size());
+        for (const qint16 value : values)
+            AppendWord(frame, quint16(value));
+        done = Write(link, frame);
+    });
+    return done;
+}
+
+bool EcritUnMot(platform::SerialLink& link, quint8 module, qint32 registerNo, qint16 value) {
+    bool done = false;
+    Guard("CommFunctions.EcritUnMot", [&] {
+        QByteArray frame = FrameHead(module, WriteRegister, registerNo);
+        AppendWord(frame, quint16(value));
+        done = Write(link, frame);
+    });
+    return done;
+}
+
+int GetModuleType(platform::SerialLink& link, quint8 module) {
+    constexpr qint32 FamilyRegister = 132;
+    constexpr qint32 VariantRegister = 133;
+    int type = 0;
+    Guard("CommFunctions.GetModuleType", [&] {
+        Words word(1);
+        if (!LitMots(link, module, FamilyRegister, word))
+            return;
+        type = word[0] == 1 || word[0] == 2 ? word[0] : 0;
+        if (type != 1)
+            return;
+        if (!LitMots(link, module, VariantRegister, word))
+            type = 3;
+        else if (word[0] == 2)
+            type = 5;
+    });
+    return type;
+}
+
+} // namespace CommFunctions

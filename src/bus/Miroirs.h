@@ -1,0 +1,33 @@
+#pragma once
+
+#include "events/EventClass.h"
+
+#include <QtGlobal>
+
+class MirrorClass;
+class MirrorClasses;
+
+/// The mirror engine: copies what happens on one module onto another, as writes through the
+/// queue. In the names V is a channel and R a panel as a whole, 3 the Q family and 2 `Q6200XT`.
+namespace Miroirs {
+
+/// Carries out the rules whose source is the event's panel and channel.
+void DoMirrors(const EventClass& event);
+
+void TraitementR3R3(const EventClass& event, const MirrorClass& mirror);
+void TraitementR3R2(const EventClass& event, const MirrorClass& mirror);
+void TraitementR2R3(const EventClass& event, const MirrorClass& mirror);
+/// Brings all mirrored states of a `Q6200XT` up to date in one write.
+void TraitementR2R2(const EventClass& event, const MirrorClass& mirror);
+void TraitementV3V3(const EventClass& event, const MirrorClass& mirror);
+void TraitementV3V2(const EventClass& event, const MirrorClass& mirror);
+
+/// Writes a rule that can't be carried out to the trace.
+void LogErreur(const MirrorClass& mirror);
+
+/// Does a chain of rules lead from `fromModule`, `fromChannel` to `toModule`, `toChannel`? The
+/// list has no loop yet.
+bool MirrorLoop(const MirrorClasses& mirrors, qint16 toModule, qint16 toChannel, qint16 fromModule,
+                qint16 fromChannel);
+
+} // namespace Miroirs

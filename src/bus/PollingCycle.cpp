@@ -1,0 +1,227 @@
+// One round of the bus: the command queue, then the next panel that is due.
+
+#include "bus/wPolling.h"
+
+#include "core/Bytes.h"
+#include "core/ErrorHandling.h"
+#include "core/Forms.h"
+#include "core/Trace.h"
+#include "core/Yield.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "model/Models.h"
+
+#include <QScopedValueRollback>
+
+using ErrorHandling::Guard;
+
+namespace {
+
+/// Error counters run modulo this.
+constexpr int CounterLimit = 32000;
+/// Consecutive failures after which a panel is missing.
+constexpr int MissingAfter = 3;
+/// Long failures after which the pace of the tries falls to ten minutes.
+constexpr int SlowAfter = 3;
+constexpr int SlowMinutes = 10;
+/// Polls that read the states of `P5000` and `P5500`.
+constexpr int StateWords = 12;
+constexpr qint32 StateRegister = 1;
+constexpr qint32 FlagRegister = 68;
+constexpr qint32 EventCountRegister = 144;
+/// A clock that went back by more than this was set.
+constexpr DateTime ClockSlack = 2 * platform::OneSecond;
+
+void Count(PanelClass& panel, int counter) {
+    panel.setErrCptr(counter, qint16((panel.ErrCptr(counter) + 1) % CounterLimit));
+}
+
+bool IsDue(const PanelClass& panel, DateTime now) {
+    return panel.Model() >= 1 && panel.Active() && now > panel.NextPoll();
+}
+
+/// Register and number of words of a model's poll; no words for a model without one.
+struct Poll {
+    qint32 registerNo;
+    int words;
+};
+Poll PollOf(int model) {
+    if (Models::IsQFamily(model))
+        return {EventCountRegister, 1};
+    if (model == Models::Q6200XT)
+        return {FlagRegister, 1};
+    if (Models::IsRemoteControlled(model))
+        return {StateRegister, StateWords};
+    return {0, 0};
+}
+
+QString CountersOf(const PanelClass& panel) {
+    return Bytes::Padded(panel.ErrCptr(0), 4) + QStringLiteral("  ") + QStringLiteral("  ") +
+           Bytes::Padded(panel.ErrCptr(1), 2) + QStringLiteral("  ") + QStringLiteral("  ") +
+           Bytes::Padded(panel.ErrCptr(2), 2) + QStringLiteral("  ") + QStringLiteral("  ") +
+           DateTimes::LongTime(panel.NextPoll());
+}
+
+} // namespace
+
+/// The timer fires once and is started again only by the last line, so that rounds never overlap
+/// and the 25 ms are the rest between them. A screen that stops and starts the bus in a yield
+/// starts the timer as well: the tick inside the round is let go by.
+void wPolling::RunComm() {
+    tmrPoll_.stop();
+    if (inRound_)
+        return;
+    const QScopedValueRollback inRound(inRound_, true);
+    Guard("wPolling.RunComm", [&] {
+        if (EndIfClosing() || !run_)
+            return;
+        WorkQueue();
+        if (closing_)
+            return;
+        PurgeQueue();
+        FollowClock();
+        bool turnEnded = false;
+        const int address = PickPanel(turnEnded);
+        if (address > 0)
+            PollPanel(address);
+        lastRound_ = DateTimes::LongTime(DateTimes::Now());
+        pollPointer_ = qint16(pollPointer_ & 63);
+        Q_EMIT RoundDone(address);
+        if (turnEnded && polledInTurn_ > 0) {
+            Q_EMIT PollDone();
+            polledInTurn_ = 0;
+        }
+        if (turnEnded && updatePointer_ >= 1)
+            ContinueUpdate();
+        if (!unloaded_)
+            tmrPoll_.start();
+    });
+}
+
+/// An unload can arrive in any yield. It closes the port and stores the queue; what is left here
+/// is to stop.
+bool wPolling::EndIfClosing() {
+    if (!closing_)
+        return false;
+    run_ = false;
+    Form_Unload();
+    Forms::Unload(QStringLiteral("wPolling"));
+    return true;
+}
+
+/// By position and not by iterator: a yield may append commands.
+void wPolling::WorkQueue() {
+    for (int position = 1; position <= commands_.Count(); ++position) {
+        if (EndIfClosing())
+            return;
+        const CommandPtr command = commands_.Item(position);
+        TraiteCommande(*command);
+        Yield();
+        if (EndIfClosing())
+            return;
+    }
+}
+
+void wPolling::PurgeQueue() {
+    for (int position = commands_.Count(); position >= 1; --position) {
+        const CommandPtr command = commands_.Item(position);
+        if (command->CmdType() == CommandTypes::Done) {
+            commands_.Remove(position);
+        } else if (command->ErrorCount() >= CommandClass::MaxErrors) {
+            commands_.Remove(position);
+            if (IsReceipt(*command))
+                receipts_.GiveUp(command->Module());
+            TraceWriteError(*command);
+            Q_EMIT WriteError(*command);
+        }
+    }
+}
+
+/// When the machine's time is set back, as it is each autumn, the times of the next polls and of
+/// waiting commands go with it: no panel may fall silent and no acknowledgement wait until the
+/// old time comes round again.
+void wPolling::FollowClock() {
+    const DateTime now = DateTimes::Now();
+    const DateTime back = lastRoundTime_ - now;
+    lastRoundTime_ = now;
+    if (back <= ClockSlack)
+        return;
+    for (int address = 1; address <= PanelCount; ++address) {
+        PanelClass& panel = Global::Configuration().Panel(address);
+        panel.setNextPoll(panel.NextPoll() - back);
+    }
+    for (int position = 1; position <= commands_.Count(); ++position) {
+        CommandClass& command = *commands_.Item(position);
+        if (command.SendTime() > now)
+            command.setSendTime(command.SendTime() - back);
+    }
+}
+
+/// The address of the next panel that is due, or 0. A pointer that stopped at 64 starts the next
+/// search at 2: panel 1 is then reached only by a search that runs past 64.
+int wPolling::PickPanel(bool& turnEnded) {
+    if (pollPointer_ < 1)
+        pollPointer_ = 1;
+    const qint16 start = pollPointer_;
+    const DateTime now = DateTimes::Now();
+    do {
+        pollPointer_ = qint16((pollPointer_ & 63) + 1);
+        if (pollPointer_ == PanelCount)
+            turnEnded = true;
+        if (IsDue(Global::Configuration().Panel(pollPointer_), now))
+            return pollPointer_;
+    } while ((pollPointer_ & 63) != start);
+    return 0;
+}
+
+void wPolling::PollPanel(int address) {
+    ++polledInTurn_;
+    polledPanel_ = address;
+    PanelClass& panel = Global::Configuration().Panel(address);
+    const Poll poll = PollOf(panel.Model());
+    if (poll.words > 0) {
+        panel.setNextPoll(DateTimes::Now() - platform::OneSecond);
+        Words words(poll.words);
+        if (LitMots(*link_, quint8(address), poll.registerNo, words)) {
+            ExploitePanneau(panel, words);
+            if (!panel.Present() || panel.ErrCptr(2) > 0)
+                TraitePanelMove(address, true);
+            if (panel.ErrCptr(1) > 0)
+                panel.setErrCptr(1, qint16(panel.ErrCptr(1) - 1));
+            panel.setErrCptr(2, 0);
+        } else {
+            AddError(address);
+        }
+    }
+    errorTexts_[size_t(address)] = CountersOf(panel);
+}
+
+void wPolling::AddError(int address) {
+    Guard("wPolling.AddError", [&] {
+        PanelClass& panel = Global::Configuration().Panel(address);
+        Count(panel, 0);
+        Count(panel, 1);
+        if (panel.ErrCptr(1) < MissingAfter)
+            return;
+        panel.setNextPoll(DateTimes::Now() + platform::OneMinute);
+        // One further failure comes here again.
+        panel.setErrCptr(1, MissingAfter - 1);
+        Count(panel, 2);
+        TraitePanelMove(address, false);
+        if (panel.ErrCptr(2) >= SlowAfter)
+            panel.setNextPoll(DateTimes::Now() + SlowMinutes * platform::OneMinute);
+    });
+}
+
+void wPolling::ContinueUpdate() {
+    const PanelClass& panel = Global::Configuration().Panel(updatePointer_);
+    if (panel.Model() >= 1 && panel.Active())
+        UpdatePanel(updatePointer_, true);
+    updatePointer_ = qint16((updatePointer_ + 1) & 63);
+    if (updatePointer_ != 0)
+        return;
+    Q_EMIT UpdateDone();
+    HistoBusState();
+    if (Global::Configuration().PrintBusResult())
+        PrintBusState();
+}

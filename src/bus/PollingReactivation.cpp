@@ -1,0 +1,108 @@
+// Alarms that were acknowledged and stand on come back after the delay of their channel; and some
+// screen is always visible.
+
+#include "bus/wPolling.h"
+
+#include "bus/AlarmConsole.h"
+#include "core/ErrorHandling.h"
+#include "core/Forms.h"
+#include "core/SLVfonctions.h"
+#include "events/Decisions.h"
+#include "events/Klaxon.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "model/Models.h"
+#include "platform/RunTimeError.h"
+
+using ErrorHandling::Guard;
+
+namespace {
+
+const QString Console = QStringLiteral("wRunAlarms");
+
+/// Reads a date and a time that must be there. Throws RunTimeError `TypeMismatch`.
+DateTime ReadTime(const QString& date, const QString& time) {
+    const std::optional<DateTime> when = DateTimes::Parse(date + u' ' + time);
+    if (!when)
+        throw platform::RunTimeError(platform::errors::TypeMismatch);
+    return *when;
+}
+
+/// "hours:minutes" of the delay list in days; hours can pass 24.
+DateTime DelayOf(int reactTpo) {
+    const QStringList parts = ReactivTime(reactTpo).split(u':');
+    if (parts.size() != 2)
+        throw platform::RunTimeError(platform::errors::Subscript);
+    return parts[0].toInt() / 24.0 + parts[1].toInt() / 1440.0;
+}
+
+} // namespace
+
+void wPolling::tmrReactiv_Timer() {
+    Guard("wPolling.tmrReactiv_Timer", [&] {
+        ReopenLostPort();
+        if (!Forms::AnyVisible())
+            Forms::Show(Console);
+        if (NbInstances(Console) < 1)
+            ReactivateFromSettings();
+        else
+            ReactivateFromConsole();
+    });
+}
+
+/// An adapter that was pulled and comes back must not wait for somebody to restart the bus.
+void wPolling::ReopenLostPort() {
+    if (!run_ || closing_ || link_->PortOpen())
+        return;
+    try {
+        link_->setPortOpen(true);
+    } catch (const platform::RunTimeError&) {
+        return; // still gone; the panels are reported missing meanwhile
+    }
+    for (int address = 1; address <= PanelCount; ++address)
+        Global::Configuration().Panel(address).setNextPoll(DateTimes::Now() - platform::OneSecond);
+}
+
+void wPolling::ReactivateFromSettings() {
+    const QString section = QStringLiteral("LastAlarms");
+    QStringList keys;
+    IniReadKeys(keys, section);
+    for (const QString& key : std::as_const(keys)) {
+        const QStringList pieces =
+            IniRead(section, key, QString()).trimmed().split(u' ', Qt::SkipEmptyParts);
+        if (pieces.size() > 3)
+            ReactiverAlarme(qint32(pieces[0].toUInt(nullptr, 16)), ReadTime(pieces[2], pieces[3]),
+                            pieces[1].toInt());
+    }
+}
+
+void wPolling::ReactivateFromConsole() {
+    const AlarmConsole* console = AlarmConsole::Loaded();
+    for (int row = 0; console != nullptr && row < console->RowCount(); ++row) {
+        const QStringList pieces = console->RowText(row).trimmed().split(u' ', Qt::SkipEmptyParts);
+        if (pieces.size() > 2)
+            ReactiverAlarme(console->RowData(row), ReadTime(pieces[1], pieces[2]),
+                            pieces[0].toInt());
+    }
+}
+
+void wPolling::ReactiverAlarme(qint32 id, DateTime time, qint32 number) {
+    EventClass event;
+    event.setID(id);
+    event.setGDH(DateTimes::Now());
+    event.setNum(number);
+    if (event.Aff() < 1 || event.Param() != 1)
+        return;
+    const ChannelClass& channel =
+        Global::Configuration().Panel(event.Panel()).Channel(event.Chnl());
+    if (!channel.React() || channel.ReactTpo() <= 0)
+        return;
+    if (event.GDH() <= time + DelayOf(channel.ReactTpo()))
+        return;
+    event.setAff(ReactivatedAff);
+    ShowConsole();
+    if (AlarmConsole* console = AlarmConsole::Loaded())
+        console->TakeEvent(event);
+    if (IsToKlaxon(event))
+        Alarme(channel.AlmPrio());
+}

@@ -1,0 +1,251 @@
+#include "bus/wPolling.h"
+
+#include "core/Bytes.h"
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Forms.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "core/Pointer.h"
+#include "core/SLVfonctions.h"
+#include "core/Trace.h"
+#include "events/Klaxon.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "platform/RunTimeError.h"
+
+#include <QStringList>
+
+using ErrorHandling::Guard;
+
+namespace {
+
+wPolling* engine = nullptr;
+
+const QString PendingCommands = QStringLiteral("PendingCommands");
+
+constexpr int MidnightInterval = 1000;
+constexpr int ReactivInterval = 10000;
+/// One check of the operator's input each 6 s, ten checks a minute.
+constexpr int InputCheckPeriod = 6000;
+constexpr int InputChecksAMinute = 10;
+
+} // namespace
+
+wPolling* Polling() {
+    return engine;
+}
+
+wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
+    : link_(std::move(link)) {
+    engine = this;
+    tmrPoll_.setSingleShot(true);
+    tmrPoll_.setInterval(1);
+    tmrMidnight_.setInterval(MidnightInterval);
+    tmrReactiv_.setInterval(ReactivInterval);
+    connect(&tmrPoll_, &QTimer::timeout, this, &wPolling::RunComm);
+    connect(&tmrMidnight_, &QTimer::timeout, this, &wPolling::tmrMidnight_Timer);
+    connect(&tmrReactiv_, &QTimer::timeout, this, &wPolling::tmrReactiv_Timer);
+    connect(&userSleep_, &platform::ActivityDetection::UserIsNotHere, this,
+            &wPolling::UserSleep_UserIsNotHere);
+}
+
+wPolling::~wPolling() {
+    if (engine == this)
+        engine = nullptr;
+}
+
+void wPolling::Form_Load() {
+    Guard("wPolling.Form_Load", [&] {
+        lastEvent_ = Bytes::LongVal(
+            IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QStringLiteral("0")));
+        ConfigurationChanged();
+        closing_ = false;
+        run_ = false;
+        ReinitComm();
+        commands_ = CommandClasses();
+        SetupPrinter();
+        RestoreCommands();
+        SetupUserSleep();
+        tmrMidnight_.start();
+        tmrReactiv_.start();
+    });
+}
+
+void wPolling::SetupUserSleep() {
+    Guard("wPolling.SetupUserSleep", [&] {
+        const int minutes = Global::Configuration().InactivityTime();
+        userSleep_.setEnabled(false);
+        userSleep_.setCheckPeriod(InputCheckPeriod);
+        userSleep_.setCount(InputChecksAMinute * Bytes::Greater(minutes, 1));
+        userSleep_.setEnabled(minutes >= 1);
+    });
+}
+
+void wPolling::SetupPrinter() {
+    const QString settings = Global::Configuration().PrtSettings();
+    if (!TestPrintPort(settings))
+        return;
+    const QStringList parts = settings.split(u':');
+    dpPrinter_.setPort(parts.value(0));
+    dpPrinter_.setSettings(parts.value(1));
+    dpPrinter_.setAddLF(true);
+}
+
+/// Each stored command leaves the settings as it is taken, readable or not: one that can't be
+/// read must not come back at every start.
+void wPolling::RestoreCommands() {
+    QStringList keys;
+    IniReadKeys(keys, PendingCommands);
+    for (const QString& key : std::as_const(keys)) {
+        const QString value = IniRead(PendingCommands, key, QString());
+        IniDeleteKey(PendingCommands, key);
+        if (value.isEmpty())
+            continue;
+        Guard("wPolling.Form_Load", [&] {
+            const CommandPtr command = CommandClass::FromText(value);
+            // The first start of the bus throws the event memories away: a receipt of the former
+            // run would drop events that nobody has read.
+            if (!IsReceipt(*command))
+                commands_.Add(command);
+        });
+    }
+}
+
+void wPolling::Form_QueryUnload(platform::UnloadMode mode) {
+    Guard("wPolling.Form_QueryUnload", [&] {
+        Alarme(StopAlarme);
+        QString who;
+        if (mode == platform::UnloadMode::TaskManager)
+            who = QStringLiteral("TASK  MANAGER");
+        else if (mode == platform::UnloadMode::System)
+            who = QStringLiteral("CLOSE  WINDOWS");
+        else
+            return;
+        Trace::Write(DateTimes::DateAndTime(DateTimes::Now()) + u' ' + who +
+                     QStringLiteral("  ******** SYSTEM  APPLI STOP    ") + Trace::Stars(26) + u' ' +
+                     Trace::Stars(39));
+    });
+}
+
+void wPolling::Form_Unload() {
+    closing_ = true;
+    if (unloaded_)
+        return;
+    unloaded_ = true;
+    tmrPoll_.stop();
+    tmrMidnight_.stop();
+    tmrReactiv_.stop();
+    userSleep_.setEnabled(false);
+    Guard("wPolling.Form_Unload", [&] {
+        if (link_->PortOpen())
+            link_->setPortOpen(false);
+        StoreCommands();
+    });
+}
+
+void wPolling::StoreCommands() {
+    int number = 0;
+    for (int position = 1; position <= commands_.Count(); ++position) {
+        const CommandPtr command = commands_.Item(position);
+        // What was carried out in the round that the end interrupts isn't sent a second time.
+        if (command->CmdType() != CommandTypes::Done)
+            IniWrite(PendingCommands, QString::number(++number), command->ToText());
+    }
+}
+
+void wPolling::setRun(bool on) {
+    Guard("wPolling.Run", [&] {
+        if (on && closing_)
+            return;
+        if (on && !link_->PortOpen()) {
+            try {
+                link_->setPortOpen(true);
+            } catch (const platform::RunTimeError&) {
+                Message(GetText(20008).replace(u'$', QString::number(link_->CommPort())),
+                        Messages::Critical);
+                return;
+            }
+        }
+        EventClass event(0, Family::System, 0,
+                         on ? SystemEvents::CommStarted : SystemEvents::CommStopped);
+        SendEvent(event);
+        tmrPoll_.setInterval(PollRest);
+        if (on && !run_) {
+            if (!firstStart_) {
+                SynchroGeneraleBus();
+                firstStart_ = true;
+            }
+            tmrPoll_.start();
+        }
+        run_ = on;
+        Q_EMIT RunChanged(on);
+    });
+}
+
+void wPolling::SendCommand(const CommandPtr& command) {
+    Guard("wPolling.SendCommand", [&] { commands_.Add(command); });
+}
+
+void wPolling::ConfigurationChanged() {
+    Guard("wPolling.ConfigurationChanged", [&] {
+        const auto read = [](const QString& key) {
+            return int(Bytes::ShortVal(IniRead(QStringLiteral("Files"), key, QStringLiteral("0"))));
+        };
+        periodUnit_ = read(QStringLiteral("PeriodUnit")) != 0;
+        periodTime_ = read(QStringLiteral("PeriodTime"));
+        periodLimit_ = read(QStringLiteral("PeriodLimit")) != 0;
+    });
+}
+
+void wPolling::ConfigCommPort() {
+    Pointer::Hourglass();
+    try {
+        link_->setPortOpen(false);
+        const QStringList pieces = Global::Configuration().BusSettings().split(u':');
+        link_->setCommPort(Bytes::ShortVal(pieces[0].mid(3)));
+        if (pieces.size() < 2)
+            throw platform::RunTimeError(platform::errors::Subscript);
+        link_->setSettings(pieces[1]);
+        if (!link_->PortOpen())
+            link_->setPortOpen(true);
+    } catch (const platform::RunTimeError&) {
+        // Told below by what it leads to: the port is closed.
+    }
+    Pointer::Default();
+    Q_EMIT LinkChanged();
+    if (!link_->PortOpen())
+        Message(GetText(20008).replace(u'$', QString::number(link_->CommPort())),
+                Messages::Critical);
+}
+
+void wPolling::ReinitComm() {
+    Guard("wPolling.ReinitComm", [&] {
+        const DateTime due = DateTimes::Now() - platform::OneSecond;
+        for (int address = 1; address <= PanelCount; ++address) {
+            PanelClass& panel = Global::Configuration().Panel(address);
+            for (int counter = 0; counter <= 2; ++counter)
+                panel.setErrCptr(counter, 0);
+            panel.setNextPoll(due);
+        }
+        ConfigCommPort();
+        Trace::Write(Trace::SystemLine(DateTimes::Now(), QStringLiteral("REINIT"),
+                                       QStringLiteral("REINIT")));
+    });
+}
+
+/// Level 1 is never thrown out: acknowledging must stay possible.
+void wPolling::UserSleep_UserIsNotHere() {
+    Guard("wPolling.UserSleep_UserIsNotHere", [&] {
+        const QString own = QStringLiteral("wPolling");
+        const QString console = QStringLiteral("wRunAlarms");
+        if (Global::Get().userLevel <= 1)
+            return;
+        Global::Get().userLevel = 0;
+        Forms::UnloadAllBut({own});
+        Forms::Show(console);
+        Forms::BringToFront(console);
+        Forms::UnloadAllBut({own, console});
+        Q_EMIT UserChanged();
+    });
+}

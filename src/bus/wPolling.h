@@ -1,0 +1,195 @@
+#pragma once
+
+#include "bus/CommandClass.h"
+#include "bus/EventReceipts.h"
+#include "events/DirectPrinting.h"
+#include "events/EventClass.h"
+#include "platform/ActivityDetection.h"
+#include "platform/SerialLink.h"
+#include "platform/ShutdownWatch.h"
+
+#include <QObject>
+#include <QTimer>
+#include <array>
+#include <memory>
+
+class PanelClass;
+
+/// The backbone: owns the bus link, the command queue, the numbering of events and the timers.
+/// Loaded before any screen, unloaded last. Screens reach the bus through `SendCommand`, make
+/// events through `SendEvent` and learn of the bus through the signals.
+class wPolling : public QObject {
+    Q_OBJECT
+public:
+    /// Addresses of the bus.
+    static constexpr int PanelCount = 64;
+    /// Rest between two rounds, ms.
+    static constexpr int PollRest = 25;
+    /// Largest number of events read at a poll: two words each, the largest read on the bus.
+    static constexpr int MaxEvents = 62;
+
+    explicit wPolling(std::unique_ptr<platform::SerialLink> link);
+    ~wPolling() override;
+
+    void Form_Load();
+    /// Last words before the end: silences the horn and traces an end from outside.
+    void Form_QueryUnload(platform::UnloadMode mode);
+    /// Closes the port and stores the queue. A second call does nothing.
+    void Form_Unload();
+
+    /// Polling is on.
+    bool Run() const { return run_; }
+    /// Starts or stops the bus. A port that can't be opened is told and changes nothing.
+    void setRun(bool on);
+    bool IsClosing() const { return closing_; }
+
+    /// Puts a command into the queue unless it already waits there.
+    void SendCommand(const CommandPtr& command);
+    /// Carries out one command if it is due.
+    void TraiteCommande(CommandClass& command);
+    /// Stamps and numbers an event made elsewhere and routes it.
+    void SendEvent(EventClass& event);
+
+    /// One round: the queue, then the next panel that is due.
+    void RunComm();
+    /// Clears all error counters and reconfigures the link.
+    void ReinitComm();
+    /// Opens the link as the site says.
+    void ConfigCommPort();
+    /// Reads the retention of the history again.
+    void ConfigurationChanged();
+    /// Sets the watch on the operator's input to the site's delay.
+    void SetupUserSleep();
+
+    /// Makes PC and modules agree; runs once by itself, with the first start of the bus.
+    void SynchroGeneraleBus();
+    /// Starts the slow update: one panel at the end of each turn.
+    void StartUpdate();
+    /// The day's record of each panel, and the release of mirrored states that nothing holds.
+    void MidnightSynchro();
+
+    platform::SerialLink& CommBus() { return *link_; }
+    DirectPrinting& dpPrinter() { return dpPrinter_; }
+    const CommandClasses& Commands() const { return commands_; }
+    /// Counters and next poll of a panel, as the grid shows them; empty before its first poll.
+    QString ErrorText(int panel) const { return errorTexts_[size_t(panel)]; }
+    /// Panel polled last, 0 before the first.
+    int PolledPanel() const { return polledPanel_; }
+    /// "hh:mm:ss" of the last round.
+    QString LastRound() const { return lastRound_; }
+    platform::ActivityDetection& UserSleep() { return userSleep_; }
+
+    /// The events taken of a module are dropped there, whoever saw to it.
+    void ForgetReceipt(int address) { receipts_.Settle(address); }
+
+    /// Ticks of the timers.
+    void tmrMidnight_Timer();
+    void tmrReactiv_Timer();
+
+    /// Routes one event to all its consumers.
+    void TraiteEvent(EventClass& event);
+    /// Turns the words of a good poll into events.
+    void ExploitePanneau(PanelClass& panel, const Words& words);
+    /// Makes the event of a panel that came or went.
+    void TraitePanelMove(int address, bool present);
+    /// Counts a failed poll.
+    void AddError(int address);
+
+Q_SIGNALS:
+    /// A command is given up.
+    void WriteError(const CommandClass& command);
+    /// An event has been routed.
+    void BusEvent(const EventClass& event);
+    /// A panel came or went.
+    void PanelMove(int panel, bool present, int number, int id);
+    /// A turn over the addresses ended in which at least one panel was polled.
+    void PollDone();
+    /// The slow update has gone through the panels.
+    void UpdateDone();
+
+    /// A round has ended; what the grid shows of the polled panel is new.
+    void RoundDone(int panel);
+    void RunChanged(bool on);
+    /// Port or settings of the link are new.
+    void LinkChanged();
+    /// A general reading of the bus begins or ends.
+    void Synchronising(bool on);
+    /// The level of the connected user changed without a screen's doing.
+    void UserChanged();
+
+private:
+    /// One word for each channel, 1 to 24.
+    using ChannelWords = std::array<qint16, 25>;
+    using QualifierTable = std::array<ChannelWords, PanelCount + 1>;
+
+    bool EndIfClosing();
+    void WorkQueue();
+    void PurgeQueue();
+    int PickPanel(bool& turnEnded);
+    void PollPanel(int address);
+    void ContinueUpdate();
+    void FollowClock();
+    QualifierTable FirstPass();
+    void ResetModule(int address);
+    void EmptyConsole();
+    void ReportStanding(int address, const ChannelWords& qualifiers);
+    void LectureGeneraleBus();
+    void UpdatePanel(int address, bool force);
+    bool ReadStubbornly(int address, qint32 registerNo, Words& words);
+    void ReportChange(PanelClass& panel, int number, qint16 qualifier, qint16 state);
+    void ResetClocks(DateTime now);
+    void ReleaseStale(int address, int number);
+    void ReopenLostPort();
+    void ReactivateFromSettings();
+    void ReactivateFromConsole();
+    void ReactiverAlarme(qint32 id, DateTime time, qint32 number);
+    void HistoBusState();
+    void PrintBusState();
+    static bool IsReceipt(const CommandClass& command);
+    bool IsObeyedReceipt(const CommandClass& command);
+    bool SendByType(CommandClass& command, QString& line);
+    void TraceWriteError(const CommandClass& command);
+    void SetupPrinter();
+    void RestoreCommands();
+    void StoreCommands();
+    void UserSleep_UserIsNotHere();
+
+    void ExploiteQFamily(PanelClass& panel, const Words& words);
+    void ExploiteEvent(PanelClass& panel, quint16 head, quint16 clock);
+    void ExploiteFlag(PanelClass& panel, const Words& words);
+    void ExploiteStates(PanelClass& panel, const Words& words);
+    void TraiteKlaxon(const EventClass& event);
+    void ShowConsole();
+    qint32 IncEvtNum();
+
+    std::unique_ptr<platform::SerialLink> link_;
+    platform::ActivityDetection userSleep_;
+    DirectPrinting dpPrinter_;
+    QTimer tmrPoll_;
+    QTimer tmrMidnight_;
+    QTimer tmrReactiv_;
+    CommandClasses commands_;
+    EventReceipts receipts_;
+
+    bool run_ = false;
+    bool inRound_ = false;
+    bool closing_ = false;
+    bool unloaded_ = false;
+    bool firstStart_ = false;
+    qint32 lastEvent_ = 0;
+    qint16 updatePointer_ = 0;
+    qint16 pollPointer_ = 0;
+    qint16 polledInTurn_ = 0;
+    DateTime lastMidnightCheck_ = 0;
+    DateTime lastRoundTime_ = 0;
+    bool periodUnit_ = false;
+    int periodTime_ = 0;
+    bool periodLimit_ = false;
+
+    int polledPanel_ = 0;
+    QString lastRound_;
+    std::array<QString, PanelCount + 1> errorTexts_;
+};
+
+/// The one engine, or null before it is made and after its end.
+wPolling* Polling();

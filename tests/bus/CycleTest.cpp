@@ -1,0 +1,295 @@
+#include "bus/Engine.h"
+
+#include "support/Rows.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+namespace {
+
+class Cycle : public Engine {
+protected:
+    Cycle() { Start(); }
+
+    /// Addresses polled in so many rounds.
+    QList<int> Polled(int rounds) {
+        link->sent.clear();
+        Rounds(rounds);
+        return Addresses(3);
+    }
+    static QList<int> Counters(const PanelClass& panel) {
+        return {panel.ErrCptr(0), panel.ErrCptr(1), panel.ErrCptr(2)};
+    }
+    /// Seconds until the panel is due.
+    double DueIn(const PanelClass& panel) const {
+        return std::round((panel.NextPoll() - clock.Now()) * 86400);
+    }
+};
+
+TEST_F(Cycle, PollsEachModelByItsRegisters) {
+    const int models[] = {Models::Q7100, Models::Q6200XT, Models::Q7000, Models::P5000,
+                          Models::P5500};
+    int address = 10;
+    for (const int model : models)
+        AddModule(address++, model);
+    AddModule(address, 6); // a model of a later file: polled by nothing
+    AddModule(20, Models::None);
+    AddModule(21, Models::Q7100).setActive(false);
+    Rounds(6);
+    EXPECT_EQ(link->sent, (QList<QByteArray>{WithCrc(QByteArray::fromHex("0A0300900001")),
+                                             WithCrc(QByteArray::fromHex("0B0300440001")),
+                                             WithCrc(QByteArray::fromHex("0C0300900001")),
+                                             WithCrc(QByteArray::fromHex("0D030001000C")),
+                                             WithCrc(QByteArray::fromHex("0E030001000C"))}));
+    EXPECT_EQ(engine->ErrorText(10), QStringLiteral("0000    00    00    11:59:59"));
+    EXPECT_FALSE(engine->ErrorText(15).isEmpty());
+    EXPECT_TRUE(engine->ErrorText(20).isEmpty());
+    EXPECT_EQ(engine->LastRound(), QStringLiteral("12:00:00"));
+}
+
+TEST_F(Cycle, WithoutPanelSixtyFourEachTurnPollsAll) {
+    for (const int address : {1, 2, 63})
+        AddModule(address, Models::Q7100);
+    QList<int> turns;
+    QObject::connect(engine.get(), &wPolling::PollDone,
+                     [&] { turns += quint8(link->sent.last()[0]); });
+    EXPECT_EQ(Polled(6), (QList<int>{2, 63, 1, 2, 63, 1}));
+    EXPECT_EQ(turns, (QList<int>{1, 1}));
+}
+
+TEST_F(Cycle, PanelOneWaitsBehindAGoodPanelSixtyFour) {
+    for (const int address : {1, 2, 64})
+        AddModule(address, Models::Q7100);
+    int turns = 0;
+    QObject::connect(engine.get(), &wPolling::PollDone, [&] { ++turns; });
+    EXPECT_EQ(Polled(6), (QList<int>{2, 64, 2, 64, 2, 64}));
+    EXPECT_EQ(turns, 3);
+    EXPECT_EQ(engine->PolledPanel(), 64);
+
+    // With 64 missing the search runs on to 1.
+    Site().Panel(64).setNextPoll(clock.Now() + 1);
+    EXPECT_EQ(Polled(4), (QList<int>{2, 1, 2, 1}));
+}
+
+TEST_F(Cycle, ASinglePanelIsPolledInEveryRound) {
+    for (const int address : {1, 33, 64}) {
+        AddModule(address, Models::Q7100);
+        EXPECT_EQ(Polled(3), (QList<int>{address, address, address}));
+        Site().Panel(address).setActive(false);
+    }
+}
+
+TEST_F(Cycle, WithNothingDueTheTurnAndTheUpdateGoOn) {
+    int turns = 0;
+    int updates = 0;
+    QList<int> rounds;
+    QObject::connect(engine.get(), &wPolling::PollDone, [&] { ++turns; });
+    QObject::connect(engine.get(), &wPolling::UpdateDone, [&] { ++updates; });
+    QObject::connect(engine.get(), &wPolling::RoundDone, [&](int panel) { rounds += panel; });
+    engine->StartUpdate();
+    clock.Advance(90000);
+    Rounds(62);
+    EXPECT_EQ(updates, 0);
+    Rounds(1);
+    EXPECT_EQ(updates, 1) << "panel 64 is not reached";
+    Rounds(70);
+    EXPECT_EQ(updates, 1);
+    EXPECT_EQ(turns, 0) << "no panel was polled";
+    EXPECT_EQ(rounds, QList<int>(133, 0));
+    EXPECT_EQ(engine->LastRound(), QStringLiteral("12:01:30"));
+    EXPECT_EQ(link->sent.size(), 0);
+}
+
+TEST_F(Cycle, DeclaresAPanelMissingAndFindsItAgain) {
+    PanelClass& panel = AddModule(5, Models::Q7100);
+    modules.Remove(5);
+    QStringList moves;
+    QObject::connect(engine.get(), &wPolling::PanelMove,
+                     [&](int address, bool present, int number, int id) {
+                         moves += QStringLiteral("%1 %2 %3 %4")
+                                      .arg(address)
+                                      .arg(present)
+                                      .arg(number)
+                                      .arg(id, 8, 16, QChar(u'0'));
+                         EXPECT_EQ(panel.Present(), present) << "stored ahead of the signal";
+                     });
+    Rounds(2);
+    EXPECT_EQ(Counters(panel), (QList<int>{2, 2, 0}));
+    EXPECT_TRUE(panel.Present());
+    Rounds(1);
+    EXPECT_EQ(Counters(panel), (QList<int>{3, 2, 1}));
+    EXPECT_EQ(DueIn(panel), 60);
+    EXPECT_EQ(engine->ErrorText(5).left(16), QStringLiteral("0003    02    01"));
+    EXPECT_EQ(Polled(3), QList<int>()) << "not due";
+    clock.Advance(60100);
+    EXPECT_EQ(Polled(3), QList<int>{5});
+    EXPECT_EQ(DueIn(panel), 60);
+    clock.Advance(60100);
+    EXPECT_EQ(Polled(3), QList<int>{5});
+    EXPECT_EQ(Counters(panel), (QList<int>{5, 2, 3}));
+    EXPECT_EQ(DueIn(panel), 600);
+    clock.Advance(599000);
+    EXPECT_EQ(Polled(3), QList<int>());
+    EXPECT_EQ(moves, QStringList{QStringLiteral("5 0 2 05ff0100")}) << "told once";
+
+    modules[5];
+    clock.Advance(2000);
+    EXPECT_EQ(Polled(1), QList<int>{5});
+    EXPECT_EQ(Counters(panel), (QList<int>{5, 1, 0}));
+    EXPECT_LT(panel.NextPoll(), clock.Now());
+    EXPECT_EQ(moves.size(), 2);
+    EXPECT_EQ(moves.last(), QStringLiteral("5 1 3 05ff0101"));
+
+    // One failure right after the return isn't yet a loss.
+    modules.Remove(5);
+    Rounds(1);
+    EXPECT_TRUE(panel.Present());
+    modules[5];
+    Rounds(4);
+    EXPECT_EQ(Counters(panel), (QList<int>{6, 0, 0}));
+    EXPECT_EQ(moves.size(), 2);
+}
+
+TEST_F(Cycle, ErrorCountersWrap) {
+    PanelClass& panel = AddModule(5, Models::Q7100);
+    panel.setErrCptr(0, 31999);
+    panel.setErrCptr(1, 2);
+    panel.setErrCptr(2, 31999);
+    engine->AddError(5);
+    EXPECT_EQ(Counters(panel), (QList<int>{0, 2, 0}));
+    EXPECT_EQ(DueIn(panel), 60);
+}
+
+TEST_F(Cycle, TheSamePresenceAgainUsesNoNumber) {
+    PanelClass& panel = AddModule(5, Models::Q7100);
+    const QString last = Stored(QStringLiteral("General"), QStringLiteral("LastEvent"));
+    engine->TraitePanelMove(5, true);
+    EXPECT_EQ(events.size(), 0);
+    EXPECT_EQ(Stored(QStringLiteral("General"), QStringLiteral("LastEvent")), last);
+    panel.setPresent(false);
+    engine->TraitePanelMove(5, false);
+    EXPECT_EQ(events.size(), 0);
+}
+
+TEST_F(Cycle, ReinitClearsAllAndTracesIt) {
+    for (const int address : {1, 63}) {
+        PanelClass& panel = AddModule(address, Models::Q7100);
+        panel.setPresent(false);
+        panel.setNextPoll(clock.Now() + 1);
+        for (int counter = 0; counter < 3; ++counter)
+            panel.setErrCptr(counter, 7);
+    }
+    engine->ReinitComm();
+    for (const int address : {1, 63}) {
+        EXPECT_EQ(Counters(Site().Panel(address)), (QList<int>{0, 0, 0}));
+        EXPECT_EQ(DueIn(Site().Panel(address)), -1);
+        EXPECT_FALSE(Site().Panel(address).Present());
+    }
+    EXPECT_EQ(TraceLines().last(),
+              Rows::Trace(QStringLiteral("REINIT"), QString(), Rows::Stars(8),
+                          QStringLiteral("SYSTEM"), QStringLiteral("COMM"),
+                          QStringLiteral("REINIT"), Rows::Stars(26), Rows::Stars(39)));
+    // A panel that was missing is told as present by its next good poll.
+    Rounds(2);
+    EXPECT_EQ(events.size(), 2);
+}
+
+TEST_F(Cycle, OpensTheLinkAsTheSiteSays) {
+    Site().setBusSettings(QStringLiteral("COM12:19200,E,7,2"));
+    engine->ReinitComm();
+    EXPECT_EQ(link->CommPort(), 12);
+    EXPECT_EQ(link->Settings(), QStringLiteral("19200,E,7,2"));
+    EXPECT_TRUE(link->PortOpen());
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Cycle, DamagedSettingsAreToldAndLeaveTheBusSilent) {
+    PanelClass& panel = AddModule(5, Models::Q7100);
+    for (const char* settings : {"", "COM3", "rubbish", "COM"}) {
+        boxes.clear();
+        Site().setBusSettings(QString::fromLatin1(settings));
+        engine->ReinitComm();
+        EXPECT_FALSE(link->PortOpen());
+        ASSERT_EQ(boxes.size(), 1) << settings;
+        EXPECT_EQ(boxes[0], QStringLiteral("Serial port COM%1 cannot be opened.")
+                                .arg(qstrcmp(settings, "COM3") == 0 ? 3 : 0));
+    }
+    // The cycle goes on: the panel is reported missing, without a box at each poll.
+    boxes.clear();
+    Rounds(3);
+    EXPECT_FALSE(panel.Present());
+    EXPECT_EQ(boxes, QStringList());
+    Site().setBusSettings(QStringLiteral("COM2:9600,N,8,1"));
+    engine->ReinitComm();
+    Rounds(1);
+    EXPECT_TRUE(panel.Present());
+}
+
+TEST_F(Cycle, RunNeedsThePort) {
+    engine->setRun(false);
+    link->setPortOpen(false);
+    link->canOpen = false;
+    Forget();
+    engine->setRun(true);
+    EXPECT_FALSE(engine->Run());
+    EXPECT_EQ(boxes, QStringList{QStringLiteral("Serial port COM1 cannot be opened.")});
+    EXPECT_EQ(events.size(), 0);
+    link->canOpen = true;
+    engine->setRun(true);
+    EXPECT_TRUE(engine->Run());
+    EXPECT_TRUE(link->PortOpen());
+    ASSERT_EQ(events.size(), 1);
+    EXPECT_EQ(events[0].ID(), 0x00FE0004);
+
+    // Each command of the operator is recorded, also one that changes nothing.
+    engine->setRun(true);
+    engine->setRun(false);
+    EXPECT_EQ(events.size(), 3);
+    EXPECT_EQ(events[2].ID(), 0x00FE0005);
+    EXPECT_TRUE(link->PortOpen());
+}
+
+TEST_F(Cycle, TheTimerDrivesTheRoundsUntilTheStop) {
+    AddModule(5, Models::Q7100);
+    int rounds = 0;
+    QObject::connect(engine.get(), &wPolling::RoundDone, [&] { ++rounds; });
+    const auto wait = [&](int milliseconds, int enough) {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < milliseconds && rounds < enough)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    };
+    wait(5000, 3);
+    EXPECT_GE(rounds, 3);
+    engine->setRun(false);
+    rounds = 0;
+    wait(120, 1);
+    EXPECT_EQ(rounds, 0);
+    engine->setRun(true);
+    wait(5000, 2);
+    EXPECT_GE(rounds, 2);
+}
+
+TEST_F(Cycle, AClockSetBackSilencesNobody) {
+    PanelClass& good = AddModule(5, Models::Q7100);
+    PanelClass& missing = AddModule(6, Models::Q7100);
+    modules.Remove(6);
+    Rounds(6);
+    EXPECT_EQ(DueIn(missing), 60);
+    engine->SendCommand(Write(5, 67, {2}, clock.Now() + platform::OneMinute / 2));
+    Rounds(1);
+    clock.Set(clock.Now() - 1.0 / 24);
+    Rounds(1);
+    EXPECT_LT(good.NextPoll(), clock.Now());
+    EXPECT_LE(DueIn(missing), 60);
+    EXPECT_GE(DueIn(missing), 55);
+    EXPECT_EQ(Polled(2), (QList<int>{5, 5}));
+    clock.Advance(31000);
+    link->sent.clear();
+    Rounds(1);
+    EXPECT_EQ(Addresses(6), QList<int>{5}) << "nor does a command wait for an hour";
+    clock.Advance(30000);
+    EXPECT_TRUE(Polled(2).contains(6));
+}
+
+} // namespace

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "bus/wPolling.h"
+#include "model/Models.h"
+#include "support/Bench.h"
+#include "support/FakeLink.h"
+#include "support/FakeModules.h"
+
+/// The engine on a bus of fake modules, loaded and with the port open.
+class Engine : public Bench {
+protected:
+    Engine()
+        : link(new FakeLink) {
+        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
+        SetOptions(0, 0, 0, 0);
+    }
+
+    /// Makes and loads the engine; the application is started anew by a second call.
+    void Load() {
+        if (engine) {
+            auto next = std::make_unique<FakeLink>();
+            next->answer = link->answer;
+            link = next.get();
+            engine = std::make_unique<wPolling>(std::move(next));
+        } else {
+            engine = std::make_unique<wPolling>(std::unique_ptr<platform::SerialLink>(link));
+        }
+        engine->Form_Load();
+        QObject::connect(engine.get(), &wPolling::BusEvent,
+                         [this](const EventClass& event) { events += event; });
+    }
+    /// Loads and starts the bus while the site is still empty, so that nothing is synchronised.
+    void Start() {
+        Load();
+        engine->setRun(true);
+        Forget();
+    }
+    void Forget() {
+        link->sent.clear();
+        events.clear();
+        boxes.clear();
+    }
+    /// A panel of the site with a module that answers.
+    PanelClass& AddModule(int address, int model) {
+        modules[address];
+        PanelClass& panel = AddPanel(address, model);
+        panel.setNextPoll(clock.Now() - 1);
+        return panel;
+    }
+    void Rounds(int count) {
+        for (int i = 0; i < count; ++i)
+            engine->RunComm();
+    }
+    static CommandPtr Write(int module, int registerNo, const Words& values, DateTime when = 0) {
+        return std::make_shared<CommandClass>(qint16(module), registerNo, values, when);
+    }
+    /// Addresses of the frames sent with a function.
+    QList<int> Addresses(int function) const {
+        QList<int> addresses;
+        for (const QByteArray& frame : link->sent)
+            if (frame[1] == function)
+                addresses += quint8(frame[0]);
+        return addresses;
+    }
+    static QString Stored(const QString& section, const QString& key) {
+        return IniRead(section, key, QStringLiteral("none"));
+    }
+
+    FakeModules modules;
+    FakeLink* link;
+    std::unique_ptr<wPolling> engine;
+    QList<EventClass> events;
+};

@@ -1,0 +1,274 @@
+#include "bus/Engine.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+
+namespace {
+
+const QString Pending = QStringLiteral("PendingCommands");
+
+class Queue : public Engine {
+protected:
+    Queue() { Start(); }
+    /// Trace lines since the start of the bus.
+    QStringList NewTrace() const { return TraceLines().mid(before); }
+    qsizetype before = 0;
+
+    void SetUp() override { before = TraceLines().size(); }
+};
+
+TEST_F(Queue, SendsInOrderAndTracesEachCommand) {
+    AddModule(7, Models::Q7100);
+    engine->SendCommand(Write(7, 19, {3}));
+    engine->SendCommand(Write(7, 19, {0}));
+    engine->SendCommand(Write(7, 19, {3}));
+    engine->SendCommand(Write(7, 25, {1, -1, 0x1234}));
+    engine->SendCommand(Write(0, 289, {0}));
+    Rounds(1);
+    ASSERT_EQ(link->sent.size(), 5) << "four commands and a poll";
+    EXPECT_EQ(link->sent[0], WithCrc(QByteArray::fromHex("070600130003")));
+    EXPECT_EQ(link->sent[1], WithCrc(QByteArray::fromHex("070600130000")));
+    EXPECT_EQ(link->sent[2], WithCrc(QByteArray::fromHex("071000190003060001FFFF1234")));
+    EXPECT_EQ(link->sent[3], WithCrc(QByteArray::fromHex("000601210000")));
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_EQ(NewTrace(),
+              (QStringList{QStringLiteral("2024-03-15 12:00:00 WRITE  COMMAND P07:0013 0003"),
+                           QStringLiteral("2024-03-15 12:00:00 WRITE  COMMAND P07:0013 0000"),
+                           QStringLiteral("2024-03-15 12:00:00 WRITE  COMMAND P07:0019 0001 FFFF "
+                                          "1234"),
+                           QStringLiteral("2024-03-15 12:00:00 WRITE  COMMAND P00:0121 0000")}));
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Queue, ABroadcastRestsTwice) {
+    CommandClass command(0, 289, {0});
+    const qint64 start = clock.MonotonicMs();
+    engine->TraiteCommande(command);
+    EXPECT_EQ(clock.MonotonicMs() - start, 50);
+    EXPECT_EQ(command.CmdType(), CommandTypes::Done);
+    EXPECT_DOUBLE_EQ(command.SendTime(), clock.Now() - 0.050 / 86400) << "stamped when sent";
+}
+
+TEST_F(Queue, GivesACommandUpInTheThirdRound) {
+    QList<int> givenUp;
+    QObject::connect(engine.get(), &wPolling::WriteError, [&](const CommandClass& command) {
+        givenUp += command.Address();
+        EXPECT_TRUE(command.Error());
+        EXPECT_EQ(command.ErrorCount(), 3);
+    });
+    AddModule(7, Models::Q7100);
+    engine->SendCommand(Write(9, 67, {2, 3}, clock.Now()));
+    engine->SendCommand(Write(7, 67, {2}));
+    Rounds(1);
+    EXPECT_EQ(Addresses(16), QList<int>{9});
+    EXPECT_EQ(Addresses(6), QList<int>{7}) << "the missing panel doesn't hold up the others";
+    ASSERT_EQ(engine->Commands().Count(), 1);
+    EXPECT_EQ(engine->Commands().Item(1)->ErrorCount(), 1);
+    Rounds(1);
+    EXPECT_EQ(givenUp, QList<int>());
+    Rounds(1);
+    EXPECT_EQ(givenUp, QList<int>{67});
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    Rounds(1);
+    EXPECT_EQ(Addresses(16), (QList<int>{9, 9, 9}));
+    const QStringList trace = NewTrace();
+    ASSERT_EQ(trace.size(), 5);
+    EXPECT_EQ(trace[3], QStringLiteral("2024-03-15 12:00:00 WRITE  COMMAND P09:0043 0002 0003"));
+    EXPECT_EQ(trace[4], QStringLiteral("2024-03-15 12:00:00 WRITE  ERROR   P09:0043 00020003"));
+}
+
+TEST_F(Queue, AnswersInTimeAfterTwoFailures) {
+    engine->SendCommand(Write(9, 67, {2}));
+    Rounds(2);
+    modules[9];
+    Rounds(1);
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_EQ(modules[9].value(67), 2);
+    EXPECT_EQ(NewTrace().size(), 3);
+}
+
+TEST_F(Queue, TellsOfAReadAndOfAnUnknownKindGivenUp) {
+    const CommandPtr read = Write(7, 146, Words(30, 0x1111), clock.Now());
+    read->setCmdType(CommandTypes::Read);
+    engine->SendCommand(read);
+    Rounds(3);
+    const QStringList trace = NewTrace();
+    ASSERT_EQ(trace.size(), 4);
+    EXPECT_EQ(trace[0].left(45), QStringLiteral("2024-03-15 12:00:00 READ   COMMAND P07:0092 1"));
+    EXPECT_EQ(trace[0].size(), 80);
+    EXPECT_EQ(trace[3].left(46), QStringLiteral("2024-03-15 12:00:00 READ ERROR   P07:0092 1111"));
+    EXPECT_EQ(trace[3].size(), 80);
+
+    CommandClass unknown(7, 1, {5}, clock.Now());
+    unknown.setCmdType(9);
+    link->sent.clear();
+    engine->TraiteCommande(unknown);
+    EXPECT_EQ(unknown.CmdType(), CommandTypes::Done);
+    EXPECT_EQ(link->sent.size(), 0);
+    EXPECT_TRUE(NewTrace().last().endsWith(QStringLiteral(" CMD??? COMMAND P07:0001 0005")));
+}
+
+TEST_F(Queue, AReadOfStatesStoresThoseItWasMadeWith) {
+    PanelClass& panel = AddModule(7, Models::Q7100);
+    modules[7][1] = 4;
+    CommandClass read(7, 1, Words(20, 3));
+    read.setCmdType(CommandTypes::Read);
+    engine->TraiteCommande(read);
+    EXPECT_EQ(panel.Channel(1).State(), 3);
+    EXPECT_EQ(panel.Channel(12).State(), 3);
+    EXPECT_EQ(panel.Channel(13).State(), 0) << "the panel has twelve channels";
+
+    modules.Remove(7);
+    CommandClass failed(7, 1, {1});
+    failed.setCmdType(CommandTypes::Read);
+    engine->TraiteCommande(failed);
+    EXPECT_EQ(panel.Channel(1).State(), 3);
+    EXPECT_EQ(failed.ErrorCount(), 1);
+}
+
+TEST_F(Queue, WaitsForTheTimeOfACommand) {
+    AddModule(7, Models::Q7100);
+    engine->SendCommand(Write(7, 67, {2}, clock.Now() + platform::OneMinute));
+    Rounds(3);
+    EXPECT_EQ(Addresses(6), QList<int>());
+    EXPECT_EQ(NewTrace(), QStringList());
+    ASSERT_EQ(engine->Commands().Count(), 1);
+    EXPECT_EQ(engine->Commands().Item(1)->ErrorCount(), 0);
+    clock.Advance(60000);
+    Rounds(1);
+    EXPECT_EQ(Addresses(6), QList<int>{7});
+}
+
+TEST_F(Queue, StaysWhileTheBusIsStopped) {
+    modules[7];
+    engine->setRun(false);
+    Forget();
+    engine->SendCommand(Write(7, 67, {2}));
+    Rounds(2);
+    EXPECT_EQ(link->sent.size(), 0);
+    engine->setRun(true);
+    Rounds(1);
+    EXPECT_EQ(Addresses(6), QList<int>{7});
+}
+
+TEST_F(Queue, TakesCommandsThatComeInAYield) {
+    modules[7];
+    link->answer = [this, first = true](const QByteArray& frame) mutable {
+        if (std::exchange(first, false))
+            QMetaObject::invokeMethod(
+                engine.get(), [this] { engine->SendCommand(Write(7, 66, {1})); },
+                Qt::QueuedConnection);
+        return modules.Answer(frame);
+    };
+    engine->SendCommand(Write(7, 67, {2}));
+    Rounds(1);
+    EXPECT_EQ(modules[7].value(66), 1);
+    EXPECT_EQ(engine->Commands().Count(), 0);
+}
+
+TEST_F(Queue, AnUnloadInAYieldEndsTheRoundAndStoresTheRest) {
+    AddModule(7, Models::Q7100);
+    link->answer = [this](const QByteArray& frame) {
+        QMetaObject::invokeMethod(
+            engine.get(), [this] { engine->Form_Unload(); }, Qt::QueuedConnection);
+        return modules.Answer(frame);
+    };
+    engine->SendCommand(Write(7, 67, {2}));
+    engine->SendCommand(Write(7, 66, {1}));
+    engine->SendCommand(Write(8, 25, {-1, 16}, clock.Now() + 1));
+    Rounds(1);
+    EXPECT_EQ(link->sent.size(), 1) << "neither the next command nor a poll";
+    EXPECT_FALSE(link->PortOpen());
+    EXPECT_FALSE(engine->Run());
+    EXPECT_TRUE(engine->IsClosing());
+    // What was sent isn't sent again by the next start.
+    EXPECT_EQ(Stored(Pending, QStringLiteral("1")), QStringLiteral("2|7|0042|00:00:00|0001"));
+    EXPECT_EQ(Stored(Pending, QStringLiteral("2")),
+              QStringLiteral("2|8|0019|2024-03-16 12:00:00|FFFF|0010"));
+    EXPECT_EQ(Stored(Pending, QStringLiteral("3")), QStringLiteral("none"));
+
+    // The tick that was under way and a second unload find nothing to do.
+    IniDeleteSection(Pending);
+    Rounds(2);
+    engine->Form_Unload();
+    EXPECT_EQ(link->sent.size(), 1);
+    EXPECT_EQ(Stored(Pending, QStringLiteral("1")), QStringLiteral("none"));
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Queue, AnUnloadInTheLastYieldPollsNobody) {
+    AddModule(7, Models::Q7100);
+    link->answer = [this](const QByteArray& frame) {
+        QMetaObject::invokeMethod(
+            engine.get(), [this] { engine->Form_Unload(); }, Qt::QueuedConnection);
+        return modules.Answer(frame);
+    };
+    engine->SendCommand(Write(7, 67, {2}));
+    Rounds(1);
+    EXPECT_EQ(link->sent.size(), 1);
+    EXPECT_FALSE(engine->Run());
+    EXPECT_EQ(Stored(Pending, QStringLiteral("1")), QStringLiteral("none"));
+}
+
+TEST_F(Queue, ComesBackAfterARestart) {
+    engine->SendCommand(Write(7, 67, {2}, clock.Now()));
+    engine->SendCommand(Write(0, 289, {0}));
+    engine->Form_Unload();
+    clock.Advance(86400000);
+    Load();
+    ASSERT_EQ(engine->Commands().Count(), 2);
+    QStringList keys;
+    EXPECT_EQ(IniReadKeys(keys, Pending), 0);
+    engine->setRun(true);
+    modules[7];
+    Forget();
+    Rounds(1);
+    EXPECT_EQ(Addresses(6), (QList<int>{7, 0}));
+}
+
+TEST_F(Queue, DamagedTextsAreToldAndDropped) {
+    const char* texts[] = {"2|7|0043|00:00:00|0002",
+                           "",
+                           "rubbish",
+                           "2|7|0043|00:00:00|0002",
+                           "2|300|0043|00:00:00|0002",
+                           "2|7|0042|nonsense|0001"};
+    int number = 0;
+    for (const char* text : texts)
+        IniWrite(Pending, QString::number(++number), QString::fromLatin1(text));
+    Load();
+    ASSERT_EQ(engine->Commands().Count(), 2) << "a double is dropped as ever";
+    EXPECT_EQ(engine->Commands().Item(1)->Address(), 67);
+    EXPECT_EQ(engine->Commands().Item(2)->Address(), 66);
+    EXPECT_EQ(boxes.size(), 2);
+    QStringList keys;
+    EXPECT_EQ(IniReadKeys(keys, Pending), 0) << "nothing comes back at the next start";
+}
+
+TEST_F(Queue, AStopAndAStartInAYieldDontNestRounds) {
+    int depth = 0;
+    int deepest = 0;
+    link->answer = [&](const QByteArray& frame) {
+        deepest = std::max(deepest, ++depth);
+        QMetaObject::invokeMethod(
+            engine.get(),
+            [this] {
+                engine->setRun(false);
+                engine->setRun(true);
+                engine->RunComm();
+            },
+            Qt::QueuedConnection);
+        QByteArray reply = modules.Answer(frame);
+        --depth;
+        return reply;
+    };
+    int ended = 0;
+    QObject::connect(engine.get(), &wPolling::RoundDone, [&] { ++ended; });
+    engine->SendCommand(Write(7, 67, {2}));
+    engine->SendCommand(Write(7, 66, {2}));
+    Rounds(1);
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(link->sent.size(), 2);
+}
+
+} // namespace

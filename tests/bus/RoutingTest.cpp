@@ -1,0 +1,222 @@
+#include "bus/Engine.h"
+
+#include "support/FakeForm.h"
+
+namespace {
+
+const QString Console = QStringLiteral("wRunAlarms");
+
+/// A horn that notes when it sounds.
+class NotingSound : public platform::SilentSound {
+public:
+    explicit NotingSound(std::function<void()> note)
+        : note_(std::move(note)) {}
+    void StartLooped(const QString& /*path*/) override { note_(); }
+
+private:
+    std::function<void()> note_;
+};
+
+class Routing : public Engine {
+protected:
+    Routing() {
+        Start();
+        SetOptions(31, 31, 31, 31);
+        Forms::Register(Console, [this]() -> Forms::Form* {
+            console = std::make_unique<FakeForm>(Console, log);
+            return console.get();
+        });
+        PanelClass& panel = AddModule(5, Models::Q7100);
+        ChannelClass& channel = panel.Channel(7);
+        channel.setScrAlm(true);
+        channel.setHisto(true);
+        channel.setKlaxon(true);
+        channel.setAlmPrio(40);
+        Site().setAlarmPrioSound(40, 4);
+        Site().setAlarmPrioSound(99, 9);
+    }
+    void SetUp() override { traced = TraceLines().size(); }
+    ~Routing() override { Forms::Register(Console, {}); }
+
+    void Route(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
+        EventClass event(panel, chnl, param, aff);
+        engine->SendEvent(event);
+    }
+    /// What each consumer has of the last event, besides the log of the forms.
+    void Note(const QString& what) {
+        log += QStringLiteral("%1, %2 histo, %3 traced")
+                   .arg(what)
+                   .arg(Histo().size())
+                   .arg(TraceLines().size() - traced);
+    }
+    QStringList Histo() const {
+        const QString name = QStringLiteral("Histo202403.his");
+        return QFile::exists(Path(name)) ? LinesOf(name).mid(1) : QStringList();
+    }
+
+    QStringList log;
+    std::unique_ptr<FakeForm> console;
+    qsizetype traced = 0;
+};
+
+TEST_F(Routing, ServesItsConsumersInOrder) {
+    log.clear();
+    FakeForm menu(QStringLiteral("wMain"), log);
+    FakeForm own(QStringLiteral("wPolling"), log);
+    Global::Get().sound = std::make_unique<NotingSound>([this] { Note(QStringLiteral("horn")); });
+    QObject::connect(engine.get(), &wPolling::BusEvent, [this] { Note(QStringLiteral("signal")); });
+    const qsizetype before = Histo().size();
+    traced = TraceLines().size();
+    Route(5, 7, 0, 1);
+    EXPECT_EQ(log, (QStringList{QStringLiteral("horn, %1 histo, 0 traced").arg(before),
+                                QStringLiteral("show wRunAlarms"),
+                                QStringLiteral("front wRunAlarms"), QStringLiteral("unload wMain"),
+                                QStringLiteral("signal, %1 histo, 0 traced").arg(before + 1)}));
+    EXPECT_EQ(TraceLines().size() - traced, 1);
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Routing, ShowsAConsoleThatAnotherFormTookDown) {
+    // A form whose end takes the console with it.
+    class Taker : public FakeForm {
+    public:
+        using FakeForm::FakeForm;
+        void Unload() override {
+            FakeForm::Unload();
+            Forms::Unload(Console);
+        }
+    };
+    log.clear();
+    const Taker taker(QStringLiteral("wSysComm"), log);
+    Route(5, 7, 0, 1);
+    EXPECT_EQ(NbInstances(Console), 1);
+    EXPECT_EQ(log.mid(2),
+              (QStringList{QStringLiteral("unload wSysComm"), QStringLiteral("unload wRunAlarms"),
+                           QStringLiteral("show wRunAlarms"), QStringLiteral("front wRunAlarms")}));
+}
+
+TEST_F(Routing, OutOfOrderTakesTheStateAndNothingElse) {
+    ChannelClass& channel = Site().Panel(5).Channel(7);
+    channel.setOutOfOrder(true);
+    log.clear();
+    const QStringList histo = Histo();
+    Forget();
+    Route(5, 7, 0, 3);
+    EXPECT_EQ(channel.State(), 3);
+    EXPECT_EQ(events.size(), 0);
+    EXPECT_EQ(log, QStringList());
+    EXPECT_EQ(Histo(), histo);
+    EXPECT_EQ(TraceLines().size(), traced);
+    EXPECT_EQ(horn->starts, 0);
+    // The presence of its panel is another matter.
+    Route(5, 255, 1, 0);
+    EXPECT_EQ(horn->starts, 1);
+}
+
+TEST_F(Routing, AFolderThatCantBeWrittenStopsNoOtherConsumer) {
+    QFile::remove(Path(QStringLiteral("Histo202403.his")));
+    ASSERT_TRUE(QDir().mkdir(Path(QStringLiteral("Histo202403.his"))));
+    Route(5, 7, 0, 1);
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_TRUE(boxes[0].contains(QStringLiteral("HistoProcs\r\nFunction : HistoEvent")));
+    EXPECT_EQ(horn->starts, 1);
+    EXPECT_EQ(NbInstances(Console), 1);
+    EXPECT_EQ(events.size(), 1);
+    EXPECT_EQ(TraceLines().size() - traced, 1);
+}
+
+TEST_F(Routing, TheHornFollowsTheEvent) {
+    struct {
+        qint16 chnl;
+        qint16 param;
+        qint16 aff;
+        qint16 priority;
+    } const rows[] = {
+        {255, 1, 0, 99}, {255, 1, 1, 0}, {0, 0, 1, 0},   {0, 0, 2, 0},  {7, 0, 1, 40},
+        {7, 1, 1, 99},   {7, 0, 2, 40},  {7, 1, 3, 40},  {7, 0, 4, 40}, {7, 0, 0, 0},
+        {7, 1, 0, 0},    {8, 0, 1, 0},   {254, 0, 1, 0},
+    };
+    for (const auto& row : rows) {
+        Global::Get().currentPriority = 0;
+        Route(5, row.chnl, row.param, row.aff);
+        EXPECT_EQ(Global::Get().currentPriority, row.priority)
+            << row.chnl << " " << row.param << " " << row.aff;
+    }
+    // The models that never sound.
+    for (const int model : {Models::P5000, Models::P5500}) {
+        Site().Panel(5).setModel(quint8(model));
+        Global::Get().currentPriority = 0;
+        Route(5, 255, 1, 0);
+        Route(5, 7, 0, 1);
+        EXPECT_EQ(Global::Get().currentPriority, 0);
+    }
+}
+
+TEST_F(Routing, TheTraceLineIsTrimmed) {
+    Route(5, 30, 0, 1);
+    EXPECT_TRUE(TraceLines().last().endsWith(QStringLiteral("051E0001")));
+    EXPECT_EQ(TraceLines().last().size(), 43);
+}
+
+TEST_F(Routing, InactivityThrowsOutAllButTheLowestLevels) {
+    for (const int level : {0, 1}) {
+        Global::Get().userLevel = level;
+        log.clear();
+        FakeForm menu(QStringLiteral("wMain"), log);
+        Q_EMIT engine->UserSleep().UserIsNotHere();
+        EXPECT_EQ(Global::Get().userLevel, level);
+        EXPECT_EQ(log, QStringList());
+    }
+    int changes = 0;
+    QObject::connect(engine.get(), &wPolling::UserChanged, [&] { ++changes; });
+    const qsizetype lines = TraceLines().size();
+    for (const int level : {2, 3, 4}) {
+        Global::Get().userLevel = level;
+        Global::Get().userName = QStringLiteral("MANAGER");
+        console.reset();
+        Forget();
+        log.clear();
+        FakeForm menu(QStringLiteral("wMain"), log);
+        FakeForm own(QStringLiteral("wPolling"), log);
+        Q_EMIT engine->UserSleep().UserIsNotHere();
+        EXPECT_EQ(Global::Get().userLevel, 0);
+        EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER"));
+        EXPECT_EQ(log,
+                  (QStringList{QStringLiteral("unload wMain"), QStringLiteral("show wRunAlarms"),
+                               QStringLiteral("front wRunAlarms")}));
+        EXPECT_EQ(events.size(), 0);
+    }
+    EXPECT_EQ(changes, 3);
+    EXPECT_EQ(TraceLines().size(), lines);
+}
+
+TEST_F(Routing, InactivityCountsByTheSite) {
+    struct {
+        qint16 minutes;
+        int count;
+        bool enabled;
+    } const rows[] = {{10, 100, true}, {1, 10, true}, {0, 10, false}, {-3, 10, false}};
+    for (const auto& row : rows) {
+        Site().setInactivityTime(row.minutes);
+        engine->SetupUserSleep();
+        EXPECT_EQ(engine->UserSleep().CheckPeriod(), 6000);
+        EXPECT_EQ(engine->UserSleep().Count(), row.count);
+        EXPECT_EQ(engine->UserSleep().Enabled(), row.enabled);
+    }
+}
+
+TEST_F(Routing, TheEndFromOutsideIsTraced) {
+    const QString tail = QStringLiteral("  ******** SYSTEM  APPLI STOP    ") + QString(26, u'*') +
+                         u' ' + QString(39, u'*');
+    Global::Get().currentPriority = 5;
+    engine->Form_QueryUnload(platform::UnloadMode::Code);
+    EXPECT_EQ(TraceLines().size(), traced);
+    EXPECT_EQ(horn->stops, 1);
+    engine->Form_QueryUnload(platform::UnloadMode::TaskManager);
+    EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 TASK  MANAGER") + tail);
+    engine->Form_QueryUnload(platform::UnloadMode::System);
+    EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 CLOSE  WINDOWS") + tail);
+    EXPECT_EQ(horn->stops, 3);
+}
+
+} // namespace
