@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs all tests. With an argument, the preset of that name
+# in place of "release".
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=${1:-release}
+scripts/packages.sh
+cmake --preset "$preset"
+cmake --build --preset "$preset"
+ctest --preset "$preset" --parallel "$(nproc)"
