@@ -16,6 +16,12 @@ void Register(const QString& name, Factory factory) {
     factories.insert(name, std::move(factory));
 }
 
+QStringList Names() {
+    QStringList names = factories.keys();
+    names.sort();
+    return names;
+}
+
 Form* Find(const QString& name) {
     const auto found = std::find_if(loaded.cbegin(), loaded.cend(),
                                     [&](const Form* form) { return form->Name() == name; });

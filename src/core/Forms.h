@@ -26,6 +26,8 @@ using Factory = std::function<Form*()>;
 /// Says how the form of a name is made.
 void Register(const QString& name, Factory factory);
 
+/// Every name that has a form, in alphabetical order.
+QStringList Names();
 /// The form, made now if it isn't loaded; null for a name that nobody registered.
 Form* Load(const QString& name);
 /// The loaded form of that name, or null.

@@ -1,0 +1,6 @@
+#include "screens/AskPassword.h"
+
+// Does nothing yet: nobody can be connected.
+bool AskPassword() {
+    return false;
+}

@@ -1,0 +1,287 @@
+#include "screens/ScreenForm.h"
+
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "screens/ResizeForm.h"
+#include "screens/Theme.h"
+#include "screens/TouchImage.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QScreen>
+#include <algorithm>
+
+namespace {
+
+QString ControlName(const QString& array, int index) {
+    return array + u'_' + QString::number(index);
+}
+
+QString OnScreen(QString text) {
+    return text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+constexpr const char* TagProperty = "Tag";
+
+} // namespace
+
+ScreenForm::ScreenForm(const QString& name, Kind kind)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
+    , name_(name)
+    , kind_(kind) {
+    setObjectName(name);
+    setWindowTitle(name);
+    // The program lives without a screen as well: the engine ends it, not the last window.
+    setAttribute(Qt::WA_QuitOnClose, false);
+    if (kind == Kind::Dialog)
+        setWindowFlag(Qt::WindowStaysOnTopHint);
+    Forms::Added(this);
+}
+
+ScreenForm::~ScreenForm() {
+    if (!unloaded_)
+        Forms::Removed(this);
+    if (modalLoop_ != nullptr)
+        modalLoop_->quit();
+}
+
+void ScreenForm::Show() {
+    if (unloaded_)
+        return;
+    Place();
+    show();
+    BringToFront();
+}
+
+void ScreenForm::Hide() {
+    hide();
+}
+
+void ScreenForm::BringToFront() {
+    if (unloaded_ || !isVisible())
+        return;
+    raise();
+    activateWindow();
+    RaiseDialogs();
+    Activate();
+}
+
+void ScreenForm::Unload() {
+    if (unloaded_)
+        return;
+    unloaded_ = true;
+    ErrorHandling::Guard((name_ + QStringLiteral(".Form_Unload")).toLatin1().constData(),
+                         [this] { Form_Unload(); });
+    Forms::Removed(this);
+    hide();
+    deleteLater();
+}
+
+void ScreenForm::ShowModal() {
+    if (unloaded_ || modalLoop_ != nullptr)
+        return;
+    // The form may be gone when the loop ends.
+    const QPointer<ScreenForm> self(this);
+    QEventLoop loop;
+    modalLoop_ = &loop;
+    setWindowModality(Qt::ApplicationModal);
+    Show();
+    if (isVisible())
+        loop.exec();
+    if (!self)
+        return;
+    modalLoop_ = nullptr;
+    hide();
+    setWindowModality(Qt::NonModal);
+}
+
+QWidget* ScreenForm::FindControl(const QString& array, int index) const {
+    return findChild<QWidget*>(ControlName(array, index));
+}
+
+QList<int> ScreenForm::Indices(const QString& array) const {
+    QList<int> indices;
+    const QString head = array + u'_';
+    for (const QWidget* control : findChildren<QWidget*>()) {
+        bool isNumber = false;
+        const int index = control->objectName().mid(head.size()).toInt(&isNumber);
+        if (isNumber && control->objectName().startsWith(head))
+            indices.append(index);
+    }
+    std::sort(indices.begin(), indices.end());
+    return indices;
+}
+
+void ScreenForm::Prepare() {
+    for (QWidget* control : findChildren<QWidget*>()) {
+        control->setFont(Theme::DesignFont(control->font()));
+        if (qobject_cast<TouchImage*>(control) != nullptr)
+            control->setCursor(Theme::TouchPointer());
+        // Texts of the site may look like markup.
+        if (auto* label = qobject_cast<QLabel*>(control))
+            label->setTextFormat(Qt::PlainText);
+    }
+    setFixedSize(size());
+    if (kind_ == Kind::Screen) {
+        auto* background = new QLabel(this);
+        background->setObjectName(QStringLiteral("imgBackPicture"));
+        background->setPixmap(Theme::Background());
+        background->setScaledContents(true);
+        background->setGeometry(rect());
+        background->lower();
+    }
+    Nationality();
+    scaled_ = ResizeForm(*this);
+}
+
+void ScreenForm::Nationality() {
+    for (QWidget* control : findChildren<QWidget*>()) {
+        const QString tag = control->property(TagProperty).toString();
+        if (!tag.isEmpty())
+            SetCaption(control, GetText(tag));
+    }
+}
+
+void ScreenForm::SetCaption(QWidget* control, const QString& text) {
+    if (auto* label = qobject_cast<QLabel*>(control))
+        label->setText(OnScreen(text));
+    else if (auto* button = qobject_cast<QAbstractButton*>(control))
+        button->setText(OnScreen(text));
+    else if (auto* box = qobject_cast<QGroupBox*>(control))
+        box->setTitle(OnScreen(text));
+}
+
+void ScreenForm::SetCaption(const QString& array, int index, const QString& text) {
+    auto* label = Control<QWidget>(array, index);
+    SetCaption(label, text);
+    if (QLabel* shadow = shadows_.value(qobject_cast<QLabel*>(label)))
+        SetCaption(shadow, text);
+}
+
+void ScreenForm::OnClick(const QString& array, const std::function<void(int)>& handler) {
+    for (const int index : Indices(array))
+        Connect(Control(array, index), array, [handler, index] { handler(index); });
+}
+
+void ScreenForm::OnClick(QWidget* control, std::function<void()> handler) {
+    Connect(control, control->objectName(), std::move(handler));
+}
+
+void ScreenForm::Connect(QWidget* control, const QString& object, std::function<void()> handler) {
+    const QByteArray source = (name_ + u'.' + object + QStringLiteral("_Click")).toLatin1();
+    const auto click = [source, handler = std::move(handler)] {
+        ErrorHandling::Guard(source.constData(), handler);
+    };
+    control->setCursor(Theme::TouchPointer());
+    if (auto* button = qobject_cast<QAbstractButton*>(control)) {
+        connect(button, &QAbstractButton::clicked, this, click);
+    } else {
+        labelClicks_.insert(control, click);
+        control->installEventFilter(this);
+    }
+}
+
+void ScreenForm::OmbrerTexte(const QString& array, int dx, int dy) {
+    const QList<int> indices = Indices(array);
+    int next = indices.isEmpty() ? 0 : indices.last() + 1;
+    for (const int index : indices) {
+        auto* label = Control<QLabel>(array, index);
+        auto* shadow = new QLabel(label->parentWidget());
+        shadow->setObjectName(ControlName(array, next++));
+        shadow->setProperty("shadow", true);
+        shadow->setProperty(TagProperty, label->property(TagProperty));
+        shadow->setFont(label->font());
+        shadow->setAlignment(label->alignment());
+        shadow->setWordWrap(label->wordWrap());
+        shadow->setText(label->text());
+        shadow->setGeometry(label->geometry().translated(dx, dy));
+        QPalette black = label->palette();
+        black.setColor(QPalette::WindowText, Qt::black);
+        shadow->setPalette(black);
+        shadow->setAttribute(Qt::WA_TransparentForMouseEvents);
+        shadow->stackUnder(label);
+        shadow->setVisible(!label->isHidden());
+        shadows_.insert(label, shadow);
+    }
+}
+
+void ScreenForm::closeEvent(QCloseEvent* event) {
+    // The end of the application closes its windows too, and that must go through.
+    if (!event->spontaneous())
+        return;
+    event->ignore();
+    ErrorHandling::Guard((name_ + QStringLiteral(".Form_QueryUnload")).toLatin1().constData(),
+                         [this] { CloseRequested(); });
+}
+
+void ScreenForm::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isVisible() && isActiveWindow())
+        Activate();
+}
+
+void ScreenForm::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (modalLoop_ != nullptr && !event->spontaneous())
+        modalLoop_->quit();
+}
+
+void ScreenForm::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), Theme::Ground);
+    if (kind_ == Kind::Screen)
+        return;
+    painter.setPen(QPen(Theme::Edge, 2));
+    painter.drawRect(rect().adjusted(1, 1, -1, -1));
+}
+
+bool ScreenForm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        const auto* control = qobject_cast<QWidget*>(watched);
+        const auto click = labelClicks_.value(watched);
+        if (click && control != nullptr && control->isEnabled() &&
+            mouse->button() == Qt::LeftButton &&
+            control->rect().contains(mouse->position().toPoint())) {
+            click();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void ScreenForm::Activate() {
+    if (!unloaded_)
+        ErrorHandling::Guard((name_ + QStringLiteral(".Form_Activate")).toLatin1().constData(),
+                             [this] { Form_Activate(); });
+}
+
+void ScreenForm::Place() {
+    const QScreen* display = QGuiApplication::primaryScreen();
+    if (display == nullptr)
+        return;
+    QRect area(QPoint(), size());
+    area.moveTopLeft(display->geometry().topLeft());
+    if (kind_ == Kind::Dialog)
+        area.moveCenter(display->geometry().center());
+    move(area.topLeft());
+}
+
+void ScreenForm::RaiseDialogs() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        const auto* form = qobject_cast<ScreenForm*>(window);
+        if (form != nullptr && form->kind_ == Kind::Dialog && form->isVisible())
+            window->raise();
+    }
+    // The keyboard stays with the dialog that waits for an answer.
+    if (QWidget* waiting = QApplication::activeModalWidget()) {
+        waiting->raise();
+        waiting->activateWindow();
+    }
+}

@@ -1,0 +1,76 @@
+#include "screens/TouchImage.h"
+
+#include "screens/Theme.h"
+
+#include <QPainter>
+
+namespace {
+constexpr int Margin = 6;
+constexpr int CaptionGap = 2;
+constexpr qreal Radius = 8;
+constexpr int LargestPicture = 64;
+constexpr qreal DormantOpacity = 0.35;
+constexpr QSize Smallest{48, 48};
+} // namespace
+
+TouchImage::TouchImage(QWidget* parent)
+    : QAbstractButton(parent) {
+    setFocusPolicy(Qt::NoFocus);
+}
+
+void TouchImage::setPicture(const QString& name) {
+    if (picture_ == name)
+        return;
+    picture_ = name;
+    update();
+}
+
+QSize TouchImage::sizeHint() const {
+    return Smallest;
+}
+
+bool TouchImage::IsWide() const {
+    return width() * 2 >= height() * 3;
+}
+
+QRect TouchImage::PictureArea() const {
+    const QRect inner = rect().adjusted(Margin, Margin, -Margin, -Margin);
+    const int largest = LargestPicture * qMax(1, height() / LargestPicture);
+    if (text().isEmpty()) {
+        const int side = qMin(qMin(inner.width(), inner.height()), largest);
+        QRect area(0, 0, side, side);
+        area.moveCenter(rect().center());
+        return area;
+    }
+    if (IsWide()) {
+        const int side = qMin(qMin(inner.height(), inner.width() / 3), largest);
+        return {inner.left(), rect().center().y() - side / 2, side, side};
+    }
+    const int captionHeight = fontMetrics().lineSpacing() + CaptionGap;
+    const int side = qMin(inner.width(), inner.height() - captionHeight);
+    return {rect().center().x() - side / 2, inner.top(), side, side};
+}
+
+QRect TouchImage::CaptionArea() const {
+    const QRect inner = rect().adjusted(Margin, Margin, -Margin, -Margin);
+    if (picture_.isEmpty())
+        return inner;
+    if (IsWide())
+        return inner.adjusted(PictureArea().width() + Margin, 0, 0, 0);
+    return inner.adjusted(0, PictureArea().height(), 0, 0);
+}
+
+void TouchImage::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(isEnabled() ? Theme::Edge : Theme::Tile, 1));
+    painter.setBrush(!isEnabled() ? Theme::Ground : isDown() ? Theme::Pressed : Theme::Tile);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Radius, Radius);
+    Theme::DrawPicture(painter, picture_, PictureArea(), isEnabled() ? 1 : DormantOpacity);
+    if (text().isEmpty())
+        return;
+    painter.setPen(isEnabled() ? Theme::Ink : Theme::Dormant);
+    painter.setFont(font());
+    const int side = IsWide() && !picture_.isEmpty() ? int(Qt::AlignLeft) : int(Qt::AlignHCenter);
+    painter.drawText(CaptionArea(), side | Qt::AlignVCenter | Qt::TextWordWrap, text());
+}

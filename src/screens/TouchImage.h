@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QString>
+
+/// A picture that is touched: a rounded tile with a drawing and, if it has a text, its caption.
+/// The whole area takes the touch, and it never takes the keyboard focus.
+class TouchImage : public QAbstractButton {
+    Q_OBJECT
+    /// Name of the drawing in the resources, without folder or extension.
+    Q_PROPERTY(QString picture READ Picture WRITE setPicture)
+
+public:
+    explicit TouchImage(QWidget* parent = nullptr);
+
+    QString Picture() const { return picture_; }
+    void setPicture(const QString& name);
+
+    QSize sizeHint() const override;
+    /// Where the caption is written; the whole tile when there is no picture.
+    QRect CaptionArea() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool IsWide() const;
+    QRect PictureArea() const;
+
+    QString picture_;
+};

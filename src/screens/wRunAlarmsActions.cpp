@@ -1,0 +1,176 @@
+// What the operator's touches on the alarm console do.
+
+#include "bus/wPolling.h"
+#include "core/Config.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "core/Yield.h"
+#include "events/Klaxon.h"
+#include "model/Access.h"
+#include "model/CurrentConfig.h"
+#include "model/Models.h"
+#include "screens/AskPassword.h"
+#include "screens/wRunAlarms.h"
+#include "ui_wRunAlarms.h"
+
+#include <QKeyEvent>
+#include <QPointer>
+
+namespace {
+
+constexpr int OperatorLevel = 1;
+constexpr int ConfigurationLevel = 2;
+
+/// Register of a panel that takes an acknowledgement, and what is written into it.
+constexpr qint32 AcknowledgeRegister = 67;
+constexpr qint16 AcknowledgeValue = 2;
+
+/// The last channel whose instruction the console looks up. Sites count on it as it is.
+constexpr qint16 LastChannelWithInstruction = 23;
+
+/// Only a fault that still waits for its acknowledgement concerns the panel. What was merely
+/// brought back to the list does not, and the Q6200XT takes no acknowledgement over the bus.
+bool ConcernsPanel(const EventClass& event) {
+    return Family::IsChannel(event.Chnl()) && event.Param() != 0 &&
+           !(event.Param() == 1 && event.Aff() < 2) && event.Aff() != ReactivatedAff &&
+           Global::Configuration().Panel(event.Panel()).Model() != Models::Q6200XT;
+}
+
+void AcknowledgeOnBus(qint16 panel) {
+    wPolling* comm = Polling();
+    if (comm == nullptr)
+        return;
+    comm->SendCommand(
+        std::make_shared<CommandClass>(panel, AcknowledgeRegister, Words{AcknowledgeValue}));
+    EventClass event(panel, Family::System, 0, SystemEvents::AcknowledgedOnPc);
+    comm->SendEvent(event);
+}
+
+void OpenScreen(const QString& name) {
+    if (Forms::Form* form = Forms::Load(name)) {
+        form->Show();
+        form->BringToFront();
+    }
+}
+
+} // namespace
+
+bool wRunAlarms::InsistOnLevel(int level) {
+    const QPointer<wRunAlarms> self(this);
+    while (!AccessOk(level)) {
+        const bool entered = AskPassword();
+        // A user who stays away may have cost the console its place.
+        if (!self)
+            return false;
+        ShowLogin();
+        if (!entered)
+            return false;
+        Yield();
+        if (!self)
+            return false;
+    }
+    return true;
+}
+
+bool wRunAlarms::TryLevel(int level) {
+    const QPointer<wRunAlarms> self(this);
+    if (Global::Get().userLevel < level) {
+        AskPassword();
+        if (!self)
+            return false;
+        ShowLogin();
+    }
+    return AccessOk(level);
+}
+
+void wRunAlarms::imgAcquit_Click() {
+    if (Rows().IsEmpty() || !InsistOnLevel(OperatorLevel))
+        return;
+    Alarme(StopAlarme);
+    // The bus may have changed the list while the code was entered.
+    if (!Rows().IsEmpty())
+        Acknowledge();
+}
+
+void wRunAlarms::Acknowledge() {
+    const int row = Rows().Current();
+    EventClass event;
+    event.setID(Rows().Row(row).data);
+    const bool isGone = event.Chnl() == Family::Presence;
+    const bool isState = event.Chnl() <= Family::LastChannel && event.Param() == 0;
+    if (isGone || isState)
+        RemoveSelected();
+    else if (event.Aff() == ReactivatedAff)
+        Rows().SetColour(row, AlarmRows::White);
+    if (ConcernsPanel(event))
+        AcknowledgeOnBus(event.Panel());
+    RecaleCurseur();
+}
+
+void wRunAlarms::RemoveSelected() {
+    Rows().Remove(Rows().Current());
+    RecaleCurseur();
+}
+
+void wRunAlarms::imgConsigne_Click() {
+    if (Rows().IsEmpty())
+        return;
+    EventClass event;
+    event.setID(Rows().Row(Rows().Current()).data);
+    const ConfigClass& site = Global::Configuration();
+    int number = 0;
+    if (event.Panel() >= 1 && event.Panel() <= ConfigClass::PanelCount && event.Chnl() >= 1 &&
+        event.Chnl() <= LastChannelWithInstruction)
+        number = site.Panel(event.Panel()).Channel(event.Chnl()).HelpNum();
+    if (number == 0) {
+        Message(GetText(710021), Messages::Critical);
+        return;
+    }
+    const QString text = site.ConsigneText(number).trimmed();
+    Message(text.isEmpty() ? GetText(710021) : text);
+}
+
+/// The buttons are the keys of the list.
+void wRunAlarms::imgControl_Click(int index) {
+    static constexpr Qt::Key Keys[] = {Qt::Key_PageUp, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageDown};
+    static constexpr int FirstIndex = 4;
+    QKeyEvent press(QEvent::KeyPress, Keys[index - FirstIndex], Qt::NoModifier);
+    QCoreApplication::sendEvent(ui_->grdAlarms, &press);
+    RecaleCurseur();
+}
+
+void wRunAlarms::imgHisto_Click() {
+    OpenScreen(QStringLiteral("wHistoric"));
+}
+
+void wRunAlarms::imgTelecommande_Click() {
+    if (InsistOnLevel(OperatorLevel))
+        OpenScreen(QStringLiteral("wTeleCmdes"));
+}
+
+void wRunAlarms::imgStopRun_Click() {
+    wPolling* comm = Polling();
+    if (comm == nullptr || !TryLevel(ConfigurationLevel))
+        return;
+    comm->setRun(!comm->Run());
+    ShowRunState();
+}
+
+void wRunAlarms::imgNavig_Click() {
+    if (!TryLevel(ConfigurationLevel) || Forms::Load(QStringLiteral("wMain")) == nullptr)
+        return;
+    Forms::Show(QStringLiteral("wMain"));
+    Unload();
+}
+
+/// For the technician: the traffic on the bus.
+void wRunAlarms::imgCommWatch_Click() {
+    OpenScreen(QStringLiteral("wPolling"));
+}
+
+void wRunAlarms::lblLogin_Click() {
+    const QPointer<wRunAlarms> self(this);
+    AskPassword();
+    if (self)
+        Form_Activate();
+}

@@ -1,0 +1,173 @@
+// The list of the alarm console without its screen: columns, colours, order and selection.
+
+#include "core/SLVfonctions.h"
+#include "screens/AlarmConsoleFixture.h"
+
+namespace {
+
+class AlarmRowsTest : public ConsoleTest {
+protected:
+    /// Numbers the texts, so that rows can be told from each other.
+    void Take(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
+        rows.Take({panel, chnl, param, aff}, QString::number(++texts));
+    }
+    QString Texts() const {
+        QStringList list;
+        for (int row = 0; row < rows.Count(); ++row)
+            list.append(rows.Row(row).text);
+        return list.join(u',');
+    }
+    AlarmRows rows;
+    int texts = 0;
+};
+
+EventClass At(DateTime when, EventClass event, int num) {
+    event.setGDH(when);
+    event.setNum(num);
+    return event;
+}
+
+} // namespace
+
+TEST_F(AlarmRowsTest, ColumnsOfARow) {
+    const DateTime now = clock.Now();
+    EXPECT_EQ(AlarmRows::RowText(At(now, {1, 7, 0, 1}, 123)),
+              QStringLiteral("    123 2025-11-25 02:43:10 P01-C07 Compressor s "
+                             "Oil pressure low         "));
+    EXPECT_EQ(AlarmRows::RowText(At(now, {12, 0, 0, 3}, 999999)).left(36),
+              QStringLiteral(" 999999 2025-11-25 02:43:10 P12-ACK "));
+    EXPECT_EQ(AlarmRows::RowText(At(now, {2, 255, 1, 0}, 5)),
+              QStringLiteral("      5 2025-11-25 02:43:10 P02-Q62 Panel lost"));
+    EXPECT_EQ(AlarmRows::RowText(At(now, {3, 255, 1, 1}, 5)),
+              QStringLiteral("      5 2025-11-25 02:43:10 P03-Q70 Panel present"));
+    Site().Panel(1).Channel(7).setScreenText(QString(40, u'x'));
+    EXPECT_EQ(AlarmRows::RowText(At(now, {1, 7, 0, 1}, 1)).size(), 74);
+}
+
+TEST_F(AlarmRowsTest, ColoursByEventAndReadableInk) {
+    const auto colour = [](qint16 chnl, qint16 param, qint16 aff) {
+        return AlarmGrid::FromBgr(AlarmRows::RowColor(EventClass(1, chnl, param, aff).ID())).name();
+    };
+    EXPECT_EQ(colour(255, 1, 0), "#ff0000");
+    EXPECT_EQ(colour(255, 1, 1), "#ffffff");
+    EXPECT_EQ(colour(7, 0, 1), "#00ffff");
+    EXPECT_EQ(colour(7, 0, 3), "#80ff80");
+    EXPECT_EQ(colour(7, 1, 1), "#ffffff");
+    EXPECT_EQ(colour(7, 1, 2), "#8080ff");
+    EXPECT_EQ(colour(7, 1, 3), "#ff0000");
+    EXPECT_EQ(colour(7, 2, 4), "#ff8000");
+    EXPECT_EQ(colour(7, 1, 255), "#ff00ff");
+    EXPECT_EQ(colour(7, 1, 0), "#000000");
+    for (const char* name :
+         {"#ff0000", "#ffffff", "#00ffff", "#80ff80", "#8080ff", "#ff8000", "#ff00ff", "#000000"}) {
+        const QColor background(QString::fromLatin1(name));
+        EXPECT_GE(AlarmGrid::Contrast(background, AlarmGrid::InkOn(background)), 4.5) << name;
+    }
+}
+
+TEST_F(AlarmRowsTest, NewestOnTopAndUpdatesInPlace) {
+    Take(1, 1, 0, 1);
+    Take(1, 2, 0, 1);
+    Take(2, 1, 0, 1);
+    EXPECT_EQ(Texts(), "3,2,1");
+    Take(1, 2, 1, 1);
+    EXPECT_EQ(Texts(), "3,4,1") << "an acknowledgement changes the row where it stands";
+    EXPECT_EQ(rows.Row(1).data, EventClass(1, 2, 1, 1).ID());
+    EXPECT_EQ(rows.Row(1).colour, AlarmRows::White);
+    Take(1, 1, 0, 0);
+    EXPECT_EQ(Texts(), "3,4,5") << "back to normal without an acknowledgement still stands";
+}
+
+TEST_F(AlarmRowsTest, WhatEndsAnAlarmRemovesItsRowOrAddsNothing) {
+    Take(1, 255, 1, 1);
+    Take(1, 5, 1, 0);
+    Take(1, 30, 0, 1);
+    Take(1, 254, 1, 1);
+    EXPECT_EQ(Texts(), "");
+    EXPECT_EQ(rows.Current(), -1);
+
+    Take(1, 255, 1, 0);
+    Take(1, 5, 1, 3);
+    Take(1, 255, 1, 1);
+    EXPECT_EQ(Texts(), "6");
+    Take(1, 5, 1, 0);
+    EXPECT_EQ(rows.Count(), 0);
+    EXPECT_EQ(rows.Current(), -1);
+
+    Take(1, 5, 0, 0);
+    EXPECT_EQ(rows.Count(), 1) << "a return to normal that waits for its acknowledgement";
+    Take(1, 0, 1, 2);
+    EXPECT_EQ(rows.Count(), 2) << "a panel's own acknowledgement";
+}
+
+TEST_F(AlarmRowsTest, SelectionStaysOnItsAlarmButJumpsToFirstFaultsAndLostPanels) {
+    Take(1, 1, 0, 1);
+    EXPECT_EQ(rows.Current(), 0);
+    Take(1, 2, 0, 1);
+    EXPECT_EQ(rows.Current(), 1);
+    Take(1, 3, 1, 4);
+    EXPECT_EQ(rows.Current(), 2) << "a second fault doesn't take the selection";
+    Take(1, 4, 0, 3);
+    EXPECT_EQ(rows.Current(), 0);
+    rows.SetCurrent(2);
+    Take(2, 255, 1, 0);
+    EXPECT_EQ(rows.Current(), 0);
+    rows.SetCurrent(3);
+    Take(1, 4, 1, 3);
+    EXPECT_EQ(rows.Current(), 3) << "an update moves nothing";
+    Take(2, 255, 1, 1);
+    EXPECT_EQ(rows.Current(), 2) << "a row above went";
+    rows.SetCurrent(3);
+    Take(1, 1, 1, 0);
+    EXPECT_EQ(rows.Current(), 2) << "the last row itself went";
+}
+
+TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
+    rows.SetPage(4);
+    rows.MoveBy(1);
+    EXPECT_EQ(rows.Current(), -1);
+    for (qint16 channel = 1; channel <= 10; ++channel)
+        Take(1, channel, 0, 1);
+    EXPECT_EQ(rows.Current(), 9);
+    EXPECT_EQ(rows.First(), 0) << "the newest is in sight, not the selection";
+    rows.MoveBy(-1);
+    EXPECT_EQ(rows.First(), 5);
+    rows.MoveBy(-4);
+    EXPECT_EQ(rows.Current(), 4);
+    EXPECT_EQ(rows.First(), 4);
+    rows.MoveBy(100);
+    EXPECT_EQ(rows.First(), 6);
+    rows.Remove(9);
+    EXPECT_EQ(rows.First(), 5) << "no empty place below while there are rows above";
+    Take(1, 20, 0, 1);
+    EXPECT_EQ(rows.First(), 0);
+    EXPECT_THROW(rows.SetCurrent(10), platform::RunTimeError);
+}
+
+TEST_F(AlarmRowsTest, SettingsKeepTheListOverAnAbsence) {
+    IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("99"), QStringLiteral("01020001old"));
+    rows.Append(
+        {AlarmRows::RowText(At(clock.Now(), {1, 7, 1, 3}, 12)), EventClass(1, 7, 1, 3).ID(), 0});
+    rows.Append({QStringLiteral("two\r\nlines"), EventClass(64, 24, 1, 255).ID(), 0});
+    rows.Append({QStringLiteral("  lost "), EventClass(2, 255, 1, 0).ID(), 0});
+    LastAlarms::Write(rows);
+    EXPECT_EQ(IniRead(QStringLiteral("LastAlarms"), QStringLiteral("2"), QString()),
+              "401801FFtwo|lines");
+
+    AlarmRows back;
+    LastAlarms::Read(back);
+    ASSERT_EQ(back.Count(), 3);
+    for (int row = 0; row < 3; ++row) {
+        EXPECT_EQ(back.Row(row).text, rows.Row(row).text);
+        EXPECT_EQ(back.Row(row).data, rows.Row(row).data);
+    }
+    EXPECT_EQ(AlarmGrid::FromBgr(back.Row(1).colour).name(), "#ff00ff");
+    EXPECT_EQ(back.Current(), 1) << "the index is 1 when none is kept";
+
+    IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("Index"), QStringLiteral("2"));
+    IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("4"), QStringLiteral("no key at all"));
+    AlarmRows again;
+    LastAlarms::Read(again);
+    EXPECT_EQ(again.Count(), 3);
+    EXPECT_EQ(again.Current(), 0) << "the last row can't be chosen";
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "bus/wPolling.h"
+#include "core/Forms.h"
+#include "screens/ResizeForm.h"
+#include "screens/ScreenForm.h"
+#include "screens/Screens.h"
+#include "screens/Theme.h"
+#include "support/Bench.h"
+#include "support/FakeLink.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QTest>
+#include <QTimer>
+
+/// A bench with the screens and an engine on a silent line. The message box is a recorder with a
+/// prepared answer unless the test installs the real one.
+class ScreensTest : public Bench {
+protected:
+    ScreensTest() {
+        RegisterScreens();
+        Messages::Install([this](const QString& text, int buttons, bool) {
+            boxes += text;
+            styles += buttons;
+            return answer;
+        });
+        auto line = std::make_unique<FakeLink>();
+        link = line.get();
+        engine = std::make_unique<wPolling>(std::move(line));
+        engine->Form_Load();
+    }
+    ~ScreensTest() override {
+        Forms::UnloadAllBut({});
+        RemoveUnloaded();
+        OverrideScreenSize({});
+    }
+    ScreensTest(const ScreensTest&) = delete;
+    ScreensTest& operator=(const ScreensTest&) = delete;
+
+    static void RemoveUnloaded() {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    static ScreenForm* Screen(const QString& name) {
+        return dynamic_cast<ScreenForm*>(Forms::Find(name));
+    }
+    static QWidget* Child(const QString& form, const QString& name) {
+        ScreenForm* screen = Screen(form);
+        QWidget* child = screen ? screen->findChild<QWidget*>(name) : nullptr;
+        EXPECT_NE(child, nullptr) << form.toStdString() << "." << name.toStdString();
+        return child;
+    }
+    static QString TextOf(const QString& form, const QString& name) {
+        const auto* label = qobject_cast<QLabel*>(Child(form, name));
+        return label ? label->text() : QString();
+    }
+    static void Tap(const QString& form, const QString& name) {
+        if (QWidget* child = Child(form, name))
+            QTest::mouseClick(child, Qt::LeftButton);
+    }
+
+    FakeLink* link = nullptr;
+    std::unique_ptr<wPolling> engine;
+    int answer = Messages::Ok;
+    QList<int> styles;
+};
