@@ -1,0 +1,22 @@
+#include "Startup.h"
+#include "core/Global.h"
+#include "screens/Theme.h"
+
+#include <QApplication>
+#include <QTimer>
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(Global::Title);
+    QApplication::setApplicationDisplayName(Global::Title);
+    QApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
+                                            .arg(Global::VersionMajor)
+                                            .arg(Global::VersionMinor)
+                                            .arg(Global::VersionRevision));
+    QApplication::setQuitOnLastWindowClosed(false);
+    Theme::Apply(application);
+    Startup startup;
+    if (!startup.Main())
+        return 1;
+    return QApplication::exec();
+}

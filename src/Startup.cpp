@@ -1,0 +1,145 @@
+#include "Startup.h"
+
+#include "bus/wPolling.h"
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Forms.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "core/Pointer.h"
+#include "core/SLVfonctions.h"
+#include "core/Trace.h"
+#include "events/Klaxon.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "platform/Folders.h"
+#include "screens/Screens.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+using ErrorHandling::Guard;
+
+namespace {
+
+const QString PollingForm = QStringLiteral("wPolling");
+const QString Console = QStringLiteral("wRunAlarms");
+const QString MainMenu = QStringLiteral("wMain");
+const QString Files = QStringLiteral("Files");
+
+/// Said in the trace and nowhere else: the alarms are on the screen all the same.
+void TellNoSoundDevice() {
+    Guard("Startup.Sound", [] {
+        Trace::Write(DateTimes::DateAndTime(DateTimes::Now()) +
+                     QStringLiteral(" NO SOUND DEVICE: THE HORN STAYS SILENT"));
+    });
+}
+
+} // namespace
+
+Startup::Startup() = default;
+Startup::~Startup() = default;
+
+bool Startup::ClaimInstance() {
+    instance_ = std::make_unique<platform::SingleInstance>(
+        Global::InApplicationFolder(platform::ExecutableName() + QStringLiteral(".lock")));
+    if (instance_->Acquire())
+        return true;
+    Message(QStringLiteral("Korvanelle is already in use. Multiple instances are not allowed.\r"
+                           "If Korvanelle is not visible please use the task manager for "
+                           "shutdown it then restart it (or reboot the panel)."),
+            Messages::Critical);
+    return false;
+}
+
+/// The standing alarms of the former run are dropped; keys that are no numbers stay.
+void Startup::DropFormerAlarms() {
+    QStringList keys;
+    const QString section = QStringLiteral("LastAlarms");
+    IniReadKeys(keys, section);
+    for (const QString& key : std::as_const(keys)) {
+        bool isNumber = false;
+        key.toDouble(&isNumber);
+        if (isNumber)
+            IniDeleteKey(section, key);
+    }
+}
+
+qint32 Startup::ReadConfiguration() {
+    qint32 result = -1;
+    Global::setConfiguration(std::make_unique<ConfigClass>());
+    if (QFile::exists(CurrentConfigFile())) {
+        result = Global::Configuration().Read(CurrentConfigFile());
+        Global::Configuration().setModified(SLVfonctions::IsTrue(
+            IniRead(Files, QStringLiteral("LastConfigModified"), QStringLiteral("1"))));
+    }
+    if (result != 0)
+        IniWrite(Files, QStringLiteral("LastUsed"), GetText(50010));
+    return result;
+}
+
+void Startup::LoadPolling() {
+    polling_ = std::make_unique<wPolling>(platform::MakeSerialPort(
+        [](int number) { return SLVfonctions::DevicePath(QStringLiteral("COM%1").arg(number)); }));
+    polling_->Form_Load();
+    Forms::Load(PollingForm);
+}
+
+void Startup::StartByItself() {
+    Forms::Show(MainMenu);
+    if (!polling_->CommBus().PortOpen())
+        return;
+    polling_->setRun(true);
+    Forms::Show(Console);
+    Forms::Unload(MainMenu);
+    Forms::UnloadAllBut({Console, PollingForm});
+}
+
+bool Startup::Main() {
+    bool started = false;
+    Guard("Startup.Main", [&] {
+        shutdownWatch_ = std::make_unique<platform::ShutdownWatch>();
+        connect(shutdownWatch_.get(), &platform::ShutdownWatch::Requested, this, &Startup::End);
+        RegisterScreens();
+        if (!ClaimInstance())
+            return;
+        Guard("Startup.OpenTrace", [] { Trace::OpenToday(); });
+        DropFormerAlarms();
+        if (!Config::OpenConfigBase()) {
+            Message(QStringLiteral("Unable to open configuration file."), Messages::Critical);
+            return;
+        }
+        started = true;
+        Pointer::Hourglass();
+        Global::ReadMarks();
+        Global::Get().sound = platform::MakeSound(TellNoSoundDevice);
+        Global::Get().noResize = SLVfonctions::IsTrue(
+            IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
+        const qint32 result = ReadConfiguration();
+        LoadPolling();
+        EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
+        polling_->SendEvent(event);
+        const bool autoStart = Global::Configuration().AutoStart();
+        if (autoStart && result == 0)
+            StartByItself();
+        Config::ExportSounds(
+            [](int place) { return Global::Configuration().AlarmPrioSound(place); });
+        // The bus may have started by itself: at the first start of all its horn had no file yet.
+        Global::Get().sound->Resume();
+        Pointer::Default();
+        if (!autoStart)
+            Forms::Show(MainMenu);
+    });
+    return started;
+}
+
+void Startup::End(platform::UnloadMode mode) {
+    Guard("Startup.End", [&] {
+        if (polling_) {
+            polling_->Form_QueryUnload(mode);
+            polling_->Form_Unload();
+        }
+        Forms::UnloadAllBut({});
+        QCoreApplication::exit(0);
+    });
+}

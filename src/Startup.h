@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/ShutdownWatch.h"
+#include "platform/SingleInstance.h"
+
+#include <QObject>
+#include <memory>
+
+class wPolling;
+
+/// The program from its first step to its last. After `Main` the event loop and the timers of
+/// `wPolling` drive everything.
+class Startup : public QObject {
+    Q_OBJECT
+public:
+    Startup();
+    ~Startup() override;
+
+    /// Comes up. False when the program must end at once: it runs already, or there is no
+    /// configuration base; the operator has been told.
+    bool Main();
+    /// Ends the program: horn, trace, port, queue, screens.
+    void End(platform::UnloadMode mode);
+
+private:
+    bool ClaimInstance();
+    void DropFormerAlarms();
+    /// Reads the current-configuration file; the result is that of `ConfigClass.Read`, or -1
+    /// when there is no file.
+    qint32 ReadConfiguration();
+    void LoadPolling();
+    void StartByItself();
+
+    std::unique_ptr<platform::SingleInstance> instance_;
+    std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
+    std::unique_ptr<wPolling> polling_;
+};

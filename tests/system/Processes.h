@@ -1,0 +1,142 @@
+#pragma once
+
+#include "core/SLVfonctions.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "platform/CodePage.h"
+#include "platform/Folders.h"
+#include "support/PrintText.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+#include <functional>
+#include <gtest/gtest.h>
+
+/// The simulator as a process of its own, with its commands on standard input.
+class SimulatorProcess {
+public:
+    SimulatorProcess(const QString& link, const QStringList& models) {
+        QStringList arguments = {QStringLiteral("--link"), link};
+        for (const QString& model : models)
+            arguments += {QStringLiteral("--model"), model};
+        process_.start(QStringLiteral(KORVANELLE_BUILD_DIR "/simulator/korvanelle-sim"), arguments);
+        EXPECT_TRUE(process_.waitForStarted());
+        EXPECT_FALSE(WaitFor("ready").isEmpty());
+    }
+    ~SimulatorProcess() {
+        process_.terminate();
+        process_.waitForFinished();
+    }
+
+    void Do(const QByteArray& command) {
+        process_.write(command + '\n');
+        process_.waitForBytesWritten();
+    }
+    /// Waits for a line that begins so; gives it, or nothing after 10 s.
+    QByteArray WaitFor(const QByteArray& head) {
+        const QDeadlineTimer deadline(10000);
+        while (!deadline.hasExpired()) {
+            output_ += process_.readAllStandardOutput();
+            const qsizetype at = ("\n" + output_).indexOf("\n" + head);
+            if (at >= 0 && output_.indexOf('\n', at) > 0) {
+                const QByteArray line = output_.mid(at, output_.indexOf('\n', at) - at);
+                output_ = output_.mid(output_.indexOf('\n', at) + 1);
+                return line;
+            }
+            process_.waitForReadyRead(20);
+        }
+        return {};
+    }
+    QByteArray Ask(const QByteArray& command, const QByteArray& head) {
+        Do(command);
+        return WaitFor(head);
+    }
+
+private:
+    QProcess process_;
+    QByteArray output_;
+};
+
+/// A folder that the program is installed into, with a site of its own.
+class RunFolder {
+public:
+    RunFolder() {
+        const QString program = QStringLiteral(KORVANELLE_BUILD_DIR "/src/korvanelle");
+        const QString target = Path(QStringLiteral("korvanelle"));
+        EXPECT_TRUE(QFile::copy(program, target));
+        EXPECT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
+                                Path(QStringLiteral("korvanelle.cfg"))));
+        platform::OverrideApplication(folder_.path(), QStringLiteral("korvanelle"));
+        IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), Bus());
+    }
+    ~RunFolder() { platform::OverrideApplication(QString(), QString()); }
+
+    QString Path(const QString& name) const { return folder_.filePath(name); }
+    QString Bus() const { return Path(QStringLiteral("bus")); }
+
+    /// Lines of all files of a pattern, in the order of their names.
+    QStringList Lines(const QString& folder, const QString& pattern) const {
+        QStringList lines;
+        const QDir dir(Path(folder));
+        for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
+            QFile file(dir.filePath(name));
+            EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+            lines += platform::FromCodePage(file.readAll())
+                         .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        }
+        return lines;
+    }
+    QStringList Trace() const { return Lines(QStringLiteral("Trace"), QStringLiteral("*.log")); }
+    QStringList History() const { return Lines(QString(), QStringLiteral("Histo*.his")); }
+
+private:
+    QTemporaryDir folder_;
+};
+
+/// The installed program, offscreen.
+class ProgramProcess {
+public:
+    explicit ProgramProcess(const RunFolder& folder) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        process_.setProcessEnvironment(environment);
+        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process_.start(folder.Path(QStringLiteral("korvanelle")), QStringList());
+        EXPECT_TRUE(process_.waitForStarted());
+    }
+    ~ProgramProcess() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+    void Kill() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+    /// Ends it as the system does; gives its exit status.
+    int Terminate() {
+        process_.terminate();
+        EXPECT_TRUE(process_.waitForFinished(20000));
+        return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    }
+    bool WaitForEnd(int milliseconds) { return process_.waitForFinished(milliseconds); }
+    int ExitCode() const { return process_.exitCode(); }
+    bool Running() const { return process_.state() == QProcess::Running; }
+
+private:
+    QProcess process_;
+};
+
+/// Waits until a condition holds, at most 30 s.
+inline bool Eventually(const std::function<bool()>& condition) {
+    const QDeadlineTimer deadline(30000);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QThread::msleep(20);
+    }
+    return true;
+}

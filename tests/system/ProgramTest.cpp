@@ -1,0 +1,130 @@
+// The installed program as its own process: starts, ends, kills.
+
+#include "system/Processes.h"
+
+#include "core/Config.h"
+#include "core/DateTimes.h"
+#include "model/Models.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+
+namespace {
+
+class ProgramTest : public ::testing::Test {
+protected:
+    ProgramTest()
+        : simulator_(folder_.Bus(), {QStringLiteral("1=Q7100")}) {
+        EXPECT_TRUE(Config::OpenConfigBase());
+        ConfigClass site;
+        site.setAutoStart(true);
+        site.Panel(1).setModel(Models::Q7100);
+        site.Panel(1).setActive(true);
+        site.Panel(1).Channel(2).setScrAlm(true);
+        site.Panel(1).Channel(2).setScreenText(QStringLiteral("Pump"));
+        EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+    }
+
+    bool TraceHolds(const QString& part) const { return !folder_.Trace().filter(part).isEmpty(); }
+    /// Numbers of the events of the trace, in its order.
+    QList<int> Numbers() const {
+        QList<int> numbers;
+        for (const QString& line : folder_.Trace()) {
+            bool isNumber = false;
+            const int number = line.mid(20, 6).toInt(&isNumber);
+            if (isNumber)
+                numbers += number;
+        }
+        return numbers;
+    }
+
+    RunFolder folder_;
+    SimulatorProcess simulator_;
+};
+
+const QString Pending = QStringLiteral("PendingCommands");
+
+} // namespace
+
+TEST_F(ProgramTest, StartsByItselfAndEndsAsToldFromOutside) {
+    ProgramProcess program(folder_);
+    simulator_.Do("active 1 2");
+    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("P01-C02")); }));
+    EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_TRUE(TraceHolds(QStringLiteral(" TASK  MANAGER  ******** SYSTEM  APPLI STOP    ***")));
+    EXPECT_EQ(IniRead(QStringLiteral("LastAlarms"), QStringLiteral("1"), QString()).mid(36, 22),
+              QStringLiteral("P01-C02              P"));
+    EXPECT_TRUE(QFile::exists(folder_.Path(QStringLiteral("AlarmSound99.wav"))));
+}
+
+TEST_F(ProgramTest, ASecondInstanceEndsAtOnce) {
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("START")); }));
+    const qsizetype lines = folder_.Trace().size();
+    ProgramProcess second(folder_);
+    EXPECT_FALSE(second.WaitForEnd(1500)) << "tells and waits for the answer";
+    EXPECT_TRUE(program.Running());
+    EXPECT_LE(folder_.Trace().filter(QStringLiteral("APPLI")).size(), 1) << lines;
+}
+
+TEST_F(ProgramTest, QueuedCommandsSurviveARestart) {
+    const QString tomorrow = DateTimes::DateAndTime(DateTimes::Now() + 1);
+    const QString command = QStringLiteral("2|1|0043|%1|0002").arg(tomorrow);
+    IniWrite(Pending, QStringLiteral("1"), command);
+    IniWrite(Pending, QStringLiteral("2"), QString());
+    IniWrite(Pending, QStringLiteral("3"), QStringLiteral("2|1|0042|00:00:00|0001"));
+    {
+        ProgramProcess program(folder_);
+        EXPECT_EQ(simulator_.WaitFor("write 1 66"), QByteArray("write 1 66 0001"));
+        EXPECT_EQ(program.Terminate(), 0);
+    }
+    QStringList keys;
+    EXPECT_EQ(IniReadKeys(keys, Pending), 1);
+    EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
+}
+
+// Each start is killed in the middle of a stream of events. What was written stands whole, no
+// number comes twice, and none is missing but one that a kill caught between its giving and its
+// line.
+TEST_F(ProgramTest, KillsLoseNoLineAndNoNumber) {
+    constexpr int Kills = 6;
+    QRandomGenerator random(7);
+    for (int kill = 0; kill < Kills; ++kill) {
+        ProgramProcess program(folder_);
+        const qsizetype before = Numbers().size();
+        for (int i = 0; i < 40; ++i)
+            simulator_.Do(i % 2 == 0 ? "active 1 2" : "normal 1 2");
+        ASSERT_TRUE(Eventually([&] {
+            simulator_.Do("active 1 2");
+            simulator_.Do("normal 1 2");
+            return Numbers().size() > before + 8;
+        }));
+        QThread::msleep(random.bounded(200));
+        program.Kill();
+    }
+    const QList<int> numbers = Numbers();
+    ASSERT_GT(numbers.size(), Kills * 8);
+    int missing = 0;
+    for (qsizetype i = 1; i < numbers.size(); ++i) {
+        ASSERT_GT(numbers[i], numbers[i - 1]);
+        missing += numbers[i] - numbers[i - 1] - 1;
+    }
+    EXPECT_LE(missing, Kills);
+    EXPECT_GE(IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QString()).toInt(),
+              numbers.last());
+    for (const QString& line : folder_.History())
+        EXPECT_EQ(line.size(), 138);
+    QFile history(
+        folder_.Path(QStringLiteral("Histo%1.his").arg(DateTimes::FileMonth(DateTimes::Now()))));
+    ASSERT_TRUE(history.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(history.readAll().endsWith("\r\n"));
+}
+
+TEST_F(ProgramTest, ADamagedBaseEndsTheStart) {
+    QFile base(folder_.Path(QStringLiteral("korvanelle.cfg")));
+    ASSERT_TRUE(base.resize(5000));
+    ProgramProcess program(folder_);
+    EXPECT_FALSE(program.WaitForEnd(1500)) << "tells and waits for the answer";
+    EXPECT_FALSE(TraceHolds(QStringLiteral("START")));
+    EXPECT_EQ(program.Terminate(), 1);
+}

@@ -1,0 +1,111 @@
+// Saves a picture of every screen in every language, at the design size or scaled:
+// korvanelle-screens <folder with korvanelle.cfg and korvanelle.dat> <target folder> [<width>
+// <height>]
+
+#include "bus/wPolling.h"
+#include "core/Config.h"
+#include "core/Forms.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "core/SLVfonctions.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "platform/Folders.h"
+#include "screens/ResizeForm.h"
+#include "screens/Screens.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QWidget>
+#include <cstdio>
+
+namespace {
+
+/// Alarms of all kinds on the console, newest last.
+void RaiseAlarms(wPolling& engine) {
+    struct Alarm {
+        qint16 panel, chnl, param, aff;
+    };
+    constexpr Alarm Alarms[] = {
+        {1, 3, 0, 1},   {1, 4, 1, 3},  {2, 5, 1, 4}, {2, 6, 1, 2}, {3, 2, 0, 0},
+        {3, 7, 1, 1},   {5, 4, 0, 1},  {5, 9, 0, 1}, {6, 1, 0, 0}, {6, 3, 0, 1},
+        {7, 1, 1, 2},   {7, 4, 1, 3},  {7, 5, 1, 4}, {8, 1, 0, 1}, {8, 255, 1, 0},
+        {1, 8, 1, 255}, {2, 11, 0, 1}, {4, 0, 0, 2}, {1, 1, 1, 1}, {3, 255, 1, 0},
+    };
+    for (const Alarm& alarm : Alarms) {
+        EventClass event(alarm.panel, alarm.chnl, alarm.param, alarm.aff);
+        event.setGDH(DateTimes::Now());
+        event.setNum(124300 + qint32(&alarm - Alarms));
+        Q_EMIT engine.BusEvent(event);
+    }
+}
+
+bool Save(const QString& form, const QString& path) {
+    auto* widget = dynamic_cast<QWidget*>(Forms::Find(form));
+    if (widget == nullptr)
+        return false;
+    QApplication::processEvents();
+    return widget->grab().save(path);
+}
+
+/// One screen, shown, saved and unloaded.
+void Take(const QString& form, const QString& path) {
+    Forms::Show(form);
+    if (!Save(form, path))
+        std::fprintf(stderr, "%s: not saved\n", path.toLocal8Bit().constData());
+    Forms::Unload(form);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
+    const auto path = [&](const char* name) {
+        return target.filePath(QString::fromLatin1(name) + u'_' + language +
+                               QStringLiteral(".png"));
+    };
+    const QString console = QStringLiteral("wRunAlarms");
+    IniDeleteSection(QStringLiteral("LastAlarms"));
+    Take(console, path("console_empty"));
+    Forms::Show(console);
+    RaiseAlarms(engine);
+    Global::Configuration().Panel(8).setErrCptr(2, 1);
+    Save(console, path("console_alarms"));
+    Forms::Unload(console);
+    for (const QString& form : Forms::Names())
+        if (form != console)
+            Take(form, path(form.toLatin1().constData()));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3 && argc != 5) {
+        std::fprintf(stderr, "usage: korvanelle-screens <folder> <target> [<width> <height>]\n");
+        return 2;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    platform::OverrideApplication(QDir(QString::fromLocal8Bit(argv[1])).absolutePath(),
+                                  QStringLiteral("korvanelle"));
+    if (!Config::OpenConfigBase())
+        return 1;
+    RegisterScreens();
+    Messages::Install([](const QString&, int, bool) { return int(Messages::Ok); });
+    if (argc == 5) {
+        Global::Get().noResize = false;
+        OverrideScreenSize(QSize(QByteArray(argv[3]).toInt(), QByteArray(argv[4]).toInt()));
+    }
+    Global::Get().sound = std::make_unique<platform::SilentSound>();
+    Global::setConfiguration(std::make_unique<ConfigClass>());
+    Global::Configuration().Read(CurrentConfigFile());
+    IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"),
+             QStringLiteral("/sites/Waterworks.kv2"));
+    wPolling engine(platform::MakeSerialPort([](int) { return QString(); }));
+    const QDir target(QString::fromLocal8Bit(argv[2]));
+    platform::MakeFolder(target.path());
+    for (int language = 0; !GetLanguage(language).isEmpty(); ++language) {
+        Global::Get().language = qint16(language);
+        Global::ReadMarks();
+        TakeAll(engine, target, GetLanguage(language).left(2).toLower());
+    }
+    return 0;
+}
