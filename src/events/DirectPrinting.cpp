@@ -9,6 +9,7 @@
 #include "platform/RunTimeError.h"
 
 #include <QStringList>
+#include <array>
 
 using platform::RunTimeError;
 namespace errors = platform::errors;
@@ -54,9 +55,8 @@ platform::LineSettings ParseLine(const QString& settings) {
     const QStringList fields = settings.split(u',');
     platform::LineSettings line;
     line.speed = Bytes::LongVal(fields.value(0));
-    line.parity = int(QStringLiteral("NOE").indexOf(fields.value(1).trimmed().toUpper()));
-    if (fields.value(1).trimmed().size() != 1 || line.parity < 0)
-        line.speed = 0;
+    const QString parity = fields.value(1).trimmed().toUpper();
+    line.parity = parity.size() == 1 ? int(QStringLiteral("NOE").indexOf(parity)) : -1;
     line.dataBits = Bytes::ShortVal(fields.value(2));
     line.stopBits = int(Bytes::Limit(Bytes::Val(fields.value(3)), 0.0, 9.0) * 2 - 2);
     return line;
@@ -103,8 +103,10 @@ QString DirectPrinting::OpenPrinter(const QString& port, const QString& settings
         settings_ = settings;
     ClosePrinter();
     closeAfterLine_ = closeAfterLine || IsSerial(port_);
-    if (const int error = device_->Open(port_))
+    if (const int error = device_->Open(port_)) {
+        failed_ = true;
         return Told(error, Opening);
+    }
     Configure();
     return {};
 }
@@ -112,13 +114,16 @@ QString DirectPrinting::OpenPrinter(const QString& port, const QString& settings
 /// A failure here is told and doesn't stop: the port may still print.
 void DirectPrinting::Configure() {
     if (IsSerial(port_)) {
-        if (const int error = device_->SetLine(ParseLine(settings_)))
-            Told(error, SettingState);
+        if (const int unread = device_->CheckLine())
+            Told(unread, ReadingState);
+        else if (const int unset = device_->SetLine(ParseLine(settings_)))
+            Told(unset, SettingState);
     }
     device_->SetWriteTimeout(WriteTimeout);
 }
 
 void DirectPrinting::ClosePrinter() {
+    failed_ = false;
     device_->Close();
 }
 

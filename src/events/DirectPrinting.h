@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <array>
 #include <functional>
 #include <memory>
 
@@ -13,7 +12,8 @@
 /// error.
 class DirectPrinting {
 public:
-    /// Where an error arose.
+    /// Where an error arose. The numbers of the time-outs stand for errors that this machine's
+    /// ports don't have.
     enum Where {
         Opening = 0,
         ReadingState = 1,
@@ -36,10 +36,13 @@ public:
     bool AddLF() const { return addLF_; }
     void setAddLF(bool value) { addLF_ = value; }
     /// Speed, parity letter, data bits, stop bits. The default has its fields in another order
-    /// than the parser reads and stands only until the site's settings are assigned.
+    /// than the parser reads and stands only until the site's settings are assigned: a serial
+    /// port opened with it has no parity to set.
     QString Settings() const { return settings_; }
     void setSettings(const QString& value) { settings_ = value; }
     bool IsOpen() const { return device_->IsOpen(); }
+    /// 1 while the port is open, 0 when it is closed, -1 when the last opening failed.
+    qint32 Handle() const { return IsOpen() ? 1 : failed_ ? -1 : 0; }
     QString Port() const { return port_; }
     /// "COM*", "LPT*" or nothing, which closes. Throws RunTimeError `InvalidPropertyValue` for
     /// anything else.
@@ -65,6 +68,7 @@ private:
     std::unique_ptr<platform::PrinterPort> device_;
     bool addLF_ = false;
     bool closeAfterLine_ = false;
+    bool failed_ = false;
     QString settings_ = QStringLiteral("9600,8,N,1");
     QString port_;
 };

@@ -15,6 +15,8 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+#include <QStorageInfo>
+#include <filesystem>
 
 namespace HistoProcs {
 
@@ -69,37 +71,47 @@ void PurgeHistories(const QDir& folder, const QDateTime& limit) {
 bool CopyOver(const QFileInfo& source, const QString& target) {
     const QString temporary = target + QStringLiteral(".tmp");
     QFile::remove(temporary);
-    if (!QFile::copy(source.filePath(), temporary)) {
+    QFile copy(temporary);
+    // On a full disk a copy may call itself done while its last bytes are missing.
+    if (!QFile::copy(source.filePath(), temporary) || copy.size() != source.size()) {
         QFile::remove(temporary);
         return false;
     }
-    QFile copy(temporary);
     copy.setPermissions(copy.permissions() | QFile::WriteOwner);
     if (copy.open(QIODevice::ReadWrite)) {
         copy.setFileTime(source.lastModified(), QFileDevice::FileModificationTime);
         copy.close();
     }
-    QFile::remove(target);
-    return QFile::rename(temporary, target);
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(temporary).toStdString(),
+                            QFile::encodeName(target).toStdString(), error);
+    if (error)
+        QFile::remove(temporary);
+    return !error;
 }
 
-/// A file that can't be copied is told, once all the others are.
+/// A file that can't be copied is told, once, when all the others are.
 void CopyHistories(const QDir& from, const QDir& to) {
-    bool failed = false;
+    int error = 0;
     for (const QFileInfo& source : Histories(from)) {
         const QFileInfo copy(to.filePath(source.fileName()));
-        if (!copy.exists() || copy.lastModified() < source.lastModified())
-            failed = !CopyOver(source, copy.filePath()) || failed;
+        if (copy.exists() && copy.lastModified() >= source.lastModified())
+            continue;
+        if (!CopyOver(source, copy.filePath()))
+            error = QStorageInfo(to.path()).bytesAvailable() < source.size()
+                        ? platform::errors::DiskFull
+                        : platform::errors::PathAccess;
     }
-    if (failed)
-        throw platform::RunTimeError(platform::errors::PathAccess);
+    if (error != 0)
+        throw platform::RunTimeError(error);
 }
 
 } // namespace
 
 void DoMidnightActions() {
+    // A trace that can't be opened must not keep the disk from being purged.
+    Guard("HistoProcs.DoMidnightActions", [] { Trace::OpenToday(); });
     Guard("HistoProcs.DoMidnightActions", [] {
-        Trace::OpenToday();
         const QDateTime now(DateTimes::DateOf(DateTimes::Now()), QTime(0, 0));
         PurgeTraces(now.date());
         const int period =
@@ -109,7 +121,7 @@ void DoMidnightActions() {
         const QDateTime limit = months ? now.addMonths(-period) : now.addDays(-period);
         const QDir own(platform::ApplicationFolder());
         const QString named = FilesKey(QStringLiteral("Histo"), platform::ApplicationFolder());
-        const QDir second(QDir(named).absolutePath());
+        const QDir second(own.absoluteFilePath(named));
         const bool ready = !named.isEmpty() && second.exists();
         if (period > 0) {
             PurgeHistories(own, limit);

@@ -36,9 +36,12 @@ constexpr Column Specific{90, 40};
 } // namespace PrintLine
 
 constexpr qint16 LastStyledAff = 5;
+constexpr int NoStyle = -1;
 
 /// The control bytes of a sequence: hexadecimal values separated by blanks.
 QString Sequence(int index) {
+    if (index == NoStyle)
+        return {};
     QByteArray bytes;
     const QStringList items =
         Global::Configuration().PrinterInitString(index).split(u' ', Qt::SkipEmptyParts);
@@ -47,13 +50,16 @@ QString Sequence(int index) {
     return platform::FromCodePage(bytes);
 }
 
-/// Number of the sequence that an event is printed in. Lowers `Aff` to the last styled one.
+/// Number of the sequence that an event is printed in. Lowers a channel's `Aff` to the last styled
+/// one.
 int StyleOf(EventClass& event) {
     static constexpr int ByAff[] = {4, 3, 1, 1, 2, 2};
     if (event.Chnl() == Family::Presence)
         return event.Aff() == 0 ? 1 : 4;
     if (event.Chnl() == Family::System)
         return 7;
+    if (event.Chnl() > Family::LastChannel)
+        return NoStyle;
     if (event.Param() == 0)
         return event.Aff() == 1 ? 5 : 6;
     event.setAff(Bytes::Limit<qint16>(event.Aff(), 0, LastStyledAff));

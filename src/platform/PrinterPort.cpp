@@ -3,7 +3,9 @@
 #include "platform/Clock.h"
 
 #include <QFile>
+#include <QList>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
@@ -25,8 +27,10 @@ constexpr Speed Speeds[] = {
 };
 constexpr tcflag_t DataBits[] = {CS5, CS6, CS7, CS8};
 constexpr int FirstDataBits = 5;
-/// Rest between two looks at what still has to leave the machine, ms.
-constexpr int DrainStep = 5;
+/// Parities and stop bits of LineSettings count from 0 to this.
+constexpr int LastChoice = 2;
+/// Rest between two looks at a device that isn't ready, ms.
+constexpr int BusyStep = 5;
 
 int SpeedCode(int bitsPerSecond, speed_t& code) {
     for (const Speed& speed : Speeds) {
@@ -41,19 +45,36 @@ int SpeedCode(int bitsPerSecond, speed_t& code) {
 class DevicePort : public PrinterPort {
 public:
     explicit DevicePort(std::function<QString(const QString&)> devicePath)
-        : devicePath_(std::move(devicePath)) {}
-    ~DevicePort() override { DevicePort::Close(); }
+        : devicePath_(std::move(devicePath)) {
+        Ports() += this;
+    }
+    ~DevicePort() override {
+        DevicePort::Close();
+        Ports().removeOne(this);
+    }
+    DevicePort(const DevicePort&) = delete;
+    DevicePort& operator=(const DevicePort&) = delete;
 
     int Open(const QString& portName) override {
         Close();
-        const QByteArray path = QFile::encodeName(devicePath_(portName));
-        file_ = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-        if (file_ < 0 && (errno == EACCES || errno == EINVAL))
-            file_ = ::open(path.constData(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-        return file_ < 0 ? errno : 0;
+        deadline_ = 0;
+        // A pipe whose reader has gone gives an error, not the end of the program.
+        std::signal(SIGPIPE, SIG_IGN);
+        // For writing only: a pipe without a reader then is a printer that isn't there.
+        path_ = QFile::encodeName(devicePath_(portName));
+        file_ = ::open(path_.constData(), O_WRONLY | O_APPEND | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        int error = file_ < 0 ? errno : 0;
+        if (error == EBUSY && Share())
+            error = 0;
+        return error;
     }
 
     bool IsOpen() const override { return file_ >= 0; }
+
+    int CheckLine() override {
+        termios settings{};
+        return ::tcgetattr(file_, &settings) == 0 ? 0 : errno;
+    }
 
     int SetLine(const LineSettings& line) override {
         termios settings{};
@@ -61,7 +82,11 @@ public:
             return errno;
         speed_t code = B9600;
         const int dataBits = line.dataBits - FirstDataBits;
-        if (SpeedCode(line.speed, code) != 0 || dataBits < 0 || dataBits >= 4)
+        if (SpeedCode(line.speed, code) != 0 || dataBits < 0 ||
+            dataBits >= int(std::size(DataBits)))
+            return EINVAL;
+        if (line.parity < 0 || line.parity > LastChoice || line.stopBits < 0 ||
+            line.stopBits > LastChoice)
             return EINVAL;
         ::cfmakeraw(&settings);
         settings.c_cflag &= tcflag_t(~(CSIZE | CSTOPB | PARENB | PARODD | CRTSCTS));
@@ -78,22 +103,27 @@ public:
     void SetWriteTimeout(int milliseconds) override { timeout_ = milliseconds; }
 
     int Write(const QByteArray& bytes) override {
-        const qint64 deadline = Clock::Current().MonotonicMs() + timeout_;
-        deadline_ = deadline;
+        deadline_ = Clock::Current().MonotonicMs() + timeout_;
+        bool wasReady = false; // and took nothing
         qsizetype done = 0;
         while (done < bytes.size()) {
             const ssize_t written =
                 ::write(file_, bytes.constData() + done, size_t(bytes.size() - done));
             if (written > 0) {
                 done += written;
+                wasReady = false;
                 continue;
             }
             if (written < 0 && errno != EAGAIN && errno != EINTR)
                 return errno;
-            const qint64 left = deadline - Clock::Current().MonotonicMs();
+            const qint64 left = deadline_ - Clock::Current().MonotonicMs();
             pollfd waiting{file_, POLLOUT, 0};
             if (left <= 0 || ::poll(&waiting, 1, int(left)) == 0)
                 return ETIMEDOUT;
+            // A parallel port always calls itself ready: it is asked again, but not without rest.
+            if (wasReady)
+                Clock::Current().Sleep(BusyStep);
+            wasReady = true;
         }
         return 0;
     }
@@ -102,22 +132,41 @@ public:
         if (file_ < 0)
             return;
         int queued = 0;
-        while (::ioctl(file_, TIOCOUTQ, &queued) == 0 && queued > 0) {
+        // What others may have on their way through the device isn't waited for or dropped.
+        while (deadline_ != 0 && ::ioctl(file_, TIOCOUTQ, &queued) == 0 && queued > 0) {
             if (Clock::Current().MonotonicMs() >= deadline_) {
                 ::tcflush(file_, TCOFLUSH);
                 break;
             }
-            Clock::Current().Sleep(DrainStep);
+            Clock::Current().Sleep(BusyStep);
         }
         ::close(file_);
         file_ = -1;
     }
 
 private:
+    static QList<DevicePort*>& Ports() {
+        static QList<DevicePort*> ports;
+        return ports;
+    }
+
+    /// A parallel port is opened once at a time. Where another port object of the program holds
+    /// it, both use the same file, as a port tried out while it prints.
+    bool Share() {
+        for (const DevicePort* port : std::as_const(Ports())) {
+            if (port->IsOpen() && port->path_ == path_) {
+                file_ = ::fcntl(port->file_, F_DUPFD_CLOEXEC, 0);
+                return IsOpen();
+            }
+        }
+        return false;
+    }
+
     std::function<QString(const QString&)> devicePath_;
+    QByteArray path_;
     int file_ = -1;
     int timeout_ = 0;
-    qint64 deadline_ = 0;
+    qint64 deadline_ = 0; // of the last write, 0 before the first one
 };
 
 } // namespace

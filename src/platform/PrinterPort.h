@@ -23,10 +23,13 @@ class PrinterPort {
 public:
     virtual ~PrinterPort() = default;
 
-    /// Opens the device of a port name such as "COM2" or "LPT1".
+    /// Opens the device of a port name such as "COM2" or "LPT1", without waiting for anything.
     virtual int Open(const QString& portName) = 0;
     virtual bool IsOpen() const = 0;
-    /// Sets speed, parity, data and stop bits, and no handshake.
+    /// Fails on a device that has no line to set.
+    virtual int CheckLine() = 0;
+    /// Sets speed, parity, data and stop bits, and no handshake. EINVAL for values that no line
+    /// has; the line then stays as it is.
     virtual int SetLine(const LineSettings& line) = 0;
     /// Longest time of a write and its way out of the machine, ms.
     virtual void SetWriteTimeout(int milliseconds) = 0;
@@ -39,7 +42,8 @@ public:
     static QString ErrorText(int number);
 };
 
-/// The machine's port. `devicePath` gives the device of a port name at each opening.
+/// The machine's port: a serial line, a parallel printer or a named pipe that somebody reads.
+/// `devicePath` gives the device of a port name at each opening.
 std::unique_ptr<PrinterPort> MakePrinterPort(std::function<QString(const QString&)> devicePath);
 
 } // namespace platform

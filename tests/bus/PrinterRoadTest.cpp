@@ -1,0 +1,73 @@
+// An event's way from the engine to the printer's device.
+
+#include "bus/Engine.h"
+
+#include <QElapsedTimer>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+class PrinterRoad : public Engine {
+protected:
+    PrinterRoad() {
+        const QString pipe = Path(QStringLiteral("printer"));
+        EXPECT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"), pipe);
+        Site().setPrtSettings(QStringLiteral("LPT1:"));
+        Site().setPrinterInitString(5, QStringLiteral("1B 45"));
+        OpenReader();
+        Start();
+        ChannelClass& channel = AddModule(5, Models::Q7100).Channel(7);
+        channel.setPrtAlm(true);
+        channel.setPrintText(QString::fromUtf8("Brûleur à gaz"));
+        SetOptions(0, 0, 31, 0);
+    }
+    ~PrinterRoad() override { CloseReader(); }
+
+    void OpenReader() {
+        const QByteArray path = QFile::encodeName(Path(QStringLiteral("printer")));
+        reader = open(path.constData(), O_RDONLY | O_NONBLOCK);
+    }
+    void CloseReader() {
+        if (reader >= 0)
+            close(reader);
+        reader = -1;
+    }
+    QByteArray Paper() const {
+        QByteArray bytes(4096, '\0');
+        bytes.resize(qMax<qsizetype>(0, read(reader, bytes.data(), size_t(bytes.size()))));
+        return bytes;
+    }
+    void Route(qint16 chnl, qint16 aff) {
+        EventClass event(5, chnl, 0, aff);
+        event.setGDH(clock.Now());
+        engine->SendEvent(event);
+    }
+
+    int reader = -1;
+};
+
+TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
+    Paper();
+    Forget();
+    Route(7, 1);
+    const QByteArray line = Paper();
+    EXPECT_EQ(line.left(30), QByteArray("\x1B"
+                                        "E2024-03-15 12:00:00        P"));
+    EXPECT_TRUE(line.endsWith("Br\x96leur \x85 gaz\r\n")) << line.toStdString();
+    Route(8, 1);
+    EXPECT_EQ(Paper(), QByteArray()) << "a channel that isn't printed";
+
+    CloseReader();
+    QElapsedTimer timer;
+    timer.start();
+    Route(7, 1);
+    Route(7, 0);
+    EXPECT_LT(timer.elapsed(), 500);
+    EXPECT_EQ(events.size(), 4);
+    EXPECT_EQ(boxes, QStringList());
+}
+
+} // namespace

@@ -1,0 +1,246 @@
+#include "events/DirectPrinting.h"
+
+#include "events/FakePort.h"
+#include "platform/CodePage.h"
+#include "platform/RunTimeError.h"
+#include "support/Bench.h"
+
+#include <QElapsedTimer>
+#include <cerrno>
+
+namespace {
+
+QString Text(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+QStringList Log(std::initializer_list<const char*> entries) {
+    QStringList log;
+    for (const char* entry : entries)
+        log += Text(entry);
+    return log;
+}
+
+const QString NoPrinter = QStringLiteral("Printer error");
+
+class Printer : public Bench {
+protected:
+    Printer() {
+        printer.onError = [this](const QString& text, int where) {
+            told += QStringLiteral("%1 %2").arg(where).arg(text);
+        };
+    }
+
+    QStringList Done() { return std::exchange(port->log, {}); }
+    QByteArray Written() { return std::exchange(port->written, {}); }
+    QStringList Told() { return std::exchange(told, {}); }
+    int SetPort(const char* name) {
+        try {
+            printer.setPort(Text(name));
+        } catch (const platform::RunTimeError& error) {
+            return error.Number();
+        }
+        return 0;
+    }
+
+    FakePort* port = new FakePort;
+    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
+    QStringList told;
+};
+
+TEST_F(Printer, TakesPortNamesAndRefusesOthers) {
+    for (const char* name : {"COM1", "LPT1", "COM255", "LPT", ""}) {
+        EXPECT_EQ(SetPort(name), 0) << name;
+        EXPECT_EQ(printer.Port(), Text(name));
+    }
+    SetPort("LPT2");
+    for (const char* name : {"USB1", " COM1", "CO", "/dev/lp0"}) {
+        EXPECT_EQ(SetPort(name), 380) << name;
+        EXPECT_EQ(printer.Port(), Text("LPT2"));
+    }
+    EXPECT_EQ(Done(), QStringList()) << "a closed port stays closed";
+}
+
+TEST_F(Printer, FollowsAChangeOfItsPortWhenOpen) {
+    SetPort("LPT1");
+    printer.setSettings(Text("9600,N,8,1"));
+    EXPECT_EQ(printer.OpenPrinter({}, {}, false), QString());
+    EXPECT_EQ(printer.Handle(), 1);
+    Done();
+    SetPort("LPT1");
+    EXPECT_EQ(Done(), QStringList());
+    SetPort("COM2");
+    EXPECT_EQ(Done(), Log({"close", "open COM2", "line 9600 0 8 0", "timeout 2000"}));
+    EXPECT_EQ(SetPort("XYZ"), 380);
+    EXPECT_TRUE(printer.IsOpen());
+    SetPort("");
+    EXPECT_EQ(Done(), Log({"close"}));
+    EXPECT_EQ(printer.Handle(), 0);
+    EXPECT_EQ(printer.Port(), QString());
+}
+
+TEST_F(Printer, OpensWithTheLineOfItsSettings) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"9600,N,8,1", "line 9600 0 8 0"},
+        {"1200,o,7,2", "line 1200 1 7 2"},
+        {" 19200 , E , 8 , 1.5 ", "line 19200 2 8 1"},
+        // No parity, and what no line takes.
+        {"9600,8,N,1", "line 9600 -1 0 0"},
+        {"9600,NO,8,1", "line 9600 -1 8 0"},
+        {"9600,,8,1", "line 9600 -1 8 0"},
+        {"fast", "line 0 -1 0 -2"},
+    };
+    for (const auto& [settings, line] : rows) {
+        printer.OpenPrinter(Text("COM1"), Text(settings), false);
+        EXPECT_TRUE(Done().contains(Text(line))) << settings;
+        EXPECT_EQ(printer.Settings(), Text(settings));
+    }
+    // A parallel port has no line; empty arguments stand for what is there.
+    printer.OpenPrinter(Text("LPT3"), {}, false);
+    EXPECT_EQ(Done(), Log({"close", "open LPT3", "timeout 2000"}));
+    EXPECT_EQ(printer.Settings(), Text("fast"));
+    printer.OpenPrinter({}, Text("2400,N,8,1"), false);
+    EXPECT_EQ(Done(), Log({"close", "open LPT3", "timeout 2000"}));
+    EXPECT_EQ(printer.Port(), Text("LPT3"));
+}
+
+TEST_F(Printer, FailsAtTheParityWithItsFirstSettings) {
+    EXPECT_EQ(printer.Settings(), Text("9600,8,N,1"));
+    port->lineError = EINVAL;
+    SetPort("COM1");
+    EXPECT_EQ(printer.OpenPrinter({}, {}, false), QString()) << "told, and goes on";
+    EXPECT_EQ(Done(), Log({"open COM1", "line 9600 -1 0 0", "timeout 2000"}));
+    EXPECT_EQ(Told(), Log({"2 Invalid argument"}));
+    EXPECT_TRUE(printer.IsOpen());
+}
+
+TEST_F(Printer, TellsWhatFailedAndWhere) {
+    port->openError = ENOENT;
+    const QString missing = Text("No such file or directory");
+    EXPECT_EQ(printer.OpenPrinter(Text("LPT1"), {}, false), missing);
+    EXPECT_EQ(printer.Handle(), -1);
+    EXPECT_EQ(printer.PrintString(Text("x")), NoPrinter);
+    EXPECT_EQ(Told(), QStringList{Text("0 ") + missing});
+    EXPECT_EQ(printer.PrintLine(Text("x")), missing) << "tried again with each line";
+    EXPECT_EQ(Told(), QStringList{Text("0 ") + missing});
+    printer.ClosePrinter();
+    EXPECT_EQ(printer.Handle(), 0);
+
+    port->openError = 0;
+    port->checkError = ENOTTY;
+    EXPECT_EQ(printer.OpenPrinter(Text("COM1"), Text("9600,N,8,1"), false), QString());
+    EXPECT_EQ(Told(), Log({"1 Inappropriate ioctl for device"}));
+    Done();
+
+    port->writeError = ETIMEDOUT;
+    const QString late = Text("Connection timed out");
+    EXPECT_EQ(printer.PrintData("x"), late);
+    EXPECT_EQ(Told(), QStringList{Text("6 ") + late});
+    EXPECT_EQ(printer.PrintString(Text("x")), late);
+    EXPECT_EQ(Told(), QStringList{Text("8 ") + late});
+    EXPECT_EQ(printer.PrintLine(Text("x")), late);
+    EXPECT_EQ(Told(), QStringList{Text("8 ") + late});
+    EXPECT_EQ(Done(), Log({"write", "write", "write", "close"}));
+
+    // Nobody listens.
+    printer.onError = nullptr;
+    EXPECT_EQ(printer.PrintLine(Text("x")), late);
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Printer, SaysPrinterErrorWithoutAPort) {
+    EXPECT_EQ(printer.PrintString(Text("x")), NoPrinter);
+    EXPECT_EQ(printer.PrintData("x"), NoPrinter);
+    EXPECT_EQ(printer.PrintLine(Text("x")), NoPrinter);
+    EXPECT_EQ(Done(), QStringList());
+    EXPECT_EQ(Told(), QStringList());
+}
+
+TEST_F(Printer, EndsItsLines) {
+    SetPort("LPT1");
+    EXPECT_EQ(printer.PrintLine(Text("one")), QString());
+    printer.setAddLF(true);
+    EXPECT_EQ(printer.PrintLine(QString()), QString());
+    EXPECT_EQ(Done(), Log({"open LPT1", "timeout 2000", "write", "write"})) << "stays open";
+    EXPECT_EQ(Written(), QByteArray("one\r\r\n"));
+    printer.PrintString(QString::fromUtf8("é€Ω"));
+    printer.PrintData(QByteArray("\0\xFF", 2));
+    EXPECT_EQ(Written(), QByteArray("\xE9\x80?\0\xFF", 5));
+}
+
+TEST_F(Printer, HoldsASerialPortForOneLine) {
+    SetPort("COM1");
+    printer.setSettings(Text("4800,N,8,1"));
+    const QStringList once =
+        Log({"open COM1", "line 4800 0 8 0", "timeout 2000", "write", "close"});
+    printer.PrintLine(Text("one"));
+    EXPECT_EQ(Done(), once);
+    printer.PrintLine(Text("two"));
+    EXPECT_EQ(Done(), once);
+    // A parallel port too, when it was opened so.
+    printer.OpenPrinter(Text("LPT1"), {}, true);
+    printer.PrintLine(Text("three"));
+    EXPECT_EQ(Done(), Log({"open LPT1", "timeout 2000", "write", "close"}));
+    printer.PrintLine(Text("four"));
+    printer.PrintLine(Text("five"));
+    EXPECT_EQ(Done(), Log({"open LPT1", "timeout 2000", "write", "write"}));
+}
+
+TEST_F(Printer, SpeaksThePrintersCharacterSet) {
+    const auto oem = [](int code) {
+        const QString sent =
+            DirectPrinting::AnsiToOem(platform::FromCodePage(QByteArray(1, char(code))));
+        return int(quint8(platform::ToCodePage(sent).at(0)));
+    };
+    for (int code = 0; code < 128; ++code)
+        EXPECT_EQ(oem(code), code);
+    const std::pair<int, int> rows[] = {{128, 95},  {129, 95},  {143, 95},  {149, 7},   {159, 89},
+                                        {160, 255}, {176, 248}, {191, 168}, {196, 142}, {207, 216},
+                                        {208, 209}, {220, 154}, {223, 225}, {224, 133}, {231, 135},
+                                        {233, 130}, {239, 139}, {240, 208}, {252, 129}, {255, 152}};
+    for (const auto& [code, byte] : rows)
+        EXPECT_EQ(oem(code), byte) << code;
+    EXPECT_EQ(platform::ToCodePage(DirectPrinting::AnsiToOem(Text("Übung né Ω"))),
+              QByteArray("\x9A"
+                         "bung n\x82 ?"));
+}
+
+TEST_F(Printer, IsTriedOutByItsPortString) {
+    EXPECT_TRUE(TestPrintPort(QString()));
+    EXPECT_TRUE(TestPrintPort(Text(":9600,N,8,1")));
+    EXPECT_EQ(boxes, QStringList());
+
+    IniWrite(Text("Ports"), Text("LPT1"), Text("/dev/null"));
+    IniWrite(Text("Ports"), Text("COM1"), Path(Text("missing")));
+    EXPECT_TRUE(TestPrintPort(Text("LPT1:")));
+    EXPECT_TRUE(TestPrintPort(Text("LPT1")));
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_FALSE(TestPrintPort(Text("COM1:9600,N,8,1")));
+    EXPECT_EQ(boxes, QStringList{Text("The printer port cannot be opened:\r\n"
+                                      "No such file or directory")});
+    boxes.clear();
+    EXPECT_FALSE(TestPrintPort(Text("FILE1:")));
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_TRUE(boxes[0].startsWith(Text("Error Nr 380 : Invalid property value")));
+}
+
+TEST_F(Printer, OnTheMachinesPortsWritesToTheNamedDevice) {
+    QFile device(Path(Text("lines")));
+    ASSERT_TRUE(device.open(QIODevice::WriteOnly));
+    IniWrite(Text("Ports"), Text("LPT4"), device.fileName());
+    DirectPrinting machine;
+    machine.setPort(Text("LPT4"));
+    EXPECT_EQ(machine.PrintLine(Text("one")), QString());
+    machine.ClosePrinter();
+    EXPECT_EQ(machine.PrintLine(Text("two")), QString());
+    EXPECT_EQ(BytesOf(Text("lines")), QByteArray("one\rtwo\r"));
+    machine.setPort(Text("LPT5"));
+    IniWrite(Text("Ports"), Text("LPT5"), Path(Text("missing")));
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 100; ++i)
+        EXPECT_NE(machine.PrintLine(Text("none")), QString());
+    EXPECT_LT(timer.elapsed(), 1000) << "a printer that isn't there costs nothing";
+}
+
+} // namespace

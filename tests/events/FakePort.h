@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/PrinterPort.h"
+
+#include <QStringList>
+
+/// A port that notes what is done with it. Each kind of operation can be made to fail.
+class FakePort : public platform::PrinterPort {
+public:
+    int openError = 0;
+    int checkError = 0;
+    int lineError = 0;
+    int writeError = 0;
+    QStringList log;
+    QByteArray written;
+
+    int Open(const QString& portName) override {
+        log += QStringLiteral("open ") + portName;
+        open_ = openError == 0;
+        return openError;
+    }
+    bool IsOpen() const override { return open_; }
+    int CheckLine() override { return checkError; }
+    int SetLine(const platform::LineSettings& settings) override {
+        log += QStringLiteral("line %1 %2 %3 %4")
+                   .arg(settings.speed)
+                   .arg(settings.parity)
+                   .arg(settings.dataBits)
+                   .arg(settings.stopBits);
+        return lineError;
+    }
+    void SetWriteTimeout(int milliseconds) override {
+        log += QStringLiteral("timeout %1").arg(milliseconds);
+    }
+    int Write(const QByteArray& bytes) override {
+        log += QStringLiteral("write");
+        written += bytes;
+        return writeError;
+    }
+    void Close() override {
+        if (open_)
+            log += QStringLiteral("close");
+        open_ = false;
+    }
+
+private:
+    bool open_ = false;
+};

@@ -1,0 +1,244 @@
+#include "platform/PrinterPort.h"
+#include "platform/TestFiles.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace platform;
+
+namespace {
+
+constexpr int ShortTimeout = 150;
+/// Room for a busy machine, ms.
+constexpr int Slack = 600;
+
+/// A file number that closes itself.
+class Handle {
+public:
+    explicit Handle(int number)
+        : number_(number) {}
+    ~Handle() { Close(); }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    int Number() const { return number_; }
+    void Close() {
+        if (number_ >= 0)
+            close(number_);
+        number_ = -1;
+    }
+    QByteArray Take(qsizetype count) const {
+        QByteArray taken;
+        pollfd state = {number_, POLLIN, 0};
+        while (taken.size() < count && poll(&state, 1, 2000) > 0) {
+            std::array<char, 4096> buffer = {};
+            const ssize_t got = read(number_, buffer.data(), buffer.size());
+            if (got <= 0)
+                break;
+            taken.append(buffer.data(), got);
+        }
+        return taken;
+    }
+
+private:
+    int number_;
+};
+
+class PrinterPortTest : public ::testing::Test {
+protected:
+    /// The master side of a pseudo-terminal; COM1 is the other.
+    int OpenTerminal() {
+        const int master = posix_openpt(O_RDWR | O_NOCTTY);
+        grantpt(master);
+        unlockpt(master);
+        device_ = QFile::decodeName(ptsname(master));
+        return master;
+    }
+    /// A named pipe; LPT1 writes to it.
+    QByteArray MakePipe() {
+        device_ = folder_.filePath(QStringLiteral("printer"));
+        QByteArray path = QFile::encodeName(device_);
+        EXPECT_EQ(mkfifo(path.constData(), 0600), 0);
+        return path;
+    }
+    std::unique_ptr<PrinterPort> MakePort() {
+        return MakePrinterPort([this](const QString& name) {
+            return name == QStringLiteral("missing") ? folder_.filePath(name) : device_;
+        });
+    }
+    termios LineOfDevice() const {
+        const Handle device(open(QFile::encodeName(device_).constData(), O_RDWR | O_NOCTTY));
+        termios line{};
+        EXPECT_EQ(tcgetattr(device.Number(), &line), 0);
+        return line;
+    }
+    /// Writes more than the device takes, closes, and bounds the time of both.
+    void ExpectStuck() {
+        port_->SetWriteTimeout(ShortTimeout);
+        const clock_t busy = clock();
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(port_->Write(QByteArray(1 << 20, 'x')), ETIMEDOUT);
+        EXPECT_GE(timer.elapsed(), ShortTimeout - 1);
+        EXPECT_LT(timer.elapsed(), ShortTimeout + Slack);
+        EXPECT_LT(clock() - busy, CLOCKS_PER_SEC / 10);
+        timer.restart();
+        EXPECT_EQ(port_->Write("a line after it"), ETIMEDOUT);
+        EXPECT_LT(timer.elapsed(), ShortTimeout + Slack);
+        timer.restart();
+        port_->Close();
+        EXPECT_LT(timer.elapsed(), ShortTimeout) << "the time was used up by the write";
+        EXPECT_FALSE(port_->IsOpen());
+    }
+
+    QTemporaryDir folder_;
+    QString device_;
+    std::unique_ptr<PrinterPort> port_ = MakePort();
+};
+
+QByteArray AllBytes() {
+    QByteArray bytes;
+    for (int code = 0; code < 256; ++code)
+        bytes += char(code);
+    return bytes;
+}
+
+const QString Com = QStringLiteral("COM1");
+const QString Lpt = QStringLiteral("LPT1");
+
+} // namespace
+
+TEST_F(PrinterPortTest, SetsTheLineAndSendsBytesAsTheyAre) {
+    const Handle far(OpenTerminal());
+    ASSERT_EQ(port_->Open(Com), 0);
+    EXPECT_EQ(port_->CheckLine(), 0);
+    EXPECT_EQ(port_->SetLine({1200, 1, 8, 2}), 0);
+    termios line = LineOfDevice();
+    EXPECT_EQ(cfgetospeed(&line), speed_t(B1200));
+    // A pseudo-terminal always has eight bits and no parity, but keeps the other flags.
+    EXPECT_EQ(line.c_cflag & (CSTOPB | PARODD | CRTSCTS), tcflag_t(CSTOPB | PARODD));
+    EXPECT_EQ(line.c_iflag & (IXON | IXOFF | IXANY | ICRNL), 0U);
+    EXPECT_EQ(line.c_oflag & OPOST, 0U);
+    EXPECT_EQ(line.c_lflag & (ECHO | ICANON | ISIG), 0U);
+
+    port_->SetWriteTimeout(2000);
+    EXPECT_EQ(port_->Write(AllBytes()), 0);
+    EXPECT_EQ(far.Take(256), AllBytes());
+
+    EXPECT_EQ(port_->SetLine({19200, 0, 8, 0}), 0);
+    line = LineOfDevice();
+    EXPECT_EQ(cfgetospeed(&line), speed_t(B19200));
+    EXPECT_EQ(line.c_cflag & (CSTOPB | PARODD), 0U);
+}
+
+TEST_F(PrinterPortTest, RefusesWhatNoLineHas) {
+    const Handle far(OpenTerminal());
+    ASSERT_EQ(port_->Open(Com), 0);
+    ASSERT_EQ(port_->SetLine({4800, 0, 8, 0}), 0);
+    const LineSettings rows[] = {{0, 0, 8, 0},    {4801, 0, 8, 0},  {9600, -1, 8, 0},
+                                 {9600, 3, 8, 0}, {9600, 0, 4, 0},  {9600, 0, 9, 0},
+                                 {9600, 0, 0, 0}, {9600, 0, 8, -2}, {9600, 0, 8, 3}};
+    for (const LineSettings& row : rows)
+        EXPECT_EQ(port_->SetLine(row), EINVAL);
+    termios line = LineOfDevice();
+    EXPECT_EQ(cfgetospeed(&line), speed_t(B4800));
+
+    const QByteArray pipe = MakePipe();
+    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    ASSERT_EQ(port_->Open(Lpt), 0);
+    EXPECT_EQ(port_->CheckLine(), ENOTTY);
+    EXPECT_EQ(port_->SetLine({9600, 0, 8, 0}), ENOTTY);
+}
+
+TEST_F(PrinterPortTest, AStuckTerminalCostsTheTimeOfAWrite) {
+    const Handle far(OpenTerminal());
+    ASSERT_EQ(port_->Open(Com), 0);
+    ASSERT_EQ(port_->SetLine(LineSettings()), 0);
+    ExpectStuck();
+    ASSERT_EQ(port_->Open(Com), 0) << "and may be tried again";
+}
+
+TEST_F(PrinterPortTest, AStuckPipeCostsTheTimeOfAWrite) {
+    const QByteArray pipe = MakePipe();
+    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    ASSERT_EQ(port_->Open(Lpt), 0);
+    ExpectStuck();
+}
+
+TEST_F(PrinterPortTest, WaitsForASlowReader) {
+    const QByteArray pipe = MakePipe();
+    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    ASSERT_EQ(port_->Open(Lpt), 0);
+    port_->SetWriteTimeout(5000);
+    const QByteArray bytes = AllBytes().repeated(1000);
+    QByteArray taken;
+    std::thread printer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        taken = reader.Take(bytes.size());
+    });
+    EXPECT_EQ(port_->Write(bytes), 0);
+    printer.join();
+    EXPECT_TRUE(taken == bytes);
+}
+
+TEST_F(PrinterPortTest, APrinterThatIsNotThereCostsNoTime) {
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(port_->Open(QStringLiteral("missing")), ENOENT);
+    EXPECT_FALSE(port_->IsOpen());
+    const QByteArray pipe = MakePipe();
+    EXPECT_EQ(port_->Open(Lpt), ENXIO) << "nobody reads";
+    {
+        const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+        ASSERT_EQ(port_->Open(Lpt), 0);
+    }
+    port_->SetWriteTimeout(5000);
+    EXPECT_EQ(port_->Write("x"), EPIPE) << "the reader went";
+    Handle far(OpenTerminal());
+    ASSERT_EQ(port_->Open(Com), 0);
+    far.Close();
+    EXPECT_EQ(port_->Write("x"), EIO) << "the adapter was pulled out";
+    port_->Close();
+    EXPECT_LT(timer.elapsed(), Slack);
+    EXPECT_EQ(PrinterPort::ErrorText(ENOENT), QStringLiteral("No such file or directory"));
+}
+
+TEST_F(PrinterPortTest, ADeviceOfOneUserIsSharedWithinTheProgram) {
+    const Handle far(OpenTerminal());
+    const QByteArray path = QFile::encodeName(device_);
+    ASSERT_EQ(chmod(path.constData(), 0666), 0);
+    ASSERT_EQ(port_->Open(Com), 0);
+    ASSERT_EQ(port_->SetLine(LineSettings()), 0);
+    Handle extra(open(path.constData(), O_RDWR | O_NOCTTY));
+    ASSERT_EQ(ioctl(extra.Number(), TIOCEXCL), 0);
+    // The system's master opens what is exclusive; others are told that it is busy.
+    const uid_t user = geteuid();
+    ASSERT_EQ(user == 0 ? seteuid(65534) : 0, 0);
+    const int plain = open(path.constData(), O_WRONLY | O_NOCTTY);
+    const int plainError = plain < 0 ? errno : 0;
+    const auto second = MakePort();
+    const int error = second->Open(Com);
+    ASSERT_EQ(seteuid(user), 0);
+    EXPECT_EQ(plainError, EBUSY);
+    ASSERT_EQ(error, 0);
+    port_->SetWriteTimeout(2000);
+    second->SetWriteTimeout(2000);
+    EXPECT_EQ(second->Write("tried"), 0);
+    second->Close();
+    EXPECT_EQ(port_->Write(" on"), 0);
+    EXPECT_EQ(far.Take(8), QByteArray("tried on"));
+    ioctl(extra.Number(), TIOCNXCL);
+}
