@@ -43,7 +43,13 @@ void wPolling::TraiteCommande(CommandClass& command) {
             return;
         if (command.SendTime() == 0)
             command.setSendTime(now);
-        if (IsObeyedReceipt(command)) {
+        const std::optional<bool> obeyed = IsObeyedReceipt(command);
+        if (!obeyed) {
+            command.setError(true);
+            command.ErrorInc();
+            return;
+        }
+        if (*obeyed) {
             receipts_.Settle(command.Module());
             command.setCmdType(CommandTypes::Done);
             return;
@@ -73,14 +79,17 @@ bool wPolling::IsReceipt(const CommandClass& command) {
 }
 
 /// A receipt that failed once is sent again only while the memory still begins with what it stands
-/// for; otherwise the module has obeyed and only its reply was lost.
-bool wPolling::IsObeyedReceipt(const CommandClass& command) {
+/// for; otherwise the module has obeyed and only its reply was lost. Nothing when the memory can't
+/// be read: sent blindly, the receipt might drop events that nobody has read.
+std::optional<bool> wPolling::IsObeyedReceipt(const CommandClass& command) {
     if (command.ErrorCount() == 0 || !IsReceipt(command))
         return false;
     Words memory(receipts_.Taken(command.Module()).size());
-    return !memory.isEmpty() &&
-           LitMots(*link_, quint8(command.Module()), EventReceipts::MemoryRegister, memory) &&
-           !receipts_.BeginsWithTaken(command.Module(), memory);
+    if (memory.isEmpty())
+        return false;
+    if (!LitMots(*link_, quint8(command.Module()), EventReceipts::MemoryRegister, memory))
+        return std::nullopt;
+    return !receipts_.BeginsWithTaken(command.Module(), memory);
 }
 
 /// Adds the word of the kind to the trace line and makes the exchange.

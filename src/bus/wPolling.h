@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <array>
 #include <memory>
+#include <optional>
 
 class PanelClass;
 
@@ -146,7 +147,7 @@ private:
     void HistoBusState();
     void PrintBusState();
     static bool IsReceipt(const CommandClass& command);
-    bool IsObeyedReceipt(const CommandClass& command);
+    std::optional<bool> IsObeyedReceipt(const CommandClass& command);
     bool SendByType(CommandClass& command, QString& line);
     void TraceWriteError(const CommandClass& command);
     void SetupPrinter();
