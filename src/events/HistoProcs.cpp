@@ -10,6 +10,7 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/CodePage.h"
+#include "platform/LineLog.h"
 #include "platform/RunTimeError.h"
 
 #include <QFile>
@@ -115,6 +116,15 @@ QString HeadingLine() {
     return record.Text();
 }
 
+/// The former run may have been killed in the middle of a line; this one leaves none torn.
+void EndTornLineOnce(const QString& path) {
+    static QString seen;
+    if (seen == path)
+        return;
+    platform::EndTornLine(path);
+    seen = path;
+}
+
 bool DailyFiles() {
     return Bytes::Val(IniRead(QStringLiteral("Files"), QStringLiteral("PeriodUnit"),
                               QStringLiteral("0"))) >= 1;
@@ -151,7 +161,9 @@ void HistoEvent(const EventClass& event) {
     Guard("HistoProcs.HistoEvent", [&] {
         const QString line =
             TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(event));
-        QFile file(HistoFileName());
+        const QString path = HistoFileName();
+        EndTornLineOnce(path);
+        QFile file(path);
         const bool isNew = !file.exists();
         if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
             throw platform::RunTimeError(platform::errors::PathAccess);

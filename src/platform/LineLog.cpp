@@ -19,10 +19,20 @@ bool IsRemoved(int handle) {
 
 } // namespace
 
+void EndTornLine(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) || file.size() == 0)
+        return;
+    char last = '\n';
+    if (file.seek(file.size() - 1) && file.getChar(&last) && last != '\n' && file.seek(file.size()))
+        file.write("\r\n");
+}
+
 void LineLog::Open(const QString& path, int mode) {
     file_.close();
     if (mode != AppendMode)
         throw RunTimeError(errors::InvalidPropertyValue);
+    EndTornLine(path);
     file_.setFileName(path);
     if (!file_.open(OpenFlags))
         throw RunTimeError(errors::PathAccess);

@@ -6,6 +6,10 @@
 
 namespace platform {
 
+/// Ends the last line of a text file that a kill or a cut of power left without its end, so that
+/// the next line doesn't run into it. Does nothing to a file that isn't there.
+void EndTornLine(const QString& path);
+
 /// A text log that grows line by line, Windows-1252, lines ended by carriage return and line
 /// feed.
 class LineLog {
@@ -16,7 +20,8 @@ public:
     LineLog(const LineLog&) = delete;
     LineLog& operator=(const LineLog&) = delete;
 
-    /// Closes what was open and opens `path`; mode 3 appends and makes a missing file. Throws
+    /// Closes what was open and opens `path`; mode 3 appends and makes a missing file, and ends a
+    /// torn last line. Throws
     /// RunTimeError `PathAccess` when the file can't be opened; writing is then refused until the
     /// next opening.
     void Open(const QString& path, int mode);

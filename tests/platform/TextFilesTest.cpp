@@ -72,3 +72,16 @@ TEST(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
     log.WriteLine(QStringLiteral("back"));
     EXPECT_EQ(BytesOf(path), QByteArray("back\r\n"));
 }
+
+TEST(LineLogTest, EndsALineThatAKillCutShort) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("20240315.log"));
+    PutBytes(path, "whole\r\ncut sh");
+    LineLog log;
+    log.Open(path, LineLog::AppendMode);
+    log.WriteLine(QStringLiteral("next"));
+    EXPECT_EQ(BytesOf(path), QByteArray("whole\r\ncut sh\r\nnext\r\n"));
+    const QString missing = folder.filePath(QStringLiteral("none.log"));
+    EndTornLine(missing);
+    EXPECT_FALSE(QDir(folder.path()).exists(QStringLiteral("none.log")));
+}
