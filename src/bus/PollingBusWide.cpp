@@ -16,6 +16,7 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "platform/DiskFlush.h"
 
 #include <algorithm>
 
@@ -56,6 +57,14 @@ static int AskModuleType(platform::SerialLink& link, int address) {
     return type;
 }
 
+/// Throws the event memory of a module away. False when it may still stand.
+static bool DropEvents(platform::SerialLink& link, quint8 module) {
+    Words count(1);
+    if (!LitMots(link, module, EventCountRegister, count))
+        return false;
+    return count[0] <= 0 || EcritUnMot(link, module, EventReceipts::Register, count[0]);
+}
+
 /// Brings PC and modules to one picture: forced states and event memories are thrown away, and
 /// the list of alarms is made anew of what the channels show.
 void wPolling::SynchroGeneraleBus() {
@@ -63,14 +72,21 @@ void wPolling::SynchroGeneraleBus() {
         Pointer::Hourglass();
         const Messages::Notice notice(GetText(30015));
         Yield();
-        Trace::Write(Trace::SystemLine(DateTimes::Now(), QStringLiteral("SYNCHR0"),
-                                       QStringLiteral("SYNCHRO")));
+        if (closing_)
+            return;
+        // A trace that can't be written is told, and keeps the bus from nothing.
+        Guard("wPolling.SynchroGeneraleBus", [] {
+            Trace::Write(Trace::SystemLine(DateTimes::Now(), QStringLiteral("SYNCHR0"),
+                                           QStringLiteral("SYNCHRO")));
+        });
         Q_EMIT Synchronising(true);
         ReinitComm();
         Pointer::Hourglass();
         QualifierTable qualifiers = FirstPass();
         for (int address = 1; address <= PanelCount && !closing_; ++address)
             ResetModule(address);
+        if (closing_)
+            return;
         EmptyConsole();
         for (int address = 1; address <= PanelCount && !closing_; ++address)
             ReportStanding(address, qualifiers[size_t(address)]);
@@ -109,10 +125,17 @@ void wPolling::ResetModule(int address) {
         for (int number = 1; number <= panel.ChannelCount(); ++number)
             EcritUnMot(*link_, module, ForcedStateBase + number, 0);
         EcritUnMot(*link_, module, PanelCommandRegister, Acknowledge);
-        Words count(1);
-        if (LitMots(*link_, module, EventCountRegister, count) && count[0] > 0)
-            EcritUnMot(*link_, module, EventReceipts::Register, count[0]);
-        receipts_.Settle(address);
+        // A receipt that still waits would drop as many of the events that come next.
+        for (int position = commands_.Count(); position >= 1; --position) {
+            const CommandPtr command = commands_.Item(position);
+            if (IsReceipt(*command) && command->Module() == address)
+                commands_.Remove(position);
+        }
+        // Without a good reply it is open what stands in the memory: the next read compares.
+        if (DropEvents(*link_, module))
+            receipts_.Settle(address);
+        else
+            receipts_.GiveUp(address);
     } else if (panel.ActualModel() == Models::Q6200XT) {
         EcritUnMot(*link_, module, FunctionRegister, 0);
         Words flag(1);
@@ -217,11 +240,15 @@ void wPolling::PrintBusState() {}
 /// nothing to differ from.
 void wPolling::tmrMidnight_Timer() {
     Guard("wPolling.tmrMidnight_Timer", [&] {
+        // Each second, and never inside a round: what was written goes to the disk itself.
+        if (!inRound_)
+            platform::DiskFlush::Pay();
         const DateTime now = DateTimes::Now();
         const DateTime last = std::exchange(lastMidnightCheck_, now);
         if (last == 0 || DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())
             return;
-        HistoProcs::DoMidnightActions();
+        // Files that can't be cared for are told; the bus has its midnight all the same.
+        Guard("HistoProcs.DoMidnightActions", HistoProcs::DoMidnightActions);
         if (run_)
             MidnightSynchro();
         ResetClocks(now);

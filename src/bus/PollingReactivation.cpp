@@ -39,7 +39,7 @@ DateTime DelayOf(int reactTpo) {
 } // namespace
 
 void wPolling::tmrReactiv_Timer() {
-    Guard("wPolling.tmrReactiv_Timer", [&] {
+    Guard("wPolling.tmr_Reactiv_Timer", [&] {
         ReopenLostPort();
         if (!Forms::AnyVisible())
             Forms::Show(Console);
@@ -76,9 +76,13 @@ void wPolling::ReactivateFromSettings() {
     }
 }
 
+/// The console is asked for anew at each row: an alarm that comes back unloads screens, and one of
+/// them may take the console along.
 void wPolling::ReactivateFromConsole() {
-    const AlarmConsole* console = AlarmConsole::Loaded();
-    for (int row = 0; console != nullptr && row < console->RowCount(); ++row) {
+    for (int row = 0;; ++row) {
+        const AlarmConsole* console = AlarmConsole::Loaded();
+        if (console == nullptr || row >= console->RowCount())
+            return;
         const QStringList pieces = console->RowText(row).trimmed().split(u' ', Qt::SkipEmptyParts);
         if (pieces.size() > 2)
             ReactiverAlarme(console->RowData(row), ReadTime(pieces[1], pieces[2]),

@@ -12,6 +12,7 @@
 #include "events/Klaxon.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "platform/DiskFlush.h"
 #include "platform/RunTimeError.h"
 
 #include <QStringList>
@@ -141,6 +142,7 @@ void wPolling::Form_Unload() {
         if (link_->PortOpen())
             link_->setPortOpen(false);
         StoreCommands();
+        platform::DiskFlush::Pay();
     });
 }
 

@@ -10,6 +10,7 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/CodePage.h"
+#include "platform/DiskFlush.h"
 #include "platform/LineLog.h"
 #include "platform/RunTimeError.h"
 
@@ -181,6 +182,7 @@ void HistoEvent(const EventClass& event) {
                 file.resize(sizeBefore);
             throw platform::RunTimeError(platform::errors::DiskFull);
         }
+        platform::DiskFlush::Owe(path);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "platform/LineLog.h"
 
 #include "platform/CodePage.h"
+#include "platform/DiskFlush.h"
 #include "platform/RunTimeError.h"
 
 #include <QFileInfo>
@@ -45,8 +46,10 @@ void LineLog::WriteLine(const QString& text) {
         Renew();
     const qint64 sizeBefore = file_.size();
     const QByteArray line = ToCodePage(text) + "\r\n";
-    if (file_.write(line) == line.size())
+    if (file_.write(line) == line.size()) {
+        DiskFlush::Owe(file_.fileName());
         return;
+    }
     const bool full = file_.error() == QFileDevice::ResourceError;
     // A torn line would swallow the start of the next one.
     file_.resize(sizeBefore);

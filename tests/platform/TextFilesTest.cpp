@@ -1,4 +1,5 @@
 #include "platform/CodePage.h"
+#include "platform/DiskFlush.h"
 #include "platform/LineLog.h"
 #include "platform/TestFiles.h"
 
@@ -84,4 +85,16 @@ TEST(LineLogTest, EndsALineThatAKillCutShort) {
     const QString missing = folder.filePath(QStringLiteral("none.log"));
     EndTornLine(missing);
     EXPECT_FALSE(QDir(folder.path()).exists(QStringLiteral("none.log")));
+}
+
+TEST(DiskFlushTest, EachFileIsFlushedOnceForManyWrites) {
+    const QTemporaryDir folder;
+    DiskFlush::Pay();
+    LineLog log;
+    log.Open(folder.filePath(QStringLiteral("a.log")), LineLog::AppendMode);
+    for (int i = 0; i < 100; ++i)
+        log.WriteLine(QStringLiteral("line"));
+    DiskFlush::Owe(folder.filePath(QStringLiteral("gone.log")));
+    EXPECT_EQ(DiskFlush::Pay(), 2);
+    EXPECT_EQ(DiskFlush::Pay(), 0);
 }

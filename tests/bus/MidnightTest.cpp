@@ -1,0 +1,331 @@
+#include "bus/Engine.h"
+
+#include "support/Frames.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class BusWide : public Engine {
+protected:
+    BusWide() { Start(); }
+
+    /// A module whose panel the cycle leaves alone.
+    PanelClass& Put(int address, int model) {
+        PanelClass& panel = AddModule(address, model);
+        modules[address][132] = model == Models::Q6200XT ? 2 : 1;
+        modules[address][133] = model == Models::P5500 ? 2 : 1;
+        panel.setNextPoll(clock.Now() + 100);
+        return panel;
+    }
+    Lines Sent() const { return Frames::Said(link->sent); }
+    static QList<int> Counters(const PanelClass& panel) {
+        return {panel.ErrCptr(0), panel.ErrCptr(1), panel.ErrCptr(2)};
+    }
+};
+
+class Update : public BusWide {
+protected:
+    /// Silences reads of a register; `failures` of them.
+    void Fail(int registerNo, int failures) {
+        link->answer = [this, registerNo, failures](const QByteArray& frame) mutable {
+            if (FakeModules::WordAt(frame, 2) == registerNo && failures-- > 0)
+                return QByteArray();
+            return modules.Answer(frame);
+        };
+    }
+    /// One slow update of all panels.
+    void UpdateAll() {
+        Forget();
+        engine->StartUpdate();
+        Rounds(63);
+    }
+};
+
+TEST_F(Update, GoesOnceThroughThePanelsUpToSixtyThree) {
+    for (const int address : {1, 5, 63, 64})
+        Put(address, Models::Q6200XT);
+    Put(6, Models::Q6200XT).setActive(false);
+    Put(7, Models::None);
+    QList<int> done;
+    QObject::connect(engine.get(), &wPolling::UpdateDone, [&] { done += int(link->sent.size()); });
+    Rounds(3);
+    EXPECT_EQ(link->sent.size(), 0) << "not before it is started";
+    engine->StartUpdate();
+    Rounds(4);
+    EXPECT_EQ(Sent(), Lines{"read 1 132 1"});
+    Rounds(1);
+    EXPECT_EQ(Sent(), (Lines{"read 1 132 1", "read 5 132 1"})) << "one panel a turn";
+    Rounds(100);
+    EXPECT_EQ(Sent(), (Lines{"read 1 132 1", "read 5 132 1", "read 63 132 1"}));
+    EXPECT_EQ(done, QList<int>{3});
+    EXPECT_EQ(Site().Panel(5).ActualModel(), Models::Q6200XT);
+}
+
+TEST_F(Update, WaitsForTheEndOfATurn) {
+    for (const int address : {1, 2, 3})
+        Put(address, Models::Q6200XT).setNextPoll(clock.Now() - 1);
+    engine->StartUpdate();
+    Rounds(2);
+    EXPECT_EQ(Sent(), (Lines{"read 2 68 1", "read 3 68 1"}));
+    Rounds(1);
+    EXPECT_EQ(Sent(), (Lines{"read 2 68 1", "read 3 68 1", "read 1 68 1", "read 1 132 1"}));
+}
+
+TEST_F(Update, ReportsWhatDiffersAndStoresAll) {
+    PanelClass& panel = Put(5, Models::Q7100);
+    const int before[] = {0, 1, 0, 3, 0, 5, 0, 0, 0, 0, 0, 2};
+    const int now[] = {0, 1, 1, 0, 5, 5, 0, 0, 0, 0, 0, 4};
+    for (int i = 0; i < 12; ++i) {
+        panel.Channel(i + 1).setState(qint16(before[i]));
+        modules[5][1 + i] = quint16(now[i]);
+        modules[5][49 + i] = quint16(i % 2);
+    }
+    UpdateAll();
+    EXPECT_EQ(Sent(), (Lines{"read 5 132 1", "read 5 133 1", "read 5 49 12", "read 5 1 12"}));
+    QList<int> ids;
+    for (const EventClass& event : events)
+        ids += event.ID();
+    EXPECT_EQ(ids, (QList<int>{0x05030001, 0x05040100, 0x05050000, 0x050C0104}));
+    for (int i = 0; i < 12; ++i)
+        EXPECT_EQ(panel.Channel(i + 1).State(), now[i]) << i;
+    UpdateAll();
+    EXPECT_EQ(events.size(), 0);
+}
+
+TEST_F(Update, ReadsNoStatesOfOtherModels) {
+    PanelClass& display = Put(5, Models::Q6200XT);
+    PanelClass& remote = Put(6, Models::P5500);
+    PanelClass& gone = Put(7, Models::Q7100);
+    modules.Remove(7);
+    UpdateAll();
+    EXPECT_EQ(Sent(), (Lines{"read 5 132 1", "read 6 132 1", "read 6 133 1", "read 7 132 1",
+                             "read 7 132 1", "read 7 132 1"}));
+    EXPECT_TRUE(display.Present() && remote.Present());
+    EXPECT_EQ(remote.ActualModel(), Models::P5500);
+    EXPECT_FALSE(gone.Present());
+    EXPECT_EQ(gone.ActualModel(), 0);
+    EXPECT_EQ(events.size(), 0) << "its next polls tell the loss";
+}
+
+TEST_F(Update, GivesAPanelUpAfterThreeFailures) {
+    for (const int registerNo : {49, 1}) {
+        PanelClass& panel = Put(5, Models::Q7100);
+        for (int counter = 0; counter < 3; ++counter)
+            panel.setErrCptr(counter, counter == 0 ? 0 : 2);
+        modules[5][3] = 1;
+        Fail(registerNo, 9);
+        UpdateAll();
+        Lines expected = {"read 5 132 1", "read 5 133 1"};
+        if (registerNo == 1)
+            expected.push_back("read 5 49 12");
+        for (int tries = 0; tries < 3; ++tries)
+            expected.push_back("read 5 " + std::to_string(registerNo) + " 12");
+        EXPECT_EQ(Sent(), expected);
+        EXPECT_EQ(Counters(panel), (QList<int>{3, 2, 1}));
+        ASSERT_EQ(events.size(), 1);
+        EXPECT_EQ(events[0].ID(), 0x05FF0100);
+        EXPECT_FALSE(panel.Present());
+        EXPECT_EQ(panel.Channel(3).State(), 0);
+    }
+}
+
+TEST_F(Update, ForgivesTwoFailures) {
+    PanelClass& panel = Put(5, Models::Q7100);
+    modules[5][3] = 1;
+    Fail(49, 2);
+    UpdateAll();
+    EXPECT_EQ(Counters(panel), (QList<int>{0, 0, 0})) << "the second read counts anew";
+    EXPECT_EQ(events.size(), 1);
+    modules[5][3] = 0;
+    Fail(1, 2);
+    UpdateAll();
+    EXPECT_EQ(Counters(panel), (QList<int>{2, 2, 0}));
+    EXPECT_EQ(events.size(), 1);
+    EXPECT_TRUE(panel.Present());
+}
+
+class Midnight : public BusWide {
+protected:
+    void Tick(int month, int day, int hour, int minute = 0, int second = 0) {
+        clock.Set(2024, month, day, hour, minute, second);
+        engine->tmrMidnight_Timer();
+    }
+    /// History lines of panels.
+    QStringList Histo(const QString& month) const {
+        const QString name = QStringLiteral("Histo%1.his").arg(month);
+        return QFile::exists(Path(name)) ? LinesOf(name).filter(QStringLiteral(" P0"))
+                                         : QStringList();
+    }
+    static int LastEvent() {
+        return Stored(QStringLiteral("General"), QStringLiteral("LastEvent")).toInt();
+    }
+    /// Fields of the queue without their times.
+    QStringList Waiting() const {
+        QStringList texts;
+        for (int position = 1; position <= engine->Commands().Count(); ++position) {
+            const QStringList pieces = engine->Commands().Item(position)->ToText().split(u'|');
+            texts += pieces[1] + u':' + pieces[2] + u'=' + pieces.mid(4).join(u',');
+        }
+        return texts;
+    }
+};
+
+TEST_F(Midnight, IsAnotherDayThanOneSecondAgo) {
+    Put(5, Models::Q6200XT);
+    Tick(3, 16, 0); // the first tick has nothing to compare with
+    Tick(3, 16, 0, 0, 1);
+    Tick(3, 16, 23, 59, 59);
+    EXPECT_EQ(link->sent.size(), 0);
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    Tick(3, 17, 0);
+    EXPECT_EQ(Sent(), Lines{"read 5 132 1"});
+    EXPECT_EQ(Waiting(), QStringList{QStringLiteral("0:0121=0000")});
+    EXPECT_NEAR(engine->Commands().Item(1)->SendTime(), clock.Now(), platform::OneSecond);
+    Tick(3, 17, 0, 0, 1);
+    EXPECT_EQ(link->sent.size(), 1) << "once";
+    Rounds(1);
+    EXPECT_EQ(Sent().back(), "write 0 289 0");
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_TRUE(TraceLines().last().endsWith(QStringLiteral("WRITE  COMMAND P00:0121 0000")))
+        << "in the trace of the new day";
+    // The same day of another month isn't seen as another day.
+    link->sent.clear();
+    Tick(4, 17, 0);
+    EXPECT_EQ(link->sent.size(), 0);
+}
+
+TEST_F(Midnight, TheRecordOfTheDayIsForced) {
+    Put(5, Models::Q6200XT);
+    Put(6, Models::Q7100).setActive(false);
+    Put(7, Models::P5500);
+    modules.Remove(7);
+    Put(8, Models::None);
+    Site().Panel(5).Channel(2).setState(3);
+    Tick(3, 31, 12);
+    const int before = LastEvent();
+    Tick(4, 1, 0);
+    EXPECT_EQ(Histo(QStringLiteral("202403")), QStringList());
+    const QStringList lines = Histo(QStringLiteral("202404"));
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("2024-04-01 00:00:00")));
+    QStringList origins;
+    for (const QString& line : lines)
+        origins += line.mid(35, 7);
+    EXPECT_EQ(origins, (QStringList{QStringLiteral("P05-Q62"), QStringLiteral("P06-Q71"),
+                                    QStringLiteral("P07-P55")}));
+    EXPECT_TRUE(lines[0].contains(QStringLiteral("030000000000000000000000")));
+    EXPECT_EQ(LastEvent(), before + 3) << "each has a number of its own";
+    EXPECT_EQ(events.size(), 0) << "no other consumer is served";
+}
+
+TEST_F(Midnight, WithTheBusAtRestOnlyTheClocksAreReset) {
+    Put(5, Models::Q6200XT);
+    engine->setRun(false);
+    Tick(3, 15, 12);
+    Forget();
+    Tick(3, 16, 0);
+    EXPECT_EQ(Sent(), Lines{"write 0 289 0"});
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_EQ(Histo(QStringLiteral("202403")), QStringList());
+    EXPECT_EQ(TraceLines(),
+              QStringList{QStringLiteral("2024-03-16 00:00:00 WRITE  COMMAND P00:0121 0000")});
+
+    link->setPortOpen(false);
+    Forget();
+    Tick(3, 17, 0);
+    EXPECT_EQ(link->sent.size(), 0);
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_EQ(TraceLines().size(), 1);
+}
+
+TEST_F(Midnight, TheResetIsGivenUpAfterFourTries) {
+    engine->setRun(false);
+    Tick(3, 15, 12);
+    Forget();
+    link->answer = [](const QByteArray&) -> QByteArray {
+        throw platform::RunTimeError(platform::errors::DeviceIo);
+    };
+    Tick(3, 16, 0);
+    EXPECT_EQ(Sent(), Lines(4, "write 0 289 0"));
+}
+
+TEST_F(Midnight, FilesThatCantBeCaredForHoldNothingUp) {
+    Put(5, Models::Q6200XT);
+    Tick(3, 15, 12);
+    ASSERT_TRUE(QDir().mkpath(Path(QStringLiteral("Trace/20240316.log"))));
+    Tick(3, 16, 0);
+    ASSERT_FALSE(boxes.isEmpty());
+    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Function : DoMidnightActions")));
+    EXPECT_EQ(Histo(QStringLiteral("202403")).size(), 1);
+    EXPECT_EQ(Waiting(), QStringList{QStringLiteral("0:0121=0000")});
+}
+
+TEST_F(Midnight, ReleasesPulsesThatNothingHolds) {
+    Put(5, Models::Q7100); // the sources
+    Put(6, Models::Q7100);
+    modules[5][2] = 1;
+    Site().Panel(5).Channel(2).setState(1);
+    struct {
+        int channel;
+        QList<std::pair<int, int>> rules; // source channel and kind
+        bool released;
+    } const rows[] = {
+        {3, {{1, MirrorClass::Pulse}}, true},
+        {4, {{2, MirrorClass::Pulse}}, false},
+        {5, {{1, MirrorClass::Permanent}}, false},
+        {6, {}, false},
+        {7, {{1, MirrorClass::Pulse}, {2, MirrorClass::Pulse}}, false},
+        {8, {{1, MirrorClass::Pulse}, {2, MirrorClass::Permanent}}, true},
+        {9, {{2, MirrorClass::Permanent}, {1, MirrorClass::NoKind}}, false},
+        {12, {{1, MirrorClass::Pulse}, {3, MirrorClass::Pulse}}, true},
+    };
+    Lines expected;
+    for (const auto& row : rows) {
+        modules[6][row.channel] = 3;
+        Site().Panel(6).Channel(row.channel).setState(3);
+        for (const auto& [source, kind] : row.rules)
+            Site().Mirrors().Add(5, qint16(source), 6, qint16(row.channel), qint16(kind));
+        if (row.released)
+            expected.push_back("write 6 " + std::to_string(16 + row.channel) + " 0");
+    }
+    Site().Mirrors().Add(5, 1, 6, 11, MirrorClass::Pulse); // a target that is at rest
+    engine->MidnightSynchro();
+    const Lines sent = Sent();
+    ASSERT_EQ(sent.size(), 8 + expected.size());
+    EXPECT_EQ(Lines(sent.begin() + 8, sent.end()), expected);
+    for (const auto& row : rows)
+        EXPECT_EQ(Site().Panel(6).Channel(row.channel).State(), row.released ? 0 : 3)
+            << row.channel;
+    EXPECT_EQ(engine->Commands().Count(), 0) << "carried out at once";
+}
+
+TEST_F(Midnight, ReleasesTheLampsOfADisplay) {
+    Put(5, Models::Q7100);
+    PanelClass& display = Put(6, Models::Q6200XT);
+    display.Channel(2).setState(-1);
+    display.Channel(9).setState(3);
+    display.Channel(20).setState(-1);
+    display.Channel(24).setState(1);
+    for (const qint16 target : {9, 24})
+        Site().Mirrors().Add(5, 1, 6, target, MirrorClass::Pulse);
+    engine->MidnightSynchro();
+    const Lines sent = Sent();
+    ASSERT_GE(sent.size(), 5U);
+    EXPECT_EQ(Lines(sent.begin() + 5, sent.end()),
+              (Lines{"write 6 64 1", "write 6 2 0", "write 6 20 0", "write 6 9 0", "write 6 64 1",
+                     "write 6 2 0", "write 6 20 0", "write 6 24 0"}));
+    EXPECT_EQ(display.Channel(9).State(), 0);
+    EXPECT_EQ(display.Channel(24).State(), 0);
+    EXPECT_EQ(display.Channel(2).State(), -1) << "kept for the acknowledgement";
+
+    // A display that doesn't answer is released in the model alone.
+    display.Channel(9).setState(3);
+    modules.Remove(6);
+    Forget();
+    engine->MidnightSynchro();
+    EXPECT_EQ(Addresses(6), QList<int>());
+    EXPECT_EQ(display.Channel(9).State(), 0);
+}
+
+} // namespace

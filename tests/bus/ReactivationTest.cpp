@@ -1,0 +1,233 @@
+#include "bus/Engine.h"
+
+#include "core/Forms.h"
+#include "support/FakeConsole.h"
+
+namespace {
+
+const QString Console = QStringLiteral("wRunAlarms");
+
+/// An alarm of panel 5, channel 7, that came at noon and was acknowledged.
+class Reactivation : public Engine {
+protected:
+    Reactivation() {
+        Start();
+        SetOptions(31, 31, 31, 31);
+        Forms::Register(Console, [this]() -> Forms::Form* {
+            console = std::make_unique<FakeConsole>(log);
+            return console.get();
+        });
+        AddModule(5, Models::Q7100);
+        Channel().setReact(true);
+        Channel().setReactTpo(1);
+        Channel().setKlaxon(true);
+        Channel().setAlmPrio(40);
+    }
+    ~Reactivation() override { Forms::Register(Console, {}); }
+
+    static ChannelClass& Channel(int number = 7) { return Site().Panel(5).Channel(number); }
+    /// The console on the screen, with one row.
+    void Stand(qint32 id = 0x05070101, const char* text = " 12 2024-03-15 12:00:00 P05-C07") {
+        Forms::Show(Console);
+        console->rows += {QString::fromLatin1(text), id};
+        log.clear();
+    }
+    void Tick(int seconds) {
+        clock.Set(2024, 3, 15, 12);
+        clock.Advance(qint64(seconds) * 1000);
+        engine->tmrReactiv_Timer();
+    }
+    qsizetype Taken() const { return console ? console->taken.size() : 0; }
+
+    QStringList log;
+    std::unique_ptr<FakeConsole> console;
+};
+
+TEST_F(Reactivation, AnAlarmComesBackPastTheRouting) {
+    Stand();
+    FakeForm menu(QStringLiteral("wMain"), log);
+    FakeForm own(QStringLiteral("wPolling"), log);
+    const qsizetype traced = TraceLines().size();
+    const QByteArray histo = BytesOf(QStringLiteral("Histo202403.his"));
+    Tick(59);
+    EXPECT_EQ(Taken(), 0);
+    EXPECT_EQ(log, QStringList());
+    Tick(61);
+    ASSERT_EQ(Taken(), 1);
+    const EventClass& event = console->taken[0];
+    EXPECT_EQ(event.ID(), 0x050701FF);
+    EXPECT_EQ(event.Num(), 12);
+    EXPECT_EQ(event.GDH(), clock.Now());
+    EXPECT_EQ(log,
+              (QStringList{QStringLiteral("show wRunAlarms"), QStringLiteral("front wRunAlarms"),
+                           QStringLiteral("unload wMain")}));
+    EXPECT_EQ(Global::Get().currentPriority, 40);
+    EXPECT_EQ(events.size(), 0);
+    EXPECT_EQ(TraceLines().size(), traced);
+    EXPECT_EQ(BytesOf(QStringLiteral("Histo202403.his")), histo);
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Reactivation, EachIndexHasItsDelay) {
+    const int minutes[] = {1, 5, 10, 30, 60, 720, 1440, 2160};
+    Stand();
+    for (int index = 1; index <= 8; ++index) {
+        Channel().setReactTpo(index);
+        console->taken.clear();
+        Tick(minutes[index - 1] * 60 - 1);
+        EXPECT_EQ(Taken(), 0) << index;
+        Tick(minutes[index - 1] * 60 + 1);
+        EXPECT_EQ(Taken(), 1) << index;
+    }
+}
+
+TEST_F(Reactivation, OnlyAcknowledgedAlarmsOfChannelsThatWantIt) {
+    struct {
+        qint32 id;
+        bool react;
+        int reactTpo;
+        bool back;
+    } const rows[] = {
+        {0x05070101, true, 1, true},   {0x05070103, true, 1, true},  {0x050701FF, true, 1, true},
+        {0x05070100, true, 1, false},  {0x05070001, true, 1, false}, {0x05070201, true, 1, false},
+        {0x05070101, false, 1, false}, {0x05070101, true, 0, false}, {0x05070101, true, -1, false},
+        {0x05080101, true, 1, false},
+    };
+    Stand();
+    for (const auto& row : rows) {
+        console->rows[0].data = row.id;
+        console->taken.clear();
+        Channel().setReact(row.react);
+        Channel().setReactTpo(row.reactTpo);
+        Tick(3600);
+        EXPECT_EQ(Taken(), row.back ? 1 : 0) << std::hex << row.id << " " << row.reactTpo;
+    }
+}
+
+TEST_F(Reactivation, TheHornSoundsOnlyForThoseWhoHaveIt) {
+    Stand();
+    Channel().setKlaxon(false);
+    Tick(3600);
+    EXPECT_EQ(Taken(), 1);
+    EXPECT_EQ(horn->starts, 0);
+    Channel().setKlaxon(true);
+    SetOptions(31, 31, 31, 0);
+    Tick(3600);
+    EXPECT_EQ(horn->starts, 0);
+    SetOptions(31, 31, 31, 31);
+    Tick(3600);
+    EXPECT_EQ(horn->starts, 1);
+}
+
+TEST_F(Reactivation, GoesThroughAllRows) {
+    Channel(9).setReact(true);
+    Channel(9).setReactTpo(1);
+    Stand(0x05090101, "3 2024-03-15 11:00:00");
+    for (const char* text : {"", "4", "5 2024-03-15", "6 2024-03-15 11:00:00 P05-C07 text"})
+        console->rows += {QString::fromLatin1(text), 0x05070101};
+    Tick(0);
+    ASSERT_EQ(Taken(), 2);
+    EXPECT_EQ(console->taken[0].ID(), 0x050901FF);
+    EXPECT_EQ(console->taken[1].Num(), 6);
+}
+
+TEST_F(Reactivation, ADateThatIsNoneEndsTheTick) {
+    Stand(0x05070101, "3 15.03.2024 11:00:00");
+    console->rows += {QStringLiteral("4 2024-03-15 11:00:00"), 0x05070101};
+    Tick(0);
+    EXPECT_EQ(Taken(), 0);
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_EQ(boxes[0], QStringLiteral("Error Nr 13 : Type mismatch\r\nModule : wPolling\r\n"
+                                       "Object : tmr\r\nEvent : Reactiv_Timer"));
+    console->rows.removeFirst();
+    Tick(1);
+    EXPECT_EQ(Taken(), 1);
+}
+
+TEST_F(Reactivation, WithoutAConsoleTheSettingsTell) {
+    const QString section = QStringLiteral("LastAlarms");
+    FakeForm menu(QStringLiteral("wMain"), log);
+    menu.Show();
+    log.clear();
+    Tick(3600);
+    EXPECT_EQ(console, nullptr) << "nothing stands";
+    IniWrite(section, QStringLiteral("1"), QStringLiteral("05070101 7 2024-03-15"));
+    IniWrite(section, QStringLiteral("2"), QStringLiteral("05070001 8 2024-03-15 12:00:00"));
+    Tick(3600);
+    EXPECT_EQ(console, nullptr);
+    IniWrite(section, QStringLiteral("3"), QStringLiteral(" 05070103    9 2024-03-15   12:00:00 "));
+    Tick(59);
+    EXPECT_EQ(console, nullptr);
+    EXPECT_EQ(log, QStringList());
+    Tick(61);
+    ASSERT_EQ(Taken(), 1);
+    EXPECT_EQ(console->taken[0].ID(), 0x050701FF);
+    EXPECT_EQ(console->taken[0].Num(), 9);
+    EXPECT_EQ(log,
+              (QStringList{QStringLiteral("show wRunAlarms"), QStringLiteral("front wRunAlarms"),
+                           QStringLiteral("unload wMain")}));
+
+    console.reset();
+    FakeForm again(QStringLiteral("wMain"), log);
+    again.Show();
+    IniWrite(section, QStringLiteral("2"), QStringLiteral("05070101 8 yesterday 12:00:00"));
+    Tick(3600);
+    EXPECT_EQ(console, nullptr);
+    EXPECT_EQ(boxes.size(), 1);
+}
+
+TEST_F(Reactivation, SomeScreenIsAlwaysVisible) {
+    FakeForm own(QStringLiteral("wPolling"), log);
+    Tick(0);
+    EXPECT_EQ(log, QStringList{QStringLiteral("show wRunAlarms")});
+    EXPECT_EQ(NbInstances(Console), 1);
+    Tick(10);
+    EXPECT_EQ(log.size(), 1);
+    console->Hide();
+    log.clear();
+    own.Show();
+    Tick(20);
+    EXPECT_EQ(log, QStringList{QStringLiteral("show wPolling")}) << "one is enough";
+}
+
+TEST_F(Reactivation, AnAlarmMayCostTheConsole) {
+    // A form whose end takes the console with it; the engine then shows another one.
+    class Taker : public FakeForm {
+    public:
+        using FakeForm::FakeForm;
+        void Unload() override {
+            FakeForm::Unload();
+            Forms::Unload(Console);
+        }
+    };
+    Stand();
+    console->rows += console->rows[0];
+    const Taker taker(QStringLiteral("wSysComm"), log);
+    Tick(61);
+    EXPECT_EQ(Taken(), 1) << "on the new console";
+    EXPECT_EQ(console->RowCount(), 0);
+    EXPECT_EQ(NbInstances(Console), 1);
+}
+
+TEST_F(Reactivation, APortThatCameBackIsOpenedAgain) {
+    Stand(0, "");
+    PanelClass& panel = Site().Panel(5);
+    panel.setNextPoll(clock.Now() + 1);
+    link->setPortOpen(false);
+    link->canOpen = false;
+    Tick(0);
+    EXPECT_FALSE(link->PortOpen());
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_GT(panel.NextPoll(), clock.Now());
+    link->canOpen = true;
+    Tick(10);
+    EXPECT_TRUE(link->PortOpen());
+    EXPECT_LT(panel.NextPoll(), clock.Now()) << "what went missing is asked at once";
+
+    engine->setRun(false);
+    link->setPortOpen(false);
+    Tick(20);
+    EXPECT_FALSE(link->PortOpen()) << "not for a bus at rest";
+}
+
+} // namespace

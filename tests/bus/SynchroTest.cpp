@@ -1,0 +1,413 @@
+#include "bus/Engine.h"
+
+#include "bus/Miroirs.h"
+#include "core/Forms.h"
+#include "support/FakeConsole.h"
+#include "support/Frames.h"
+#include "support/Rows.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QTimer>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// Modules that tell their model as the real ones do; the first start of the bus is the test's.
+class Synchro : public Engine {
+protected:
+    Synchro() {
+        Forms::Register(QStringLiteral("wRunAlarms"), [this]() -> Forms::Form* {
+            console = std::make_unique<FakeConsole>(log);
+            return console.get();
+        });
+        link->answer = [this](const QByteArray& frame) { return Answer(frame); };
+        Load();
+    }
+    ~Synchro() override {
+        Forms::Register(QStringLiteral("wRunAlarms"), {});
+        Messages::InstallNotice(nullptr);
+    }
+
+    /// A module that says `model` of itself, under a panel configured as `configured`.
+    PanelClass& Put(int address, int model, int configured = -1) {
+        PanelClass& panel = AddModule(address, configured < 0 ? model : configured);
+        panel.setPresent(false);
+        modules[address][132] = model == Models::Q6200XT ? 2 : 1;
+        modules[address][133] = model == Models::Q7100 ? 1 : (model == Models::P5500 ? 2 : 0);
+        if (model == Models::Q7000)
+            silentOn133 += address;
+        return panel;
+    }
+    virtual QByteArray Answer(const QByteArray& frame) {
+        if (inFrame)
+            inFrame(frame);
+        const int address = quint8(frame[0]);
+        if (FakeModules::WordAt(frame, 2) == 133 && silentOn133.contains(address))
+            return {};
+        return modules.Answer(frame);
+    }
+    /// What the second pass writes to a module with channels.
+    static void AddReset(Lines& lines, const std::string& address) {
+        for (int registerNo = 17; registerNo <= 28; ++registerNo)
+            lines.push_back("write " + address + " " + std::to_string(registerNo) + " 0");
+        lines.push_back("write " + address + " 67 2");
+        lines.push_back("read " + address + " 144 1");
+    }
+    QList<EventClass> ChannelEvents() const {
+        QList<EventClass> list;
+        for (const EventClass& event : events)
+            if (Family::IsChannel(event.Chnl()))
+                list += event;
+        return list;
+    }
+    static QList<int> FieldsOf(const EventClass& event) {
+        return {event.Panel(), event.Chnl(), event.Param(), event.Aff(), event.Clock()};
+    }
+
+    QStringList log;
+    std::unique_ptr<FakeConsole> console;
+    QList<int> silentOn133;
+    std::function<void(const QByteArray&)> inFrame;
+};
+
+TEST_F(Synchro, AsksResetsAndReadsEachModelInThreePasses) {
+    Put(3, Models::Q7100);
+    Put(9, Models::Q6200XT);
+    Put(21, Models::Q7000);
+    Put(40, Models::P5000);
+    Put(64, Models::P5500);
+    Put(50, Models::Q7100, Models::None); // in the bus, not in the site
+    modules[3][144] = 2;
+    modules[21][144] = 62;
+    engine->setRun(true);
+    Lines expected = {"read 3 132 1",  "read 3 133 1",  "read 3 49 12",  "read 9 132 1",
+                      "read 21 132 1", "read 21 133 1", "read 21 49 12", "read 40 132 1",
+                      "read 40 133 1", "read 40 49 12", "read 64 132 1", "read 64 133 1"};
+    AddReset(expected, "3");
+    expected.push_back("write 3 288 2");
+    for (const char* line : {"write 9 64 0", "read 9 68 1", "write 9 0 0"})
+        expected.push_back(line);
+    AddReset(expected, "21");
+    expected.push_back("write 21 288 62");
+    AddReset(expected, "40");
+    AddReset(expected, "64");
+    for (const char* line : {"read 3 1 12", "read 21 1 12", "read 40 1 12", "read 64 1 12"})
+        expected.push_back(line);
+    EXPECT_EQ(Frames::Said(link->sent), expected);
+    const QList<QPair<int, int>> actual = {{3, 1}, {9, 2}, {21, 3}, {40, 1}, {64, 5}};
+    for (const auto& [address, model] : actual) {
+        EXPECT_EQ(Site().Panel(address).ActualModel(), model) << address;
+        EXPECT_TRUE(Site().Panel(address).Present());
+    }
+    EXPECT_EQ(Site().Panel(40).Model(), Models::P5000) << "the configured model stays";
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(Synchro, SilenceCostsThreeQuestionsAndNoMore) {
+    PanelClass& silent = AddPanel(5, Models::Q7100);
+    silent.setErrCptr(1, 2);
+    silent.setErrCptr(2, 3);
+    PanelClass& late = Put(6, Models::Q6200XT);
+    int questions = 0;
+    link->answer = [&](const QByteArray& frame) {
+        return quint8(frame[0]) == 6 && ++questions < 3 ? QByteArray() : Answer(frame);
+    };
+    engine->setRun(true);
+    EXPECT_EQ(Frames::Said(link->sent),
+              (Lines{"read 5 132 1", "read 5 132 1", "read 5 132 1", "read 6 132 1", "read 6 132 1",
+                     "read 6 132 1", "write 6 64 0", "read 6 68 1", "write 6 0 0"}));
+    EXPECT_EQ(link->waitedMs, (3 + 2) * 1028);
+    EXPECT_FALSE(silent.Present());
+    EXPECT_EQ(silent.ActualModel(), 0);
+    EXPECT_EQ(silent.ErrCptr(1) + silent.ErrCptr(2), 0);
+    EXPECT_TRUE(late.Present());
+    ASSERT_EQ(events.size(), 1) << "the next poll tells who is missing, not this";
+    EXPECT_EQ(events[0].ID(), 0x00FE0004);
+}
+
+TEST_F(Synchro, AModuleThatDiesHalfWayHoldsUpNobody) {
+    Put(5, Models::Q7100);
+    Put(6, Models::Q7100);
+    for (const int address : {5, 6})
+        modules[address][4] = 1;
+    modules[5][144] = 9;
+    inFrame = [this](const QByteArray& frame) {
+        if (Frames::Said(frame) == "write 5 20 0")
+            modules.Remove(5);
+    };
+    engine->setRun(true);
+    Lines expected = {"read 5 132 1", "read 5 133 1", "read 5 49 12",
+                      "read 6 132 1", "read 6 133 1", "read 6 49 12"};
+    AddReset(expected, "5");
+    AddReset(expected, "6");
+    expected.push_back("read 5 1 12");
+    expected.push_back("read 6 1 12");
+    EXPECT_EQ(Frames::Said(link->sent), expected);
+    ASSERT_EQ(ChannelEvents().size(), 1);
+    EXPECT_EQ(ChannelEvents()[0].Panel(), 6);
+    EXPECT_TRUE(Site().Panel(5).Present()) << "its next polls tell the loss";
+    EXPECT_EQ(Site().Panel(5).ErrCptr(0), 0);
+}
+
+TEST_F(Synchro, StandingStatesBecomeEventsWithTheirQualifiers) {
+    Put(5, Models::Q7100);
+    Put(6, Models::P5500);
+    Put(7, Models::Q6200XT);
+    Put(8, Models::Q7000);
+    const int states[] = {1, 3, 5, 0, 2, 4};
+    const int qualifiers[] = {0, 1, 1, 1, 2, 1};
+    for (const int address : {5, 6, 7, 8})
+        for (int i = 0; i < 6; ++i) {
+            modules[address][1 + i] = quint16(states[i]);
+            modules[address][49 + i] = quint16(qualifiers[i]);
+        }
+    modules[5][12] = 1;
+    modules[5][60] = 1;
+    // The qualifiers of module 8 can't be read; those of module 5 are read ahead of the reset.
+    link->answer = [this](const QByteArray& frame) {
+        if (Frames::Said(frame) == "read 8 49 12")
+            return QByteArray();
+        if (Frames::Said(frame) == "write 5 67 2")
+            modules[5][49] = 1;
+        return Answer(frame);
+    };
+    for (int number = 1; number <= 24; ++number)
+        Site().Panel(7).Channel(number).setState(3);
+    engine->setRun(true);
+    QList<QList<int>> fields;
+    for (const EventClass& event : ChannelEvents())
+        fields += FieldsOf(event);
+    EXPECT_EQ(fields, (QList<QList<int>>{{5, 1, 0, 1, -1},
+                                         {5, 2, 1, 3, -1},
+                                         {5, 3, 1, 0, -1},
+                                         {5, 5, 2, 2, -1},
+                                         {5, 6, 1, 4, -1},
+                                         {5, 12, 1, 1, -1},
+                                         {6, 1, 0, 1, -1},
+                                         {6, 2, 0, 3, -1},
+                                         {6, 3, 0, 0, -1},
+                                         {6, 5, 0, 2, -1},
+                                         {6, 6, 0, 4, -1},
+                                         {8, 1, 0, 1, -1},
+                                         {8, 2, 0, 3, -1},
+                                         {8, 3, 0, 0, -1},
+                                         {8, 5, 0, 2, -1},
+                                         {8, 6, 0, 4, -1}}));
+    for (int number = 1; number <= 24; ++number)
+        EXPECT_EQ(Site().Panel(7).Channel(number).State(), 0) << number;
+    const QStringList told = TraceLines().filter(QStringLiteral("SYNCHRO"));
+    ASSERT_EQ(told.size(), 16);
+    EXPECT_EQ(told[0].mid(27, 38), QStringLiteral("SYNCHRO 05010001 P05-C01 State  ACTIVE"));
+    EXPECT_EQ(Site().Panel(5).Channel(6).State(), 4);
+    EXPECT_EQ(horn->starts, 0);
+}
+
+TEST_F(Synchro, StandingStatesAreMirroredEvenOutOfOrder) {
+    Put(5, Models::Q7100).Channel(1).setOutOfOrder(true);
+    Put(6, Models::Q7100);
+    modules[5][1] = 1;
+    modules[5][2] = 1;
+    Site().Mirrors().Add(5, 1, 6, 4, MirrorClass::Permanent);
+    Site().Mirrors().Add(5, 2, 6, 5, MirrorClass::Permanent);
+    engine->setRun(true);
+    ASSERT_EQ(ChannelEvents().size(), 1);
+    QStringList waiting;
+    for (int position = 1; position <= engine->Commands().Count(); ++position)
+        waiting += engine->Commands().Item(position)->ToText().section(u'|', 1, 2) + u'=' +
+                   engine->Commands().Item(position)->ToText().section(u'|', 4);
+    EXPECT_EQ(waiting, (QStringList{QStringLiteral("6|0014=0003"), QStringLiteral("6|0015=0003")}));
+}
+
+TEST_F(Synchro, TheConsoleIsEmptiedAheadOfTheFirstAlarm) {
+    Put(5, Models::Q7100);
+    modules[5][3] = 1;
+    Forms::Load(QStringLiteral("wRunAlarms"));
+    console->rows = {{QStringLiteral("12 2024-03-14 10:00:00"), 0x05010001}};
+    QList<int> rows;
+    QObject::connect(engine.get(), &wPolling::BusEvent,
+                     [&] { rows += AlarmConsole::Loaded()->RowCount(); });
+    engine->setRun(true);
+    EXPECT_EQ(rows, (QList<int>{1, 0})) << "the start of the bus, then the alarm";
+
+    // A console that isn't there is loaded, but not put in front of anybody.
+    console.reset();
+    log.clear();
+    engine->SynchroGeneraleBus();
+    EXPECT_NE(console, nullptr);
+    EXPECT_EQ(log, QStringList());
+}
+
+TEST_F(Synchro, RunsWithTheFirstStartThatSucceeds) {
+    Put(5, Models::Q6200XT);
+    link->setPortOpen(false);
+    link->canOpen = false;
+    engine->setRun(true);
+    EXPECT_EQ(link->sent.size(), 0);
+    link->canOpen = true;
+    const qsizetype before = TraceLines().size();
+    engine->setRun(true);
+    EXPECT_EQ(Frames::Said(link->sent),
+              (Lines{"read 5 132 1", "write 5 64 0", "read 5 68 1", "write 5 0 0"}));
+    const QStringList lines = TraceLines().mid(before);
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].contains(QStringLiteral("COMM   START")));
+    EXPECT_EQ(lines[1], Rows::Trace(QStringLiteral("SYNCHR"), QString(), Rows::Stars(8),
+                                    QStringLiteral("SYSTEM"), QStringLiteral("COMM"),
+                                    QStringLiteral("SYNCHR"), Rows::Stars(26), Rows::Stars(39)));
+    EXPECT_TRUE(lines[2].contains(QStringLiteral("REINIT")));
+    EXPECT_TRUE(engine->Run());
+    Forget();
+    engine->setRun(false);
+    engine->setRun(true);
+    EXPECT_EQ(link->sent.size(), 0);
+}
+
+TEST_F(Synchro, ANoticeAndTheMarksStandMeanwhile) {
+    Put(5, Models::Q6200XT);
+    QStringList steps;
+    Messages::InstallNotice([&](const QString& text) {
+        steps += text;
+        return [&] { steps += QStringLiteral("gone"); };
+    });
+    QObject::connect(engine.get(), &wPolling::Synchronising,
+                     [&](bool on) { steps += on ? QStringLiteral("on") : QStringLiteral("off"); });
+    QTimer::singleShot(0, [&] { steps += QStringLiteral("yield"); });
+    inFrame = [&](const QByteArray&) {
+        steps += QStringLiteral("frame");
+        ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    };
+    engine->SynchroGeneraleBus();
+    ASSERT_EQ(steps.size(), 9);
+    EXPECT_EQ(steps.mid(0, 7),
+              (QStringList{GetText(30015), QStringLiteral("yield"), QStringLiteral("on"),
+                           QStringLiteral("frame"), QStringLiteral("frame"),
+                           QStringLiteral("frame"), QStringLiteral("frame")}));
+    EXPECT_FALSE(GetText(30015).isEmpty());
+    EXPECT_TRUE(steps.contains(QStringLiteral("off")) && steps.contains(QStringLiteral("gone")));
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(Synchro, ATraceThatCantBeWrittenStopsNothing) {
+    Put(5, Models::Q6200XT);
+    // Opening a folder as a file closes the trace.
+    const QString name = QStringLiteral("Trace/20240316.log");
+    ASSERT_TRUE(QDir().mkpath(Path(name)));
+    clock.Set(2024, 3, 16);
+    EXPECT_ANY_THROW(Trace::OpenToday());
+    engine->SynchroGeneraleBus();
+    EXPECT_EQ(link->sent.size(), 4);
+    ASSERT_FALSE(boxes.isEmpty());
+    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Function : SynchroGeneraleBus")));
+}
+
+TEST_F(Synchro, AnEndInTheMiddleIsTheEnd) {
+    for (const char* moment : {"read 6 132 1", "write 5 67 2", "read 5 1 12"}) {
+        Load();
+        link->answer = [this](const QByteArray& frame) { return Answer(frame); };
+        Put(5, Models::Q7100);
+        Put(6, Models::Q7100);
+        modules[6][2] = 1;
+        console.reset();
+        inFrame = [&](const QByteArray& frame) {
+            if (Frames::Said(frame) == moment)
+                engine->Form_Unload();
+        };
+        engine->setRun(true);
+        EXPECT_EQ(Frames::Said(link->sent.last()), moment) << "nothing goes out behind it";
+        EXPECT_FALSE(link->PortOpen());
+        EXPECT_EQ(ChannelEvents().size(), 0);
+        EXPECT_EQ(console != nullptr, std::string(moment) == "read 5 1 12") << moment;
+    }
+}
+
+TEST_F(Synchro, AnEndInTheYieldLeavesThePortClosed) {
+    Put(5, Models::Q7100);
+    const qsizetype lines = TraceLines().size();
+    QTimer::singleShot(0, [this] { engine->Form_Unload(); });
+    engine->SynchroGeneraleBus();
+    EXPECT_FALSE(link->PortOpen());
+    EXPECT_EQ(link->sent.size(), 0);
+    EXPECT_EQ(TraceLines().size(), lines);
+    EXPECT_EQ(console, nullptr);
+}
+
+/// A running bus with a receipt in its queue, on which the technician orders the synchronisation.
+class SynchroMemory : public Synchro {
+protected:
+    SynchroMemory() {
+        engine->setRun(true);
+        Put(Address, Models::Q7100);
+        Forget();
+    }
+
+    static constexpr int Address = 5;
+
+    void Happen(int count) {
+        for (int i = 0; i < count; ++i)
+            memory += ++happened;
+    }
+    QByteArray Answer(const QByteArray& frame) override {
+        if (frame[1] == 6 && FakeModules::WordAt(frame, 2) == 288) {
+            if (deaf-- > 0)
+                return {};
+            memory = memory.mid(FakeModules::WordAt(frame, 4));
+            return mute-- > 0 ? QByteArray() : WithCrc(frame.left(6));
+        }
+        modules[Address][144] = quint16(memory.size());
+        for (int i = 0; i < 20; ++i) {
+            modules[Address][146 + 2 * i] = i < memory.size() ? 0x1010 : 0;
+            modules[Address][147 + 2 * i] = quint16(memory.value(i));
+        }
+        return Synchro::Answer(frame);
+    }
+    QList<int> Clocks() const {
+        QList<int> clocks;
+        for (const EventClass& event : ChannelEvents())
+            clocks += event.Clock();
+        return clocks;
+    }
+
+    QList<int> memory;
+    int happened = 0;
+    int deaf = 0;
+    int mute = 0;
+};
+
+TEST_F(SynchroMemory, AWaitingReceiptDropsNothingThatComesLater) {
+    Happen(2);
+    Rounds(1);
+    ASSERT_EQ(engine->Commands().Count(), 1);
+    engine->SendCommand(Write(Address, 66, {1}));
+    Happen(3);
+    engine->SynchroGeneraleBus();
+    EXPECT_TRUE(memory.isEmpty());
+    ASSERT_EQ(engine->Commands().Count(), 1) << "other commands stay";
+    EXPECT_EQ(engine->Commands().Item(1)->Address(), 66);
+    Happen(2);
+    Rounds(4);
+    EXPECT_EQ(Clocks(), (QList<int>{1, 2, 6, 7}));
+    EXPECT_TRUE(memory.isEmpty());
+}
+
+TEST_F(SynchroMemory, AnOrderThatIsLostBringsNoEventTwiceAndLosesNone) {
+    Happen(2);
+    Rounds(1);
+    Happen(1);
+    deaf = 1;
+    engine->SynchroGeneraleBus();
+    EXPECT_EQ(memory.size(), 3);
+    Rounds(4);
+    EXPECT_EQ(Clocks(), (QList<int>{1, 2, 3}));
+    Happen(2);
+    Rounds(1);
+    mute = 1;
+    engine->SynchroGeneraleBus();
+    Happen(2);
+    Rounds(4);
+    EXPECT_EQ(Clocks(), (QList<int>{1, 2, 3, 4, 5, 6, 7}));
+}
+
+} // namespace
