@@ -102,6 +102,7 @@ TEST_F(Reactivation, OnlyAcknowledgedAlarmsOfChannelsThatWantIt) {
         Tick(3600);
         EXPECT_EQ(Taken(), row.back ? 1 : 0) << std::hex << row.id << " " << row.reactTpo;
     }
+    EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(Reactivation, TheHornSoundsOnlyForThoseWhoHaveIt) {

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "bus/AlarmConsole.h"
+#include "bus/wPolling.h"
+#include "core/Config.h"
+#include "core/Forms.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "core/Trace.h"
+#include "model/Models.h"
+#include "screens/Screens.h"
+#include "system/Processes.h"
+
+#include <QCoreApplication>
+#include <QTest>
+
+/// The real engine over a pseudo-terminal with the simulator at its far end. The bus is at rest
+/// until the test starts it, so that modules can have a past.
+class Road : public ::testing::Test {
+protected:
+    /// Modules as "1=Q7100"; panels of these models stand under the same addresses.
+    explicit Road(const QStringList& modules)
+        : simulator(folder.Bus(), modules) {
+        EXPECT_TRUE(Config::OpenConfigBase());
+        Global::Get() = Global::State();
+        Global::ReadMarks();
+        Global::Get().sound = std::make_unique<platform::SilentSound>();
+        Global::setConfiguration(std::make_unique<ConfigClass>());
+        for (const QString& module : modules)
+            AddPanel(module.section(u'=', 0, 0).toInt(), module.section(u'=', 1));
+        RegisterScreens();
+        Messages::Install([this](const QString& text, int, bool) {
+            boxes += text;
+            return int(Messages::Ok);
+        });
+        Trace::OpenToday();
+        engine = std::make_unique<wPolling>(
+            platform::MakeSerialPort([this](int) { return folder.Bus(); }));
+        engine->Form_Load();
+    }
+    ~Road() override {
+        engine->Form_Unload();
+        Forms::UnloadAllBut({});
+        engine.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        Messages::Install(nullptr);
+        Global::setConfiguration(nullptr);
+    }
+
+    static ConfigClass& Site() { return Global::Configuration(); }
+
+    static void AddPanel(int address, const QString& model) {
+        PanelClass& panel = Site().Panel(address);
+        for (const quint8 code :
+             {Models::Q7100, Models::Q6200XT, Models::Q7000, Models::P5000, Models::P5500})
+            if (ModuleName(code) == model)
+                panel.setModel(code);
+        EXPECT_NE(panel.Model(), Models::None) << model.toStdString();
+        panel.setActive(true);
+        for (int number = 1; number <= 24; ++number)
+            panel.Channel(number).setScrAlm(true);
+    }
+
+    /// Lets the bus run until a condition holds, at most 10 s.
+    static bool Until(const std::function<bool()>& condition) {
+        return QTest::qWaitFor(condition, 10000);
+    }
+    /// A field of what the simulator shows of a module: "states", "forced", "waiting", "horn".
+    QByteArray Shown(int address, const QByteArray& field) {
+        const QByteArray head = "show " + QByteArray::number(address);
+        const QByteArray line = simulator.Ask(head, head) + ' ';
+        const qsizetype at = line.indexOf(' ' + field + '=') + field.size() + 2;
+        return line.mid(at, line.indexOf(' ', at) - at);
+    }
+    static QStringList Rows() {
+        QStringList rows;
+        const AlarmConsole* console = AlarmConsole::Loaded();
+        for (int row = 0; console != nullptr && row < console->RowCount(); ++row)
+            rows += console->RowText(row);
+        return rows;
+    }
+
+    RunFolder folder;
+    SimulatorProcess simulator;
+    QStringList boxes;
+    std::unique_ptr<wPolling> engine;
+};
