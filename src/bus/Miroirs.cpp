@@ -123,8 +123,10 @@ void DoMirrors(const EventClass& event) {
         const MirrorClasses& mirrors = Global::Configuration().Mirrors();
         for (int position = 1; position <= mirrors.Count(); ++position) {
             const MirrorClass& mirror = mirrors.Item(position);
-            if (mirror.FromModule() == event.Panel() && mirror.FromChannel() == event.Chnl())
-                CarryOut(ActionOf(mirror), event, mirror);
+            if (mirror.FromModule() != event.Panel() || mirror.FromChannel() != event.Chnl())
+                continue;
+            // A rule that a damaged site file has put out of all bounds stops no other.
+            Guard("Miroirs.DoMirrors", [&] { CarryOut(ActionOf(mirror), event, mirror); });
         }
     });
 }
@@ -206,18 +208,30 @@ void LogErreur(const MirrorClass& mirror) {
     });
 }
 
-bool MirrorLoop(const MirrorClasses& mirrors, qint16 toModule, qint16 toChannel, qint16 fromModule,
-                qint16 fromChannel) {
+namespace {
+
+/// The question for one end point; `depth` is how many rules led there. A list of n rules without
+/// a loop has no chain of more than n.
+bool LeadsTo(const MirrorClasses& mirrors, std::pair<qint16, qint16> to,
+             std::pair<qint16, qint16> from, int depth) {
+    if (depth > mirrors.Count())
+        return false;
     for (int position = 1; position <= mirrors.Count(); ++position) {
         const MirrorClass& mirror = mirrors.Item(position);
-        if (mirror.ToModule() != toModule || mirror.ToChannel() != toChannel)
+        if (std::pair(mirror.ToModule(), mirror.ToChannel()) != to)
             continue;
-        if (mirror.FromModule() == fromModule && mirror.FromChannel() == fromChannel)
-            return true;
-        if (MirrorLoop(mirrors, mirror.FromModule(), mirror.FromChannel(), fromModule, fromChannel))
+        const std::pair source(mirror.FromModule(), mirror.FromChannel());
+        if (source == from || LeadsTo(mirrors, source, from, depth + 1))
             return true;
     }
     return false;
+}
+
+} // namespace
+
+bool MirrorLoop(const MirrorClasses& mirrors, qint16 toModule, qint16 toChannel, qint16 fromModule,
+                qint16 fromChannel) {
+    return LeadsTo(mirrors, {toModule, toChannel}, {fromModule, fromChannel}, 0);
 }
 
 } // namespace Miroirs
