@@ -49,6 +49,16 @@ void IniDeleteSection(const QString& section) {
     Guard("SLVfonctions.IniDeleteSection", [&] { File().DeleteSection(section); });
 }
 
+QList<std::pair<QString, QString>> IniReadSection(const QString& section) {
+    QList<std::pair<QString, QString>> values;
+    Guard("SLVfonctions.IniReadSection", [&] { values = File().ReadSection(section); });
+    return values;
+}
+
+void IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values) {
+    Guard("SLVfonctions.IniWriteSection", [&] { File().WriteSection(section, values); });
+}
+
 int IniReadKeys(QStringList& keys, const QString& section) {
     keys.clear();
     Guard("SLVfonctions.IniReadKeys", [&] { keys = File().Keys(section); });

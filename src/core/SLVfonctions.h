@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <utility>
 
 /// The settings file beside the executable: what belongs to the machine.
 namespace SLVfonctions {
@@ -11,6 +13,10 @@ QString IniRead(const QString& section, const QString& key, const QString& fallb
 void IniWrite(const QString& section, const QString& key, const QString& value);
 void IniDeleteKey(const QString& section, const QString& key);
 void IniDeleteSection(const QString& section);
+/// Keys and values of a section in the file's order, and their replacement in one change of the
+/// file.
+QList<std::pair<QString, QString>> IniReadSection(const QString& section);
+void IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values);
 /// Fills `keys` with the section's key names and gives their number.
 int IniReadKeys(QStringList& keys, const QString& section);
 
@@ -27,4 +33,6 @@ using SLVfonctions::IniDeleteKey;
 using SLVfonctions::IniDeleteSection;
 using SLVfonctions::IniRead;
 using SLVfonctions::IniReadKeys;
+using SLVfonctions::IniReadSection;
 using SLVfonctions::IniWrite;
+using SLVfonctions::IniWriteSection;

@@ -2,10 +2,12 @@
 
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
+#include "platform/DiskFlush.h"
 #include "platform/RunTimeError.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
 #include <algorithm>
 #include <cerrno>
@@ -132,13 +134,8 @@ void SettingsFile::Write(const QString& section, const QString& key, const QStri
         if (fits && Overwrite(at, int(end)))
             return;
     } else {
-        int header = FindSection(section);
-        if (header < 0) {
-            if (!lines_.isEmpty() && !Trimmed(lines_.last().text).isEmpty())
-                Insert(int(lines_.size()), QByteArray());
-            header = int(lines_.size());
-            Insert(header, '[' + ToCodePage(section) + ']');
-        }
+        const int known = FindSection(section);
+        const int header = known < 0 ? AddSection(section) : known;
         Insert(PlaceForKey(header), ToCodePage(key) + '=' + encoded);
     }
     Store();
@@ -155,25 +152,71 @@ void SettingsFile::DeleteKey(const QString& section, const QString& key) {
 
 void SettingsFile::DeleteSection(const QString& section) {
     Refresh();
+    if (RemoveSection(section) || unsaved_)
+        Store();
+}
+
+void SettingsFile::WriteSection(const QString& section,
+                                const QList<std::pair<QString, QString>>& values) {
+    for (const auto& [key, value] : values)
+        CheckNames(section, key);
+    Refresh();
+    bool changed = RemoveSection(section);
+    if (!values.isEmpty()) {
+        const int header = AddSection(section);
+        // The last of several values of a key counts, in the place of the first.
+        QHash<QString, int> places;
+        for (const auto& [key, value] : values) {
+            const QByteArray text = ToCodePage(key) + '=' + Encode(value);
+            const QString folded = key.toCaseFolded();
+            const auto known = places.constFind(folded);
+            if (known != places.cend()) {
+                lines_[*known].text = text;
+                continue;
+            }
+            places.insert(folded, int(lines_.size()));
+            lines_.append(ParseLine(text, lines_[header].end, &lines_[header]));
+        }
+        changed = true;
+    }
+    if (changed || unsaved_)
+        Store();
+}
+
+bool SettingsFile::RemoveSection(const QString& section) {
     bool inside = false;
     const auto removed = lines_.removeIf([&](const Line& line) {
         if (line.header)
             inside = SameName(line.section, section);
         return inside && (line.header || !line.key.isEmpty() || Trimmed(line.text).isEmpty());
     });
-    if (removed == 0 && !unsaved_)
-        return;
     // What stayed stands in another section now.
     for (qsizetype i = 0; i < lines_.size(); ++i) {
         if (!lines_[i].header)
             lines_[i].section = i > 0 ? lines_[i - 1].section : QString();
     }
-    Store();
+    return removed > 0;
+}
+
+/// Gives the place of the new header, at the end of the file.
+int SettingsFile::AddSection(const QString& section) {
+    if (!lines_.isEmpty() && !Trimmed(lines_.last().text).isEmpty())
+        Insert(int(lines_.size()), QByteArray());
+    const int header = int(lines_.size());
+    Insert(header, '[' + ToCodePage(section) + ']');
+    return header;
 }
 
 QStringList SettingsFile::Keys(const QString& section) const {
-    Refresh();
     QStringList keys;
+    for (const auto& [key, value] : ReadSection(section))
+        keys.append(key);
+    return keys;
+}
+
+QList<std::pair<QString, QString>> SettingsFile::ReadSection(const QString& section) const {
+    Refresh();
+    QList<std::pair<QString, QString>> values;
     QSet<QString> known;
     for (const Line& line : std::as_const(lines_)) {
         if (line.key.isEmpty() || !SameName(line.section, section))
@@ -182,9 +225,9 @@ QStringList SettingsFile::Keys(const QString& section) const {
         if (known.contains(folded))
             continue;
         known.insert(folded);
-        keys.append(line.key);
+        values.append({line.key, Decode(line.text)});
     }
-    return keys;
+    return values;
 }
 
 SettingsFile::Line SettingsFile::ParseLine(const QByteArray& text, const QByteArray& end,
@@ -305,7 +348,7 @@ bool SettingsFile::Overwrite(int at, int from) {
     const bool written =
         pwrite(handle, value.constData(), size_t(value.size()), offset) == ssize_t(value.size());
     if (written)
-        FlushInTime(handle);
+        DiskFlush::Owe(QFile::decodeName(target_));
     struct stat state = {};
     seen_ = fstat(handle, &state) == 0 ? StampOf(state) : Stamp();
     close(handle);
@@ -316,8 +359,10 @@ void SettingsFile::FlushInTime(int handle) {
     const qint64 now = Clock::Current().MonotonicMs();
     // A clock that was put in another's place may stand before the last flush.
     flushOwed_ = now >= lastFlushMs_ && now - lastFlushMs_ < FlushPeriodMs;
-    if (flushOwed_)
+    if (flushOwed_) {
+        DiskFlush::Owe(QFile::decodeName(target_));
         return;
+    }
     fsync(handle);
     lastFlushMs_ = now;
 }

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <utility>
 
 struct stat;
 
@@ -35,6 +36,11 @@ public:
     void DeleteKey(const QString& section, const QString& key);
     /// Removes the section's header, keys and blank lines; comments and unknown lines stay.
     void DeleteSection(const QString& section);
+    /// Puts these keys in place of all that the section holds, in one change of the file. The
+    /// result is that of DeleteSection and a Write for each key, and it throws as they do.
+    void WriteSection(const QString& section, const QList<std::pair<QString, QString>>& values);
+    /// Keys and values in the file's order, a repeated key with its first value.
+    QList<std::pair<QString, QString>> ReadSection(const QString& section) const;
     /// Names in the file's order, each once.
     QStringList Keys(const QString& section) const;
 
@@ -72,6 +78,8 @@ private:
     int FindSection(const QString& section) const;
     int PlaceForKey(int header) const;
     void Insert(int at, const QByteArray& text);
+    int AddSection(const QString& section);
+    bool RemoveSection(const QString& section);
     QByteArray MajorityEnd() const;
 
     QString path_;

@@ -199,6 +199,39 @@ TEST_F(SettingsFileTest, WritesAValueOfTheSameLengthInPlace) {
     EXPECT_EQ(SettingsFile(path_).Read(Section, Key, QString()), Text("556"));
 }
 
+TEST_F(SettingsFileTest, AWholeSectionIsReplacedAsByItsSingleSteps) {
+    const QByteArray before = "[List]\n9=nine\n; note\n\n[General]\nKey=1\n[LIST]\nx=y";
+    const QString list = Text("List");
+    const QList<std::pair<QString, QString>> values{{Text("1"), Text(" blanks ")},
+                                                    {Text("2"), Text("a=b")},
+                                                    {Text("k"), Text("old")},
+                                                    {Text("3"), Text("\xFC")},
+                                                    {Text("K"), Text("new")}};
+    const QString other = folder_.filePath(QStringLiteral("steps.ini"));
+    for (const QString& path : {path_, other})
+        PutBytes(path, before);
+    SettingsFile settings(path_);
+    settings.WriteSection(list, values);
+    SettingsFile steps(other);
+    steps.DeleteSection(list);
+    for (const auto& [key, value] : values)
+        steps.Write(list, key, value);
+    EXPECT_EQ(settings.ReadSection(list), steps.ReadSection(list));
+    EXPECT_EQ(settings.ReadSection(list).size(), 4);
+    const QByteArray once = BytesOf(path_);
+    EXPECT_EQ(once.toLower(), BytesOf(other).toLower());
+    settings.WriteSection(list, values);
+    EXPECT_EQ(BytesOf(path_), once) << "no blank lines pile up";
+    EXPECT_EQ(ErrorOf([&] {
+                  settings.WriteSection(list, {{Text("a=b"), Text("1")}});
+              }),
+              errors::InvalidPropertyValue);
+    EXPECT_EQ(BytesOf(path_), once);
+    settings.WriteSection(list, {});
+    EXPECT_FALSE(BytesOf(path_).contains("[List]"));
+    EXPECT_EQ(settings.Read(Section, Key, QString()), Text("1"));
+}
+
 TEST_F(SettingsFileTest, KeepsTheValueWhenTheFileCannotBeWritten) {
     PutBytes(path_, "[General]\r\nKey=1\r\n");
     SettingsFile settings(path_);

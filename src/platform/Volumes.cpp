@@ -1,0 +1,45 @@
+#include "platform/Volumes.h"
+
+#include <QFileInfo>
+#include <QStorageInfo>
+#include <algorithm>
+#include <array>
+
+namespace platform {
+
+namespace {
+
+std::optional<QList<Volume>> overridden;
+
+bool IsRemovable(const QString& path) {
+    static const std::array roots{QStringLiteral("/media"), QStringLiteral("/run/media"),
+                                  QStringLiteral("/mnt")};
+    return std::any_of(roots.begin(), roots.end(), [&](const QString& root) {
+        return path == root || path.startsWith(root + u'/');
+    });
+}
+
+} // namespace
+
+QList<Volume> RemovableVolumes() {
+    if (overridden)
+        return *overridden;
+    QList<Volume> volumes;
+    for (const QStorageInfo& storage : QStorageInfo::mountedVolumes()) {
+        const QString path = storage.rootPath();
+        if (!storage.isValid() || !storage.isReady() || !IsRemovable(path))
+            continue;
+        const QString label = storage.name();
+        volumes.append({label.isEmpty() ? QFileInfo(path).fileName() : label, path});
+    }
+    std::sort(volumes.begin(), volumes.end(), [](const Volume& a, const Volume& b) {
+        return QString::localeAwareCompare(a.name, b.name) < 0;
+    });
+    return volumes;
+}
+
+void OverrideVolumes(std::optional<QList<Volume>> volumes) {
+    overridden = std::move(volumes);
+}
+
+} // namespace platform

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <optional>
+
+namespace platform {
+
+/// A medium that can be taken out: a stick or a card.
+struct Volume {
+    /// Label of the medium; the name of its folder when it has none.
+    QString name;
+    /// Folder at which it can be reached, without a separator at its end.
+    QString path;
+};
+
+/// The media that are mounted now, by name: what lies under /media, /run/media and /mnt.
+QList<Volume> RemovableVolumes();
+
+/// Puts other media in their place, for tests; nothing brings the real ones back.
+void OverrideVolumes(std::optional<QList<Volume>> volumes);
+
+} // namespace platform
