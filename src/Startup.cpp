@@ -54,15 +54,15 @@ bool Startup::ClaimInstance() {
 
 /// The standing alarms of the former run are dropped; keys that are no numbers stay.
 void Startup::DropFormerAlarms() {
-    QStringList keys;
     const QString section = QStringLiteral("LastAlarms");
-    IniReadKeys(keys, section);
-    for (const QString& key : std::as_const(keys)) {
+    QList<std::pair<QString, QString>> kept = SLVfonctions::IniReadSection(section);
+    const auto dropped = kept.removeIf([](const std::pair<QString, QString>& entry) {
         bool isNumber = false;
-        key.toDouble(&isNumber);
-        if (isNumber)
-            IniDeleteKey(section, key);
-    }
+        entry.first.toDouble(&isNumber);
+        return isNumber;
+    });
+    if (dropped > 0)
+        SLVfonctions::IniWriteSection(section, kept);
 }
 
 qint32 Startup::ReadConfiguration() {

@@ -7,7 +7,6 @@
 #include "events/TextProcs.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
-#include "platform/RunTimeError.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -50,63 +49,52 @@ QString Field(const QString& text, int width) {
 } // namespace
 
 const AlarmRow& AlarmRows::Row(int row) const {
-    CheckRow(row);
-    return rows_[row];
+    at_.CheckRow(row);
+    return rows_[row].row;
 }
 
 void AlarmRows::SetColour(int row, qint32 colour) {
-    CheckRow(row);
-    rows_[row].colour = colour;
+    at_.CheckRow(row);
+    rows_[row].row.colour = colour;
 }
 
 void AlarmRows::Append(const AlarmRow& row) {
-    rows_.append(row);
-    if (current_ < 0)
-        current_ = 0;
+    const qint64 place = rows_.isEmpty() ? 0 : rows_.last().place - 1;
+    rows_.append({row, place});
+    places_.insert(Key(row.data), place);
+    at_.Appended();
 }
 
 void AlarmRows::Remove(int row) {
-    CheckRow(row);
-    rows_.removeAt(row);
-    if (current_ > row)
-        --current_;
-    if (first_ > row)
-        --first_;
-    current_ = std::min(current_, Count() - 1);
-    KeepView();
+    at_.Removed(row);
+    const Placed removed = rows_.takeAt(row);
+    const quint32 key = Key(removed.row.data);
+    if (places_.value(key) != removed.place)
+        return;
+    places_.remove(key);
+    // A list that was read back may hold a key twice.
+    for (qsizetype above = row - 1; above >= 0 && !places_.contains(key); --above) {
+        if (Key(rows_[above].row.data) == key)
+            places_.insert(key, rows_[above].place);
+    }
 }
 
 void AlarmRows::Clear() {
     rows_.clear();
-    current_ = -1;
-    first_ = 0;
+    places_.clear();
+    at_.Reset(0);
 }
 
-void AlarmRows::SetCurrent(int row) {
-    CheckRow(row);
-    current_ = row;
-}
-
-void AlarmRows::SetPage(int rows) {
-    page_ = std::max(rows, 1);
-    KeepView();
-}
-
-void AlarmRows::MoveBy(int rows) {
-    if (IsEmpty())
-        return;
-    current_ = Bytes::Limit(current_ + rows, 0, Count() - 1);
-    first_ = Bytes::Limit(first_, current_ - page_ + 1, current_);
-    KeepView();
+int AlarmRows::RowOf(qint64 place) const {
+    const auto found =
+        std::lower_bound(rows_.cbegin(), rows_.cend(), place,
+                         [](const Placed& row, qint64 wanted) { return row.place > wanted; });
+    return int(found - rows_.cbegin());
 }
 
 int AlarmRows::FindKey(qint32 id) const {
-    const auto key = [](qint32 data) { return quint32(data) >> 16; };
-    for (int row = Count() - 1; row >= 0; --row) {
-        if (key(rows_[row].data) == key(id))
-            return row;
-    }
-    return -1;
+    const auto found = places_.constFind(Key(id));
+    return found == places_.cend() ? -1 : RowOf(*found);
 }
 
 void AlarmRows::Take(const EventClass& event, const QString& text) {
@@ -119,26 +107,17 @@ void AlarmRows::Take(const EventClass& event, const QString& text) {
         Remove(row);
     } else if (event.Chnl() <= Family::LastChannel || event.Chnl() == Family::Presence) {
         // In its place: the order tells when the trouble began.
-        rows_[row] = taken;
+        rows_[row].row = taken;
     }
 }
 
-/// The top comes in sight. The selection jumps there when asked, else it stays on its alarm, so
-/// that a touch that is under way acknowledges what the operator was looking at.
+/// The selection stays on its alarm, so that a touch that is under way acknowledges what the
+/// operator was looking at.
 void AlarmRows::InsertOnTop(const AlarmRow& row, bool select) {
-    rows_.prepend(row);
-    first_ = 0;
-    current_ = select ? 0 : current_ + 1;
-}
-
-void AlarmRows::CheckRow(int row) const {
-    if (row < 0 || row >= Count())
-        throw platform::RunTimeError(platform::errors::Subscript);
-}
-
-/// No empty rows in sight while there are rows above.
-void AlarmRows::KeepView() {
-    first_ = Bytes::Limit(first_, 0, std::max(0, Count() - page_));
+    const qint64 place = rows_.isEmpty() ? 0 : rows_.first().place + 1;
+    rows_.prepend({row, place});
+    places_.insert(Key(row.data), place);
+    at_.InsertedOnTop(select);
 }
 
 qint32 AlarmRows::RowColor(qint32 id) {
@@ -193,10 +172,7 @@ constexpr int KeyDigits = 8;
 } // namespace
 
 void Read(AlarmRows& rows) {
-    QStringList keys;
-    IniReadKeys(keys, Section);
-    for (const QString& key : std::as_const(keys)) {
-        const QString value = IniRead(Section, key, QString());
+    for (const auto& [key, value] : IniReadSection(Section)) {
         bool isNumber = false;
         key.toInt(&isNumber);
         bool isId = false;
@@ -206,18 +182,19 @@ void Read(AlarmRows& rows) {
                 {value.mid(KeyDigits).replace(Bar, LineBreak), id, AlarmRows::RowColor(id)});
     }
     const int index =
-        int(Bytes::Val(IniRead(Section, QStringLiteral("Index"), QStringLiteral("1"))));
+        Bytes::LongVal(IniRead(Section, QStringLiteral("Index"), QStringLiteral("1")));
     if (index > 0 && index < rows.Count() - 1)
         rows.SetCurrent(index);
 }
 
 void Write(const AlarmRows& rows) {
-    SLVfonctions::IniDeleteSection(Section);
+    QList<std::pair<QString, QString>> values;
     for (int row = 0; row < rows.Count(); ++row) {
         QString text = rows.Row(row).text;
         text.replace(LineBreak, Bar).replace(u'\n', u'|').replace(u'\r', u'|');
-        IniWrite(Section, QString::number(row + 1), Bytes::Hex8(rows.Row(row).data) + text);
+        values.append({QString::number(row + 1), Bytes::Hex8(rows.Row(row).data) + text});
     }
+    IniWriteSection(Section, values);
 }
 
 } // namespace LastAlarms

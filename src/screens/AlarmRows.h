@@ -1,7 +1,9 @@
 #pragma once
 
 #include "events/EventClass.h"
+#include "screens/RowPosition.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -20,8 +22,8 @@ class AlarmRows {
 public:
     static constexpr qint32 White = 0xFFFFFF;
 
-    int Count() const { return int(rows_.size()); }
-    bool IsEmpty() const { return rows_.isEmpty(); }
+    int Count() const { return at_.Count(); }
+    bool IsEmpty() const { return Count() == 0; }
     /// Throws RunTimeError `Subscript` for a row that isn't there, like the changes below.
     const AlarmRow& Row(int row) const;
     void SetColour(int row, qint32 colour);
@@ -32,16 +34,11 @@ public:
     void Remove(int row);
     void Clear();
 
-    /// The selected row, -1 without rows.
-    int Current() const { return current_; }
-    void SetCurrent(int row);
-    /// The uppermost row in sight.
-    int First() const { return first_; }
-    /// Number of rows that are seen whole, at least 1.
-    int Page() const { return page_; }
-    void SetPage(int rows);
-    /// Moves the selection as far as there are rows, and the view after it.
-    void MoveBy(int rows);
+    RowPosition& Position() { return at_; }
+    const RowPosition& Position() const { return at_; }
+    int Current() const { return at_.Current(); }
+    int First() const { return at_.First(); }
+    void SetCurrent(int row) { at_.SetCurrent(row); }
 
     /// Row of the same panel and channel, the last of several; -1 when there is none.
     int FindKey(qint32 id) const;
@@ -54,14 +51,21 @@ public:
     static QString RowText(const EventClass& event);
 
 private:
-    void CheckRow(int row) const;
-    void KeepView();
+    /// A row with its place in the order of the list: places fall from the top to the end and stay
+    /// as they are while rows come and go.
+    struct Placed {
+        AlarmRow row;
+        qint64 place;
+    };
+
+    static quint32 Key(qint32 id) { return quint32(id) >> 16; }
+    int RowOf(qint64 place) const;
     void InsertOnTop(const AlarmRow& row, bool select);
 
-    QList<AlarmRow> rows_;
-    int current_ = -1;
-    int first_ = 0;
-    int page_ = 1;
+    QList<Placed> rows_;
+    /// Place of the last row of each key.
+    QHash<quint32, qint64> places_;
+    RowPosition at_;
 };
 
 /// The alarms over the time in which the console isn't loaded: the section "LastAlarms" of the

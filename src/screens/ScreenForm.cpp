@@ -19,6 +19,12 @@
 
 namespace {
 
+/// A platform without windows of its own can't and says so each time.
+void RaiseWindow(QWidget& window) {
+    if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+        window.raise();
+}
+
 QString ControlName(const QString& array, int index) {
     return array + u'_' + QString::number(index);
 }
@@ -66,7 +72,7 @@ void ScreenForm::Hide() {
 void ScreenForm::BringToFront() {
     if (unloaded_ || !isVisible())
         return;
-    raise();
+    RaiseWindow(*this);
     activateWindow();
     RaiseDialogs();
     Activate();
@@ -277,11 +283,11 @@ void ScreenForm::RaiseDialogs() {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         const auto* form = qobject_cast<ScreenForm*>(window);
         if (form != nullptr && form->kind_ == Kind::Dialog && form->isVisible())
-            window->raise();
+            RaiseWindow(*window);
     }
     // The keyboard stays with the dialog that waits for an answer.
     if (QWidget* waiting = QApplication::activeModalWidget()) {
-        waiting->raise();
+        RaiseWindow(*waiting);
         waiting->activateWindow();
     }
 }

@@ -4,13 +4,10 @@
 #include "core/Config.h"
 #include "core/DateTimes.h"
 #include "core/Global.h"
-#include "core/Message.h"
 #include "core/SLVfonctions.h"
-#include "core/Yield.h"
-#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
-#include "screens/AskPassword.h"
+#include "screens/FilePicker.h"
 #include "screens/ResizeForm.h"
 #include "screens/TouchImage.h"
 #include "ui_wMain.h"
@@ -19,11 +16,9 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QListWidget>
+#include <QMessageBox>
 
 namespace {
-
-enum Tile { BusModules, Parameters, System, RunMode, Technician, Factory };
-enum Navigation { SaveAs = 8, OpenFile = 9, Leave = 10, NewSite = 11, Login = 13 };
 
 const QString Menu = QStringLiteral("imgMenu");
 const QString MenuName = QStringLiteral("lblMenu");
@@ -33,7 +28,6 @@ const QString LoginName = QStringLiteral("lblLogin");
 const QString Files = QStringLiteral("Files");
 const QString General = QStringLiteral("General");
 const QString PollingForm = QStringLiteral("wPolling");
-const QString Console = QStringLiteral("wRunAlarms");
 const QString MainMenu = QStringLiteral("wMain");
 
 constexpr int VersionLabel = 2;
@@ -41,17 +35,9 @@ constexpr int TileCount = 6;
 constexpr int ShadowOffset = 2;
 /// Share of the scaled font size that the labels keep.
 constexpr double ScaledLabelFont = 0.9;
-constexpr int Question = 49;
-constexpr int QuestionWithNo = 51;
 
 QString LastUsed() {
     return IniRead(Files, QStringLiteral("LastUsed"), QString());
-}
-
-/// File name without folder and extension. Settings of other systems part folders with a
-/// backslash.
-QString NamePart(QString path) {
-    return QFileInfo(path.replace(u'\\', u'/')).completeBaseName();
 }
 
 /// The help of a language beside the executable; empty when there is none.
@@ -59,46 +45,6 @@ QString HelpFile(const QString& language) {
     const QString path = Global::InApplicationFolder(
         platform::ExecutableName() + u'-' + language.left(2).toLower() + QStringLiteral(".chm"));
     return QFileInfo::exists(path) ? path : QString();
-}
-
-void ShowConsole() {
-    Forms::Show(Console);
-    Forms::BringToFront(Console);
-    Forms::UnloadAllBut({Console, PollingForm});
-}
-
-/// True when the operator means it. A box that was closed without an answer is no answer.
-bool AskToLeave() {
-    const int answer = Global::Configuration().Modified() ? Message(GetText(50003), QuestionWithNo)
-                                                          : Message(GetText(50002), Question);
-    return answer != Messages::Cancel && answer != Messages::Closed;
-}
-
-/// The screen itself may be unloaded while a question waits: nothing of it is used here.
-void LeaveProgram() {
-    if (Polling() != nullptr && Polling()->Run() && !AccessOk(1)) {
-        Message(GetText(20009), Messages::Critical);
-        return;
-    }
-    ConfigClass& site = Global::Configuration();
-    if (site.Modified())
-        SaveCurrentConfig();
-    if (!AskToLeave())
-        return;
-    IniWrite(Files, QStringLiteral("LastConfigModified"),
-             QString::number(Global::Configuration().Modified() ? 1 : 0));
-    if (wPolling* polling = Polling()) {
-        EventClass event(0, Family::System, 0, SystemEvents::ApplicationStopped);
-        polling->SendEvent(event);
-        polling->setRun(false);
-    }
-    while (NbInstances(PollingForm) >= 1) {
-        Forms::Unload(PollingForm);
-        Yield();
-    }
-    Forms::UnloadAllBut({MainMenu});
-    Forms::Unload(MainMenu);
-    QCoreApplication::quit();
 }
 
 } // namespace
@@ -121,17 +67,18 @@ wMain::wMain()
         ShrinkLabels();
     AligneMenus();
     ShowLogin();
-    LockMissing();
+    for (const QString& array : {Menu, MenuName})
+        Control(array, int(MenuTile::Factory))->setEnabled(false);
     OnClick(Menu, [this](int index) { imgMenu_Click(index); });
     OnClick(QStringLiteral("imgNavig"), [this](int index) { imgNavig_Click(index); });
     OnClick(LanguageName, [this](int) { NextLanguage(); });
     OnClick(ui_->imgLanguage, [this] { NextLanguage(); });
-    OnClick(LoginName, [this](int) { imgNavig_Click(Login); });
+    OnClick(LoginName, [this](int) { AskLogin(); });
     if (Polling() != nullptr)
         connect(Polling(), &wPolling::UserChanged, this, &wMain::ShowLogin);
     Show();
     repaint();
-    ShowFileName(NamePart(LastUsed()));
+    ShowFileName(FilePicker::BaseName(LastUsed()));
     Forms::UnloadAllBut({PollingForm, MainMenu});
     if (Forms::Form* polling = Forms::Find(PollingForm))
         polling->Hide();
@@ -222,16 +169,6 @@ void wMain::ShowLogin() {
     SetCaption(LoginName, 0, QString::number(Global::Get().userLevel));
 }
 
-/// What leads to a screen that isn't there is grey and takes no touch.
-void wMain::LockMissing() {
-    for (const int index : {BusModules, Parameters, System, Technician, Factory}) {
-        Control(Menu, index)->setEnabled(false);
-        Control(MenuName, index)->setEnabled(false);
-    }
-    for (const int index : {SaveAs, OpenFile, NewSite, Login})
-        Control(QStringLiteral("imgNavig"), index)->setEnabled(false);
-}
-
 void wMain::ShrinkLabels() {
     for (QLabel* label : findChildren<QLabel*>()) {
         QFont font = label->font();
@@ -242,20 +179,15 @@ void wMain::ShrinkLabels() {
     }
 }
 
-void wMain::Form_Activate() {
+void wMain::ShowModified() {
     ui_->lblModified->setVisible(Global::Configuration().Modified());
 }
 
-void wMain::imgMenu_Click(int index) {
-    if (index == RunMode)
-        ShowConsole();
+void wMain::Form_Activate() {
+    ShowModified();
 }
 
-void wMain::imgNavig_Click(int index) {
-    if (index == Leave) {
-        LeaveProgram();
-    } else if (index == Login) {
-        AskPassword();
-        ShowLogin();
-    }
+void wMain::Form_Unload() {
+    if (failure_)
+        failure_->reject();
 }

@@ -1,15 +1,15 @@
 // What the operator's touches on the alarm console do.
 
 #include "bus/wPolling.h"
-#include "core/Config.h"
 #include "core/Global.h"
-#include "core/Message.h"
 #include "core/Yield.h"
 #include "events/Klaxon.h"
 #include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "screens/AskPassword.h"
+#include "screens/Navigation.h"
+#include "screens/dlgConsigne.h"
 #include "screens/wRunAlarms.h"
 #include "ui_wRunAlarms.h"
 
@@ -44,13 +44,6 @@ void AcknowledgeOnBus(qint16 panel) {
         std::make_shared<CommandClass>(panel, AcknowledgeRegister, Words{AcknowledgeValue}));
     EventClass event(panel, Family::System, 0, SystemEvents::AcknowledgedOnPc);
     comm->SendEvent(event);
-}
-
-void OpenScreen(const QString& name) {
-    if (Forms::Form* form = Forms::Load(name)) {
-        form->Show();
-        form->BringToFront();
-    }
 }
 
 } // namespace
@@ -117,17 +110,11 @@ void wRunAlarms::imgConsigne_Click() {
         return;
     EventClass event;
     event.setID(Rows().Row(Rows().Current()).data);
-    const ConfigClass& site = Global::Configuration();
     int number = 0;
     if (event.Panel() >= 1 && event.Panel() <= ConfigClass::PanelCount && event.Chnl() >= 1 &&
         event.Chnl() <= LastChannelWithInstruction)
-        number = site.Panel(event.Panel()).Channel(event.Chnl()).HelpNum();
-    if (number == 0) {
-        Message(GetText(710021), Messages::Critical);
-        return;
-    }
-    const QString text = site.ConsigneText(number).trimmed();
-    Message(text.isEmpty() ? GetText(710021) : text);
+        number = Global::Configuration().Panel(event.Panel()).Channel(event.Chnl()).HelpNum();
+    dlgConsigne::PresentNumber(Rows().Row(Rows().Current()).text, number);
 }
 
 /// The buttons are the keys of the list.

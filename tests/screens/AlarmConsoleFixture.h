@@ -4,11 +4,14 @@
 #include "core/Config.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Trace.h"
+#include "core/Trace.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Folders.h"
 #include "platform/Sound.h"
 #include "screens/AlarmGrid.h"
+#include "screens/Screens.h"
 #include "screens/wRunAlarms.h"
 #include "support/FakeLink.h"
 
@@ -18,6 +21,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 #include <gtest/gtest.h>
 
 /// A site with an engine on a silent line, on 25 November 2025 at 02:43:10. Panels 1 to 5 have
@@ -38,10 +43,11 @@ protected:
             return int(Messages::Ok);
         });
         clock.Set(2025, 11, 25, 2, 43, 10);
+        Trace::OpenToday();
+        Trace::OpenToday();
         MakeSite();
-        // Whatever asks for a code is given up.
-        giveUp.callOnTimeout([] { Forms::Unload(QStringLiteral("dlgUserCodes")); });
-        giveUp.start(5);
+        answer.callOnTimeout([this] { AnswerDialogs(); });
+        answer.start(5);
         engine = std::make_unique<wPolling>(std::make_unique<FakeLink>());
     }
     void TearDown() override {
@@ -99,6 +105,34 @@ protected:
         Q_EMIT engine->BusEvent(event);
     }
 
+    /// What a dialog asks while a handler of the console waits for it: a code is typed and
+    /// confirmed, or the prompt given up when none is prepared; an instruction is noted and closed.
+    void AnswerDialogs() {
+        const auto find = [](const char* name) {
+            auto* dialog = dynamic_cast<ScreenForm*>(Forms::Find(QString::fromLatin1(name)));
+            return dialog != nullptr && dialog->isVisible() ? dialog : nullptr;
+        };
+        const auto press = [](ScreenForm* dialog, const QString& control) {
+            QTest::mouseClick(dialog->findChild<QWidget*>(control), Qt::LeftButton);
+        };
+        if (ScreenForm* prompt = find("dlgUserCodes")) {
+            ++prompts;
+            const QString typed = codes.isEmpty() ? QString() : codes.takeFirst();
+            for (const QChar key : typed)
+                press(prompt, QStringLiteral("cmdChar_%1").arg(int(key.unicode())));
+            press(prompt, typed.isEmpty() ? QStringLiteral("imgControl_0")
+                                          : QStringLiteral("imgControl_1"));
+        }
+        if (ScreenForm* dialog = find("dlgConsigne")) {
+            alarms += dialog->findChild<QLabel*>(QStringLiteral("lblAlarm"))->text();
+            instructions += dialog->findChild<QLabel*>(QStringLiteral("lblConsigne"))->text();
+            if (whileDialog)
+                whileDialog();
+            if (find("dlgConsigne") == dialog)
+                press(dialog, QStringLiteral("imgClose"));
+        }
+    }
+
     template <class W = QWidget> W& Child(const char* name) const {
         W* child = console->findChild<W*>(QString::fromLatin1(name));
         if (child == nullptr)
@@ -129,6 +163,13 @@ protected:
     std::unique_ptr<wPolling> engine;
     wRunAlarms* console = nullptr;
     QList<Told> messages;
-    QTimer giveUp;
+    /// Codes for the prompts to come, and how many prompts there were.
+    QStringList codes;
+    int prompts = 0;
+    /// Texts of the instruction dialogs that were shown.
+    QStringList alarms;
+    QStringList instructions;
+    std::function<void()> whileDialog;
+    QTimer answer;
     int number = 0;
 };

@@ -123,25 +123,63 @@ TEST_F(AlarmRowsTest, SelectionStaysOnItsAlarmButJumpsToFirstFaultsAndLostPanels
 }
 
 TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
-    rows.SetPage(4);
-    rows.MoveBy(1);
+    rows.Position().SetPage(4);
+    rows.Position().MoveBy(1);
     EXPECT_EQ(rows.Current(), -1);
     for (qint16 channel = 1; channel <= 10; ++channel)
         Take(1, channel, 0, 1);
     EXPECT_EQ(rows.Current(), 9);
     EXPECT_EQ(rows.First(), 0) << "the newest is in sight, not the selection";
-    rows.MoveBy(-1);
+    rows.Position().MoveBy(-1);
     EXPECT_EQ(rows.First(), 5);
-    rows.MoveBy(-4);
+    rows.Position().MoveBy(-4);
     EXPECT_EQ(rows.Current(), 4);
     EXPECT_EQ(rows.First(), 4);
-    rows.MoveBy(100);
+    rows.Position().MoveBy(100);
     EXPECT_EQ(rows.First(), 6);
     rows.Remove(9);
     EXPECT_EQ(rows.First(), 5) << "no empty place below while there are rows above";
     Take(1, 20, 0, 1);
     EXPECT_EQ(rows.First(), 0);
     EXPECT_THROW(rows.SetCurrent(10), platform::RunTimeError);
+}
+
+TEST_F(AlarmRowsTest, EveryChannelStanding) {
+    for (qint16 panel = 1; panel <= 64; ++panel) {
+        for (qint16 channel = 1; channel <= 24; ++channel)
+            Take(panel, channel, 0, 1);
+    }
+    ASSERT_EQ(rows.Count(), 1536);
+    // Rows go from the middle and others come: each key still leads to its row.
+    for (qint16 channel = 2; channel <= 24; channel += 2)
+        Take(32, channel, 1, 0);
+    Take(1, 255, 1, 0);
+    ASSERT_EQ(rows.Count(), 1525);
+    for (int row = 0; row < rows.Count(); ++row)
+        EXPECT_EQ(rows.FindKey(rows.Row(row).data), row);
+    EXPECT_EQ(rows.FindKey(EventClass(32, 2, 0, 1).ID()), -1);
+
+    LastAlarms::Write(rows);
+    AlarmRows back;
+    LastAlarms::Read(back);
+    ASSERT_EQ(back.Count(), rows.Count());
+    EXPECT_EQ(back.Row(1524).text, rows.Row(1524).text);
+    back.Clear();
+    LastAlarms::Write(back);
+    QStringList keys;
+    EXPECT_EQ(IniReadKeys(keys, QStringLiteral("LastAlarms")), 0);
+}
+
+TEST_F(AlarmRowsTest, OfAKeyThatWasReadBackTwiceTheLastRowCounts) {
+    const qint32 id = EventClass(1, 5, 0, 1).ID();
+    rows.Append({QStringLiteral("upper"), id, 0});
+    rows.Append({QStringLiteral("other"), EventClass(1, 6, 0, 1).ID(), 0});
+    rows.Append({QStringLiteral("lower"), id, 0});
+    EXPECT_EQ(rows.FindKey(id), 2);
+    rows.Remove(2);
+    EXPECT_EQ(rows.FindKey(id), 0);
+    rows.Remove(0);
+    EXPECT_EQ(rows.FindKey(id), -1);
 }
 
 TEST_F(AlarmRowsTest, SettingsKeepTheListOverAnAbsence) {

@@ -117,8 +117,20 @@ TEST_F(ConsoleTest, AcknowledgingAsksForTheOperatorAndSilencingDoesNot) {
     EXPECT_EQ(Horn().playing, "");
     EXPECT_EQ(console->RowCount(), 1);
 
+    EXPECT_EQ(prompts, 1);
+    codes = QStringList{"WRONG", "OPERATOR"};
+    Alarme(5);
+    Click("imgAcquit");
+    EXPECT_EQ(prompts, 3) << "asked until the level is there";
+    EXPECT_EQ(console->RowCount(), 0);
+    EXPECT_EQ(Horn().playing, "");
+    EXPECT_EQ(Child<QLabel>("lblLogin_0").text(), "1");
+
+    Bus(1, 7, 0, 1);
+    Global::Get().userLevel = 0;
     Site().setUserLevel(1, 2);
     Click("imgAcquit");
+    EXPECT_EQ(prompts, 3);
     EXPECT_EQ(console->RowCount(), 0) << "a site without an operator is open";
     Alarme(5);
     Click("imgAcquit");
@@ -130,22 +142,36 @@ TEST_F(ConsoleTest, InstructionOfTheSelectedAlarm) {
     Site().Panel(1).Channel(7).setHelpNum(4);
     Site().Panel(1).Channel(8).setHelpNum(5);
     Site().Panel(1).Channel(24).setHelpNum(4);
-    const auto told = [&](qint16 chnl) {
+    const auto ask = [&](qint16 chnl) {
         console->EmptyList();
         console->TakeEvent({1, chnl, 1, chnl == 255 ? qint16(0) : qint16(3)});
         messages.clear();
+        instructions.clear();
+        alarms.clear();
         Click("imgConsigne");
-        return messages.size() == 1 ? messages[0] : Told{"?", -1};
     };
     Load();
     Click("imgConsigne");
+    EXPECT_TRUE(messages.isEmpty() && instructions.isEmpty());
+    ask(7);
+    EXPECT_EQ(instructions, QStringList("Close the valve"));
+    EXPECT_EQ(alarms, QStringList(console->RowText(0).replace(u' ', QChar(0xA0))));
     EXPECT_TRUE(messages.isEmpty());
-    EXPECT_EQ(told(7).text, "Close the valve");
-    EXPECT_EQ(told(8).text, GetText(710021)) << "an instruction without a text";
+    ask(8);
+    EXPECT_EQ(instructions, QStringList(GetText(710021))) << "an instruction without a text";
     for (const qint16 chnl : {9, 24, 255}) {
-        EXPECT_EQ(told(chnl).text, GetText(710021)) << chnl;
+        ask(chnl);
+        EXPECT_TRUE(instructions.isEmpty()) << chnl;
+        ASSERT_EQ(messages.size(), 1) << chnl;
+        EXPECT_EQ(messages[0].text, GetText(710021)) << chnl;
         EXPECT_EQ(messages[0].buttons, 16) << chnl;
     }
+
+    // An alarm sends every other screen away, and a user who stays away the console too.
+    whileDialog = [] { Forms::UnloadAllBut({}); };
+    ask(7);
+    EXPECT_EQ(instructions.size(), 1);
+    EXPECT_EQ(Forms::Find(QStringLiteral("wRunAlarms")), nullptr);
 }
 
 TEST_F(ConsoleTest, TouchesAndScrollButtonsMoveTheSelection) {
@@ -319,6 +345,78 @@ TEST_F(ConsoleTest, EveryControlHasItsPlaceAndItsTextInEveryLanguage) {
         console->Unload();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+}
+
+TEST_F(ConsoleTest, WaysToTheHistoryAndToTheRemoteControl) {
+    RegisterScreens();
+    Messages::Install([this](const QString& text, int buttons, bool) {
+        messages.append({text, buttons});
+        return int(Messages::Ok);
+    });
+    Site().Panel(5).setActive(true);
+    Load();
+    Bus(1, 7, 0, 1);
+    Click("imgHisto");
+    auto* history = dynamic_cast<ScreenForm*>(Forms::Find(QStringLiteral("wHistoric")));
+    ASSERT_NE(history, nullptr);
+    EXPECT_TRUE(history->isVisible());
+    QTest::mouseClick(history->findChild<QWidget*>(QStringLiteral("imgClose")), Qt::LeftButton);
+    EXPECT_EQ(NbInstances(QStringLiteral("wHistoric")), 0);
+    EXPECT_EQ(Forms::Find(QStringLiteral("wRunAlarms")), console) << "back where it came from";
+    EXPECT_EQ(console->RowCount(), 1);
+
+    Global::Get().userLevel = 0;
+    Click("imgTelecommande");
+    EXPECT_EQ(NbInstances(QStringLiteral("wTeleCmdes")), 0) << "given up";
+    codes = QStringList("OPERATOR");
+    Click("imgTelecommande");
+    EXPECT_EQ(NbInstances(QStringLiteral("wTeleCmdes")), 1);
+    EXPECT_TRUE(messages.isEmpty()) << qPrintable(messages.value(0).text);
+}
+
+TEST_F(ConsoleTest, WhatIsUrgentStaysInItsPlaceAndUncovered) {
+    const QStringList urgent{"imgAcquit",    "imgArretKlaxon", "imgConsigne",  "imgHisto",
+                             "imgControl_4", "imgControl_5",   "imgControl_6", "imgControl_7"};
+    Load();
+    QList<QRect> places;
+    for (const QString& name : urgent)
+        places.append(Child(qPrintable(name)).geometry());
+    const auto check = [&](const char* when) {
+        for (int i = 0; i < urgent.size(); ++i) {
+            const QWidget& image = Child(qPrintable(urgent[i]));
+            const QRect area = image.geometry();
+            EXPECT_EQ(area, places[i]) << qPrintable(urgent[i]) << ' ' << when;
+            EXPECT_TRUE(image.isVisible() && image.isEnabled()) << qPrintable(urgent[i]);
+            for (const QPoint& point : {area.topLeft(), area.center(), area.bottomRight()})
+                EXPECT_EQ(console->childAt(point), &image) << qPrintable(urgent[i]) << ' ' << when;
+        }
+    };
+    check("without alarms");
+    for (int panel = 1; panel <= 64; ++panel) {
+        Site().Panel(panel).setNumero(quint8(panel));
+        Site().Panel(panel).setModel(Models::P5000);
+        Site().Panel(panel).setActive(true);
+        Site().Panel(panel).setErrCptr(2, 1);
+        Bus(qint16(panel), 255, 1, 0);
+    }
+    Global::Get().userLevel = 3;
+    Q_EMIT engine->UserChanged();
+    Q_EMIT engine->Synchronising(true);
+    QTest::qWait(1100);
+    check("every panel lost");
+}
+
+TEST_F(ConsoleTest, NameOfTheSite) {
+    IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"),
+             QStringLiteral("C:\\Sites\\Works.1.kv2"));
+    Load();
+    EXPECT_EQ(Child<QLabel>("lblFileName").text(), "Works.1");
+    IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"), QStringLiteral("/a/Plant.kv2"));
+    console->BringToFront();
+    EXPECT_EQ(Child<QLabel>("lblFileName").text(), "Plant");
+    IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString());
+    console->BringToFront();
+    EXPECT_EQ(Child<QLabel>("lblFileName").text(), "Unnamed");
 }
 
 TEST_F(ConsoleTest, BurstOfEventsIsPaintedOnce) {

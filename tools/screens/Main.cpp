@@ -8,6 +8,7 @@
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
+#include "events/HistoProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
@@ -16,6 +17,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QWidget>
 #include <cstdio>
 
@@ -44,8 +46,22 @@ bool Save(const QString& form, const QString& path) {
     auto* widget = dynamic_cast<QWidget*>(Forms::Find(form));
     if (widget == nullptr)
         return false;
-    QApplication::processEvents();
+    // A screen may load what it shows a moment after it stands.
+    QElapsedTimer timer;
+    for (timer.start(); timer.elapsed() < 150;)
+        QApplication::processEvents();
     return widget->grab().save(path);
+}
+
+/// A day of history for the viewer.
+void WriteHistory() {
+    for (int i = 0; i < 40; ++i) {
+        EventClass event(qint16(1 + i % 8), qint16(1 + i % 12), qint16(i / 2 % 2), qint16(i % 2));
+        event.setGDH(DateTimes::Now());
+        event.setNum(120000 + i);
+        event.setClock(36000 + 37 * i);
+        HistoProcs::HistoEvent(event);
+    }
 }
 
 /// One screen, shown, saved and unloaded.
@@ -100,6 +116,7 @@ int main(int argc, char** argv) {
     IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"),
              QStringLiteral("/sites/Waterworks.kv2"));
     wPolling engine(platform::MakeSerialPort([](int) { return QString(); }));
+    WriteHistory();
     const QDir target(QString::fromLocal8Bit(argv[2]));
     platform::MakeFolder(target.path());
     for (int language = 0; !GetLanguage(language).isEmpty(); ++language) {

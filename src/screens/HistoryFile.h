@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+#include <deque>
+
+/// The dated lines of a history file. Only where they begin is kept, 8 bytes a line; a line is
+/// read when it is shown. The file stays open: it may grow or go while its lines are shown.
+class HistoryFile {
+public:
+    /// Looks through the file as it is now. False for a file that isn't there. Throws RunTimeError
+    /// `PathAccess` for one that can't be opened.
+    bool Load(const QString& path);
+    void Close();
+
+    /// Number of lines that begin with a date.
+    int Count() const { return int(starts_.size()); }
+    /// A line in the screen layout, 162 characters: blank for one that can't be read any more.
+    /// Throws RunTimeError `Subscript`.
+    QString ScreenLine(int row) const;
+
+private:
+    void FindLines();
+
+    mutable QFile file_;
+    /// Offsets in the file. A deque grows without a copy of what it holds.
+    std::deque<qint64> starts_;
+};

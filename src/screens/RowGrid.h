@@ -1,0 +1,54 @@
+#pragma once
+
+#include "screens/RowPosition.h"
+
+#include <QFont>
+#include <QRect>
+#include <QWidget>
+
+class QPainter;
+
+/// A list on the screen in a fixed-pitch font: a touch selects a row, the keys of a list move the
+/// selection, and a bar at the right edge tells which part is in sight. The font is the largest
+/// that shows the columns and the wanted number of rows.
+class RowGrid : public QWidget {
+    Q_OBJECT
+public:
+    /// Height of a row, pixels.
+    int RowHeight() const { return rowHeight_; }
+    virtual const RowPosition& Position() const = 0;
+
+Q_SIGNALS:
+    /// Selection or view are new.
+    void RowColChange();
+
+protected:
+    struct Design {
+        /// Characters of a line.
+        int columns;
+        /// Height of a row in heights of the font.
+        double rowPitch;
+        /// A large display gets larger letters only as long as so many rows are seen.
+        int fewestRows;
+    };
+    static constexpr int LeftMargin = 4;
+
+    RowGrid(const Design& design, QWidget* parent);
+
+    virtual RowPosition& MutablePosition() = 0;
+    /// Draws one row; the font is set.
+    virtual void PaintRow(QPainter& painter, int row, const QRect& area) const = 0;
+    void FitFont();
+
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void PaintThumb(QPainter& painter) const;
+
+    Design design_;
+    QFont font_;
+    int rowHeight_ = 1;
+};

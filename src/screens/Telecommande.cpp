@@ -1,0 +1,191 @@
+#include "screens/Telecommande.h"
+
+#include "core/Bytes.h"
+#include "core/ErrorHandling.h"
+#include "model/Models.h"
+#include "model/PanelClass.h"
+#include "screens/AlarmGrid.h"
+#include "screens/Theme.h"
+#include "screens/TouchImage.h"
+
+#include <QLabel>
+#include <QPainter>
+#include <QTextOption>
+
+using ErrorHandling::Guard;
+
+namespace {
+
+/// Lamp colours: red in the low byte, then green, then blue.
+constexpr qint32 AtRest = 0x808080;
+constexpr qint32 Active = 0x0000FF;
+constexpr qint32 OtherState = 0xFF00FF;
+
+constexpr qreal TileRadius = 8;
+constexpr qreal LampRadius = 3;
+constexpr int Margin = 8;
+constexpr int LampGap = 3;
+constexpr int LampRows = 2;
+
+/// Shares of a tile's height.
+constexpr double HeadShare = 0.24;
+constexpr double TitleShare = 0.36;
+/// Sizes of the texts in shares of a tile's height.
+constexpr double NumberText = 0.18;
+constexpr double TypeText = 0.1;
+constexpr double TitleText = 0.1;
+
+/// A lamp with a caption: diameter of the disc, number and text in shares of its height.
+constexpr double DiscShare = 0.38;
+constexpr double DiscText = 0.17;
+constexpr double CaptionText = 0.095;
+
+QLabel* MakeLabel(QWidget* parent, const char* name, Qt::Alignment side) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(QString::fromLatin1(name));
+    label->setAlignment(side | Qt::AlignVCenter);
+    label->setTextFormat(Qt::PlainText);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    return label;
+}
+
+} // namespace
+
+Voyant::Voyant(QWidget* parent)
+    : QWidget(parent) {}
+
+QColor Voyant::ColourOf(qint16 state) {
+    return AlarmGrid::FromBgr(state == 0 ? AtRest : state == 1 ? Active : OtherState);
+}
+
+void Voyant::setState(qint16 state) {
+    const QColor colour = ColourOf(state);
+    if (colour == colour_)
+        return;
+    colour_ = colour;
+    update();
+}
+
+void Voyant::setCaption(int number, const QString& text) {
+    number_ = number;
+    text_ = text;
+    update();
+}
+
+void Voyant::paintEvent(QPaintEvent*) {
+    if (number_ > 0) {
+        PaintCaptioned();
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour_);
+    painter.drawRoundedRect(rect(), LampRadius, LampRadius);
+}
+
+void Voyant::PaintCaptioned() {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Theme::Edge, 1));
+    painter.setBrush(Theme::Tile);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), TileRadius, TileRadius);
+
+    const double side = height() * DiscShare;
+    const QRectF disc((width() - side) / 2, Margin, side, side);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour_);
+    painter.drawEllipse(disc);
+    painter.setPen(AlarmGrid::InkOn(colour_));
+    painter.setFont(Theme::Text(qRound(height() * DiscText), true));
+    painter.drawText(disc, Qt::AlignCenter, QString::number(number_));
+
+    painter.setPen(Theme::Ink);
+    painter.setFont(Theme::Text(qRound(height() * CaptionText)));
+    const QRectF room = QRectF(rect()).adjusted(Margin / 2.0, disc.bottom() + Margin / 2.0,
+                                                -Margin / 2.0, -Margin / 2.0);
+    QTextOption option(Qt::AlignHCenter | Qt::AlignTop);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    painter.drawText(room, text_, option);
+}
+
+Telecommande::Telecommande(QWidget* parent)
+    : QWidget(parent)
+    , imgButton_(new TouchImage(this))
+    , lblNumPan_(MakeLabel(imgButton_, "lblNumPan", Qt::AlignLeft))
+    , lblTypePan_(MakeLabel(imgButton_, "lblTypePan", Qt::AlignRight))
+    , lblPnlTitle_(MakeLabel(imgButton_, "lblPnlTitle", Qt::AlignLeft)) {
+    imgButton_->setObjectName(QStringLiteral("imgButton"));
+    imgButton_->setCursor(Theme::TouchPointer());
+    lblTypePan_->setProperty("quiet", true);
+    lblPnlTitle_->setWordWrap(true);
+    connect(imgButton_, &TouchImage::clicked, this, &Telecommande::Click);
+}
+
+void Telecommande::setPanel(const PanelClass* panel) {
+    Guard("Telecommande.Panel", [&] {
+        panel_ = panel;
+        lblNumPan_->setText(panel ? Bytes::Padded(panel->Numero(), 2) : QString());
+        lblTypePan_->setText(panel ? ModuleName(panel->Model()) : QString());
+        lblPnlTitle_->setText(panel ? panel->Title() : QString());
+        MakeLamps(panel ? panel->ChannelCount() : 0);
+        UserControl_Resize();
+    });
+}
+
+void Telecommande::MakeLamps(int count) {
+    qDeleteAll(lamps_);
+    lamps_.clear();
+    for (int channel = 1; channel <= count; ++channel) {
+        auto* lamp = new Voyant(imgButton_);
+        lamp->setObjectName(QStringLiteral("lblVoyant_%1").arg(channel));
+        lamp->setAttribute(Qt::WA_TransparentForMouseEvents);
+        lamp->show();
+        lamps_.append(lamp);
+    }
+}
+
+void Telecommande::Update() {
+    Guard("Telecommande.Update", [&] {
+        if (panel_ == nullptr)
+            return;
+        for (int i = 0; i < lamps_.size(); ++i)
+            lamps_[i]->setState(panel_->Channel(i + 1).State());
+    });
+}
+
+void Telecommande::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    UserControl_Resize();
+}
+
+void Telecommande::UserControl_Resize() {
+    Guard("Telecommande.UserControl_Resize", [&] {
+        imgButton_->setGeometry(rect());
+        const QRect inner = rect().adjusted(Margin, Margin, -Margin, -Margin);
+        const int head = qRound(inner.height() * HeadShare);
+        const int title = qRound(inner.height() * TitleShare);
+        const int half = inner.width() / 2;
+        lblNumPan_->setFont(Theme::Text(qRound(height() * NumberText), true));
+        lblTypePan_->setFont(Theme::Text(qRound(height() * TypeText)));
+        lblPnlTitle_->setFont(Theme::Text(qRound(height() * TitleText)));
+        lblNumPan_->setGeometry(inner.x(), inner.y(), half, head);
+        lblTypePan_->setGeometry(inner.x() + half, inner.y(), inner.width() - half, head);
+        lblPnlTitle_->setGeometry(inner.x(), inner.y() + head, inner.width(), title);
+        PlaceLamps(inner.adjusted(0, head + title + LampGap, 0, 0));
+    });
+}
+
+void Telecommande::PlaceLamps(const QRect& area) {
+    const int columns = int(lamps_.size() + LampRows - 1) / LampRows;
+    for (int i = 0; i < lamps_.size(); ++i) {
+        const int column = i % columns;
+        const int row = i / columns;
+        // Edges are worked out one by one, so that rounding never adds up.
+        const int left = area.x() + column * (area.width() + LampGap) / columns;
+        const int right = area.x() + (column + 1) * (area.width() + LampGap) / columns - LampGap;
+        const int top = area.y() + row * (area.height() + LampGap) / LampRows;
+        const int bottom = area.y() + (row + 1) * (area.height() + LampGap) / LampRows - LampGap;
+        lamps_[i]->setGeometry(left, top, right - left, bottom - top);
+    }
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QString>
+#include <QWidget>
+
+class PanelClass;
+class QLabel;
+class TouchImage;
+
+/// A lamp that shows the state of a channel by its colour, with the channel's number and text on
+/// it where it is large enough for them.
+class Voyant : public QWidget {
+    Q_OBJECT
+public:
+    explicit Voyant(QWidget* parent = nullptr);
+
+    /// Colour of a state: grey at rest, red when active, magenta for all others.
+    static QColor ColourOf(qint16 state);
+
+    QColor Colour() const { return colour_; }
+    void setState(qint16 state);
+    /// Makes the lamp one to choose: `number` stands on it, `text` below it.
+    void setCaption(int number, const QString& text);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void PaintCaptioned();
+
+    QColor colour_ = ColourOf(0);
+    int number_ = 0;
+    QString text_;
+};
+
+/// The tile of a remote-controlled module: number, model, title and a lamp for each channel. The
+/// whole tile takes the touch.
+class Telecommande : public QWidget {
+    Q_OBJECT
+public:
+    explicit Telecommande(QWidget* parent = nullptr);
+
+    /// The module shown, null for none. The panel belongs to the site.
+    const PanelClass* Panel() const { return panel_; }
+    void setPanel(const PanelClass* panel);
+    /// Gives each lamp the colour of its channel's state.
+    void Update();
+
+Q_SIGNALS:
+    /// The tile has been pressed.
+    void Click();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void MakeLamps(int count);
+    void UserControl_Resize();
+    void PlaceLamps(const QRect& area);
+
+    const PanelClass* panel_ = nullptr;
+    TouchImage* imgButton_;
+    QLabel* lblNumPan_;
+    QLabel* lblTypePan_;
+    QLabel* lblPnlTitle_;
+    QList<Voyant*> lamps_;
+};

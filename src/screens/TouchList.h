@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QListWidget>
+
+/// Makes a list fit for a finger: rows and a scroll bar as wide as a finger, arrows at its ends.
+/// `scale` is the factor by which the form was made larger or smaller for the display.
+void MakeTouchList(QListWidget& list, double scale = 1);

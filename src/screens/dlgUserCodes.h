@@ -1,0 +1,59 @@
+#pragma once
+
+#include "screens/ScreenForm.h"
+
+#include <QTimer>
+#include <memory>
+
+class QLineEdit;
+
+namespace Ui {
+class dlgUserCodes;
+}
+
+/// Where codes are entered: all of a user, or as a bare prompt the code alone. The keys on the
+/// form give capitals, digits and "-"; a real keyboard gives what it has.
+class dlgUserCodes : public ScreenForm {
+    Q_OBJECT
+public:
+    dlgUserCodes();
+    ~dlgUserCodes() override;
+
+    /// True when the entry was confirmed.
+    bool Ok() const { return ok_; }
+    /// Leaves the code alone, hidden behind stars, and lets the form close by itself after the
+    /// seconds of the base.
+    void AskCodeOnly();
+
+    QString UserName() const;
+    void setUserName(const QString& name);
+    QString UserPwd() const;
+    void setUserPwd(const QString& code);
+    int UserLevel() const;
+    void setUserLevel(int level);
+
+protected:
+    void Form_Activate() override;
+    void Form_Unload() override;
+    void CloseRequested() override { Close(false); }
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void MakeKeys();
+    void Compact();
+    QLineEdit* Box(int index) const;
+    void MakeActive(int index);
+    void ShowBoxes();
+    void cmdChar_Click(int index);
+    void imgControl_Click(int index);
+    void Close(bool ok);
+
+    std::unique_ptr<Ui::dlgUserCodes> ui_;
+    QTimer* tmrAutoClose_ = nullptr;
+    bool ok_ = false;
+    /// A user of level 1 exists: levels are guarded.
+    bool guarded_ = false;
+    /// The box that the keys write into, -1 for none.
+    int active_ = -1;
+};

@@ -1,0 +1,159 @@
+// Where the tiles of the main menu lead.
+
+#include "core/Forms.h"
+#include "core/Global.h"
+#include "core/Yield.h"
+#include "model/Access.h"
+#include "model/CurrentConfig.h"
+#include "screens/AskPassword.h"
+#include "screens/dlgMenuParams.h"
+#include "screens/dlgMenuSystem.h"
+#include "screens/wMain.h"
+
+#include <QPointer>
+#include <QScopeGuard>
+#include <utility>
+
+namespace {
+
+constexpr int ConfigurationLevel = 2;
+constexpr int TechnicianLevel = 3;
+
+/// Buttons of the submenus.
+enum ParameterCmd { Consignes = 1, Biblio = 2, Ecran = 3, Printer = 4 };
+enum SystemCmd { Comm = 1, Sounds = 2, SystemTime = 3, Users = 4 };
+
+template <class Menu> int AskMenu() {
+    const QPointer<Menu> menu(new Menu);
+    menu->ShowModal();
+    if (!menu)
+        return 0;
+    const int cmd = menu->Cmd();
+    menu->Unload();
+    return cmd;
+}
+
+void ShowConsole() {
+    const QString console = QStringLiteral("wRunAlarms");
+    Forms::Show(console);
+    Forms::BringToFront(console);
+    Forms::UnloadAllBut({console, QStringLiteral("wPolling")});
+}
+
+} // namespace
+
+/// A dialog that closes asks for its submenu while the tile that opened it is not done yet.
+void wMain::imgMenu_Click(int index) {
+    nextTile_ = index;
+    if (inTile_)
+        return;
+    inTile_ = true;
+    const QPointer<wMain> self(this);
+    const auto done = qScopeGuard([self] {
+        if (self)
+            self->inTile_ = false;
+    });
+    while (IsLoaded(self) && nextTile_ >= 0)
+        RunTile(MenuTile(std::exchange(nextTile_, -1)));
+}
+
+bool wMain::IsLoaded(const QPointer<wMain>& menu) {
+    return menu && Forms::Find(menu->Name()) == menu.data();
+}
+
+void wMain::RunTile(MenuTile tile) {
+    switch (tile) {
+    case MenuTile::BusModules:
+        if (InsistOnLevel(ConfigurationLevel))
+            Open(QStringLiteral("wBusModules"));
+        break;
+    case MenuTile::Parameters:
+        if (InsistOnLevel(ConfigurationLevel))
+            OpenParameters();
+        break;
+    case MenuTile::System:
+        if (InsistOnLevel(ConfigurationLevel))
+            OpenSystem();
+        break;
+    case MenuTile::RunMode:
+        ShowConsole();
+        break;
+    case MenuTile::Technician:
+        if (InsistOnLevel(TechnicianLevel))
+            Open(QStringLiteral("wTechnician"));
+        break;
+    case MenuTile::Factory:
+        break;
+    }
+}
+
+bool wMain::InsistOnLevel(int level) {
+    const QPointer<wMain> self(this);
+    while (!AccessOk(level)) {
+        const bool entered = AskPassword();
+        // An operator who stays away may have cost the menu its place.
+        if (!IsLoaded(self) || !entered)
+            return false;
+        Yield();
+        if (!IsLoaded(self))
+            return false;
+    }
+    ShowLogin();
+    return true;
+}
+
+void wMain::AskLogin() {
+    const QPointer<wMain> self(this);
+    AskPassword();
+    if (IsLoaded(self))
+        ShowLogin();
+}
+
+void wMain::Open(const QString& name) {
+    const QPointer<wMain> self(this);
+    if (OpenScreen(name) && IsLoaded(self))
+        Unload();
+}
+
+void wMain::OpenParameters() {
+    switch (AskMenu<dlgMenuParams>()) {
+    case Consignes:
+        Open(QStringLiteral("wParamConsignes"));
+        break;
+    case Biblio:
+        Open(QStringLiteral("wParamBiblio"));
+        break;
+    case Ecran:
+        Open(QStringLiteral("wParamEcran"));
+        break;
+    case Printer:
+        Open(QStringLiteral("wParamPrinter"));
+        break;
+    default:
+        break;
+    }
+}
+
+void wMain::OpenSystem() {
+    const QPointer<wMain> self(this);
+    switch (AskMenu<dlgMenuSystem>()) {
+    case Comm:
+        Open(QStringLiteral("wSysComm"));
+        break;
+    case Sounds:
+        Open(QStringLiteral("wSysConfSon"));
+        break;
+    case SystemTime:
+        OpenDialog(QStringLiteral("dlgSysTime"));
+        break;
+    case Users:
+        OpenDialog(QStringLiteral("dlgDefPwds"));
+        if (Global::Configuration().Modified())
+            SaveCurrentConfig();
+        if (IsLoaded(self))
+            ShowModified();
+        break;
+    default:
+        break;
+    }
+}

@@ -1,0 +1,224 @@
+// One remote-controlled module: lamps, selection, orders and the wait for them.
+
+#include "core/Config.h"
+#include "model/Models.h"
+#include "screens/ScreensFixture.h"
+#include "screens/Telecommande.h"
+#include "screens/wTeleCmde.h"
+#include "support/FakeModules.h"
+
+namespace {
+
+const QString Detail = QStringLiteral("wTeleCmde");
+constexpr int Address = 9;
+
+class TeleCmdeTest : public ScreensTest {
+protected:
+    TeleCmdeTest() {
+        // No event brings the console to the front.
+        SetOptions(0, 0, 0, 0);
+        PanelClass& panel = AddPanel(Address, Models::P5000);
+        panel.setTitle(QStringLiteral("Ventilation"));
+        panel.Channel(5).setScreenText(QStringLiteral("Supply fan"));
+        // Polled in another hour: only commands are on the line.
+        panel.setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
+        link->setPortOpen(true);
+        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
+        modules[Address];
+    }
+
+    void Open(bool run) {
+        if (run) {
+            engine->setRun(true);
+            link->sent.clear();
+        }
+        auto* screen = new wTeleCmde;
+        screen->setPanel(&Site().Panel(Address));
+        screen->Show();
+    }
+    static void Choose(int channel) { Tap(Detail, QStringLiteral("lblVoyant_%1").arg(channel)); }
+    static void Order(int index) { Tap(Detail, QStringLiteral("ImgTcmde_%1").arg(index)); }
+    static bool Waits() { return Child(Detail, QStringLiteral("lblWait"))->isVisible(); }
+    static QString Lamp(int channel) {
+        const auto name = QStringLiteral("lblVoyant_%1").arg(channel);
+        return dynamic_cast<Voyant&>(*Child(Detail, name)).Colour().name();
+    }
+    QList<QByteArray> Writes() const {
+        QList<QByteArray> writes;
+        for (const QByteArray& frame : link->sent) {
+            if (frame[1] == 6)
+                writes += frame;
+        }
+        return writes;
+    }
+
+    FakeModules modules;
+};
+
+} // namespace
+
+TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
+    Open(false);
+    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblNum")), "09");
+    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblModType")), "P5000");
+    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblTitle")), "Remote control - Ventilation");
+    EXPECT_EQ(Screen(Detail)->Indices(QStringLiteral("lblVoyant")),
+              QList<int>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+    Choose(5);
+    const std::pair<int, std::pair<const char*, const char*>> states[] = {
+        {1, {"#ff0000", "Active"}}, {2, {"#ff00ff", "Other state"}}, {0, {"#808080", "At rest"}}};
+    for (const auto& [state, shown] : states) {
+        Site().Panel(Address).Channel(5).setState(qint16(state));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Lamp(5) == shown.first; }, 2000)) << state;
+        EXPECT_EQ(TextOf(Detail, QStringLiteral("lblState")), shown.second);
+    }
+}
+
+TEST_F(TeleCmdeTest, TouchedLampIsChosenAndMarked) {
+    Open(false);
+    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblChnlNo")), "0");
+    EXPECT_FALSE(Child(Detail, QStringLiteral("shpSelection"))->isVisible());
+    for (const int channel : {5, 12, 1}) {
+        Choose(channel);
+        EXPECT_EQ(TextOf(Detail, QStringLiteral("lblChnlNo")), QString::number(channel));
+        EXPECT_EQ(Child(Detail, QStringLiteral("shpSelection"))->geometry(),
+                  Child(Detail, QStringLiteral("lblVoyant_%1").arg(channel))->geometry());
+        EXPECT_TRUE(Child(Detail, QStringLiteral("shpSelection"))->isVisible());
+    }
+    Choose(5);
+    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblChnlText")), "Supply fan");
+}
+
+TEST_F(TeleCmdeTest, OrderNeedsARunningBusAndAChannel) {
+    Open(false);
+    Choose(5);
+    for (const int button : {0, 1, 2})
+        Order(button);
+    EXPECT_EQ(boxes, QStringList(3, GetText(220101)));
+    EXPECT_EQ(styles, QList<int>(3, 16));
+    Screen(Detail)->Unload();
+    RemoveUnloaded();
+    boxes.clear();
+    Open(true);
+    Order(1);
+    EXPECT_EQ(boxes, QStringList(GetText(220100)));
+    EXPECT_EQ(styles.last(), 16);
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_FALSE(Waits());
+}
+
+TEST_F(TeleCmdeTest, OrderIsWrittenToTheChannelsRegister) {
+    Open(true);
+    const int values[] = {0, 3, 6};
+    for (const auto& [button, channel] : {std::pair(0, 1), std::pair(1, 12), std::pair(2, 5)}) {
+        link->sent.clear();
+        Choose(channel);
+        Order(button);
+        EXPECT_TRUE(Waits());
+        EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 3000));
+        ASSERT_EQ(Writes().size(), 1);
+        const QByteArray frame = Writes()[0];
+        EXPECT_EQ(frame[0], Address);
+        EXPECT_EQ(FakeModules::WordAt(frame, 2), 16 + channel);
+        EXPECT_EQ(FakeModules::WordAt(frame, 4), values[button]);
+    }
+    EXPECT_TRUE(boxes.isEmpty());
+    EXPECT_TRUE(Screen(Detail)->Visible());
+}
+
+TEST_F(TeleCmdeTest, OrderTakenBackAtOnceGoesOutAsWellAndInOrder) {
+    Open(true);
+    Choose(5);
+    Order(1);
+    Order(1);
+    Order(0);
+    EXPECT_EQ(engine->Commands().Count(), 2) << "the same order waits once";
+    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 3000));
+    ASSERT_EQ(Writes().size(), 2);
+    EXPECT_EQ(FakeModules::WordAt(Writes()[0], 4), 3);
+    EXPECT_EQ(FakeModules::WordAt(Writes()[1], 4), 0);
+}
+
+TEST_F(TeleCmdeTest, WaitEndsWhenTheOrderIsGivenUp) {
+    Open(true);
+    modules.Remove(Address);
+    Choose(2);
+    Order(1);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 5000));
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_GE(Writes().size(), 3);
+    EXPECT_TRUE(boxes.isEmpty()) << "the trace tells of it, not the screen";
+}
+
+TEST_F(TeleCmdeTest, WaitEndsWithTheBusTheScreenAndTheEngine) {
+    Open(true);
+    Choose(2);
+    Order(1);
+    EXPECT_TRUE(Waits());
+    engine->setRun(false);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 2000));
+    EXPECT_EQ(engine->Commands().Count(), 1) << "kept for the next start of the bus";
+
+    engine->setRun(true);
+    Order(0);
+    Tap(Detail, QStringLiteral("imgClose"));
+    EXPECT_EQ(NbInstances(Detail), 0);
+    RemoveUnloaded();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return engine->Commands().Count() == 0; }, 3000))
+        << "what was ordered goes out without the screen";
+
+    Open(false);
+    Choose(3);
+    Order(1);
+    engine->Form_Unload();
+    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 2000));
+    engine.reset();
+    Order(1);
+    EXPECT_EQ(boxes.last(), GetText(220101));
+}
+
+// A touch comes through while the round still works on its queue: the order must neither hold the
+// round up nor be lost.
+TEST_F(TeleCmdeTest, PressInsideARoundLetsTheRoundEnd) {
+    Open(true);
+    Choose(4);
+    bool pressed = false;
+    link->answer = [&](const QByteArray& frame) {
+        if (!pressed) {
+            pressed = true;
+            QTimer::singleShot(0, [] { Order(1); });
+        }
+        return modules.Answer(frame);
+    };
+    engine->SendCommand(std::make_shared<CommandClass>(qint16(Address), 67, Words{2}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Writes().size() == 2 && !Waits(); }, 3000));
+    ASSERT_EQ(Writes().size(), 2);
+    EXPECT_EQ(FakeModules::WordAt(Writes()[1], 2), 20);
+}
+
+TEST_F(TeleCmdeTest, InstructionOfTheChosenChannel) {
+    Site().setConsigne(4, QStringLiteral("  Open the flap by hand "));
+    Site().Panel(Address).Channel(12).setHelpNum(4);
+    Site().Panel(Address).Channel(11).setHelpNum(5);
+    Open(false);
+    Tap(Detail, QStringLiteral("imgConsigne"));
+    EXPECT_EQ(boxes, QStringList(GetText(220100)));
+    EXPECT_EQ(styles, QList<int>{16});
+    const auto told = [&](int channel) {
+        Choose(channel);
+        QStringList shown;
+        QTimer::singleShot(20, [&] {
+            const QString dialog = QStringLiteral("dlgConsigne");
+            shown = {TextOf(dialog, QStringLiteral("lblAlarm")).replace(QChar(0xA0), u' '),
+                     TextOf(dialog, QStringLiteral("lblConsigne"))};
+            Tap(dialog, QStringLiteral("imgClose"));
+        });
+        Tap(Detail, QStringLiteral("imgConsigne"));
+        return shown;
+    };
+    const QString none = GetText(710021);
+    EXPECT_EQ(told(12), QStringList({"P09-C12 ", "Open the flap by hand"}));
+    EXPECT_EQ(told(11), QStringList({"P09-C11 ", none})) << "a number without a text";
+    EXPECT_EQ(told(5), QStringList({"P09-C05 Supply fan", none}));
+    EXPECT_EQ(boxes.size(), 1);
+}

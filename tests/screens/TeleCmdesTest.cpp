@@ -1,0 +1,190 @@
+// The overview of the remote-controlled modules, worked by touches.
+
+#include "core/Config.h"
+#include "model/Models.h"
+#include "screens/ScreensFixture.h"
+#include "screens/Telecommande.h"
+#include "screens/TouchImage.h"
+#include "screens/wTeleCmde.h"
+
+namespace {
+
+const QString Overview = QStringLiteral("wTeleCmdes");
+const QString Detail = QStringLiteral("wTeleCmde");
+
+class TeleCmdesTest : public ScreensTest {
+protected:
+    /// Remote-controlled modules of both models from address `first` on.
+    static void AddModules(int count, int first = 1) {
+        for (int i = 0; i < count; ++i)
+            AddPanel(first + i, i % 2 == 0 ? Models::P5000 : Models::P5500);
+    }
+    /// Numbers on the tiles as they stand from left to right and top to bottom.
+    static QString Shown() {
+        QList<Telecommande*> tiles;
+        for (Telecommande* tile : Screen(Overview)->findChildren<Telecommande*>()) {
+            if (tile->isVisible())
+                tiles += tile;
+        }
+        std::sort(tiles.begin(), tiles.end(), [](const auto* a, const auto* b) {
+            return std::pair(a->y(), a->x()) < std::pair(b->y(), b->x());
+        });
+        QStringList numbers;
+        for (const Telecommande* tile : tiles)
+            numbers += tile->findChild<QLabel*>(QStringLiteral("lblNumPan"))->text();
+        return numbers.join(u' ');
+    }
+    static bool Offers(const char* arrow) {
+        return Child(Overview, QString::fromLatin1(arrow))->isVisible();
+    }
+    static Telecommande& Tile(int place) {
+        return dynamic_cast<Telecommande&>(
+            *Child(Overview, QStringLiteral("Telecmde_%1").arg(place)));
+    }
+    static void TapTile(int place) {
+        QTest::mouseClick(Tile(place).findChild<TouchImage*>(), Qt::LeftButton);
+    }
+    static QColor Lamp(int place, int channel) {
+        return Tile(place)
+            .findChild<Voyant*>(QStringLiteral("lblVoyant_%1").arg(channel))
+            ->Colour();
+    }
+};
+
+} // namespace
+
+TEST_F(TeleCmdesTest, OnlyModulesInServiceThatTakeCommandsHaveATile) {
+    AddPanel(64, Models::P5500).setTitle(QStringLiteral("Doors"));
+    AddPanel(3, Models::P5000);
+    AddPanel(5, Models::P5000).setActive(false);
+    for (const int model : {Models::Q7100, Models::Q6200XT, Models::Q7000})
+        AddPanel(10 + model, model);
+    Forms::Show(Overview);
+    EXPECT_EQ(Shown(), "03 64");
+    EXPECT_FALSE(Offers("lblNone"));
+    EXPECT_FALSE(Offers("imgNavig_1"));
+    EXPECT_FALSE(Offers("imgNavig_2"));
+    const auto text = [](const char* label) {
+        return Tile(2).findChild<QLabel*>(QString::fromLatin1(label))->text();
+    };
+    EXPECT_EQ(text("lblTypePan"), "P5500");
+    EXPECT_EQ(text("lblPnlTitle"), "Doors");
+    EXPECT_EQ(Tile(2).findChildren<Voyant*>().size(), 12);
+
+    Forms::Unload(Overview);
+    Site().Panel(3).setActive(false);
+    Site().Panel(64).setActive(false);
+    Forms::Show(Overview);
+    EXPECT_EQ(Shown(), "");
+    EXPECT_TRUE(Offers("lblNone"));
+}
+
+TEST_F(TeleCmdesTest, PagesOfTwelveLeadToEveryModule) {
+    struct Case {
+        int modules;
+        QStringList pages;
+    };
+    const QString first = QStringLiteral("01 02 03 04 05 06 07 08 09 10 11 12");
+    const QString second = QStringLiteral("13 14 15 16 17 18 19 20 21 22 23 24");
+    const Case cases[] = {
+        {12, {first}},
+        {13, {first, QStringLiteral("13")}},
+        {24, {first, second}},
+        {30, {first, second, QStringLiteral("25 26 27 28 29 30")}},
+    };
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.modules);
+        AddModules(one.modules);
+        Forms::Show(Overview);
+        const auto last = one.pages.size() - 1;
+        const auto check = [&](qsizetype page) {
+            EXPECT_EQ(Shown(), one.pages[page]);
+            EXPECT_EQ(Offers("imgNavig_1"), page > 0);
+            EXPECT_EQ(Offers("imgNavig_2"), page < last);
+        };
+        for (qsizetype page = 0; page < last; ++page) {
+            check(page);
+            Tap(Overview, QStringLiteral("imgNavig_2"));
+        }
+        check(last);
+        for (qsizetype page = last; page > 0; --page) {
+            Tap(Overview, QStringLiteral("imgNavig_1"));
+            check(page - 1);
+        }
+        Forms::Unload(Overview);
+        RemoveUnloaded();
+    }
+}
+
+TEST_F(TeleCmdesTest, LampsFollowTheStatesAtEachTurnOfTheBus) {
+    AddModules(2, 7);
+    Site().Panel(7).Channel(12).setState(1);
+    Forms::Show(Overview);
+    EXPECT_EQ(Lamp(1, 12).name(), "#ff0000");
+    EXPECT_EQ(Lamp(1, 1).name(), "#808080");
+    EXPECT_EQ(Lamp(2, 12).name(), "#808080");
+    const std::pair<int, const char*> colours[] = {
+        {2, "#ff00ff"}, {4, "#ff00ff"}, {-1, "#ff00ff"}, {1, "#ff0000"}, {0, "#808080"}};
+    for (const auto& [state, colour] : colours) {
+        Site().Panel(8).Channel(1).setState(qint16(state));
+        Q_EMIT engine->PollDone();
+        EXPECT_EQ(Lamp(2, 1).name(), colour) << state;
+    }
+}
+
+TEST_F(TeleCmdesTest, TileOpensItsModuleAndTheWayBackIsKept) {
+    AddModules(13, 20);
+    Forms::Show(Overview);
+    Tap(Overview, QStringLiteral("imgNavig_2"));
+    TapTile(1);
+    ASSERT_EQ(NbInstances(Detail), 1);
+    EXPECT_EQ(dynamic_cast<wTeleCmde&>(*Forms::Find(Detail)).Panel(), &Site().Panel(32));
+    EXPECT_TRUE(Forms::Find(Detail)->Visible());
+    Tap(Detail, QStringLiteral("imgClose"));
+    EXPECT_EQ(NbInstances(Detail), 0);
+    EXPECT_TRUE(Forms::Find(Overview)->Visible());
+    EXPECT_EQ(Shown(), "32") << "the operator lands on the page that he left";
+}
+
+TEST_F(TeleCmdesTest, LeavingGoesBackToWhereItWasOpenedFrom) {
+    struct History : ScreenForm {
+        History()
+            : ScreenForm(QStringLiteral("wHistoric")) {}
+    };
+    const QString console = QStringLiteral("wRunAlarms");
+    for (const bool fromHistory : {false, true}) {
+        Forms::Show(console);
+        Forms::Form* opener = Forms::Find(console);
+        if (fromHistory) {
+            opener = new History;
+            opener->Show();
+        }
+        Forms::Show(Overview);
+        Tap(Overview, QStringLiteral("imgNavig_5"));
+        EXPECT_EQ(NbInstances(Overview), 0);
+        EXPECT_TRUE(opener->Visible());
+        EXPECT_TRUE(QTest::qWaitForWindowActive(dynamic_cast<QWidget*>(opener)));
+    }
+}
+
+TEST_F(TeleCmdesTest, TilesFillTheGridOfALargerDisplayWithoutTouchingOneAnother) {
+    Global::Get().noResize = false;
+    OverrideScreenSize({1280, 800});
+    AddModules(12);
+    Forms::Show(Overview);
+    const QRect grid(QPoint(), Child(Overview, QStringLiteral("fraTiles"))->size());
+    QRect all;
+    for (int place = 1; place <= 12; ++place) {
+        const QRect area = Tile(place).geometry();
+        EXPECT_TRUE(grid.contains(area)) << place;
+        EXPECT_EQ(Tile(place).findChild<TouchImage*>()->size(), area.size());
+        for (int other = 1; other < place; ++other)
+            EXPECT_FALSE(area.intersects(Tile(other).geometry())) << place << ' ' << other;
+        all |= area;
+        for (const Voyant* lamp : Tile(place).findChildren<Voyant*>()) {
+            EXPECT_TRUE(QRect(QPoint(), area.size()).contains(lamp->geometry()));
+            EXPECT_GE(lamp->width(), 12);
+        }
+    }
+    EXPECT_EQ(all, grid);
+}

@@ -1,0 +1,70 @@
+#include "screens/dlgConsigne.h"
+
+#include "screens/ScreensFixture.h"
+#include "screens/TouchImage.h"
+
+namespace {
+
+const QString Dialog = QStringLiteral("dlgConsigne");
+
+class ConsigneTest : public ScreensTest {
+protected:
+    void Show(const QString& text) {
+        auto* dialog = new dlgConsigne;
+        dialog->setAlarm(QStringLiteral("    12 2024-03-15 12:00:00 P01-C07 Trip"));
+        dialog->setConsigne(text);
+        dialog->Show();
+    }
+    static QWidget& Text() { return *Child(Dialog, "lblConsigne"); }
+    static int Room() { return Child(Dialog, "frmConsigne")->height(); }
+    /// Everything of the text can be brought in sight by the buttons.
+    static void ReadToTheEnd() {
+        const int end = Room() - Text().height();
+        for (int taps = 0; Text().y() > end && taps < 50; ++taps) {
+            const int before = Text().y();
+            Tap(Dialog, "imgControl_7");
+            EXPECT_LT(before - Text().y(), Room()) << "no line is passed over";
+        }
+        EXPECT_EQ(Text().y(), end);
+        Tap(Dialog, "imgControl_6");
+        EXPECT_EQ(Text().y(), end);
+        Tap(Dialog, "imgControl_5");
+        EXPECT_GT(Text().y(), end);
+        for (int taps = 0; taps < 50; ++taps)
+            Tap(Dialog, "imgControl_4");
+        EXPECT_EQ(Text().y(), 0);
+    }
+};
+
+} // namespace
+
+TEST_F(ConsigneTest, ShortTextNeedsNoButtons) {
+    Show(QStringLiteral("Close the valve.\r\nCall <b>the team</b>."));
+    EXPECT_EQ(TextOf(Dialog, "lblConsigne"), "Close the valve.\nCall <b>the team</b>.");
+    EXPECT_FALSE(TextOf(Dialog, "lblAlarm").contains(u' '));
+    EXPECT_FALSE(Child(Dialog, "imgControl_7")->isVisible());
+    Tap(Dialog, "imgClose");
+    EXPECT_FALSE(Screen(Dialog)->isVisible());
+}
+
+TEST_F(ConsigneTest, LongTextsAreReadByTheButtons) {
+    const QStringList texts{
+        QStringLiteral("Word ").repeated(204), QStringLiteral("W").repeated(1024),
+        QStringLiteral("x\r\n").repeated(341), QStringLiteral("Line by line.\n").repeated(73)};
+    for (const QString& text : texts) {
+        SCOPED_TRACE(text.left(12).toStdString());
+        Show(text);
+        auto& label = *qobject_cast<QLabel*>(&Text());
+        EXPECT_EQ(label.text().remove(QChar(0x200B)).remove(u'\n').size(),
+                  QString(text).remove(u'\r').remove(u'\n').size());
+        const QRect needed =
+            QFontMetrics(label.font())
+                .boundingRect(QRect(0, 0, label.width(), 100000), Qt::TextWordWrap, label.text());
+        EXPECT_LE(needed.width(), label.width());
+        EXPECT_LE(needed.height(), label.height());
+        if (label.height() > Room())
+            ReadToTheEnd();
+        Forms::Unload(Dialog);
+        RemoveUnloaded();
+    }
+}

@@ -1,0 +1,185 @@
+#include "core/ErrorHandling.h"
+#include "screens/UsersFixture.h"
+
+#include <QTableWidget>
+
+namespace {
+
+const QString Table = QStringLiteral("dlgDefPwds");
+
+} // namespace
+
+class DefPwdsTest : public UsersTest {
+protected:
+    enum Action { Add = 0, Change = 1, Delete = 2, Up = 3, Down = 4 };
+
+    DefPwdsTest() {
+        Site().setUserCount(3);
+        SetUser(3, "TECHNICIAN", "TECH", 3);
+        Site().setModified(false);
+    }
+
+    static QTableWidget& Grid() {
+        return *qobject_cast<QTableWidget*>(Child(Table, QStringLiteral("grdUsers")));
+    }
+    static QStringList Names() {
+        QStringList names;
+        for (int row = 0; row < Grid().rowCount(); ++row)
+            names += Grid().item(row, 0)->text();
+        return names;
+    }
+    static void Press(Action action) {
+        Tap(Table, QStringLiteral("imgControl_%1").arg(int(action)));
+    }
+    static bool Offers(Action action) {
+        return Child(Table, QStringLiteral("imgControl_%1").arg(int(action)))->isVisible();
+    }
+    static void Save() { Tap(Table, QStringLiteral("cmdBoutons_1")); }
+    static void TapRow(int row) {
+        QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {},
+                          Grid().visualItemRect(Grid().item(row, 0)).center());
+    }
+    /// What is typed over the fields of the form that comes next.
+    void Fill(const char* name, const char* code) {
+        script.On(Codes(), [name, code] {
+            const char* texts[] = {name, code};
+            for (const int index : {0, 1}) {
+                Box(index)->clear();
+                QTest::keyClicks(Box(index), QString::fromLatin1(texts[index]));
+            }
+            Confirm();
+        });
+    }
+};
+
+TEST_F(DefPwdsTest, UsersAboveTheOwnLevelAreHiddenAndKept) {
+    Global::Get().userLevel = 2;
+    Forms::Show(Table);
+    EXPECT_EQ(Names(), (QStringList{"OPERATOR", "MANAGER", "TECHNICIAN"}));
+    EXPECT_EQ(Grid().item(1, 1)->text(), QStringLiteral("SAME"));
+    EXPECT_EQ(Grid().item(1, 2)->text(), QStringLiteral("2"));
+    EXPECT_TRUE(Grid().isRowHidden(2));
+    EXPECT_FALSE(Grid().isRowHidden(1));
+    EXPECT_TRUE(Offers(Change) && Offers(Delete));
+    Grid().setCurrentCell(2, 0);
+    EXPECT_FALSE(Offers(Change) || Offers(Delete));
+    TapRow(1);
+    EXPECT_TRUE(Offers(Change) && Offers(Delete));
+    Press(Up);
+    EXPECT_EQ(Grid().currentRow(), 0);
+    Press(Down);
+    EXPECT_EQ(Grid().currentRow(), 1);
+    Press(Down);
+    EXPECT_EQ(Grid().currentRow(), 1) << "what can't be seen can't be reached";
+    Press(Delete);
+    Save();
+    EXPECT_EQ(Site().UserCount(), 2);
+    EXPECT_EQ(Site().UserName(2), QStringLiteral("TECHNICIAN"));
+    EXPECT_EQ(Site().UserPwd(2), QStringLiteral("TECH"));
+    EXPECT_EQ(Site().UserLevel(2), 3);
+    EXPECT_TRUE(Site().Modified());
+    EXPECT_EQ(NbInstances(Table), 0);
+}
+
+TEST_F(DefPwdsTest, AnOpenSiteHidesNobody) {
+    Site().setUserLevel(1, 2);
+    Forms::Show(Table);
+    for (int row = 0; row < 3; ++row)
+        EXPECT_FALSE(Grid().isRowHidden(row));
+}
+
+TEST_F(DefPwdsTest, DoublesOfStoredUsersAreRefused) {
+    Global::Get().userLevel = 3;
+    Forms::Show(Table);
+    Fill("manager", "NEW");
+    Press(Add);
+    Fill("NEW", "tech");
+    Press(Add);
+    EXPECT_EQ(boxes, (QStringList{GetText(640100), GetText(640101)}));
+    EXPECT_EQ(styles, (QList<int>{16, 16}));
+    EXPECT_EQ(Grid().rowCount(), 3);
+    // Two new ones aren't compared with each other.
+    Fill("NEW", "1234");
+    Press(Add);
+    Fill("NEW", "1234");
+    Press(Add);
+    EXPECT_EQ(boxes.size(), 2);
+    EXPECT_EQ(Grid().rowCount(), 5);
+    EXPECT_EQ(Site().UserCount(), 3) << "not before it is saved";
+    Tap(Table, QStringLiteral("cmdBoutons_0"));
+    EXPECT_EQ(Site().UserCount(), 3);
+    EXPECT_FALSE(Site().Modified());
+}
+
+TEST_F(DefPwdsTest, AUserMayKeepTheOwnNameAndCode) {
+    Global::Get().userLevel = 3;
+    Forms::Show(Table);
+    TapRow(1);
+    script.On(Codes(), [] {
+        EXPECT_EQ(Box(0)->text(), QStringLiteral("MANAGER"));
+        EXPECT_EQ(Box(1)->text(), QStringLiteral("SAME"));
+        EXPECT_EQ(TextOf(Codes(), QStringLiteral("lblPwdLevel")), QStringLiteral("2"));
+        TapImage(3);
+        Confirm();
+    });
+    Press(Change);
+    EXPECT_EQ(Grid().item(1, 2)->text(), QStringLiteral("3"));
+    script.On(Codes(), [] {
+        TapKeys("X");
+        Cancel();
+    });
+    Press(Change);
+    EXPECT_EQ(Grid().item(1, 0)->text(), QStringLiteral("MANAGER"));
+    // The row above goes: the user is still the second one of the site.
+    TapRow(0);
+    Press(Delete);
+    TapRow(0);
+    Fill("MANAGER", "OP-1");
+    Press(Change);
+    EXPECT_EQ(boxes.last(), GetText(640101)) << "the deleted user is in the site until it is saved";
+    Fill("MANAGER", "SAME2");
+    Press(Change);
+    EXPECT_EQ(Grid().item(0, 1)->text(), QStringLiteral("SAME2"));
+    Save();
+    EXPECT_EQ(Site().UserName(1), QStringLiteral("MANAGER"));
+    EXPECT_EQ(Site().UserLevel(1), 3);
+}
+
+TEST_F(DefPwdsTest, DeletingAsksAndATableOfNobodyCantBeSaved) {
+    Global::Get().userLevel = 3;
+    Forms::Show(Table);
+    answer = Messages::Cancel;
+    Press(Delete);
+    EXPECT_EQ(boxes, QStringList{GetText(30007)});
+    EXPECT_EQ(styles, QList<int>{1});
+    EXPECT_EQ(Grid().rowCount(), 3);
+    answer = Messages::Ok;
+    for (int i = 0; i < 3; ++i)
+        Press(Delete);
+    EXPECT_EQ(Grid().rowCount(), 0);
+    const auto asked = boxes.size();
+    Press(Delete);
+    Press(Change);
+    EXPECT_EQ(boxes.size(), asked);
+    EXPECT_EQ(NbInstances(Codes()), 0);
+    Save();
+    EXPECT_EQ(boxes.last(),
+              ErrorHandling::ErrorText(QStringLiteral("dlgDefPwds.cmdBoutons_Click"), 9));
+    EXPECT_EQ(Site().UserCount(), 3);
+    EXPECT_EQ(NbInstances(Table), 1);
+}
+
+TEST_F(DefPwdsTest, NobodyThereTakesBothDialogsAway) {
+    Global::Get().userLevel = 3;
+    Forms::Load(QStringLiteral("wPolling"));
+    script.On(Table, [] { Press(Add); });
+    script.On(Codes(), [this] {
+        TapKeys("A");
+        NobodyIsThere();
+    });
+    Forms::Load(Table);
+    Screen(Table)->ShowModal();
+    EXPECT_EQ(NbInstances(Table) + NbInstances(Codes()), 0);
+    EXPECT_TRUE(Screen(QStringLiteral("wRunAlarms"))->Visible());
+    EXPECT_EQ(Site().UserCount(), 3);
+}
