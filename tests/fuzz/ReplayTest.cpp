@@ -1,0 +1,51 @@
+// The inputs that once broke something, or reach what others don't, go through the fuzz functions
+// at each run of the tests.
+
+#include "fuzz/Targets.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Target {
+    const char* name;
+    int (*function)(const uint8_t*, size_t);
+};
+
+void PrintTo(const Target& target, std::ostream* stream) {
+    *stream << target.name;
+}
+
+class Replay : public ::testing::TestWithParam<Target> {};
+
+} // namespace
+
+TEST_P(Replay, Corpus) {
+    const QDir folder(QStringLiteral(KORVANELLE_SOURCE_DIR "/fuzz/corpus/") +
+                      QString::fromLatin1(GetParam().name));
+    const QStringList names = folder.entryList(QDir::Files, QDir::Name);
+    EXPECT_FALSE(names.isEmpty());
+    for (const QString& name : names) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        // A function that finds a fault ends the process: the last name printed is its input.
+        std::printf("%s\n", name.toLocal8Bit().constData());
+        std::fflush(stdout);
+        EXPECT_EQ(GetParam().function(reinterpret_cast<const uint8_t*>(bytes.constData()),
+                                      size_t(bytes.size())),
+                  0);
+    }
+    EXPECT_EQ(GetParam().function(nullptr, 0), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Fuzz, Replay,
+                         ::testing::Values(Target{"Exchange", FuzzExchange},
+                                           Target{"Panels", FuzzPanels}, Target{"Site", FuzzSite},
+                                           Target{"Settings", FuzzSettings},
+                                           Target{"HistoLine", FuzzHistoLine},
+                                           Target{"Command", FuzzCommand},
+                                           Target{"AlarmList", FuzzAlarmList}),
+                         [](const auto& given) { return std::string(given.param.name); });
