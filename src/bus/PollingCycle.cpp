@@ -116,7 +116,7 @@ void wPolling::WorkQueue() {
             return;
         const CommandPtr command = commands_.Item(position);
         TraiteCommande(*command);
-        Yield();
+        YieldWithoutInput();
         if (EndIfClosing())
             return;
     }

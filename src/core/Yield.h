@@ -2,3 +2,7 @@
 
 /// Lets pending events of the one event loop run, from inside a long operation.
 void Yield();
+
+/// The same without the operator's input, which waits: a dialog that a touch opens would hold up
+/// whatever yields for as long as it stands.
+void YieldWithoutInput();

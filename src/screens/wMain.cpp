@@ -10,6 +10,7 @@
 #include "screens/FilePicker.h"
 #include "screens/ResizeForm.h"
 #include "screens/TouchImage.h"
+#include "screens/wHelp.h"
 #include "ui_wMain.h"
 
 #include <QCoreApplication>
@@ -73,6 +74,7 @@ wMain::wMain()
     OnClick(QStringLiteral("imgNavig"), [this](int index) { imgNavig_Click(index); });
     OnClick(LanguageName, [this](int) { NextLanguage(); });
     OnClick(ui_->imgLanguage, [this] { NextLanguage(); });
+    OnClick(ui_->imgHelp, [] { ShowHelp(); });
     OnClick(LoginName, [this](int) { AskLogin(); });
     if (Polling() != nullptr)
         connect(Polling(), &wPolling::UserChanged, this, &wMain::ShowLogin);

@@ -11,6 +11,7 @@
 #include "model/CurrentConfig.h"
 #include "platform/Processes.h"
 #include "screens/FilePicker.h"
+#include "screens/wHelp.h"
 #include "screens/wMain.h"
 
 #include <QCoreApplication>
@@ -114,6 +115,8 @@ void wMain::imgNavig_Click(int index) {
 void wMain::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_F12)
         platform::StartProcess(ScreenKeyboard());
+    else if (event->key() == Qt::Key_F1)
+        ShowHelp();
     else
         ScreenForm::keyPressEvent(event);
 }

@@ -116,6 +116,7 @@ int main(int argc, char** argv) {
     IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"),
              QStringLiteral("/sites/Waterworks.kv2"));
     wPolling engine(platform::MakeSerialPort([](int) { return QString(); }));
+    Global::ReadMarks();
     WriteHistory();
     const QDir target(QString::fromLocal8Bit(argv[2]));
     platform::MakeFolder(target.path());
