@@ -17,6 +17,8 @@ namespace {
 /// A panel of each model at the address of its code.
 constexpr int ModelCount = 5;
 constexpr int MaxSteps = 6;
+/// A run ends after the step that reaches so many events.
+constexpr int EnoughEvents = 12;
 /// States that a poll of `P5000` and `P5500` reads.
 constexpr int StateWords = 12;
 
@@ -104,7 +106,7 @@ void Consume(const EventClass& event, AlarmRows& rows) {
 /// Number of events that a module reports. Most are small, for each event costs the run as much as
 /// all else.
 qint16 EventCount(Input& input) {
-    constexpr int AnyCount = 0xF0;
+    constexpr int AnyCount = 0xFE;
     const int choice = input.Byte();
     return choice < AnyCount ? qint16(choice & 3) : qint16(input.Word());
 }
@@ -149,9 +151,12 @@ int FuzzPanels(const uint8_t* data, size_t size) {
     link->answer = [&input](const QByteArray& frame) { return Fuzz::ReplyTo(frame, input); };
     wPolling engine(std::move(link));
     AlarmRows rows;
-    QObject::connect(&engine, &wPolling::BusEvent,
-                     [&rows](const EventClass& event) { Consume(event, rows); });
-    for (int step = 0; step < MaxSteps && !input.IsEmpty(); ++step) {
+    int events = 0;
+    QObject::connect(&engine, &wPolling::BusEvent, [&](const EventClass& event) {
+        ++events;
+        Consume(event, rows);
+    });
+    for (int step = 0; step < MaxSteps && events < EnoughEvents && !input.IsEmpty(); ++step) {
         const int choice = input.Byte();
         const int model = choice % ModelCount + 1;
         PanelClass& panel = Global::Configuration().Panel(model);

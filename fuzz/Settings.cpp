@@ -24,6 +24,8 @@ constexpr qsizetype MostNewLines = 3;
 
 /// The lines without their ends.
 QByteArrayList LinesOf(const QByteArray& content) {
+    if (content.isEmpty())
+        return {};
     QByteArrayList lines = content.split('\n');
     if (lines.last().isEmpty())
         lines.removeLast();
@@ -195,7 +197,7 @@ private:
         file_->WriteSection(section_, values);
         if (!compare)
             return;
-        const QByteArray whole = MemoryFiles::Content(PathBytes);
+        const QByteArrayList whole = Lines();
         MemoryFiles::Fail(MemoryFiles::Failure::None);
         if (MemoryFiles::Exists(PathBytes))
             MemoryFiles::Put(OtherPathBytes, before);
@@ -205,7 +207,8 @@ private:
             for (const auto& [key, value] : values)
                 other.Write(section_, key, value);
         }
-        Require(MemoryFiles::Content(OtherPathBytes) == whole,
+        // Ends apart: a line whose last byte is a carriage return gets another end when it is read.
+        Require(LinesOf(MemoryFiles::Content(OtherPathBytes)) == whole,
                 "a section is written as its keys are");
         MemoryFiles::Remove(OtherPathBytes);
     }

@@ -61,9 +61,9 @@ protected:
             panel.Channel(number).setScrAlm(true);
     }
 
-    /// Lets the bus run until a condition holds, at most 10 s.
+    /// Lets the bus run until a condition holds, at most 20 s.
     static bool Until(const std::function<bool()>& condition) {
-        return QTest::qWaitFor(condition, 10000);
+        return QTest::qWaitFor(condition, 20000);
     }
     /// A field of what the simulator shows of a module: "states", "forced", "waiting", "horn".
     QByteArray Shown(int address, const QByteArray& field) {
