@@ -103,12 +103,9 @@ void Consume(const EventClass& event, AlarmRows& rows) {
     }
 }
 
-/// Number of events that a module reports. Most are small, for each event costs the run as much as
-/// all else.
+/// Number of events that a module reports, mostly small.
 qint16 EventCount(Input& input) {
-    constexpr int AnyCount = 0xFE;
-    const int choice = input.Byte();
-    return choice < AnyCount ? qint16(choice & 3) : qint16(input.Word());
+    return input.IsRare() ? qint16(input.Word()) : qint16(input.Byte() & 3);
 }
 
 /// The words of a poll as long as the model's.

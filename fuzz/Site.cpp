@@ -5,7 +5,6 @@
 #include "model/SiteFile.h"
 
 #include <exception>
-#include <numeric>
 
 using Fuzz::Require;
 
@@ -46,25 +45,15 @@ const QByteArray& NewFile() {
     return bytes;
 }
 
-/// One input in 61, by the sum of its bytes.
-bool IsRare(const QByteArray& bytes) {
-    constexpr int OneIn = 61;
-    return std::accumulate(bytes.cbegin(), bytes.cend(), 0,
-                           [](int sum, char byte) { return sum + quint8(byte); }) %
-               OneIn ==
-           0;
-}
-
 /// Sections of a new site, then the input, then zeros, so that the far sections are reached by
 /// small inputs. Few inputs reach beyond the panels: those cost a hundred times the others.
 QByteArray FileOf(Input& input) {
     static constexpr qsizetype Starts[] = {0,         SignatureEnd, SignatureEnd, HeaderEnd,
                                            PanelsEnd, TextsEnd,     TextsEnd,     HeaderEnd};
     const int form = input.Byte();
-    const QByteArray rest = input.Rest();
-    const bool far = (form & 0x38) == 0x38 && IsRare(rest);
+    const bool far = (form & 0x38) == 0x38 && input.IsRare();
     const qsizetype start = far ? Starts[form & 7] : Starts[form & 3];
-    QByteArray bytes = NewFile().left(start) + rest;
+    QByteArray bytes = NewFile().left(start) + input.Rest();
     if ((form & 0x40) != 0)
         bytes += QByteArray(HeaderEnd, '\0');
     if (far && (form & 0x80) != 0)

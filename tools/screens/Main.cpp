@@ -80,6 +80,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     };
     const QString console = QStringLiteral("wRunAlarms");
     IniDeleteSection(QStringLiteral("LastAlarms"));
+    Global::Configuration().Panel(8).setErrCptr(2, 0);
     Take(console, path("console_empty"));
     Forms::Show(console);
     RaiseAlarms(engine);
