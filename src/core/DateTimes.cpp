@@ -13,7 +13,7 @@ QString pattern;
 
 /// Order and separator of the locale's short date; widths are fixed, since files have ten columns.
 QString PatternOf(const QLocale& locale) {
-    const QString fallback = QStringLiteral("yyyy-MM-dd");
+    QString fallback = QStringLiteral("yyyy-MM-dd");
     if (locale.language() == QLocale::C)
         return fallback;
     QString order;

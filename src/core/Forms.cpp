@@ -13,7 +13,7 @@ constexpr int UnloadRounds = 10;
 } // namespace
 
 void Register(const QString& name, Factory factory) {
-    factories.insert(name, std::move(factory));
+    factories[name] = std::move(factory);
 }
 
 QStringList Names() {

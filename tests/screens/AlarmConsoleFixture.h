@@ -5,7 +5,6 @@
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/Trace.h"
-#include "core/Trace.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Folders.h"
