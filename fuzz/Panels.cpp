@@ -16,9 +16,12 @@ namespace {
 
 /// A panel of each model at the address of its code.
 constexpr int ModelCount = 5;
-constexpr int MaxSteps = 6;
+/// Steps of a run, and of the rare one that goes on for long.
+constexpr int MaxSteps = 2;
+constexpr int MaxStepsRarely = 8;
 /// A run ends after the step that reaches so many events.
-constexpr int EnoughEvents = 12;
+constexpr int EnoughEvents = 6;
+constexpr int EnoughEventsRarely = 24;
 /// States that a poll of `P5000` and `P5500` reads.
 constexpr int StateWords = 12;
 
@@ -114,9 +117,12 @@ Words WordsOf(int model, Input& input) {
         return {EventCount(input)};
     if (!Models::IsRemoteControlled(model))
         return {qint16(input.Word())};
-    Words words;
-    for (int i = 0; i < StateWords; ++i)
-        words += qint16(qint8(input.Byte()));
+    // Few channels change at a time: an event costs far more than what reads it.
+    Words words(StateWords, 0);
+    for (int changes = input.IsRare() ? StateWords : input.Byte() & 3; changes > 0; --changes) {
+        const int word = input.Byte() % StateWords;
+        words[word] = qint16(qint8(input.Byte()));
+    }
     return words;
 }
 
@@ -149,11 +155,13 @@ int FuzzPanels(const uint8_t* data, size_t size) {
     wPolling engine(std::move(link));
     AlarmRows rows;
     int events = 0;
+    const int maxSteps = input.IsRare() ? MaxStepsRarely : MaxSteps;
+    const int enough = input.IsRare() ? EnoughEventsRarely : EnoughEvents;
     QObject::connect(&engine, &wPolling::BusEvent, [&](const EventClass& event) {
         ++events;
         Consume(event, rows);
     });
-    for (int step = 0; step < MaxSteps && events < EnoughEvents && !input.IsEmpty(); ++step) {
+    for (int step = 0; step < maxSteps && events < enough && !input.IsEmpty(); ++step) {
         const int choice = input.Byte();
         const int model = choice % ModelCount + 1;
         PanelClass& panel = Global::Configuration().Panel(model);

@@ -18,7 +18,9 @@ const QString Path = QStringLiteral("/memory/fuzz.ini");
 const QByteArray PathBytes = QByteArrayLiteral("/memory/fuzz.ini");
 const QString OtherPath = QStringLiteral("/memory/other.ini");
 const QByteArray OtherPathBytes = QByteArrayLiteral("/memory/other.ini");
-constexpr int MaxSteps = 8;
+/// Steps of a run, and of the rare one that goes on for long.
+constexpr int MaxSteps = 3;
+constexpr int MaxStepsRarely = 10;
 /// A section with its name, at most one blank line ahead of it, and a key.
 constexpr qsizetype MostNewLines = 3;
 
@@ -36,8 +38,16 @@ QByteArrayList LinesOf(const QByteArray& content) {
     return lines;
 }
 
+/// The line behind its leading blanks and tabs; other white space counts as content.
+QByteArray ContentOf(const QByteArray& line) {
+    qsizetype start = 0;
+    while (start < line.size() && QByteArrayView(" \t\r").contains(line[start]))
+        ++start;
+    return line.mid(start);
+}
+
 bool IsComment(const QByteArray& line) {
-    const QByteArray content = line.trimmed();
+    const QByteArray content = ContentOf(line);
     return content.startsWith(';') || content.startsWith('#');
 }
 
@@ -172,7 +182,7 @@ private:
             return;
         for (const QByteArray& line : Removed(LinesOf(before), Lines()))
             Require(!IsComment(line) &&
-                        (line.contains('=') || line.contains('[') || line.trimmed().isEmpty()),
+                        (line.contains('=') || line.contains('[') || ContentOf(line).isEmpty()),
                     "comments and unknown lines of a section stay");
     }
 
@@ -240,7 +250,8 @@ int FuzzSettings(const uint8_t* data, size_t size) {
     Fuzz::Prepare();
     Input input(data, size);
     Session session(input);
-    for (int step = 0; step < MaxSteps && !input.IsEmpty(); ++step)
+    const int maxSteps = input.IsRare() ? MaxStepsRarely : MaxSteps;
+    for (int step = 0; step < maxSteps && !input.IsEmpty(); ++step)
         session.Step();
     return 0;
 }

@@ -20,3 +20,5 @@ int FuzzHistoLine(const uint8_t* data, size_t size);
 int FuzzCommand(const uint8_t* data, size_t size);
 /// The alarms of the console as the settings keep them.
 int FuzzAlarmList(const uint8_t* data, size_t size);
+/// A printer's definition, and a line printed with it.
+int FuzzPrinter(const uint8_t* data, size_t size);

@@ -2,6 +2,7 @@
 
 #include "events/DirectPrinting.h"
 #include "events/FakePort.h"
+#include "events/PrinterDefinition.h"
 #include "model/Models.h"
 #include "platform/SettingsFile.h"
 #include "support/Bench.h"
@@ -185,16 +186,6 @@ TEST_F(Printed, NothingStopsForAPrinterThatFails) {
     EXPECT_TRUE(boxes[0].endsWith(Text("HistoProcs\r\nFunction : PrintEvent")));
 }
 
-/// What the printer screen makes of a definition: the ready sequence of a class's code.
-QString ReadySequence(const platform::SettingsFile& file, const QString& code) {
-    QString sequence = file.Read(Text("Colors"), code.left(1), QString());
-    for (const char* style : {"B", "I", "U"}) {
-        if (code.contains(Text(style)))
-            sequence += u' ' + file.Read(Text("Styles"), Text(style), QString());
-    }
-    return sequence.trimmed();
-}
-
 TEST_F(Printed, DefinitionFilesHoldSequences) {
     const QDir folder(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers"));
     const QStringList names = folder.entryList({Text("*.prt")});
@@ -227,12 +218,40 @@ TEST_F(Printed, DefinitionFilesColourALine) {
                                  "E\x1B-\x01")},
     };
     for (const auto& [name, start] : rows) {
-        const platform::SettingsFile file(
+        const PrinterDefinition definition(
             QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers/%1.prt").arg(Text(name)));
-        Site().setPrinterInitString(0, file.Read(Text("Reset"), Text("Init"), QString()));
-        Site().setPrinterInitString(1, ReadySequence(file, Text("1BU")));
+        Site().setPrinterInitString(0, definition.Init());
+        Site().setPrinterInitString(1, definition.SequenceOf(Text("1UB")));
         EXPECT_EQ(Print(12, 255, 1, 0), start + line) << name;
     }
+}
+
+TEST_F(Printed, ADefinitionIsReadByName) {
+    const auto write = [](const QString& name, const QByteArray& content) {
+        QFile file(PrinterDefinition::PathOf(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    write(Text("matrix"), "[Colors]\r\n2 = 1B 72 04\r\n12=1B\r\n[Styles]\r\nB=\r\nI=1B 34\r\n");
+    write(Text("beside"), "[Reset]\nInit=\"1B 40 \"\n");
+    EXPECT_EQ(PrinterDefinition::Names(), QStringList({Text("beside"), Text("matrix")}));
+
+    const PrinterDefinition matrix(PrinterDefinition::PathOf(Text("matrix")));
+    EXPECT_EQ(matrix.Init(), QString());
+    const std::pair<const char*, const char*> codes[] = {
+        {"2", "1B 72 04"},
+        {"2I", "1B 72 04 1B 34"},
+        {"2BI", "1B 72 04  1B 34"},
+        {"I", "1B 34"},
+        {"12B", "1B"},
+        {"0U", ""},
+        {"", ""},
+        {"xI", "1B 34"},
+    };
+    for (const auto& [code, sequence] : codes)
+        EXPECT_EQ(matrix.SequenceOf(Text(code)), Text(sequence)) << code;
+    EXPECT_EQ(PrinterDefinition(PrinterDefinition::PathOf(Text("none"))).SequenceOf(Text("2B")),
+              QString());
 }
 
 } // namespace

@@ -47,5 +47,6 @@ INSTANTIATE_TEST_SUITE_P(Fuzz, Replay,
                                            Target{"Settings", FuzzSettings},
                                            Target{"HistoLine", FuzzHistoLine},
                                            Target{"Command", FuzzCommand},
-                                           Target{"AlarmList", FuzzAlarmList}),
+                                           Target{"AlarmList", FuzzAlarmList},
+                                           Target{"Printer", FuzzPrinter}),
                          [](const auto& given) { return std::string(given.param.name); });
