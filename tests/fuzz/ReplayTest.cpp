@@ -41,12 +41,10 @@ TEST_P(Replay, Corpus) {
     EXPECT_EQ(GetParam().function(nullptr, 0), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Fuzz, Replay,
-                         ::testing::Values(Target{"Exchange", FuzzExchange},
-                                           Target{"Panels", FuzzPanels}, Target{"Site", FuzzSite},
-                                           Target{"Settings", FuzzSettings},
-                                           Target{"HistoLine", FuzzHistoLine},
-                                           Target{"Command", FuzzCommand},
-                                           Target{"AlarmList", FuzzAlarmList},
-                                           Target{"Printer", FuzzPrinter}),
-                         [](const auto& given) { return std::string(given.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Fuzz, Replay,
+    ::testing::Values(Target{"Exchange", FuzzExchange}, Target{"Panels", FuzzPanels},
+                      Target{"Site", FuzzSite}, Target{"Settings", FuzzSettings},
+                      Target{"HistoLine", FuzzHistoLine}, Target{"Command", FuzzCommand},
+                      Target{"AlarmList", FuzzAlarmList}, Target{"Printer", FuzzPrinter}),
+    [](const auto& given) { return std::string(given.param.name); });
