@@ -19,7 +19,8 @@ namespace {
 QByteArray Nothing(const QByteArray& frame) {
     if (frame[1] != 3)
         return frame;
-    QByteArray reply = frame.left(2) + char(2 * frame[5]) + QByteArray(2 * frame[5], '\0');
+    const QByteArray words(2 * qsizetype(frame[5]), '\0');
+    const QByteArray reply = frame.left(2) + char(words.size()) + words;
     const auto crc = quint16(CommFunctions::CRC16(reply + QByteArray(2, '\0'), int(reply.size())));
     return reply + char(crc & 0xFF) + char(crc >> 8);
 }
@@ -62,7 +63,7 @@ void TurnOver64(benchmark::State& state) {
     simulator.start(QStringLiteral(KORVANELLE_BUILD_DIR "/simulator/korvanelle-sim"), arguments);
     simulator.waitForStarted();
     simulator.waitForReadyRead(5000);
-    wPolling engine(platform::MakeSerialPort([&](int) { return bus; }));
+    wPolling engine(platform::MakeSerialPort([&](int) -> QString { return bus; }));
     engine.Form_Load();
     engine.setRun(true);
     for (int number = 1; number <= 63; ++number) {
@@ -70,12 +71,9 @@ void TurnOver64(benchmark::State& state) {
         Global::Configuration().Panel(number).setActive(true);
         Global::Configuration().Panel(number).setPresent(true);
     }
-    int turns = 0;
-    QObject::connect(&engine, &wPolling::PollDone, [&] { ++turns; });
-    const auto turn = [&] {
-        for (const int from = turns; turns == from;)
-            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    };
+    QEventLoop loop;
+    QObject::connect(&engine, &wPolling::PollDone, &loop, &QEventLoop::quit);
+    const auto turn = [&] { loop.exec(); };
     turn();
     for (auto step : state)
         turn();

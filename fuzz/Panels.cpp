@@ -121,7 +121,8 @@ Words WordsOf(int model, Input& input) {
     Words words(StateWords, 0);
     for (int changes = input.IsRare() ? StateWords : input.Byte() & 3; changes > 0; --changes) {
         const int word = input.Byte() % StateWords;
-        words[word] = qint16(qint8(input.Byte()));
+        const int value = input.Byte();
+        words[word] = qint16(value < 0x80 ? value : value - 0x100);
     }
     return words;
 }
