@@ -16,7 +16,9 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     Theme::Apply(application);
     Startup startup;
-    if (!startup.Main())
-        return 1;
+    QTimer::singleShot(0, &startup, [&startup] {
+        if (!startup.Main())
+            QApplication::exit(1);
+    });
     return QApplication::exec();
 }

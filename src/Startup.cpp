@@ -29,7 +29,7 @@ const QString Files = QStringLiteral("Files");
 
 /// Said in the trace and nowhere else: the alarms are on the screen all the same.
 void TellNoSoundDevice() {
-    Guard("Startup.Sound", [] {
+    Guard("Startup.TellNoSoundDevice", [] {
         Trace::Write(DateTimes::DateAndTime(DateTimes::Now()) +
                      QStringLiteral(" NO SOUND DEVICE: THE HORN STAYS SILENT"));
     });
@@ -90,6 +90,8 @@ void Startup::StartByItself() {
     if (!polling_->CommBus().PortOpen())
         return;
     polling_->setRun(true);
+    if (HasEnded())
+        return;
     Forms::Show(Console);
     Forms::Unload(MainMenu);
     Forms::UnloadAllBut({Console, PollingForm});
@@ -103,13 +105,22 @@ bool Startup::Main() {
         RegisterScreens();
         if (!ClaimInstance())
             return;
-        Guard("Startup.OpenTrace", [] { Trace::OpenToday(); });
+        // A trace that can't be opened is told; the alarms go their way without it.
+        Guard("Startup.Main", [] { Trace::OpenToday(); });
         DropFormerAlarms();
         if (!Config::OpenConfigBase()) {
             Message(QStringLiteral("Unable to open configuration file."), Messages::Critical);
             return;
         }
         started = true;
+        if (!ended_)
+            ComeUp();
+    });
+    return started;
+}
+
+void Startup::ComeUp() {
+    Guard("Startup.Main", [&] {
         Pointer::Hourglass();
         Global::ReadMarks();
         Global::Get().sound = platform::MakeSound(TellNoSoundDevice);
@@ -117,24 +128,34 @@ bool Startup::Main() {
             IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
         const qint32 result = ReadConfiguration();
         LoadPolling();
+        if (HasEnded())
+            return;
         EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
         polling_->SendEvent(event);
         const bool autoStart = Global::Configuration().AutoStart();
         if (autoStart && result == 0)
             StartByItself();
+        if (HasEnded())
+            return;
         Config::ExportSounds(
             [](int place) { return Global::Configuration().AlarmPrioSound(place); });
         // The bus may have started by itself: at the first start of all its horn had no file yet.
         Global::Get().sound->Resume();
         Pointer::Default();
-        if (!autoStart)
+        if (!autoStart && !HasEnded())
             Forms::Show(MainMenu);
     });
-    return started;
+}
+
+bool Startup::HasEnded() const {
+    return ended_ || (polling_ && polling_->IsClosing());
 }
 
 void Startup::End(platform::UnloadMode mode) {
     Guard("Startup.End", [&] {
+        ended_ = true;
+        // Nobody answers any more: an error on the way out must not hold up what follows it.
+        Messages::Install({});
         if (polling_) {
             polling_->Form_QueryUnload(mode);
             polling_->Form_Unload();

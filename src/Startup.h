@@ -16,13 +16,18 @@ public:
     Startup();
     ~Startup() override;
 
-    /// Comes up. False when the program must end at once: it runs already, or there is no
-    /// configuration base; the operator has been told.
+    /// Comes up; the event loop runs already, so that an end can come meanwhile. False when the
+    /// program must end at once: it runs already, or there is no configuration base; the operator
+    /// has been told.
     bool Main();
     /// Ends the program: horn, trace, port, queue, screens.
     void End(platform::UnloadMode mode);
 
 private:
+    /// The start behind what could stop it: site, bus, sounds, first screen. An end that comes
+    /// inside, in a box or a yield, leaves the rest out.
+    void ComeUp();
+    bool HasEnded() const;
     bool ClaimInstance();
     void DropFormerAlarms();
     /// Reads the current-configuration file; the result is that of `ConfigClass.Read`, or -1
@@ -34,4 +39,5 @@ private:
     std::unique_ptr<platform::SingleInstance> instance_;
     std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
     std::unique_ptr<wPolling> polling_;
+    bool ended_ = false;
 };

@@ -188,6 +188,7 @@ public:
         return TheDisk().failure != Failure::OpenToRead && MemoryFiles::Exists(path_);
     }
     QByteArray readAll() const { return MemoryFiles::Content(path_); }
+    static QFileDevice::FileError error() { return QFileDevice::NoError; }
     static QByteArray encodeName(const QString& name) { return name.toUtf8(); }
     static QString decodeName(const QByteArray& name) { return QString::fromUtf8(name); }
 

@@ -66,11 +66,16 @@ void wPolling::Form_Load() {
         ReinitComm();
         commands_ = CommandClasses();
         SetupPrinter();
+        // The end of the program may have come while a box of the two stood.
+        if (closing_)
+            return;
         RestoreCommands();
         SetupUserSleep();
-        tmrMidnight_.start();
-        tmrReactiv_.start();
     });
+    if (closing_)
+        return;
+    tmrMidnight_.start();
+    tmrReactiv_.start();
 }
 
 void wPolling::SetupUserSleep() {
@@ -96,6 +101,7 @@ void wPolling::SetupPrinter() {
 /// Each stored command leaves the settings as it is taken, readable or not: one that can't be
 /// read must not come back at every start.
 void wPolling::RestoreCommands() {
+    restored_ = true;
     QStringList keys;
     IniReadKeys(keys, PendingCommands);
     for (const QString& key : std::as_const(keys)) {
@@ -146,19 +152,23 @@ void wPolling::Form_Unload() {
     });
 }
 
+/// What was carried out in the round that the end interrupts isn't sent a second time.
 void wPolling::StoreCommands() {
-    int number = 0;
+    // An end before they were taken leaves those of the former run to the next start.
+    if (!restored_)
+        return;
+    QList<std::pair<QString, QString>> stored;
     for (int position = 1; position <= commands_.Count(); ++position) {
         const CommandPtr command = commands_.Item(position);
-        // What was carried out in the round that the end interrupts isn't sent a second time.
         if (command->CmdType() != CommandTypes::Done)
-            IniWrite(PendingCommands, QString::number(++number), command->ToText());
+            stored.append({QString::number(stored.size() + 1), command->ToText()});
     }
+    IniWriteSection(PendingCommands, stored);
 }
 
 void wPolling::setRun(bool on) {
     Guard("wPolling.Run", [&] {
-        if (on && closing_)
+        if (on && (closing_ || synchronising_))
             return;
         if (on && !link_->PortOpen()) {
             try {
@@ -175,7 +185,10 @@ void wPolling::setRun(bool on) {
         tmrPoll_.setInterval(PollRest);
         if (on && !run_) {
             if (!firstStart_) {
+                // A second touch of the button may wait for the yield inside.
+                synchronising_ = true;
                 SynchroGeneraleBus();
+                synchronising_ = false;
                 firstStart_ = true;
             }
             tmrPoll_.start();

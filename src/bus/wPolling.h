@@ -177,12 +177,15 @@ private:
     bool closing_ = false;
     bool unloaded_ = false;
     bool firstStart_ = false;
+    bool synchronising_ = false; // by the first start
+    bool restored_ = false;      // the commands of the former run are taken
     qint32 lastEvent_ = 0;
     qint16 updatePointer_ = 0;
     qint16 pollPointer_ = 0;
     qint16 polledInTurn_ = 0;
     DateTime lastMidnightCheck_ = 0;
     DateTime lastRoundTime_ = 0;
+    // How long histories stay, as the site has it; the purge reads the settings itself.
     bool periodUnit_ = false;
     int periodTime_ = 0;
     bool periodLimit_ = false;

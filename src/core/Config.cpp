@@ -10,6 +10,7 @@
 
 #include <QFile>
 #include <QHash>
+#include <QSaveFile>
 #include <QStringList>
 #include <cmath>
 
@@ -39,14 +40,14 @@ struct Base {
         : database(path, Connect)
         , languageTable(database.OpenTable(QStringLiteral("T_Language")))
         , configTable(database.OpenTable(QStringLiteral("T_Config")))
-        , soundTable(database.OpenTable(QStringLiteral("T_Sounds")))
         , words(WordsOf(languageTable.ReadAll()))
         , defaults(configTable.ReadAll()) {}
 
     platform::RecordDatabase database;
     platform::RecordTable languageTable;
     platform::RecordTable configTable;
-    platform::RecordTable soundTable;
+    /// Opened with the first sound: a base without sounds still has its words.
+    std::optional<platform::RecordTable> soundTable;
     /// The fields of each row as texts: a null is an empty one.
     QHash<int, QStringList> words;
     QHash<qint64, platform::Record> defaults;
@@ -54,10 +55,12 @@ struct Base {
 
 std::unique_ptr<Base> base;
 
-QString FieldText(const platform::Record& record, int index) {
+QVariant Field(const platform::RecordTable& table, const platform::Record& record,
+               const QString& name) {
+    const int index = table.FieldIndex(name);
     if (index < 0 || index >= record.size())
         throw platform::RunTimeError(platform::errors::NoSuchField);
-    return record[index].toString();
+    return record[index];
 }
 
 } // namespace
@@ -105,9 +108,9 @@ QString GetText(const QString& key, bool keepBars) {
     if (!isNumber || !std::isfinite(number))
         return {};
     // Ids are whole: nothing else can be found.
-    if (number != std::floor(number) || std::abs(number) > 2147483647.0)
-        return u'#' + key + u'#';
-    return GetText(int(number), keepBars);
+    const bool known = number == std::floor(number) && std::abs(number) <= 2147483647.0 && base &&
+                       base->words.contains(int(number));
+    return known ? GetText(int(number), keepBars) : u'#' + key + u'#';
 }
 
 QString GetConfig(int id) {
@@ -117,7 +120,7 @@ QString GetConfig(int id) {
             return;
         const auto found = base->defaults.constFind(id);
         if (found != base->defaults.constEnd())
-            value = FieldText(*found, base->configTable.FieldIndex(QStringLiteral("Value")));
+            value = Field(base->configTable, *found, QStringLiteral("Value")).toString();
     });
     return value;
 }
@@ -131,13 +134,16 @@ QString GetLanguage(int index) {
 std::optional<QByteArray> Sound(int number) {
     std::optional<QByteArray> content;
     Guard("Config.Sound", [&] {
-        const platform::Record record = base ? base->soundTable.Seek(number) : platform::Record();
+        if (!base)
+            return;
+        if (!base->soundTable)
+            base->soundTable = base->database.OpenTable(QStringLiteral("T_Sounds"));
+        const platform::RecordTable& table = *base->soundTable;
+        const platform::Record record = table.Seek(number);
         if (record.isEmpty())
             return;
-        const int size = record.value(base->soundTable.FieldIndex(QStringLiteral("Size"))).toInt();
-        content = record.value(base->soundTable.FieldIndex(QStringLiteral("Content")))
-                      .toByteArray()
-                      .left(qMax(0, size));
+        const int size = Field(table, record, QStringLiteral("Size")).toInt();
+        content = Field(table, record, QStringLiteral("Content")).toByteArray().left(qMax(0, size));
     });
     return content;
 }
@@ -151,13 +157,12 @@ void ExportSound(int place, int number) {
         const std::optional<QByteArray> content = Sound(number);
         if (!content)
             return;
-        QFile file(path);
+        // Whole or not at all: half a sound would stay for ever, as a file that exists isn't
+        // written again.
+        QSaveFile file(path);
         if (!file.open(QIODevice::WriteOnly) || file.write(*content) != content->size() ||
-            !file.flush()) {
-            // Half a sound would stay for ever: a file that exists isn't written again.
-            file.remove();
+            !file.commit())
             throw platform::RunTimeError(platform::errors::PathAccess);
-        }
     });
 }
 

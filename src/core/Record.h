@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <algorithm>
 
 /// A column of a fixed-width record: where it begins and how wide it is.
 struct Column {

@@ -266,7 +266,9 @@ SettingsFile::Stamp SettingsFile::StampOnDisk() const {
 }
 
 void SettingsFile::Refresh() const {
-    if (!unsaved_ && StampOnDisk() != seen_)
+    // A file that couldn't be read is tried again; the changes made meanwhile are lost, as they
+    // must not take the place of its lines.
+    if (unreadable_ || (!unsaved_ && StampOnDisk() != seen_))
         Load();
 }
 
@@ -282,6 +284,10 @@ void SettingsFile::Load() const {
         return;
     }
     const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        unreadable_ = true;
+        return;
+    }
     qsizetype start = 0;
     while (start < bytes.size()) {
         const qsizetype feed = bytes.indexOf('\n', start);
@@ -308,7 +314,7 @@ void SettingsFile::Store() {
     };
     // Its lines would be lost.
     if (unreadable_)
-        fail(-1, EACCES);
+        throw RunTimeError(errors::PathAccess);
 
     QByteArray bytes;
     for (const Line& line : std::as_const(lines_))

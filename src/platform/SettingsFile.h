@@ -14,8 +14,8 @@ namespace platform {
 /// lines and line ends stay as they are. Section and key names compare without regard to case.
 /// A change replaces the whole file by a temporary one and a rename, but a value as long as the one
 /// before is written into its place by one call: a kill at any moment leaves the old file or the
-/// new one. A file that somebody edits by hand meanwhile is read
-/// again. The disk is flushed at most once a second.
+/// new one. A file that somebody edits by hand meanwhile is read again. The disk is flushed at most
+/// once a second.
 class SettingsFile {
 public:
     /// Reads the file as it is now; a missing file reads as empty. Removes a temporary file that
@@ -28,7 +28,8 @@ public:
     QString Read(const QString& section, const QString& key, const QString& fallback) const;
     /// Creates or replaces. Line breaks in a value become blanks; blanks at its ends are kept.
     /// Throws RunTimeError `PathAccess` or `DiskFull` when the file can't be written; the value is
-    /// then kept in memory and goes out with the next change. Throws `InvalidPropertyValue` for
+    /// then kept in memory and goes out with the next change, but not over a file whose lines can't
+    /// be read. Throws `InvalidPropertyValue` for
     /// names that no line can hold: a key that is empty, has a "=" in it or looks like a comment or
     /// a section, a section with a "]" in it.
     void Write(const QString& section, const QString& key, const QString& value);

@@ -92,13 +92,16 @@ bool wMain::InsistOnLevel(int level) {
     while (!AccessOk(level)) {
         const bool entered = AskPassword();
         // An operator who stays away may have cost the menu its place.
-        if (!IsLoaded(self) || !entered)
+        if (!IsLoaded(self))
+            return false;
+        // Any code may have changed the level, one that isn't enough as well.
+        ShowLogin();
+        if (!entered)
             return false;
         Yield();
         if (!IsLoaded(self))
             return false;
     }
-    ShowLogin();
     return true;
 }
 

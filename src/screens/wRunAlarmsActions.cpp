@@ -139,8 +139,11 @@ void wRunAlarms::imgStopRun_Click() {
     wPolling* comm = Polling();
     if (comm == nullptr || !TryLevel(ConfigurationLevel))
         return;
+    // A port that doesn't open is told in a box; the operator may be gone before it.
+    const QPointer<wRunAlarms> self(this);
     comm->setRun(!comm->Run());
-    ShowRunState();
+    if (self)
+        ShowRunState();
 }
 
 void wRunAlarms::imgNavig_Click() {

@@ -247,6 +247,8 @@ TEST_F(Synchro, RunsWithTheFirstStartThatSucceeds) {
     EXPECT_EQ(link->sent.size(), 0);
     link->canOpen = true;
     const qsizetype before = TraceLines().size();
+    // A second touch of the button, from the yield inside.
+    QTimer::singleShot(0, engine.get(), [this] { engine->setRun(!engine->Run()); });
     engine->setRun(true);
     EXPECT_EQ(Frames::Said(link->sent),
               (Lines{"read 5 132 1", "write 5 64 0", "read 5 68 1", "write 5 0 0"}));
@@ -259,6 +261,9 @@ TEST_F(Synchro, RunsWithTheFirstStartThatSucceeds) {
     EXPECT_TRUE(lines[2].contains(QStringLiteral("REINIT")));
     EXPECT_TRUE(engine->Run());
     Forget();
+    // A start of a bus that runs is told again and changes nothing else.
+    engine->setRun(true);
+    EXPECT_TRUE(TraceLines().last().contains(QStringLiteral("COMM   START")));
     engine->setRun(false);
     engine->setRun(true);
     EXPECT_EQ(link->sent.size(), 0);

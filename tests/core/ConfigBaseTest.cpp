@@ -109,7 +109,7 @@ TEST_F(ConfigBase, KeysAndBars) {
     EXPECT_EQ(GetText(QStringLiteral("Mirror")), QString());
     EXPECT_EQ(GetText(QStringLiteral("010100")), QStringLiteral("Mirror"));
     EXPECT_EQ(GetText(QStringLiteral("nan")), QString());
-    EXPECT_EQ(GetText(QStringLiteral("77")), QStringLiteral("#77#"));
+    EXPECT_EQ(GetText(QStringLiteral("0077")), QStringLiteral("#0077#"));
     EXPECT_EQ(GetText(QStringLiteral("-1")), QStringLiteral("#-1#"));
     EXPECT_EQ(GetText(QStringLiteral("99999999999")), QStringLiteral("#99999999999#"));
 }

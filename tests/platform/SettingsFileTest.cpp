@@ -248,7 +248,14 @@ TEST_F(SettingsFileTest, KeepsTheValueWhenTheFileCannotBeWritten) {
     EXPECT_EQ(ErrorOf([&] { nowhere.Write(Section, Key, Text("22")); }), errors::PathAccess);
     EXPECT_EQ(nowhere.Read(Section, Key, QString()), Text("22"));
 
-    // A folder in the file's place can't be read, and must not be replaced either.
-    SettingsFile taken(folder_.path());
+    // A folder in the file's place can't be read, and must not be replaced either. It is tried
+    // again each time.
+    const QString place = folder_.filePath(QStringLiteral("taken.ini"));
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("taken.ini")));
+    SettingsFile taken(place);
     EXPECT_EQ(ErrorOf([&] { taken.Write(Section, Key, Text("22")); }), errors::PathAccess);
+    ASSERT_TRUE(QDir(folder_.path()).rmdir(QStringLiteral("taken.ini")));
+    PutBytes(place, "[General]\r\nOther=1\r\n");
+    taken.Write(Section, Key, Text("22"));
+    EXPECT_EQ(BytesOf(place), QByteArray("[General]\r\nOther=1\r\nKey=22\r\n"));
 }

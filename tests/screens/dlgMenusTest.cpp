@@ -127,6 +127,16 @@ TEST_F(MenusTest, TilesAskForTheirLevelUntilItIsReached) {
         EXPECT_EQ(boxes.size(), tile == 0 ? 1 : 0);
         boxes.clear();
     }
+    // The level that stays is the one that is shown, whatever the entry was good for.
+    Global::Get().userLevel = 1;
+    Enter("");
+    GiveUp();
+    TapTile(0);
+    EXPECT_EQ(TextOf(Menu, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
+    Enter("OP-1");
+    GiveUp();
+    TapTile(0);
+    EXPECT_EQ(TextOf(Menu, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
     Enter("SAME");
     Enter("SAME");
     GiveUp();

@@ -83,6 +83,33 @@ TEST_F(ProgramTest, QueuedCommandsSurviveARestart) {
     EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
 }
 
+// The adapter is missing, and the panel is switched off while the box about it stands.
+TEST_F(ProgramTest, AnEndInABoxOfTheStartKeepsTheCommands) {
+    const QString command = QStringLiteral("2|1|0043|00:00:00|0002");
+    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), folder_.Path(QStringLiteral("none")));
+    IniWrite(Pending, QStringLiteral("1"), command);
+    ProgramProcess program(folder_);
+    EXPECT_FALSE(program.WaitForEnd(1500)) << "tells and waits for the answer";
+    EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
+    EXPECT_TRUE(TraceHolds(QStringLiteral(" TASK  MANAGER  ")));
+    EXPECT_FALSE(TraceHolds(QStringLiteral("APPLI  START")));
+}
+
+// A site that can't be read keeps the bus from starting by itself; the watchdog brings the console.
+TEST_F(ProgramTest, AnUnreadableSiteLeavesTheBusStopped) {
+    QFile site(CurrentConfigFile());
+    ASSERT_TRUE(site.resize(site.size() / 2));
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("APPLI  START")); }));
+    ASSERT_TRUE(
+        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("AlarmSound1.wav"))); }));
+    EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_FALSE(TraceHolds(QStringLiteral("SYNCHR")));
+    EXPECT_EQ(IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString()),
+              GetText(50010));
+}
+
 // Each start is killed in the middle of a stream of events. What was written stands whole, no
 // number comes twice, and none is missing but one that a kill caught between its giving and its
 // line.
