@@ -16,6 +16,10 @@ void LineLog::WriteLine(const QString& text) {
     ToCodePage(text);
 }
 
+bool LineLog::OpenAgain() {
+    return true;
+}
+
 void LineLog::Renew() {}
 
 void LineLog::Commit() {}

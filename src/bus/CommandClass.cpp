@@ -12,6 +12,7 @@ namespace {
 
 constexpr int MaxValues = 124;
 constexpr qint32 LastModule = 64;
+constexpr qint32 LastWord = 0xFFFF;
 
 qint32 ReadNumber(const QString& text, int base) {
     bool good = false;
@@ -58,16 +59,20 @@ std::shared_ptr<CommandClass> CommandClass::FromText(const QString& text) {
         throw RunTimeError(errors::Subscript);
     auto command = std::make_shared<CommandClass>();
     command->cmdType_ = ReadNumber(pieces[0], 10);
-    const qint32 module = ReadNumber(pieces[1], 10);
-    // Cut to a byte, the address of a damaged text would be that of another panel or of all.
-    if (module < 0 || module > LastModule)
-        throw RunTimeError(errors::Overflow);
-    command->module_ = qint16(module);
-    command->address_ = ReadNumber(pieces[2], 16);
+    // Cut to what a frame holds, a number of a damaged text would be that of another panel or
+    // register.
+    const auto read = [&](int piece, int base, qint32 last) {
+        const qint32 number = ReadNumber(pieces[piece], base);
+        if (number < 0 || number > last)
+            throw RunTimeError(errors::Overflow);
+        return number;
+    };
+    command->module_ = qint16(read(1, 10, LastModule));
+    command->address_ = read(2, 16, LastWord);
     // A date of another locale is no date: such a command is due at once, as one of yesterday is.
     command->sendTime_ = DateTimes::Parse(pieces[3]).value_or(0);
     for (int i = 4; i < pieces.size(); ++i)
-        command->values_ += qint16(ReadNumber(pieces[i], 16));
+        command->values_ += qint16(read(i, 16, LastWord));
     return command;
 }
 

@@ -2,8 +2,8 @@
 
 #include "bus/CommFunctions.h"
 
+#include <QHash>
 #include <algorithm>
-#include <array>
 
 /// What was taken of the modules' event memories and not yet surely dropped there. A receipt
 /// whose reply is lost may have been obeyed or not: obeyed and sent again it would drop events
@@ -15,19 +15,19 @@ public:
     static constexpr int WordsAnEvent = 2;
 
     /// A receipt of the module is in the queue.
-    bool Waits(int address) const { return notes_[size_t(address)].waits; }
+    bool Waits(int address) const { return notes_.value(address).waits; }
     /// The words that the last read took, empty when the module has dropped them.
-    const Words& Taken(int address) const { return notes_[size_t(address)].taken; }
+    Words Taken(int address) const { return notes_.value(address).taken; }
     /// Notes a read of the memory; its receipt goes to the queue.
-    void Take(int address, const Words& memory) { notes_[size_t(address)] = {memory, true}; }
+    void Take(int address, const Words& memory) { notes_[address] = {memory, true}; }
     /// The module has dropped what was taken.
-    void Settle(int address) { notes_[size_t(address)] = {}; }
+    void Settle(int address) { notes_.remove(address); }
     /// The receipt was given up: what was taken may still stand in the module.
-    void GiveUp(int address) { notes_[size_t(address)].waits = false; }
+    void GiveUp(int address) { notes_[address].waits = false; }
 
     /// Does the memory begin with what was taken?
     bool BeginsWithTaken(int address, const Words& memory) const {
-        const Words& taken = Taken(address);
+        const Words taken = Taken(address);
         return !taken.isEmpty() && memory.size() >= taken.size() &&
                std::equal(taken.cbegin(), taken.cend(), memory.cbegin());
     }
@@ -37,5 +37,6 @@ private:
         Words taken;
         bool waits = false;
     };
-    std::array<Note, 65> notes_;
+    /// By the number that a panel bears, which a damaged site file may put out of all bounds.
+    QHash<int, Note> notes_;
 };

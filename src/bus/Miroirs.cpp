@@ -7,6 +7,8 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 
+#include <set>
+
 namespace Miroirs {
 
 using ErrorHandling::Guard;
@@ -57,6 +59,8 @@ Action ActionOfDisplay(int target, int toChannel) {
 /// What the pair of models can do of a rule.
 Action ActionOf(const MirrorClass& mirror) {
     ConfigClass& site = Global::Configuration();
+    if (mirror.ToModule() < 1 || mirror.ToModule() > ConfigClass::PanelCount)
+        return Action::Error;
     const int source = site.Panel(mirror.FromModule()).Model();
     const int target = site.Panel(mirror.ToModule()).Model();
     if (Models::IsQFamily(source)) {
@@ -125,7 +129,7 @@ void DoMirrors(const EventClass& event) {
             const MirrorClass& mirror = mirrors.Item(position);
             if (mirror.FromModule() != event.Panel() || mirror.FromChannel() != event.Chnl())
                 continue;
-            // A rule that a damaged site file has put out of all bounds stops no other.
+            // A rule that can't be carried out stops no other.
             Guard("Miroirs.DoMirrors", [&] { CarryOut(ActionOf(mirror), event, mirror); });
         }
     });
@@ -210,18 +214,18 @@ void LogErreur(const MirrorClass& mirror) {
 
 namespace {
 
-/// The question for one end point; `depth` is how many rules led there. A list of n rules without
-/// a loop has no chain of more than n.
-bool LeadsTo(const MirrorClasses& mirrors, std::pair<qint16, qint16> to,
-             std::pair<qint16, qint16> from, int depth) {
-    if (depth > mirrors.Count())
+using EndPoint = std::pair<qint16, qint16>;
+
+/// The question for one end point; those that were asked before are in `asked` and not asked again.
+bool LeadsTo(const MirrorClasses& mirrors, EndPoint to, EndPoint from, std::set<EndPoint>& asked) {
+    if (!asked.insert(to).second)
         return false;
     for (int position = 1; position <= mirrors.Count(); ++position) {
         const MirrorClass& mirror = mirrors.Item(position);
-        if (std::pair(mirror.ToModule(), mirror.ToChannel()) != to)
+        if (EndPoint(mirror.ToModule(), mirror.ToChannel()) != to)
             continue;
-        const std::pair source(mirror.FromModule(), mirror.FromChannel());
-        if (source == from || LeadsTo(mirrors, source, from, depth + 1))
+        const EndPoint source(mirror.FromModule(), mirror.FromChannel());
+        if (source == from || LeadsTo(mirrors, source, from, asked))
             return true;
     }
     return false;
@@ -231,7 +235,8 @@ bool LeadsTo(const MirrorClasses& mirrors, std::pair<qint16, qint16> to,
 
 bool MirrorLoop(const MirrorClasses& mirrors, qint16 toModule, qint16 toChannel, qint16 fromModule,
                 qint16 fromChannel) {
-    return LeadsTo(mirrors, {toModule, toChannel}, {fromModule, fromChannel}, 0);
+    std::set<EndPoint> asked;
+    return LeadsTo(mirrors, {toModule, toChannel}, {fromModule, fromChannel}, asked);
 }
 
 } // namespace Miroirs

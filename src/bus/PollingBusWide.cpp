@@ -18,7 +18,9 @@
 #include "model/Models.h"
 #include "platform/DiskFlush.h"
 
+#include <QScopedValueRollback>
 #include <algorithm>
+#include <optional>
 
 using ErrorHandling::Guard;
 
@@ -68,9 +70,14 @@ static bool DropEvents(platform::SerialLink& link, quint8 module) {
 /// Brings PC and modules to one picture: forced states and event memories are thrown away, and
 /// the list of alarms is made anew of what the channels show.
 void wPolling::SynchroGeneraleBus() {
+    // A second touch of a button may wait for the yield inside.
+    if (synchronising_)
+        return;
+    const QScopedValueRollback synchronising(synchronising_, true);
     Guard("wPolling.SynchroGeneraleBus", [&] {
         Pointer::Hourglass();
-        const Messages::Notice notice(GetText(30015));
+        std::optional<Messages::Notice> notice;
+        Guard("wPolling.SynchroGeneraleBus", [&] { notice.emplace(GetText(30015)); });
         Yield();
         if (closing_)
             return;
@@ -87,9 +94,11 @@ void wPolling::SynchroGeneraleBus() {
             ResetModule(address);
         if (closing_)
             return;
-        EmptyConsole();
+        // Each step is worth as much without the one before.
+        Guard("wPolling.SynchroGeneraleBus", [this] { EmptyConsole(); });
         for (int address = 1; address <= PanelCount && !closing_; ++address)
-            ReportStanding(address, qualifiers[size_t(address)]);
+            Guard("wPolling.SynchroGeneraleBus",
+                  [&] { ReportStanding(address, qualifiers[size_t(address)]); });
     });
     Q_EMIT Synchronising(false);
     Pointer::Default();
@@ -107,6 +116,9 @@ wPolling::QualifierTable wPolling::FirstPass() {
         const int type = AskModuleType(*link_, address);
         panel.setActualModel(quint8(type));
         panel.setPresent(type > 0);
+        // The list of alarms is emptied: the polls tell a loss, even one that was told before.
+        panel.setLossUntold(type <= 0);
+        panel.setLossTold(false);
         if (!Models::IsQFamily(type))
             continue;
         Words words(panel.ChannelCount());
@@ -116,8 +128,7 @@ wPolling::QualifierTable wPolling::FirstPass() {
     return qualifiers;
 }
 
-/// The results of the writes are not looked at: a module that doesn't answer costs the time of
-/// the exchanges and no more.
+/// A module that doesn't answer costs the time of the exchanges and no more.
 void wPolling::ResetModule(int address) {
     PanelClass& panel = Global::Configuration().Panel(address);
     const auto module = quint8(address);
@@ -195,7 +206,7 @@ void wPolling::UpdatePanel(int address, bool force) {
             type = AskModuleType(*link_, address);
         }
         panel.setActualModel(quint8(type));
-        panel.setPresent(type > 0);
+        SetPresence(address, type > 0);
         if (!Models::IsQFamily(type))
             return;
         panel.setErrCptr(1, 0);
@@ -211,6 +222,17 @@ void wPolling::UpdatePanel(int address, bool force) {
         for (int i = 0; i < UpdateWords; ++i)
             ReportChange(panel, i + 1, qualifiers[i], states[i]);
     });
+}
+
+/// A loss is told by the polls that follow, a return from a loss that was told at once: its row
+/// would stand on the console for good.
+void wPolling::SetPresence(int address, bool present) {
+    PanelClass& panel = Global::Configuration().Panel(address);
+    if (present && panel.LossTold())
+        TraitePanelMove(address, true);
+    else if (present || panel.Present())
+        panel.setLossUntold(!present);
+    panel.setPresent(present);
 }
 
 void wPolling::ReportChange(PanelClass& panel, int number, qint16 qualifier, qint16 state) {
@@ -237,8 +259,10 @@ void wPolling::HistoBusState() {}
 void wPolling::PrintBusState() {}
 
 /// A day of the month that differs from the last second's is a midnight; the first tick has
-/// nothing to differ from.
+/// nothing to differ from. What goes wrong is told when all is done: nobody is there at midnight
+/// to answer a box, and the clocks of the modules are set by it.
 void wPolling::tmrMidnight_Timer() {
+    const ErrorHandling::Postponed postponed;
     Guard("wPolling.tmrMidnight_Timer", [&] {
         // Each second, and never inside a round: what was written goes to the disk itself.
         if (!inRound_)
@@ -247,8 +271,7 @@ void wPolling::tmrMidnight_Timer() {
         const DateTime last = std::exchange(lastMidnightCheck_, now);
         if (last == 0 || DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())
             return;
-        // Files that can't be cared for are told; the bus has its midnight all the same.
-        Guard("HistoProcs.DoMidnightActions", HistoProcs::DoMidnightActions);
+        HistoProcs::DoMidnightActions();
         if (run_)
             MidnightSynchro();
         ResetClocks(now);
@@ -277,10 +300,11 @@ void wPolling::MidnightSynchro() {
     Guard("wPolling.MidnightSynchro", [&] {
         ConfigClass& site = Global::Configuration();
         for (int address = 1; address <= PanelCount; ++address) {
-            if (site.Panel(address).Model() == 0)
+            PanelClass& panel = site.Panel(address);
+            if (panel.Model() == 0)
                 continue;
             UpdatePanel(address, true);
-            EventClass event(qint16(address), Family::System, 0, SystemEvents::MidnightState);
+            EventClass event(panel.Numero(), Family::System, 0, SystemEvents::MidnightState);
             event.setNum(IncEvtNum());
             event.setGDH(DateTimes::Now());
             // Straight to the history: no option can stop the day's record.
@@ -290,6 +314,14 @@ void wPolling::MidnightSynchro() {
             for (int number = 1; number <= site.Panel(address).ChannelCount(); ++number)
                 ReleaseStale(address, number);
     });
+}
+
+/// False for a source that a damaged site file has put out of all bounds.
+static bool IsSourceActive(const MirrorClass& mirror) {
+    ConfigClass& site = Global::Configuration();
+    return mirror.FromModule() >= 1 && mirror.FromModule() <= ConfigClass::PanelCount &&
+           mirror.FromChannel() >= 0 && mirror.FromChannel() <= PanelClass::MaxChannel &&
+           site.Panel(mirror.FromModule()).Channel(mirror.FromChannel()).State() != 0;
 }
 
 /// Is the channel the target of pulse rules, and none of their sources active?
@@ -302,7 +334,7 @@ static bool IsStale(int address, int number) {
             mirror.MirrorType() != MirrorClass::Pulse)
             continue;
         counted = true;
-        if (site.Panel(mirror.FromModule()).Channel(mirror.FromChannel()).State() != 0)
+        if (IsSourceActive(mirror))
             return false;
     }
     return counted;

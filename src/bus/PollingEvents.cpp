@@ -30,6 +30,8 @@ constexpr qint16 NormalAgain = 5;
 } // namespace
 
 void wPolling::ExploitePanneau(PanelClass& panel, const Words& words) {
+    // Whatever can't be written: all that the panel tells goes its way first.
+    const ErrorHandling::Postponed postponed;
     Guard("wPolling.ExploitePanneau", [&] {
         if (Models::IsQFamily(panel.Model()))
             ExploiteQFamily(panel, words);
@@ -113,7 +115,7 @@ void wPolling::ExploiteStates(PanelClass& panel, const Words& words) {
 }
 
 qint32 wPolling::IncEvtNum() {
-    lastEvent_ = (lastEvent_ + 1) % NumberLimit;
+    lastEvent_ = (lastEvent_ % NumberLimit + 1) % NumberLimit;
     if (lastEvent_ <= 0)
         lastEvent_ = 1;
     IniWrite(QStringLiteral("General"), QStringLiteral("LastEvent"), QString::number(lastEvent_));
@@ -121,6 +123,7 @@ qint32 wPolling::IncEvtNum() {
 }
 
 void wPolling::SendEvent(EventClass& event) {
+    const ErrorHandling::Postponed postponed;
     Guard("wPolling.SendEvent", [&] {
         event.setGDH(DateTimes::Now());
         event.setNum(IncEvtNum());
@@ -128,11 +131,15 @@ void wPolling::SendEvent(EventClass& event) {
     });
 }
 
+/// A loss that a synchronisation or an update has found is told here, though `Present` knows it.
 void wPolling::TraitePanelMove(int address, bool present) {
+    const ErrorHandling::Postponed postponed;
     Guard("wPolling.TraitePanelMove", [&] {
         PanelClass& panel = Global::Configuration().Panel(address);
-        if (panel.Present() == present)
+        if (panel.Present() == present && (present || !panel.LossUntold()))
             return;
+        panel.setLossUntold(false);
+        panel.setLossTold(!present);
         EventClass event(qint16(address), Family::Presence, 1, present ? 1 : 0);
         event.setNum(IncEvtNum());
         event.setGDH(DateTimes::Now());
@@ -143,6 +150,7 @@ void wPolling::TraitePanelMove(int address, bool present) {
 }
 
 void wPolling::TraiteEvent(EventClass& event) {
+    const ErrorHandling::Postponed postponed;
     Guard("wPolling.TraiteEvent", [&] {
         ConfigClass& site = Global::Configuration();
         if (Family::IsChannel(event.Chnl())) {
@@ -160,7 +168,9 @@ void wPolling::TraiteEvent(EventClass& event) {
         if (IsToPrint(event))
             HistoProcs::PrintEvent(event, dpPrinter_);
         Q_EMIT BusEvent(event);
-        Trace::Write(HistoProcs::FormateTrace(event).trimmed());
+        // A trace that can't be written must not stop the mirrors.
+        Guard("wPolling.TraiteEvent",
+              [&] { Trace::Write(HistoProcs::FormateTrace(event).trimmed()); });
         if (event.Chnl() > Family::LastChannel)
             return;
         if (event.Chnl() == Family::PanelWide &&

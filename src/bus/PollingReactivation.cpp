@@ -19,6 +19,8 @@ using ErrorHandling::Guard;
 namespace {
 
 const QString Console = QStringLiteral("wRunAlarms");
+/// A time ahead of the clock by more than this is none of this clock's.
+constexpr DateTime ClockSlack = 2 * platform::OneSecond;
 
 /// Reads a date and a time that must be there. Throws RunTimeError `TypeMismatch`.
 DateTime ReadTime(const QString& date, const QString& time) {
@@ -101,7 +103,8 @@ void wPolling::ReactiverAlarme(qint32 id, DateTime time, qint32 number) {
         Global::Configuration().Panel(event.Panel()).Channel(event.Chnl());
     if (!channel.React() || channel.ReactTpo() <= 0)
         return;
-    if (event.GDH() <= time + DelayOf(channel.ReactTpo()))
+    // A row of the future was written before the machine's clock was set back.
+    if (event.GDH() <= time + DelayOf(channel.ReactTpo()) && time <= event.GDH() + ClockSlack)
         return;
     event.setAff(ReactivatedAff);
     ShowConsole();

@@ -96,6 +96,23 @@ void wPolling::SetupPrinter() {
     dpPrinter_.setPort(parts.value(0));
     dpPrinter_.setSettings(parts.value(1));
     dpPrinter_.setAddLF(true);
+    dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };
+}
+
+/// In the trace and nowhere else: the alarm is on the screen and in the history. A printer that
+/// stays off is told once an hour and not with each line.
+void wPolling::TellPrinterError(const QString& text) {
+    constexpr DateTime Pause = 60 * platform::OneMinute;
+    const DateTime now = DateTimes::Now();
+    if (text == printerError_ && now >= printerErrorTime_ && now - printerErrorTime_ < Pause)
+        return;
+    printerError_ = text;
+    printerErrorTime_ = now;
+    Guard("wPolling.TellPrinterError", [&] {
+        const QString line =
+            DateTimes::DateAndTime(now) + QStringLiteral(" PRINTER ERROR  ") + text;
+        Trace::Write(line.left(Trace::LineWidth));
+    });
 }
 
 /// Each stored command leaves the settings as it is taken, readable or not: one that can't be
@@ -185,10 +202,7 @@ void wPolling::setRun(bool on) {
         tmrPoll_.setInterval(PollRest);
         if (on && !run_) {
             if (!firstStart_) {
-                // A second touch of the button may wait for the yield inside.
-                synchronising_ = true;
                 SynchroGeneraleBus();
-                synchronising_ = false;
                 firstStart_ = true;
             }
             tmrPoll_.start();

@@ -137,6 +137,7 @@ private:
     void LectureGeneraleBus();
     void UpdatePanel(int address, bool force);
     bool ReadStubbornly(int address, qint32 registerNo, Words& words);
+    void SetPresence(int address, bool present);
     void ReportChange(PanelClass& panel, int number, qint16 qualifier, qint16 state);
     void ResetClocks(DateTime now);
     void ReleaseStale(int address, int number);
@@ -151,6 +152,7 @@ private:
     bool SendByType(CommandClass& command, QString& line);
     void TraceWriteError(const CommandClass& command);
     void SetupPrinter();
+    void TellPrinterError(const QString& text);
     void RestoreCommands();
     void StoreCommands();
     void UserSleep_UserIsNotHere();
@@ -177,8 +179,8 @@ private:
     bool closing_ = false;
     bool unloaded_ = false;
     bool firstStart_ = false;
-    bool synchronising_ = false; // by the first start
-    bool restored_ = false;      // the commands of the former run are taken
+    bool synchronising_ = false;
+    bool restored_ = false; // the commands of the former run are taken
     qint32 lastEvent_ = 0;
     qint16 updatePointer_ = 0;
     qint16 pollPointer_ = 0;
@@ -193,6 +195,8 @@ private:
     int polledPanel_ = 0;
     QString lastRound_;
     std::array<QString, PanelCount + 1> errorTexts_;
+    QString printerError_; // told last
+    DateTime printerErrorTime_ = 0;
 };
 
 /// The one engine, or null before it is made and after its end.

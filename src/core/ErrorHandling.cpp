@@ -7,8 +7,10 @@
 #include <QHash>
 #include <QScopeGuard>
 #include <QSet>
+#include <QStringList>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace ErrorHandling {
 
@@ -16,7 +18,35 @@ namespace {
 /// Errors whose box stands on the screen now. Timers go on while it waits: the same error again
 /// must not stack boxes over it.
 QSet<QString> standing;
+
+int postponing = 0;
+QStringList postponed;
+
+void Tell(const QString& text) {
+    Pointer::Default();
+    if (standing.contains(text))
+        return;
+    standing.insert(text);
+    const auto answered = qScopeGuard([&text] { standing.remove(text); });
+    Message(text, Messages::Critical);
+}
 } // namespace
+
+Postponed::Postponed() {
+    ++postponing;
+}
+
+Postponed::~Postponed() {
+    if (--postponing > 0)
+        return;
+    try {
+        for (const QString& text : std::exchange(postponed, {}))
+            Tell(text);
+    } catch (...) {
+        // As in the guard: an error of the handler has nowhere to go.
+        return;
+    }
+}
 
 QString RunTimeText(int number) {
     using namespace platform;
@@ -60,13 +90,11 @@ QString ErrorText(const QString& source, int number) {
 }
 
 void Report(const QString& source, int number) {
-    Pointer::Default();
     const QString text = ErrorText(source, number);
-    if (standing.contains(text))
-        return;
-    standing.insert(text);
-    const auto answered = qScopeGuard([&text] { standing.remove(text); });
-    Message(text, Messages::Critical);
+    if (postponing == 0)
+        Tell(text);
+    else if (!postponed.contains(text))
+        postponed.append(text);
 }
 
 int CurrentErrorNumber() {

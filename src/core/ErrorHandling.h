@@ -19,6 +19,17 @@ QString RunTimeText(int number);
 /// The number of the exception that is being handled; only inside a catch.
 int CurrentErrorNumber();
 
+/// While one exists the errors that are reported wait, and are told when the outermost one goes: a
+/// box stops what it stands in, and must not stand between a fault and the horn. Of the same error
+/// one box comes.
+class Postponed {
+public:
+    Postponed();
+    ~Postponed();
+    Postponed(const Postponed&) = delete;
+    Postponed& operator=(const Postponed&) = delete;
+};
+
 /// Runs the body of a procedure. An error inside goes to the handler, and the procedure returns
 /// with what it had. True when the body ran to its end.
 template <class Body> bool Guard(const char* source, Body&& body) noexcept {

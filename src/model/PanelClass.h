@@ -44,6 +44,12 @@ public:
     /// The panel answered the last time.
     bool Present() const { return present_; }
     void setPresent(bool value) { present_ = value; }
+    /// Found missing outside the polls: the loss is still to be told.
+    bool LossUntold() const { return lossUntold_; }
+    void setLossUntold(bool value) { lossUntold_ = value; }
+    /// The operator was told of a loss and of no return since.
+    bool LossTold() const { return lossTold_; }
+    void setLossTold(bool value) { lossTold_ = value; }
     /// Error counters of the polling cycle, 0 to 2. Throws RunTimeError `Subscript` elsewhere.
     qint16 ErrCptr(int index) const;
     void setErrCptr(int index, qint16 value);
@@ -85,5 +91,7 @@ private:
     quint8 actualModel_ = 0;
     bool active_ = false;
     bool present_ = false;
+    bool lossUntold_ = false;
+    bool lossTold_ = false;
     bool modified_ = false;
 };

@@ -31,16 +31,22 @@ void EndTornLine(const QString& path) {
 
 void LineLog::Open(const QString& path, int mode) {
     file_.close();
+    file_.setFileName(QString());
     if (mode != AppendMode)
         throw RunTimeError(errors::InvalidPropertyValue);
-    EndTornLine(path);
     file_.setFileName(path);
-    if (!file_.open(OpenFlags))
+    if (!OpenAgain())
         throw RunTimeError(errors::PathAccess);
 }
 
+bool LineLog::OpenAgain() {
+    EndTornLine(file_.fileName());
+    return file_.open(OpenFlags);
+}
+
 void LineLog::WriteLine(const QString& text) {
-    if (!file_.isOpen())
+    // What kept the file from opening may be over.
+    if (!file_.isOpen() && (file_.fileName().isEmpty() || !OpenAgain()))
         throw RunTimeError(errors::BadFileName);
     if (IsRemoved(file_.handle()))
         Renew();

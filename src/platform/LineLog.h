@@ -21,9 +21,8 @@ public:
     LineLog& operator=(const LineLog&) = delete;
 
     /// Closes what was open and opens `path`; mode 3 appends and makes a missing file, and ends a
-    /// torn last line. Throws
-    /// RunTimeError `PathAccess` when the file can't be opened; writing is then refused until the
-    /// next opening.
+    /// torn last line. Throws RunTimeError `PathAccess` when the file can't be opened; each line
+    /// then tries again.
     void Open(const QString& path, int mode);
     /// Appends one line; a file that was removed meanwhile is made anew. Throws RunTimeError
     /// `BadFileName` with nothing open, `DeviceIo` or `DiskFull` when it can't be written.
@@ -34,6 +33,7 @@ public:
     QString Path() const { return file_.fileName(); }
 
 private:
+    bool OpenAgain();
     void Renew();
 
     QFile file_;

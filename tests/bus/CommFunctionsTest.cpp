@@ -47,6 +47,7 @@ TEST_F(Exchange, FramesAreExactToTheByte) {
         Bytes("1103006B00037687"), Bytes("1106000100039A9B"), Bytes("11100001000204000A0102C6F0"),
         WithCrc(Bytes("400301200003")), WithCrc(Bytes("40060121FFFF"))};
     EXPECT_EQ(link.sent, expected);
+    EXPECT_TRUE(link.readyToSend);
 }
 
 TEST_F(Exchange, TakesAGoodReplyWithoutWaiting) {

@@ -105,7 +105,22 @@ TEST_F(Update, ReadsNoStatesOfOtherModels) {
     EXPECT_EQ(remote.ActualModel(), Models::P5500);
     EXPECT_FALSE(gone.Present());
     EXPECT_EQ(gone.ActualModel(), 0);
-    EXPECT_EQ(events.size(), 0) << "its next polls tell the loss";
+    EXPECT_EQ(events.size(), 0);
+
+    // Its next polls tell the loss, once; an update that finds it again tells the return.
+    gone.setNextPoll(0);
+    Rounds(3);
+    ASSERT_EQ(events.size(), 1);
+    EXPECT_EQ(events[0].ID(), 0x07FF0100);
+    UpdateAll();
+    EXPECT_EQ(events.size(), 0) << "known";
+    Put(7, Models::Q7100).setPresent(false);
+    UpdateAll();
+    ASSERT_EQ(events.size(), 1);
+    EXPECT_EQ(events[0].ID(), 0x07FF0101);
+    EXPECT_TRUE(gone.Present());
+    UpdateAll();
+    EXPECT_EQ(events.size(), 0);
 }
 
 TEST_F(Update, GivesAPanelUpAfterThreeFailures) {
@@ -254,11 +269,32 @@ TEST_F(Midnight, FilesThatCantBeCaredForHoldNothingUp) {
     Put(5, Models::Q6200XT);
     Tick(3, 15, 12);
     ASSERT_TRUE(QDir().mkpath(Path(QStringLiteral("Trace/20240316.log"))));
+    // Nobody answers a box at midnight: all is done when it comes.
+    int told = 0;
+    Messages::Install([&](const QString& text, int, bool) {
+        ++told;
+        EXPECT_TRUE(text.contains(QStringLiteral("Function : DoMidnightActions")));
+        EXPECT_EQ(Histo(QStringLiteral("202403")).size(), 1);
+        EXPECT_EQ(Waiting(), QStringList{QStringLiteral("0:0121=0000")});
+        return int(Messages::Ok);
+    });
     Tick(3, 16, 0);
-    ASSERT_FALSE(boxes.isEmpty());
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Function : DoMidnightActions")));
-    EXPECT_EQ(Histo(QStringLiteral("202403")).size(), 1);
-    EXPECT_EQ(Waiting(), QStringList{QStringLiteral("0:0121=0000")});
+    EXPECT_EQ(told, 1);
+}
+
+// Its sources are out of all bounds: no event can come from them.
+TEST_F(Midnight, ADamagedRuleKeepsNoOtherFromItsRelease) {
+    Put(6, Models::Q7100);
+    for (const int channel : {3, 4}) {
+        modules[6][channel] = 3;
+        Site().Panel(6).Channel(channel).setState(3);
+    }
+    Site().Mirrors().Add(0, 1, 6, 3, MirrorClass::Pulse);
+    Site().Mirrors().Add(5, 99, 6, 3, MirrorClass::Pulse);
+    Site().Mirrors().Add(5, 1, 6, 4, MirrorClass::Pulse);
+    engine->MidnightSynchro();
+    EXPECT_EQ(Site().Panel(6).Channel(4).State(), 0);
+    EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(Midnight, ReleasesPulsesThatNothingHolds) {

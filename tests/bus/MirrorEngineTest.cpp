@@ -228,6 +228,27 @@ TEST_F(MirrorEngine, FindsAChainOfRules) {
     EXPECT_FALSE(Miroirs::MirrorLoop(rules, 4, 3, 1, 1));
     EXPECT_FALSE(Miroirs::MirrorLoop(rules, 4, 4, 4, 4));
     EXPECT_FALSE(Miroirs::MirrorLoop(MirrorClasses(), 1, 1, 1, 1));
+
+    // Two ways from each layer to the next: the question goes once to each end point.
+    MirrorClasses layers;
+    for (qint16 layer = 1; layer < 60; ++layer)
+        for (const qint16 from : {1, 2})
+            for (const qint16 to : {1, 2})
+                layers.Add(layer, from, qint16(layer + 1), to, 1);
+    EXPECT_TRUE(Miroirs::MirrorLoop(layers, 60, 1, 1, 2));
+    EXPECT_FALSE(Miroirs::MirrorLoop(layers, 60, 1, 1, 3));
+    layers.Add(60, 1, 1, 1, 1);
+    EXPECT_FALSE(Miroirs::MirrorLoop(layers, 60, 1, 9, 9)) << "a loop is no endless question";
+}
+
+TEST_F(MirrorEngine, ARuleOutOfAllBoundsGoesToTheTrace) {
+    Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
+    Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
+    const qsizetype traced = TraceLines().size();
+    EventClass event(5, 7, 0, 1);
+    Miroirs::DoMirrors(event);
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_EQ(TraceLines().mid(traced).filter(QStringLiteral("MIRROR ERROR")).size(), 2);
 }
 
 } // namespace

@@ -68,6 +68,18 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     EXPECT_LT(timer.elapsed(), 500);
     EXPECT_EQ(events.size(), 4);
     EXPECT_EQ(boxes, QStringList());
+    const auto told = [this] { return TraceLines().filter(QStringLiteral(" PRINTER ERROR  ")); };
+    const qsizetype first = told().size();
+    EXPECT_GE(first, 1);
+    Route(7, 1);
+    EXPECT_EQ(told().size(), first) << "once an hour";
+    clock.Advance(3601 * 1000);
+    Route(7, 0);
+    EXPECT_EQ(told().size(), first + 1);
+
+    OpenReader();
+    Route(7, 1);
+    EXPECT_TRUE(Paper().endsWith("\r\n")) << "the printer is back";
 }
 
 } // namespace

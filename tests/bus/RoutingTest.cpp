@@ -1,5 +1,6 @@
 #include "bus/Engine.h"
 
+#include "core/ErrorHandling.h"
 #include "support/FakeForm.h"
 
 namespace {
@@ -113,16 +114,43 @@ TEST_F(Routing, OutOfOrderTakesTheStateAndNothingElse) {
     EXPECT_EQ(horn->starts, 1);
 }
 
-TEST_F(Routing, AFolderThatCantBeWrittenStopsNoOtherConsumer) {
-    QFile::remove(Path(QStringLiteral("Histo202403.his")));
-    ASSERT_TRUE(QDir().mkdir(Path(QStringLiteral("Histo202403.his"))));
+TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
+    const auto block = [this](const QString& name) {
+        QFile::remove(Path(name));
+        ASSERT_TRUE(QDir().mkdir(Path(name)));
+    };
+    block(QStringLiteral("Histo202403.his"));
+    // Neither before nor behind: the box waits until the event has gone all its ways.
+    QStringList told;
+    Messages::Install([&](const QString& text, int, bool) {
+        told += text;
+        EXPECT_EQ(horn->starts, 1);
+        EXPECT_EQ(NbInstances(Console), 1);
+        EXPECT_EQ(events.size(), 1);
+        return int(Messages::Ok);
+    });
     Route(5, 7, 0, 1);
-    ASSERT_EQ(boxes.size(), 1);
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("HistoProcs\r\nFunction : HistoEvent")));
-    EXPECT_EQ(horn->starts, 1);
-    EXPECT_EQ(NbInstances(Console), 1);
-    EXPECT_EQ(events.size(), 1);
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told[0].contains(QStringLiteral("HistoProcs\r\nFunction : HistoEvent")));
     EXPECT_EQ(TraceLines().size() - traced, 1);
+
+    // The trace of the new day can't be opened; a line that can be written again is.
+    told.clear();
+    Messages::Install([&](const QString& text, int, bool) {
+        told += text;
+        return int(Messages::Ok);
+    });
+    clock.Set(2024, 3, 16, 8, 0, 0);
+    Site().Mirrors().Add(5, 7, 6, 3, MirrorClass::Permanent);
+    AddModule(6, Models::Q7100);
+    block(QStringLiteral("Trace/20240316.log"));
+    EXPECT_FALSE(ErrorHandling::Guard("Trace.OpenToday", [] { Trace::OpenToday(); }));
+    Route(5, 7, 0, 1);
+    EXPECT_EQ(told.size(), 3) << "the opening, history and trace";
+    EXPECT_EQ(engine->Commands().Count(), 1) << "the mirror";
+    ASSERT_TRUE(QDir().rmdir(Path(QStringLiteral("Trace/20240316.log"))));
+    Route(5, 7, 0, 0);
+    EXPECT_EQ(LinesOf(QStringLiteral("Trace/20240316.log")).size(), 1);
 }
 
 TEST_F(Routing, TheHornFollowsTheEvent) {

@@ -84,6 +84,27 @@ TEST_F(Errors, GuardKeepsWhatTheBodyReached) {
     EXPECT_EQ(boxes.size(), 2);
 }
 
+TEST_F(Errors, PostponedErrorsAreToldAtTheEndAndOnce) {
+    {
+        const ErrorHandling::Postponed outer;
+        ErrorHandling::Report(QStringLiteral("A.First"), errors::DiskFull);
+        {
+            const ErrorHandling::Postponed inner;
+            ErrorHandling::Report(QStringLiteral("A.Second"), errors::DiskFull);
+            ErrorHandling::Report(QStringLiteral("A.First"), errors::DiskFull);
+        }
+        EXPECT_EQ(boxes.size(), 0);
+        whileShown = [this] {
+            whileShown = {};
+            ErrorHandling::Report(QStringLiteral("A.Third"), errors::DiskFull);
+        };
+    }
+    ASSERT_EQ(boxes.size(), 3);
+    EXPECT_TRUE(boxes[0].endsWith(QStringLiteral("First")));
+    EXPECT_TRUE(boxes[1].endsWith(QStringLiteral("Third"))) << "in the box of the first";
+    EXPECT_TRUE(boxes[2].endsWith(QStringLiteral("Second")));
+}
+
 TEST_F(Errors, SameErrorDoesNotStackWhileItsBoxStands) {
     whileShown = [this] {
         whileShown = {};

@@ -74,6 +74,19 @@ TEST(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
     EXPECT_EQ(BytesOf(path), QByteArray("back\r\n"));
 }
 
+TEST(LineLogTest, OpensWithTheNextLineWhatCouldNotBeOpened) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("20240315.log"));
+    LineLog log;
+    EXPECT_EQ(ErrorOf([&] { log.WriteLine(QStringLiteral("x")); }), errors::BadFileName);
+    ASSERT_TRUE(QDir().mkdir(path));
+    EXPECT_EQ(ErrorOf([&] { log.Open(path, LineLog::AppendMode); }), errors::PathAccess);
+    EXPECT_EQ(ErrorOf([&] { log.WriteLine(QStringLiteral("lost")); }), errors::BadFileName);
+    ASSERT_TRUE(QDir().rmdir(path));
+    log.WriteLine(QStringLiteral("kept"));
+    EXPECT_EQ(BytesOf(path), QByteArray("kept\r\n"));
+}
+
 TEST(LineLogTest, EndsALineThatAKillCutShort) {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("20240315.log"));

@@ -17,6 +17,8 @@ public:
     QList<QByteArray> sent;
     bool canOpen = true;
     qint64 waitedMs = 0;
+    /// RTS was raised and the buffers emptied ahead of each frame.
+    bool readyToSend = true;
 
     int CommPort() const override { return port_; }
     void setCommPort(int number) override { port_ = number; }
@@ -28,11 +30,16 @@ public:
             throw platform::RunTimeError(platform::errors::PortUnavailable);
         open_ = open;
     }
-    void setRTSEnable(bool) override {}
-    void ClearBuffers() override { received_.clear(); }
+    void setRTSEnable(bool on) override { raised_ = on; }
+    void ClearBuffers() override {
+        received_.clear();
+        cleared_ = true;
+    }
     void Output(const QByteArray& bytes) override {
         if (!open_)
             throw platform::RunTimeError(platform::errors::PortNotOpen);
+        // The adapter sends by this line; what an exchange before left behind is no reply.
+        readyToSend = readyToSend && raised_ && std::exchange(cleared_, false);
         sent += bytes;
         received_ += answer(bytes);
     }
@@ -50,5 +57,7 @@ private:
     int port_ = 1;
     QString settings_ = QStringLiteral("9600,N,8,1");
     bool open_ = false;
+    bool raised_ = false;
+    bool cleared_ = false;
     QByteArray received_;
 };
