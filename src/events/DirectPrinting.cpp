@@ -116,7 +116,7 @@ void DirectPrinting::Configure() {
     if (IsSerial(port_)) {
         if (const int unread = device_->CheckLine())
             Told(unread, ReadingState);
-        else if (const int unset = device_->SetLine(ParseLine(settings_)))
+        if (const int unset = device_->SetLine(ParseLine(settings_)))
             Told(unset, SettingState);
     }
     device_->SetWriteTimeout(WriteTimeout);
@@ -146,9 +146,13 @@ QString DirectPrinting::PrintLine(const QString& text) {
     QString error;
     if (!device_->IsOpen())
         error = port_.isEmpty() ? NoPrinter() : OpenPrinter(port_, QString(), false);
-    if (error.isEmpty())
+    bool lost = false;
+    if (error.isEmpty()) {
         error = PrintString(text + u'\r' + (addLF_ ? QStringLiteral("\n") : QString()));
-    if (closeAfterLine_)
+        // A printer that was unplugged comes back as another device: the next line opens it anew.
+        lost = !error.isEmpty();
+    }
+    if (closeAfterLine_ || lost)
         ClosePrinter();
     return error;
 }

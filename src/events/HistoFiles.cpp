@@ -9,8 +9,10 @@
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
+#include "platform/DiskFlush.h"
 #include "platform/Folders.h"
 #include "platform/RunTimeError.h"
+#include "platform/Volumes.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -36,7 +38,17 @@ QDate DateOfName(const QString& name) {
     return QDate::fromString(name.left(8), QStringLiteral("yyyyMMdd"));
 }
 
-void PurgeTraces(const QDate& today) {
+/// What could not be done of the day's care; told when all the rest is done.
+struct Failures {
+    int error = 0;
+};
+
+void Remove(const QString& path, Failures& failures) {
+    if (!QFile::remove(path) && QFile::exists(path))
+        failures.error = platform::errors::PathAccess;
+}
+
+void PurgeTraces(const QDate& today, Failures& failures) {
     const int days = Bytes::LongVal(GetConfig(TraceDaysId));
     if (days <= 0)
         return;
@@ -45,7 +57,7 @@ void PurgeTraces(const QDate& today) {
     for (const QString& name : folder.entryList({QStringLiteral("*.log")}, QDir::Files)) {
         const QDate date = DateOfName(name);
         if (date.isValid() && date < limit)
-            QFile::remove(folder.filePath(name));
+            Remove(folder.filePath(name), failures);
     }
 }
 
@@ -54,16 +66,22 @@ QFileInfoList Histories(const QDir& folder) {
 }
 
 /// Deletes the histories last written before the limit, write-protected ones too.
-void PurgeHistories(const QDir& folder, const QDateTime& limit) {
-    for (const QFileInfo& info : Histories(folder)) {
-        if (info.lastModified() >= limit)
-            continue;
-        QFile file(info.filePath());
-        if (!file.remove()) {
-            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-            file.remove();
-        }
-    }
+void PurgeHistories(const QDir& folder, const QDateTime& limit, Failures& failures) {
+    for (const QFileInfo& info : Histories(folder))
+        if (info.lastModified() < limit)
+            Remove(info.filePath(), failures);
+}
+
+/// A stick keeps times in steps of two seconds, cut off: a copy of the source's length and of its
+/// time without what was cut is no older one.
+bool IsUpToDate(const QFileInfo& copy, const QFileInfo& source) {
+    constexpr qint64 TimeStep = 2000;
+    if (!copy.exists())
+        return false;
+    const qint64 copied = copy.lastModified().toMSecsSinceEpoch();
+    const qint64 written = source.lastModified().toMSecsSinceEpoch();
+    return copied >= written ||
+           (copied == written / TimeStep * TimeStep && copy.size() == source.size());
 }
 
 /// By a temporary name: what stands in the second folder is always a whole file. The copy takes
@@ -87,23 +105,20 @@ bool CopyOver(const QFileInfo& source, const QString& target) {
                             QFile::encodeName(target).toStdString(), error);
     if (error)
         QFile::remove(temporary);
+    else
+        platform::DiskFlush::Owe(target);
     return !error;
 }
 
-/// A file that can't be copied is told, once, when all the others are.
-void CopyHistories(const QDir& from, const QDir& to) {
-    int error = 0;
+void CopyHistories(const QDir& from, const QDir& to, Failures& failures) {
     for (const QFileInfo& source : Histories(from)) {
         const QFileInfo copy(to.filePath(source.fileName()));
-        if (copy.exists() && copy.lastModified() >= source.lastModified())
+        if (IsUpToDate(copy, source) || CopyOver(source, copy.filePath()))
             continue;
-        if (!CopyOver(source, copy.filePath()))
-            error = QStorageInfo(to.path()).bytesAvailable() < source.size()
-                        ? platform::errors::DiskFull
-                        : platform::errors::PathAccess;
+        failures.error = QStorageInfo(to.path()).bytesAvailable() < source.size()
+                             ? platform::errors::DiskFull
+                             : platform::errors::PathAccess;
     }
-    if (error != 0)
-        throw platform::RunTimeError(error);
 }
 
 } // namespace
@@ -113,7 +128,8 @@ void DoMidnightActions() {
     Guard("HistoProcs.DoMidnightActions", [] { Trace::OpenToday(); });
     Guard("HistoProcs.DoMidnightActions", [] {
         const QDateTime now(DateTimes::DateOf(DateTimes::Now()), QTime(0, 0));
-        PurgeTraces(now.date());
+        Failures failures;
+        PurgeTraces(now.date(), failures);
         const int period =
             Bytes::ShortVal(FilesKey(QStringLiteral("PeriodTime"), QStringLiteral("0")));
         const bool months =
@@ -122,14 +138,16 @@ void DoMidnightActions() {
         const QDir own(platform::ApplicationFolder());
         const QString named = FilesKey(QStringLiteral("Histo"), platform::ApplicationFolder());
         const QDir second(own.absoluteFilePath(named));
-        const bool ready = !named.isEmpty() && second.exists();
+        const bool ready = !named.isEmpty() && platform::IsReady(second.path());
         if (period > 0) {
-            PurgeHistories(own, limit);
+            PurgeHistories(own, limit, failures);
             if (ready)
-                PurgeHistories(second, limit);
+                PurgeHistories(second, limit, failures);
         }
         if (ready)
-            CopyHistories(own, second);
+            CopyHistories(own, second, failures);
+        if (failures.error != 0)
+            throw platform::RunTimeError(failures.error);
     });
 }
 

@@ -117,12 +117,14 @@ QString HeadingLine() {
     return record.Text();
 }
 
-/// The former run may have been killed in the middle of a line; this one leaves none torn.
+/// The former run may have been killed in the middle of a line; this one leaves none torn. An empty
+/// name makes the next one be looked at again.
 void EndTornLineOnce(const QString& path) {
     static QString seen;
     if (seen == path)
         return;
-    platform::EndTornLine(path);
+    if (!path.isEmpty())
+        platform::EndTornLine(path);
     seen = path;
 }
 
@@ -175,12 +177,13 @@ void HistoEvent(const EventClass& event) {
         bytes += platform::ToCodePage(line) + "\r\n";
         const qint64 sizeBefore = file.size();
         if (file.write(bytes) != bytes.size()) {
+            const bool full = file.error() == QFileDevice::ResourceError;
             // A torn line would swallow the next one, and an empty file never gets its heading.
-            if (isNew)
-                file.remove();
-            else
-                file.resize(sizeBefore);
-            throw platform::RunTimeError(platform::errors::DiskFull);
+            const bool restored = isNew ? file.remove() : file.resize(sizeBefore);
+            if (!restored)
+                EndTornLineOnce(QString());
+            throw platform::RunTimeError(full ? platform::errors::DiskFull
+                                              : platform::errors::DeviceIo);
         }
         platform::DiskFlush::Owe(path);
     });

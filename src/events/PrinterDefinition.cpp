@@ -20,7 +20,9 @@ QString PrinterDefinition::PathOf(const QString& printerName) {
 
 QStringList PrinterDefinition::Names() {
     const QDir folder(platform::ApplicationFolder());
-    QStringList names = folder.entryList({u'*' + Extension}, QDir::Files, QDir::Name);
+    // Names of files differ by case here: "X.PRT" would be listed and not found.
+    QStringList names =
+        folder.entryList({u'*' + Extension}, QDir::Files | QDir::CaseSensitive, QDir::Name);
     for (QString& name : names)
         name.chop(Extension.size());
     return names;

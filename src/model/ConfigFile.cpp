@@ -6,6 +6,7 @@
 #include "model/ConfigClass.h"
 #include "model/SiteFile.h"
 #include "platform/CodePage.h"
+#include "platform/DiskFlush.h"
 #include "platform/RunTimeError.h"
 
 #include <QDir>
@@ -60,6 +61,7 @@ qint32 ConfigClass::Save(const QString& fileName) {
         const bool complete = Write(writer);
         if (file.write(writer.Bytes()) != writer.Position() || !file.flush())
             throw RunTimeError(errors::DiskFull);
+        platform::DiskFlush::Owe(fileName);
         if (complete)
             result = Saved;
     });

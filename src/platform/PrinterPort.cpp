@@ -131,20 +131,36 @@ public:
     void Close() override {
         if (file_ < 0)
             return;
-        int queued = 0;
         // What others may have on their way through the device isn't waited for or dropped.
-        while (deadline_ != 0 && ::ioctl(file_, TIOCOUTQ, &queued) == 0 && queued > 0) {
-            if (Clock::Current().MonotonicMs() >= deadline_) {
-                ::tcflush(file_, TCOFLUSH);
-                break;
-            }
-            Clock::Current().Sleep(BusyStep);
-        }
+        if (deadline_ != 0)
+            Drain();
         ::close(file_);
         file_ = -1;
     }
 
 private:
+    /// Waits for the way out of what was written, until the deadline of the write.
+    void Drain() const {
+        int queued = 0;
+        bool isLine = false;
+        while (::ioctl(file_, TIOCOUTQ, &queued) == 0) {
+            isLine = true;
+            if (queued == 0)
+                return;
+            if (Clock::Current().MonotonicMs() >= deadline_) {
+                ::tcflush(file_, TCOFLUSH);
+                return;
+            }
+            Clock::Current().Sleep(BusyStep);
+        }
+        // A printer on USB is ready again when it has taken what was written; its close drops the
+        // rest.
+        const qint64 left = deadline_ - Clock::Current().MonotonicMs();
+        pollfd waiting{file_, POLLOUT, 0};
+        if (!isLine && left > 0)
+            ::poll(&waiting, 1, int(left));
+    }
+
     static QList<DevicePort*>& Ports() {
         static QList<DevicePort*> ports;
         return ports;

@@ -38,6 +38,14 @@ QList<Volume> RemovableVolumes() {
     return volumes;
 }
 
+bool IsReady(const QString& folder) {
+    const QString path = QFileInfo(folder).canonicalFilePath();
+    if (path.isEmpty() || !QFileInfo(path).isDir())
+        return false;
+    const QStorageInfo storage(path);
+    return storage.isReady() && (!IsRemovable(path) || IsRemovable(storage.rootPath()));
+}
+
 void OverrideVolumes(std::optional<QList<Volume>> volumes) {
     overridden = std::move(volumes);
 }

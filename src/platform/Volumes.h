@@ -17,6 +17,10 @@ struct Volume {
 /// The media that are mounted now, by name: what lies under /media, /run/media and /mnt.
 QList<Volume> RemovableVolumes();
 
+/// Can files be kept in this folder? It must be there, and where media are mounted the medium as
+/// well: what is written under an empty mount lands on the machine's own disk and is hidden later.
+bool IsReady(const QString& folder);
+
 /// Puts other media in their place, for tests; nothing brings the real ones back.
 void OverrideVolumes(std::optional<QList<Volume>> volumes);
 

@@ -9,9 +9,11 @@
 #include "ui_dlgMessage.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QScreen>
+#include <QWindow>
 #include <array>
 #include <cmath>
 
@@ -118,6 +120,20 @@ int dlgMessage::Present(const QString& text, int buttons, bool noWait) {
     return *result;
 }
 
+/// What a notice goes with keeps the event loop still: it must be on the screen before.
+static void WaitUntilSeen(const QPointer<dlgMessage>& notice) {
+    constexpr int LongestMs = 500;
+    constexpr int StepMs = 10;
+    const QDeadlineTimer deadline(LongestMs);
+    const auto isSeen = [&notice] {
+        return !notice || notice->windowHandle() == nullptr || notice->windowHandle()->isExposed();
+    };
+    while (!isSeen() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, StepMs);
+    if (notice)
+        notice->repaint();
+}
+
 std::function<void()> dlgMessage::PresentNotice(const QString& text) {
     constexpr int Exclamation = 48;
     const QPointer<dlgMessage> notice(new dlgMessage);
@@ -126,6 +142,7 @@ std::function<void()> dlgMessage::PresentNotice(const QString& text) {
     notice->setDoUnload(true);
     notice->HideButtons();
     notice->Show();
+    WaitUntilSeen(notice);
     return [notice] {
         if (notice)
             notice->Unload();

@@ -177,8 +177,8 @@ void wMain::OpenSite() {
         ShowModified();
 }
 
-/// The former site goes with its panels. A round of the bus that is under way has yielded between
-/// two commands, where it holds none of them, and finds the new ones when it goes on.
+/// The former site goes with its panels. No round of the bus is under way here: it lets no touch
+/// in, and a box in the middle of it is modal.
 void wMain::ReadSite(const QString& path) {
     Global::setConfiguration(std::make_unique<ConfigClass>());
     ConfigClass& site = Global::Configuration();

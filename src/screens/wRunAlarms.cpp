@@ -170,6 +170,9 @@ void wRunAlarms::mwComm_PollDone() {
 
 void wRunAlarms::mwComm_Synchronising(bool on) {
     ShowBeat(on ? GeneralReading : BeatA);
+    // Nothing runs the event loop until the reading is through.
+    if (on && isVisible())
+        repaint();
 }
 
 void wRunAlarms::ShowBeat(Beat beat) {

@@ -168,6 +168,17 @@ TEST_F(Printer, EndsItsLines) {
     EXPECT_EQ(Written(), QByteArray("\xE9\x80?\0\xFF", 5));
 }
 
+TEST_F(Printer, OpensAnewWhatHasFailed) {
+    SetPort("LPT1");
+    printer.PrintLine(Text("one"));
+    port->writeError = ENODEV;
+    printer.PrintLine(Text("lost"));
+    EXPECT_EQ(Done(), Log({"open LPT1", "timeout 2000", "write", "write", "close"}));
+    port->writeError = 0;
+    EXPECT_EQ(printer.PrintLine(Text("two")), QString());
+    EXPECT_EQ(Done(), Log({"open LPT1", "timeout 2000", "write"}));
+}
+
 TEST_F(Printer, HoldsASerialPortForOneLine) {
     SetPort("COM1");
     printer.setSettings(Text("4800,N,8,1"));

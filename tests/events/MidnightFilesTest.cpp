@@ -206,6 +206,11 @@ TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
     Put(second + Text("older.his"), "copy", when.addSecs(1));
     Put(second + Text("other.his"), "of another machine", when);
     Put(Text("note.txt"), "no history", when);
+    // Times of a stick: even seconds.
+    Put(Text("stick.his"), "source", when.addMSecs(1999));
+    Put(second + Text("stick.his"), "copied", when);
+    Put(Text("longer.his"), "source", when.addMSecs(1999));
+    Put(second + Text("longer.his"), "copy", when);
     QFile::setPermissions(Path(second + Text("newer.his")), QFile::ReadOwner);
     for (int night = 0; night < 2; ++night) {
         HistoProcs::DoMidnightActions();
@@ -213,9 +218,12 @@ TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
         EXPECT_EQ(BytesOf(second + Text("newer.his")), QByteArray("newer, shorter"));
         EXPECT_EQ(BytesOf(second + Text("equal.his")), QByteArray("copy"));
         EXPECT_EQ(BytesOf(second + Text("older.his")), QByteArray("copy"));
+        EXPECT_EQ(BytesOf(second + Text("stick.his")), QByteArray("copied"));
+        EXPECT_EQ(BytesOf(second + Text("longer.his")), QByteArray("source"));
         EXPECT_EQ(Written(second + Text("newer.his")), when.addMSecs(1));
-        EXPECT_EQ(Names(second), QStringList({Text("equal.his"), Text("new.his"), Text("newer.his"),
-                                              Text("older.his"), Text("other.his")}));
+        EXPECT_EQ(Names(second), QStringList({Text("equal.his"), Text("longer.his"),
+                                              Text("new.his"), Text("newer.his"), Text("older.his"),
+                                              Text("other.his"), Text("stick.his")}));
     }
     // The line of the day after makes the source newer again.
     Put(Text("new.his"), "new and more", when.addDays(1));

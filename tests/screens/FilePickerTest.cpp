@@ -76,7 +76,7 @@ protected:
             if (ScreenForm* left = Screen(Dialog); left != nullptr && left->Visible())
                 left->Hide();
         });
-        const QString path = pick();
+        QString path = pick();
         EXPECT_TRUE(acted);
         EXPECT_EQ(NbInstances(Dialog), 0);
         RemoveUnloaded();

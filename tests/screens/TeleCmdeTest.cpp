@@ -69,7 +69,8 @@ TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
         {1, {"#ff0000", "Active"}}, {2, {"#ff00ff", "Other state"}}, {0, {"#808080", "At rest"}}};
     for (const auto& [state, shown] : states) {
         Site().Panel(Address).Channel(5).setState(qint16(state));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return Lamp(5) == shown.first; }, 2000)) << state;
+        EXPECT_TRUE(QTest::qWaitFor([colour = shown.first] { return Lamp(5) == colour; }, 2000))
+            << state;
         EXPECT_EQ(TextOf(Detail, QStringLiteral("lblState")), shown.second);
     }
 }

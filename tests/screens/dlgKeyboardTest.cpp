@@ -54,7 +54,7 @@ protected:
             if (ScreenForm* left = Screen(Dialog); left != nullptr && left->Visible())
                 left->Hide();
         });
-        const auto text = AskText(QStringLiteral("Title"), present, maxLength, multiLine);
+        auto text = AskText(QStringLiteral("Title"), present, maxLength, multiLine);
         EXPECT_TRUE(acted);
         EXPECT_EQ(NbInstances(Dialog), 0);
         RemoveUnloaded();
@@ -114,7 +114,7 @@ TEST_F(dlgKeyboardTest, KeysLieInTheirGridAndAreLargeEnoughAtEverySize) {
             for (int i = 0; i < 7; ++i)
                 check(Button("cmdRange", i), 0, i, 1.8, box->height() / 7.1);
             for (int i = 0; i < 32; ++i)
-                check(Button("cmdKey", i), i % 8 + 2, i / 8, 0.9, box->height() / 5.1);
+                check(Button("cmdKey", i), i % 8 + 2, i >> 3, 0.9, box->height() / 5.1);
             for (int i = 0; i < 8; ++i)
                 check(Button("cmdCtrl", i), i + 2, 4, 0.9, box->height() / 5.1);
         });

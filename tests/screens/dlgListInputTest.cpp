@@ -69,7 +69,7 @@ protected:
             if (ScreenForm* left = Screen(Dialog); left != nullptr && left->Visible())
                 left->Hide();
         });
-        const auto value = AskValue(parent, descriptor, present);
+        auto value = AskValue(parent, descriptor, present);
         EXPECT_TRUE(acted);
         EXPECT_EQ(NbInstances(Dialog), 0);
         RemoveUnloaded();
