@@ -36,12 +36,12 @@ constexpr int KeyPitchY = 60;
 constexpr int KeysInRow = 10;
 constexpr int KeyPixels = 22;
 
+/// The box that the keys write to is yellow, the others white.
 QString StyleOf(bool active) {
     // The mask is a star without delay: no character of a code is ever readable.
     return QStringLiteral("QLineEdit { lineedit-password-character: 42; "
-                          "lineedit-password-mask-delay: 0; background: %1; color: %2; }")
-        .arg((active ? Theme::Selection : Theme::Field).name(),
-             (active ? QColor(Qt::white) : Theme::Ink).name());
+                          "lineedit-password-mask-delay: 0; background: %1; color: black; }")
+        .arg(QColor(active ? Qt::yellow : Qt::white).name());
 }
 
 } // namespace

@@ -18,7 +18,7 @@ protected:
         return Child(Codes(), QString::fromLatin1(name))->isVisible();
     }
     static bool IsActive(int index) {
-        return Box(index)->styleSheet().contains(Theme::Selection.name());
+        return Box(index)->styleSheet().contains(QColor(Qt::yellow).name());
     }
     static void ShowForm(int level = 0) {
         Forms::Load(Codes());

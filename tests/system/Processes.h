@@ -43,7 +43,7 @@ public:
             output_ += process_.readAllStandardOutput();
             const qsizetype at = ("\n" + output_).indexOf("\n" + head);
             if (at >= 0 && output_.indexOf('\n', at) > 0) {
-                const QByteArray line = output_.mid(at, output_.indexOf('\n', at) - at);
+                QByteArray line = output_.mid(at, output_.indexOf('\n', at) - at);
                 output_ = output_.mid(output_.indexOf('\n', at) + 1);
                 return line;
             }
