@@ -17,7 +17,7 @@ void OwnExchange(benchmark::State& state) {
     const QString bus = bed.Path(QStringLiteral("bus"));
     const Simulator simulator(bus);
     const RestlessClock clock;
-    const auto link = platform::MakeSerialPort([&](int) -> QString { return bus; });
+    const auto link = platform::MakeSerialPort([&](int) { return QString(bus); });
     link->setSettings(QStringLiteral("115200,N,8,1"));
     link->setPortOpen(true);
     Words words(state.range(0));

@@ -63,7 +63,7 @@ void TurnOver64(benchmark::State& state) {
     simulator.start(QStringLiteral(KORVANELLE_BUILD_DIR "/simulator/korvanelle-sim"), arguments);
     simulator.waitForStarted();
     simulator.waitForReadyRead(5000);
-    wPolling engine(platform::MakeSerialPort([&](int) -> QString { return bus; }));
+    wPolling engine(platform::MakeSerialPort([&](int) { return QString(bus); }));
     engine.Form_Load();
     engine.setRun(true);
     for (int number = 1; number <= 63; ++number) {
