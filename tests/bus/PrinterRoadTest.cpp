@@ -73,7 +73,7 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     EXPECT_GE(first, 1);
     Route(7, 1);
     EXPECT_EQ(told().size(), first) << "once an hour";
-    clock.Advance(3601 * 1000);
+    clock.Advance(3601000);
     Route(7, 0);
     EXPECT_EQ(told().size(), first + 1);
 
