@@ -156,8 +156,9 @@ int FuzzPanels(const uint8_t* data, size_t size) {
     wPolling engine(std::move(link));
     AlarmRows rows;
     int events = 0;
-    const int maxSteps = input.IsRare() ? MaxStepsRarely : MaxSteps;
-    const int enough = input.IsRare() ? EnoughEventsRarely : EnoughEvents;
+    const bool rare = input.IsRare();
+    const int maxSteps = rare ? MaxStepsRarely : MaxSteps;
+    const int enough = rare ? EnoughEventsRarely : EnoughEvents;
     QObject::connect(&engine, &wPolling::BusEvent, [&](const EventClass& event) {
         ++events;
         Consume(event, rows);

@@ -48,10 +48,10 @@ int FuzzPrinter(const uint8_t* data, size_t size) {
     const PrinterDefinition definition(Path);
     site.setPrintMaxLen(longest);
     site.setPrinterInitString(0, definition.Init());
+    const QString sequence = definition.SequenceOf(code);
+    Require(sequence == sequence.trimmed(), "a sequence has no blanks at its ends");
     for (int style = 1; style <= Styles; ++style)
-        site.setPrinterInitString(style, definition.SequenceOf(code));
-    Require(site.PrinterInitString(1) == site.PrinterInitString(1).trimmed(),
-            "a sequence has no blanks at its ends");
+        site.setPrinterInitString(style, sequence);
 
     auto device = std::make_unique<FakePort>();
     FakePort* port = device.get();
@@ -63,8 +63,7 @@ int FuzzPrinter(const uint8_t* data, size_t size) {
     QByteArray line = port->written;
     Require(line.endsWith('\r'), "a line ends");
     line.chop(1);
-    const qsizetype control =
-        BytesIn(site.PrinterInitString(0)) + BytesIn(site.PrinterInitString(1));
+    const qsizetype control = BytesIn(site.PrinterInitString(0)) + BytesIn(sequence);
     if (longest > 0) {
         Require(line.size() <= longest, "a line is cut");
         return 0;

@@ -120,31 +120,28 @@ bool Startup::Main() {
 }
 
 void Startup::ComeUp() {
-    Guard("Startup.Main", [&] {
-        Pointer::Hourglass();
-        Global::ReadMarks();
-        Global::Get().sound = platform::MakeSound(TellNoSoundDevice);
-        Global::Get().noResize = SLVfonctions::IsTrue(
-            IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
-        const qint32 result = ReadConfiguration();
-        LoadPolling();
-        if (HasEnded())
-            return;
-        EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
-        polling_->SendEvent(event);
-        const bool autoStart = Global::Configuration().AutoStart();
-        if (autoStart && result == 0)
-            StartByItself();
-        if (HasEnded())
-            return;
-        Config::ExportSounds(
-            [](int place) { return Global::Configuration().AlarmPrioSound(place); });
-        // The bus may have started by itself: at the first start of all its horn had no file yet.
-        Global::Get().sound->Resume();
-        Pointer::Default();
-        if (!autoStart && !HasEnded())
-            Forms::Show(MainMenu);
-    });
+    Pointer::Hourglass();
+    Global::ReadMarks();
+    Global::Get().sound = platform::MakeSound(TellNoSoundDevice);
+    Global::Get().noResize = SLVfonctions::IsTrue(
+        IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
+    const qint32 result = ReadConfiguration();
+    LoadPolling();
+    if (HasEnded())
+        return;
+    EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
+    polling_->SendEvent(event);
+    const bool autoStart = Global::Configuration().AutoStart();
+    if (autoStart && result == 0)
+        StartByItself();
+    if (HasEnded())
+        return;
+    Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
+    // The bus may have started by itself: at the first start of all its horn had no file yet.
+    Global::Get().sound->Resume();
+    Pointer::Default();
+    if (!autoStart && !HasEnded())
+        Forms::Show(MainMenu);
 }
 
 bool Startup::HasEnded() const {

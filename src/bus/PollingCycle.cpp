@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 
+#include "bus/ClockSlack.h"
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "core/Forms.h"
@@ -29,8 +30,6 @@ constexpr int StateWords = 12;
 constexpr qint32 StateRegister = 1;
 constexpr qint32 FlagRegister = 68;
 constexpr qint32 EventCountRegister = 144;
-/// A clock that went back by more than this was set.
-constexpr DateTime ClockSlack = 2 * platform::OneSecond;
 
 void Count(PanelClass& panel, int counter) {
     panel.setErrCptr(counter, qint16((panel.ErrCptr(counter) + 1) % CounterLimit));

@@ -4,6 +4,7 @@
 #include "bus/wPolling.h"
 
 #include "bus/AlarmConsole.h"
+#include "bus/ClockSlack.h"
 #include "core/ErrorHandling.h"
 #include "core/Forms.h"
 #include "core/SLVfonctions.h"
@@ -19,8 +20,6 @@ using ErrorHandling::Guard;
 namespace {
 
 const QString Console = QStringLiteral("wRunAlarms");
-/// A time ahead of the clock by more than this is none of this clock's.
-constexpr DateTime ClockSlack = 2 * platform::OneSecond;
 
 /// Reads a date and a time that must be there. Throws RunTimeError `TypeMismatch`.
 DateTime ReadTime(const QString& date, const QString& time) {

@@ -146,12 +146,10 @@ QString DirectPrinting::PrintLine(const QString& text) {
     QString error;
     if (!device_->IsOpen())
         error = port_.isEmpty() ? NoPrinter() : OpenPrinter(port_, QString(), false);
-    bool lost = false;
-    if (error.isEmpty()) {
+    if (error.isEmpty())
         error = PrintString(text + u'\r' + (addLF_ ? QStringLiteral("\n") : QString()));
-        // A printer that was unplugged comes back as another device: the next line opens it anew.
-        lost = !error.isEmpty();
-    }
+    // A printer that was unplugged comes back as another device: the next line opens it anew.
+    const bool lost = !error.isEmpty() && device_->IsOpen();
     if (closeAfterLine_ || lost)
         ClosePrinter();
     return error;

@@ -38,17 +38,13 @@ QDate DateOfName(const QString& name) {
     return QDate::fromString(name.left(8), QStringLiteral("yyyyMMdd"));
 }
 
-/// What could not be done of the day's care; told when all the rest is done.
-struct Failures {
-    int error = 0;
-};
-
-void Remove(const QString& path, Failures& failures) {
+/// In `failure` stands what went wrong last of the day's care; it is told when all is done.
+void Remove(const QString& path, int& failure) {
     if (!QFile::remove(path) && QFile::exists(path))
-        failures.error = platform::errors::PathAccess;
+        failure = platform::errors::PathAccess;
 }
 
-void PurgeTraces(const QDate& today, Failures& failures) {
+void PurgeTraces(const QDate& today, int& failure) {
     const int days = Bytes::LongVal(GetConfig(TraceDaysId));
     if (days <= 0)
         return;
@@ -57,7 +53,7 @@ void PurgeTraces(const QDate& today, Failures& failures) {
     for (const QString& name : folder.entryList({QStringLiteral("*.log")}, QDir::Files)) {
         const QDate date = DateOfName(name);
         if (date.isValid() && date < limit)
-            Remove(folder.filePath(name), failures);
+            Remove(folder.filePath(name), failure);
     }
 }
 
@@ -66,10 +62,10 @@ QFileInfoList Histories(const QDir& folder) {
 }
 
 /// Deletes the histories last written before the limit, write-protected ones too.
-void PurgeHistories(const QDir& folder, const QDateTime& limit, Failures& failures) {
+void PurgeHistories(const QDir& folder, const QDateTime& limit, int& failure) {
     for (const QFileInfo& info : Histories(folder))
         if (info.lastModified() < limit)
-            Remove(info.filePath(), failures);
+            Remove(info.filePath(), failure);
 }
 
 /// A stick keeps times in steps of two seconds, cut off: a copy of the source's length and of its
@@ -110,14 +106,14 @@ bool CopyOver(const QFileInfo& source, const QString& target) {
     return !error;
 }
 
-void CopyHistories(const QDir& from, const QDir& to, Failures& failures) {
+void CopyHistories(const QDir& from, const QDir& to, int& failure) {
     for (const QFileInfo& source : Histories(from)) {
         const QFileInfo copy(to.filePath(source.fileName()));
         if (IsUpToDate(copy, source) || CopyOver(source, copy.filePath()))
             continue;
-        failures.error = QStorageInfo(to.path()).bytesAvailable() < source.size()
-                             ? platform::errors::DiskFull
-                             : platform::errors::PathAccess;
+        failure = QStorageInfo(to.path()).bytesAvailable() < source.size()
+                      ? platform::errors::DiskFull
+                      : platform::errors::PathAccess;
     }
 }
 
@@ -128,8 +124,8 @@ void DoMidnightActions() {
     Guard("HistoProcs.DoMidnightActions", [] { Trace::OpenToday(); });
     Guard("HistoProcs.DoMidnightActions", [] {
         const QDateTime now(DateTimes::DateOf(DateTimes::Now()), QTime(0, 0));
-        Failures failures;
-        PurgeTraces(now.date(), failures);
+        int failure = 0;
+        PurgeTraces(now.date(), failure);
         const int period =
             Bytes::ShortVal(FilesKey(QStringLiteral("PeriodTime"), QStringLiteral("0")));
         const bool months =
@@ -140,14 +136,14 @@ void DoMidnightActions() {
         const QDir second(own.absoluteFilePath(named));
         const bool ready = !named.isEmpty() && platform::IsReady(second.path());
         if (period > 0) {
-            PurgeHistories(own, limit, failures);
+            PurgeHistories(own, limit, failure);
             if (ready)
-                PurgeHistories(second, limit, failures);
+                PurgeHistories(second, limit, failure);
         }
         if (ready)
-            CopyHistories(own, second, failures);
-        if (failures.error != 0)
-            throw platform::RunTimeError(failures.error);
+            CopyHistories(own, second, failure);
+        if (failure != 0)
+            throw platform::RunTimeError(failure);
     });
 }
 

@@ -142,23 +142,23 @@ private:
     /// Waits for the way out of what was written, until the deadline of the write.
     void Drain() const {
         int queued = 0;
-        bool isLine = false;
-        while (::ioctl(file_, TIOCOUTQ, &queued) == 0) {
-            isLine = true;
-            if (queued == 0)
-                return;
+        if (::ioctl(file_, TIOCOUTQ, &queued) != 0) {
+            // No line: a printer on USB is ready again when it has taken what was written; its
+            // close drops the rest.
+            const qint64 left = deadline_ - Clock::Current().MonotonicMs();
+            pollfd waiting{file_, POLLOUT, 0};
+            ::poll(&waiting, 1, int(qMax<qint64>(left, 0)));
+            return;
+        }
+        while (queued > 0) {
             if (Clock::Current().MonotonicMs() >= deadline_) {
                 ::tcflush(file_, TCOFLUSH);
                 return;
             }
             Clock::Current().Sleep(BusyStep);
+            if (::ioctl(file_, TIOCOUTQ, &queued) != 0)
+                return;
         }
-        // A printer on USB is ready again when it has taken what was written; its close drops the
-        // rest.
-        const qint64 left = deadline_ - Clock::Current().MonotonicMs();
-        pollfd waiting{file_, POLLOUT, 0};
-        if (!isLine && left > 0)
-            ::poll(&waiting, 1, int(left));
     }
 
     static QList<DevicePort*>& Ports() {
