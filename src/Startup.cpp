@@ -1,11 +1,14 @@
 #include "Startup.h"
 
 #include "bus/wPolling.h"
+#include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Faults.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Operator.h"
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
@@ -27,12 +30,15 @@ const QString Console = QStringLiteral("wRunAlarms");
 const QString MainMenu = QStringLiteral("wMain");
 const QString Files = QStringLiteral("Files");
 
-/// Said in the trace and nowhere else: the alarms are on the screen all the same.
 void TellNoSoundDevice() {
-    Guard("Startup.TellNoSoundDevice", [] {
-        Trace::Write(DateTimes::DateAndTime(DateTimes::Now()) +
-                     QStringLiteral(" NO SOUND DEVICE: THE HORN STAYS SILENT"));
-    });
+    Faults::Set(Faults::Kind::NoHorn);
+}
+
+/// Tells why the program can't go on and waits for the answer: without it the screen would stay
+/// black and nobody would know.
+void TellTheEnd(const QString& text) {
+    const Operator::Acting acting;
+    Message(text, Messages::Critical);
 }
 
 } // namespace
@@ -45,10 +51,9 @@ bool Startup::ClaimInstance() {
         Global::InApplicationFolder(platform::ExecutableName() + QStringLiteral(".lock")));
     if (instance_->Acquire())
         return true;
-    Message(QStringLiteral("Korvanelle is already in use. Multiple instances are not allowed.\r"
-                           "If Korvanelle is not visible please use the task manager for "
-                           "shutdown it then restart it (or reboot the panel)."),
-            Messages::Critical);
+    TellTheEnd(QStringLiteral("Korvanelle is already in use. Multiple instances are not allowed.\r"
+                              "If Korvanelle is not visible please use the task manager for "
+                              "shutdown it then restart it (or reboot the panel)."));
     return false;
 }
 
@@ -85,11 +90,11 @@ void Startup::LoadPolling() {
     Forms::Load(PollingForm);
 }
 
+/// A port that isn't there yet, as an adapter that the system finds late, is tried again while the
+/// console stands: nobody is there to start the bus.
 void Startup::StartByItself() {
     Forms::Show(MainMenu);
-    if (!polling_->CommBus().PortOpen())
-        return;
-    polling_->setRun(true);
+    polling_->RunWhenPortComes();
     if (HasEnded())
         return;
     Forms::Show(Console);
@@ -108,8 +113,10 @@ bool Startup::Main() {
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
         DropFormerAlarms();
+        // What fails is told over the first screen, when the bus runs.
+        const Boxes::Held held;
         if (!Config::OpenConfigBase()) {
-            Message(QStringLiteral("Unable to open configuration file."), Messages::Critical);
+            TellTheEnd(QStringLiteral("Unable to open configuration file."));
             return;
         }
         started = true;

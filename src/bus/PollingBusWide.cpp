@@ -5,6 +5,7 @@
 
 #include "bus/AlarmConsole.h"
 #include "bus/Miroirs.h"
+#include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Forms.h"
@@ -74,6 +75,7 @@ void wPolling::SynchroGeneraleBus() {
     if (synchronising_)
         return;
     const QScopedValueRollback synchronising(synchronising_, true);
+    const Boxes::Held held;
     Guard("wPolling.SynchroGeneraleBus", [&] {
         Pointer::Hourglass();
         std::optional<Messages::Notice> notice;

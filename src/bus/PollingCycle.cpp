@@ -3,6 +3,7 @@
 #include "bus/wPolling.h"
 
 #include "bus/ClockSlack.h"
+#include "core/Boxes.h"
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "core/Forms.h"
@@ -71,6 +72,7 @@ void wPolling::RunComm() {
     if (inRound_)
         return;
     const QScopedValueRollback inRound(inRound_, true);
+    const Boxes::Held held;
     Guard("wPolling.RunComm", [&] {
         if (EndIfClosing() || !run_)
             return;

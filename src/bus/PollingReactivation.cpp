@@ -51,14 +51,19 @@ void wPolling::tmrReactiv_Timer() {
     });
 }
 
-/// An adapter that was pulled and comes back must not wait for somebody to restart the bus.
+/// An adapter that was pulled and comes back, or that the system finds late, must not wait for
+/// somebody to start the bus.
 void wPolling::ReopenLostPort() {
-    if (!run_ || closing_ || link_->PortOpen())
+    if ((!run_ && !waitsForPort_) || closing_ || link_->PortOpen())
         return;
     try {
         link_->setPortOpen(true);
     } catch (const platform::RunTimeError&) {
         return; // still gone; the panels are reported missing meanwhile
+    }
+    if (waitsForPort_) {
+        setRun(true);
+        return;
     }
     for (int address = 1; address <= PanelCount; ++address)
         Global::Configuration().Panel(address).setNextPoll(DateTimes::Now() - platform::OneSecond);

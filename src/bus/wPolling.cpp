@@ -185,6 +185,8 @@ void wPolling::StoreCommands() {
 
 void wPolling::setRun(bool on) {
     Guard("wPolling.Run", [&] {
+        // Whoever starts or stops it has decided.
+        waitsForPort_ = false;
         if (on && (closing_ || synchronising_))
             return;
         if (on && !link_->PortOpen()) {
@@ -210,6 +212,14 @@ void wPolling::setRun(bool on) {
         run_ = on;
         Q_EMIT RunChanged(on);
     });
+}
+
+void wPolling::RunWhenPortComes() {
+    waitsForPort_ = !link_->PortOpen();
+    if (!waitsForPort_)
+        setRun(true);
+    else
+        Q_EMIT RunChanged(false);
 }
 
 void wPolling::SendCommand(const CommandPtr& command) {

@@ -42,6 +42,10 @@ public:
     bool Run() const { return run_; }
     /// Starts or stops the bus. A port that can't be opened is told and changes nothing.
     void setRun(bool on);
+    /// Starts the bus now, or as soon as its port is there; it is tried each 10 s.
+    void RunWhenPortComes();
+    /// The bus is to run, and waits for its port.
+    bool WaitsForPort() const { return waitsForPort_; }
     bool IsClosing() const { return closing_; }
 
     /// Puts a command into the queue unless it already waits there.
@@ -179,6 +183,7 @@ private:
     bool closing_ = false;
     bool unloaded_ = false;
     bool firstStart_ = false;
+    bool waitsForPort_ = false;
     bool synchronising_ = false;
     bool restored_ = false; // the commands of the former run are taken
     qint32 lastEvent_ = 0;

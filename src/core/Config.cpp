@@ -72,6 +72,10 @@ bool OpenConfigBase() {
             Global::InApplicationFolder(platform::ExecutableName() + QStringLiteral(".cfg")));
         Global::Get().language = Bytes::ShortVal(
             IniRead(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("0")));
+        if (!GetLanguage(Global::Get().language).isEmpty())
+            return;
+        Global::Get().language = 0;
+        throw platform::RunTimeError(platform::errors::NoSuchField);
     });
     return base != nullptr;
 }
@@ -148,21 +152,39 @@ std::optional<QByteArray> Sound(int number) {
     return content;
 }
 
-void ExportSound(int place, int number) {
-    Guard("Config.ExportSound", [&] {
-        const QString path =
-            Global::InApplicationFolder(QStringLiteral("AlarmSound%1.wav").arg(place));
-        if (QFile::exists(path))
-            return;
-        const std::optional<QByteArray> content = Sound(number);
-        if (!content)
-            return;
-        // Whole or not at all: half a sound would stay for ever, as a file that exists isn't
-        // written again.
-        QSaveFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(*content) != content->size() ||
-            !file.commit())
-            throw platform::RunTimeError(platform::errors::PathAccess);
+namespace {
+
+/// Gives 0 or the error number.
+int ExportSound(int place, int number) {
+    const QString path = Global::InApplicationFolder(QStringLiteral("AlarmSound%1.wav").arg(place));
+    if (QFile::exists(path))
+        return 0;
+    const std::optional<QByteArray> content = Sound(number);
+    if (!content)
+        return 0;
+    // Whole or not at all: half a sound would stay for ever, as a file that exists isn't written
+    // again.
+    QSaveFile file(path);
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(*content) == content->size() && file.commit();
+    if (written)
+        return 0;
+    return file.error() == QFileDevice::ResourceError ? platform::errors::DiskFull
+                                                      : platform::errors::PathAccess;
+}
+
+} // namespace
+
+void ExportSounds(const std::function<int(int)>& soundNumber) {
+    Guard("Config.ExportSounds", [&] {
+        constexpr int LastPlace = 99;
+        int failure = 0;
+        for (int place = 0; place <= LastPlace; ++place) {
+            if (const int error = ExportSound(place, soundNumber(place)))
+                failure = error;
+        }
+        if (failure != 0)
+            throw platform::RunTimeError(failure);
     });
 }
 

@@ -2,13 +2,14 @@
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 #include <optional>
 
 /// The configuration base beside the executable: words, factory defaults and alarm sounds.
 namespace Config {
 
-/// Opens the base, reads all its words and the language in use. True when the base is open
-/// afterwards.
+/// Opens the base, reads all its words and the language in use. A language that the base doesn't
+/// have is told once, and the first one is used. True when the base is open afterwards.
 bool OpenConfigBase();
 /// Drops the base, for tests.
 void CloseConfigBase();
@@ -29,11 +30,9 @@ QString GetLanguage(int index);
 std::optional<QByteArray> Sound(int number);
 
 /// Writes for each place I of the priorities 0 to 99 the sound numbered `soundNumber(I)` to
-/// "AlarmSound" + I + ".wav" beside the executable. A file that exists stays as it is.
-template <class SoundNumber> void ExportSounds(SoundNumber soundNumber);
-
-/// The file of one place.
-void ExportSound(int place, int number);
+/// "AlarmSound" + I + ".wav" beside the executable. A file that exists stays as it is. What can't
+/// be written keeps no other from being written, and is told once.
+void ExportSounds(const std::function<int(int)>& soundNumber);
 
 /// A string of 0 and 1 as a number, sign and magnitude: the leftmost of its 16 or 32 digits makes
 /// the sum of the others negative.
@@ -44,8 +43,3 @@ qint32 BinToDec(const QString& text, bool is16Bit = false);
 using Config::GetConfig;
 using Config::GetLanguage;
 using Config::GetText;
-
-template <class SoundNumber> void Config::ExportSounds(SoundNumber soundNumber) {
-    for (int place = 0; place <= 99; ++place)
-        ExportSound(place, soundNumber(place));
-}

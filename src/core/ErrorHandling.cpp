@@ -1,7 +1,11 @@
 #include "core/ErrorHandling.h"
 
+#include "core/Boxes.h"
 #include "core/Message.h"
+#include "core/Operator.h"
 #include "core/Pointer.h"
+#include "core/Trace.h"
+#include "platform/Clock.h"
 #include "platform/RunTimeError.h"
 
 #include <QHash>
@@ -22,6 +26,24 @@ QSet<QString> standing;
 int postponing = 0;
 QStringList postponed;
 
+/// When each error was last written to the trace, ms of the monotonic clock.
+QHash<QString, qint64> traced;
+constexpr qint64 TracePause = 600000;
+constexpr qsizetype MostTraced = 100;
+
+/// An error that repeats must not fill the disk.
+void TraceError(const QString& source, int number) {
+    const QString words = QStringLiteral("ERROR %1 %2").arg(number).arg(source);
+    const qint64 now = platform::Clock::Current().MonotonicMs();
+    const auto last = traced.constFind(words);
+    if (last != traced.cend() && now >= *last && now - *last < TracePause)
+        return;
+    if (traced.size() >= MostTraced)
+        traced.clear();
+    traced.insert(words, now);
+    Trace::Note(words);
+}
+
 void Tell(const QString& text) {
     Pointer::Default();
     if (standing.contains(text))
@@ -40,8 +62,15 @@ Postponed::~Postponed() {
     if (--postponing > 0)
         return;
     try {
-        for (const QString& text : std::exchange(postponed, {}))
-            Tell(text);
+        const QStringList texts = std::exchange(postponed, {});
+        if (!Operator::Acts()) {
+            for (const QString& text : texts)
+                Tell(text);
+        } else if (!texts.isEmpty()) {
+            Tell(texts.first());
+            for (const QString& text : texts.mid(1))
+                Boxes::Post(text, Messages::Critical);
+        }
     } catch (...) {
         // As in the guard: an error of the handler has nowhere to go.
         return;
@@ -91,6 +120,7 @@ QString ErrorText(const QString& source, int number) {
 
 void Report(const QString& source, int number) {
     const QString text = ErrorText(source, number);
+    TraceError(source, number);
     if (postponing == 0)
         Tell(text);
     else if (!postponed.contains(text))

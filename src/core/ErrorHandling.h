@@ -6,8 +6,10 @@
 /// The one handler of run-time errors and the guard that leads to it.
 namespace ErrorHandling {
 
-/// Tells the operator of an error in a procedure, in a box that waits. `source` is the module or
-/// form, a point and the procedure; handlers of a form add the object, "_" and the event.
+/// Tells the operator of an error in a procedure, in a box that waits for whoever touched the
+/// screen and for nobody else, and in the trace; there the same error comes once in ten minutes.
+/// `source` is the module or form, a point and the procedure; handlers of a form add the object,
+/// "_" and the event.
 void Report(const QString& source, int number);
 
 /// The text of the box.
@@ -20,8 +22,8 @@ QString RunTimeText(int number);
 int CurrentErrorNumber();
 
 /// While one exists the errors that are reported wait, and are told when the outermost one goes: a
-/// box stops what it stands in, and must not stand between a fault and the horn. Of the same error
-/// one box comes.
+/// box stops what it stands in, and must not stand between a fault and the horn. One box comes of
+/// them.
 class Postponed {
 public:
     Postponed();

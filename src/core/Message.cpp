@@ -1,5 +1,8 @@
 #include "core/Message.h"
 
+#include "core/Boxes.h"
+#include "core/Operator.h"
+
 #include <cstdio>
 
 namespace {
@@ -9,6 +12,7 @@ Messages::NoticePresenter noticePresenter;
 
 void Messages::Install(Presenter newPresenter) {
     presenter = std::move(newPresenter);
+    Boxes::Install(nullptr);
 }
 
 void Messages::InstallNotice(NoticePresenter newPresenter) {
@@ -26,6 +30,11 @@ Messages::Notice::~Notice() {
 }
 
 int Message(const QString& text, int buttons, bool noWait) {
+    const bool asks = (buttons & Messages::ButtonSet) != 0;
+    if (presenter && !noWait && !asks && !Operator::Acts()) {
+        Boxes::Post(text, buttons);
+        return 0;
+    }
     if (presenter)
         return presenter(text, buttons, noWait);
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());

@@ -5,13 +5,15 @@
 
 /// The program's message box: a text, a style word, a flag for a box that doesn't wait. Gives the
 /// number of the button pressed; -1 when the box was closed without one, 0 at once for a box
-/// that doesn't wait.
+/// that doesn't wait. A box that only tells and that no touch has called doesn't wait either.
 int Message(const QString& text, int buttons = 0, bool noWait = false);
 
 namespace Messages {
 
 /// Pictures and button sets of the style word.
 inline constexpr int Critical = 16;
+/// Bits of the style word that choose the buttons; 0 is a box that only tells.
+inline constexpr int ButtonSet = 7;
 
 enum Result { Closed = -1, Ok = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
 
@@ -34,8 +36,9 @@ private:
 using NoticePresenter = std::function<std::function<void()>(const QString& text)>;
 void InstallNotice(NoticePresenter presenter);
 
-/// Says who shows the box. Without a presenter `Message` writes to the standard error stream and
-/// gives -1, so that a failure ahead of the first screen is still told.
+/// Says who shows the box, and that nobody keeps unread boxes. Without a presenter `Message` writes
+/// to the standard error stream and gives -1, so that a failure ahead of the first screen is still
+/// told.
 void Install(Presenter presenter);
 
 } // namespace Messages

@@ -1,5 +1,6 @@
 #include "core/Trace.h"
 
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "platform/Folders.h"
 #include "platform/LineLog.h"
@@ -27,9 +28,26 @@ void OpenToday() {
     Log().Open(FileName(DateTimes::Now()), platform::LineLog::AppendMode);
 }
 
+/// A trace that can't be written stands on the console for as long as that lasts.
 void Write(const QString& line) {
-    Log().WriteLine(line);
-    Log().Commit();
+    try {
+        Log().WriteLine(line);
+        Log().Commit();
+    } catch (...) {
+        Faults::Set(Faults::Kind::TraceNotWritten);
+        throw;
+    }
+    Faults::Clear(Faults::Kind::TraceNotWritten);
+}
+
+void Note(const QString& words) noexcept {
+    try {
+        const QString line = DateTimes::DateAndTime(DateTimes::Now()) + u' ' + words;
+        Write(line.left(LineWidth));
+    } catch (...) {
+        // Told by the fault that stands now.
+        return;
+    }
 }
 
 QString SystemLine(DateTime when, const QString& number, const QString& word) {

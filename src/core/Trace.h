@@ -33,6 +33,9 @@ QString FileName(DateTime day);
 void OpenToday();
 /// Appends one line and commits it. Throws RunTimeError.
 void Write(const QString& line);
+/// Writes date, time and words as one line, cut at LineWidth. What can't be written is a standing
+/// fault and no error: whoever notes something has more to do.
+void Note(const QString& words) noexcept;
 /// Line of an action on the bus as a whole, laid out like an event's: `word` stands in the number
 /// column and again as the event's word, key and texts are stars.
 QString SystemLine(DateTime when, const QString& number, const QString& word);

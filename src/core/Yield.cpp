@@ -1,12 +1,16 @@
 #include "core/Yield.h"
 
+#include "core/Operator.h"
+
 #include <QCoreApplication>
 #include <QEventLoop>
 
 void Yield() {
+    const Operator::Away away;
     QCoreApplication::processEvents();
 }
 
 void YieldWithoutInput() {
+    const Operator::Away away;
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }

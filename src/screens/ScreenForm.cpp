@@ -2,6 +2,7 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Operator.h"
 #include "screens/ResizeForm.h"
 #include "screens/Theme.h"
 #include "screens/TouchImage.h"
@@ -98,8 +99,10 @@ void ScreenForm::ShowModal() {
     modalLoop_ = &loop;
     setWindowModality(Qt::ApplicationModal);
     Show();
-    if (isVisible())
+    if (isVisible()) {
+        const Operator::Away away;
         loop.exec();
+    }
     if (!self)
         return;
     modalLoop_ = nullptr;
@@ -182,6 +185,7 @@ void ScreenForm::OnClick(QWidget* control, std::function<void()> handler) {
 void ScreenForm::Connect(QWidget* control, const QString& object, std::function<void()> handler) {
     const QByteArray source = (name_ + u'.' + object + QStringLiteral("_Click")).toLatin1();
     const auto click = [source, handler = std::move(handler)] {
+        const Operator::Acting acting;
         ErrorHandling::Guard(source.constData(), handler);
     };
     control->setCursor(Theme::TouchPointer());

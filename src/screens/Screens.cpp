@@ -1,5 +1,6 @@
 #include "screens/Screens.h"
 
+#include "core/Boxes.h"
 #include "core/Forms.h"
 #include "core/Message.h"
 #include "screens/Theme.h"
@@ -26,6 +27,7 @@ void RegisterScreens() {
     if (qApp != nullptr)
         Theme::Apply(*qApp);
     Messages::Install(&dlgMessage::Present);
+    Boxes::Install(&dlgMessage::PresentUnread);
     Messages::InstallNotice(&dlgMessage::PresentNotice);
     Forms::Register(QStringLiteral("dlgUserCodes"), [] { return new dlgUserCodes; });
     Forms::Register(QStringLiteral("dlgDefPwds"), [] { return new dlgDefPwds; });

@@ -1,5 +1,6 @@
 #include "screens/dlgMessage.h"
 
+#include "core/Boxes.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -106,10 +107,7 @@ int dlgMessage::Present(const QString& text, int buttons, bool noWait) {
     dialog->setButtons(buttons);
     dialog->setDoUnload(noWait);
     if (noWait) {
-        // A box above one that waits would be deaf and cover it: it takes the touch first.
-        if (QApplication::activeModalWidget() != nullptr)
-            dialog->setWindowModality(Qt::ApplicationModal);
-        dialog->Show();
+        dialog->ShowAtOnce();
         return 0;
     }
     const std::shared_ptr<int> result = dialog->result_;
@@ -118,6 +116,27 @@ int dlgMessage::Present(const QString& text, int buttons, bool noWait) {
     if (self)
         self->Unload();
     return *result;
+}
+
+/// A box above one that waits would be deaf and cover it: it takes the touch first.
+void dlgMessage::ShowAtOnce() {
+    if (QApplication::activeModalWidget() != nullptr)
+        setWindowModality(Qt::ApplicationModal);
+    Show();
+}
+
+void dlgMessage::PresentUnread(const QString& text, int buttons) {
+    static QPointer<dlgMessage> standing;
+    if (standing && standing->Visible()) {
+        standing->setMessage(text);
+        return;
+    }
+    standing = new dlgMessage;
+    standing->unread_ = true;
+    standing->setMessage(text);
+    standing->setButtons(buttons);
+    standing->setDoUnload(true);
+    standing->ShowAtOnce();
 }
 
 /// What a notice goes with keeps the event loop still: it must be on the screen before.
@@ -251,6 +270,8 @@ void dlgMessage::CloseRequested() {
 
 void dlgMessage::Press(int index) {
     *result_ = int(Bytes::Val(Control<QPushButton>(Button, index)->property("Tag").toString()));
+    if (unread_)
+        Boxes::Read();
     if (doUnload_)
         Unload();
     else

@@ -26,6 +26,9 @@ public:
     int Result() const { return *result_; }
     /// Shows one box as `Message` does and gives what `Message` gives.
     static int Present(const QString& text, int buttons, bool noWait);
+    /// Shows the one box that no touch has called, or gives the one that stands another text. Its
+    /// button tells that it was read.
+    static void PresentUnread(const QString& text, int buttons);
     /// Shows a box without buttons that tells of work going on; gives what takes it away.
     static std::function<void()> PresentNotice(const QString& text);
 
@@ -44,11 +47,14 @@ private:
     void ShowPicture(int picture);
     void PlaceButtons(int count);
     void Layout();
+    void ShowAtOnce();
     void Press(int index);
     int MostHeight() const;
 
     std::unique_ptr<Ui::dlgMessage> ui_;
     bool doUnload_ = false;
+    /// Holds what nobody has read yet.
+    bool unread_ = false;
     /// Outlives the dialog, for the caller that waits while the dialog is unloaded.
     std::shared_ptr<int> result_;
     int default_ = 0;

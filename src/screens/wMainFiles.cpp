@@ -4,6 +4,7 @@
 #include "core/Config.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Operator.h"
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
 #include "core/Yield.h"
@@ -243,6 +244,9 @@ void wMain::TellFailure(qint32 text) {
     box->setStyleSheet(
         QStringLiteral("QPushButton { min-width: 120px; min-height: 48px; font-size: 16px; }"));
     failure_ = box;
-    box->exec();
+    {
+        const Operator::Away away;
+        box->exec();
+    }
     delete box;
 }

@@ -4,6 +4,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
+#include "core/Operator.h"
 #include "core/SLVfonctions.h"
 #include "events/Decisions.h"
 #include "events/Klaxon.h"
@@ -99,8 +100,10 @@ void wRunAlarms::ConnectControls() {
 }
 
 void wRunAlarms::Press(TouchImage* image, const char* source, std::function<void()> handler) {
-    connect(image, &TouchImage::clicked, this,
-            [source, handler = std::move(handler)] { Guard(source, handler); });
+    connect(image, &TouchImage::clicked, this, [source, handler = std::move(handler)] {
+        const Operator::Acting acting;
+        Guard(source, handler);
+    });
 }
 
 void wRunAlarms::Form_Load() {

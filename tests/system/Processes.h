@@ -65,7 +65,9 @@ private:
 class RunFolder {
 public:
     RunFolder() {
-        const QString program = QStringLiteral(KORVANELLE_BUILD_DIR "/src/korvanelle");
+        // Another build can be put to the test in place of this one's.
+        const QString program = qEnvironmentVariable(
+            "KORVANELLE_PROGRAM", QStringLiteral(KORVANELLE_BUILD_DIR "/src/korvanelle"));
         const QString target = Path(QStringLiteral("korvanelle"));
         EXPECT_TRUE(QFile::copy(program, target));
         EXPECT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
