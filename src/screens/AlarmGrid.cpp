@@ -1,8 +1,12 @@
 #include "screens/AlarmGrid.h"
 
+#include "events/EventClass.h"
+#include "model/CurrentConfig.h"
+#include "screens/RowShapes.h"
 #include "screens/Theme.h"
 
 #include <QPainter>
+#include <QRegion>
 #include <algorithm>
 #include <cmath>
 
@@ -13,8 +17,13 @@ constexpr int Columns = 73;
 /// Room around the letters that a finger and an eye at two metres need, in heights of the font.
 constexpr double RowPitch = 1.85;
 constexpr int FewestRows = 11;
-constexpr int FrameWidth = 3;
-constexpr QColor Frame{0x12, 0x17, 0x1E};
+/// Room for the shape beside the blank with which each text begins, in heights of the font.
+constexpr double MarkRoom = 0.95;
+/// Two tones, so that one of them is seen on any colour, pixels each.
+constexpr int OuterFrame = 3;
+constexpr int InnerFrame = 2;
+/// Column at which the text of a channel stands in its row.
+constexpr qsizetype TextColumn = 49;
 
 /// Share of a channel in the light that a colour gives, by the definition of sRGB.
 double Linear(double channel) {
@@ -29,7 +38,7 @@ double Luminance(const QColor& colour) {
 } // namespace
 
 AlarmGrid::AlarmGrid(QWidget* parent)
-    : RowGrid({Columns, RowPitch, FewestRows}, parent) {
+    : RowGrid({Columns, RowPitch, FewestRows, MarkRoom}, parent) {
     FitFont();
 }
 
@@ -48,20 +57,51 @@ QColor AlarmGrid::InkOn(const QColor& background) {
                                                                               : Qt::white;
 }
 
+/// The row of a lost panel has room where a channel has its text: the panel's title stands there.
+/// It is only painted, the text of a row is read by others as it is.
+QString AlarmGrid::PaintedText(const AlarmRow& alarm) {
+    QString text = alarm.text;
+    text.replace(QLatin1String("\r\n"), QLatin1String(" "));
+    EventClass event;
+    event.setID(alarm.data);
+    if (event.Chnl() != Family::Presence || event.Panel() < 1 ||
+        event.Panel() > ConfigClass::PanelCount)
+        return text;
+    const QString title = Global::Configuration().Panel(event.Panel()).Title().trimmed();
+    const qsizetype column = qMax(TextColumn, text.size() + 1);
+    return title.isEmpty() ? text : (text.leftJustified(column) + title).left(Columns);
+}
+
 void AlarmGrid::PaintRow(QPainter& painter, int row, const QRect& area) const {
     const AlarmRow& alarm = rows_.Row(row);
     const QColor background = FromBgr(alarm.colour);
+    const QColor ink = InkOn(background);
     painter.fillRect(area, background);
-    painter.setPen(InkOn(background));
-    QString text = alarm.text;
-    text.replace(QLatin1String("\r\n"), QLatin1String(" "));
-    painter.drawText(area.adjusted(LeftMargin, 0, 0, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
-    if (row != rows_.Current())
-        return;
-    constexpr int Inset = FrameWidth / 2;
-    painter.setPen(QPen(InkOn(background) == Qt::black ? Frame : QColor(Qt::white), FrameWidth));
-    painter.drawRect(area.adjusted(Inset, Inset, -Inset - 1, -Inset - 1));
+    painter.setPen(ink);
+    painter.drawText(area.adjusted(LeftMargin(), 0, 0, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, PaintedText(alarm));
+    constexpr int Frame = OuterFrame + InnerFrame;
+    const int digits = LeftMargin() + painter.fontMetrics().horizontalAdvance(u'0');
+    const QRect mark(area.left() + Frame + 1, area.top() + Frame, digits - Frame - 3,
+                     area.height() - 2 * Frame);
+    RowShapes::Draw(painter, mark, alarm.State(), ink, background);
+    if (row == rows_.Current())
+        PaintFrame(painter, area);
+    else if (row == Position().Aimed())
+        Band(painter, area, InnerFrame, ink);
+}
+
+/// A frame of a width along the inside of an area.
+void AlarmGrid::Band(QPainter& painter, const QRect& area, int width, const QColor& colour) {
+    const QRect inside = area.adjusted(width, width, -width, -width);
+    for (const QRect& side : QRegion(area).subtracted(inside))
+        painter.fillRect(side, colour);
+}
+
+void AlarmGrid::PaintFrame(QPainter& painter, const QRect& area) {
+    Band(painter, area, OuterFrame, Qt::black);
+    const QRect inner = area.adjusted(OuterFrame, OuterFrame, -OuterFrame, -OuterFrame);
+    Band(painter, inner, InnerFrame, Qt::white);
 }
 
 AlarmMark::AlarmMark(QWidget* parent)

@@ -6,7 +6,8 @@
 #include <QColor>
 #include <QString>
 
-/// The list of alarms on the screen: one line a row, on the colour of the alarm's state.
+/// The list of alarms on the screen: one line a row, on the colour of the alarm's state and
+/// with the shape of that state.
 class AlarmGrid : public RowGrid {
     Q_OBJECT
 public:
@@ -22,12 +23,17 @@ public:
     static QColor InkOn(const QColor& background);
     /// How well a colour is told from another: 1 not at all, 21 black from white.
     static double Contrast(const QColor& one, const QColor& other);
+    /// What stands in a row on the screen: its text, and the title of the panel that it tells of.
+    static QString PaintedText(const AlarmRow& alarm);
 
 protected:
     RowPosition& MutablePosition() override { return rows_.Position(); }
     void PaintRow(QPainter& painter, int row, const QRect& area) const override;
 
 private:
+    static void PaintFrame(QPainter& painter, const QRect& area);
+    static void Band(QPainter& painter, const QRect& area, int width, const QColor& colour);
+
     AlarmRows rows_;
 };
 

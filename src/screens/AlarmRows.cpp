@@ -120,27 +120,66 @@ void AlarmRows::InsertOnTop(const AlarmRow& row, bool select) {
     at_.InsertedOnTop(select);
 }
 
-qint32 AlarmRows::RowColor(qint32 id) {
+RowState AlarmRows::StateOf(qint32 id) {
     EventClass event;
     event.setID(id);
     if (event.Chnl() == Family::Presence)
-        return event.Aff() != 0 ? White : Red;
+        return event.Aff() != 0 ? RowState::Back : RowState::Lost;
     if (event.Param() < 1)
-        return event.Aff() == 1 ? Cyan : LightGreen;
+        return event.Aff() == 1 ? RowState::Active : RowState::Report;
     switch (event.Aff()) {
     case 1:
-        return White;
+        return RowState::Acknowledged;
     case 2:
-        return LightBlue;
+        return RowState::Cable;
     case FirstFault:
-        return Red;
+        return RowState::FirstFault;
     case 4:
-        return Orange;
+        return RowState::SecondFault;
     case ReactivatedAff:
-        return Magenta;
+        return RowState::Reactivated;
     default:
-        return Black;
+        return RowState::Other;
     }
+}
+
+qint32 AlarmRows::ColourOf(RowState state) {
+    switch (state) {
+    case RowState::Lost:
+    case RowState::FirstFault:
+        return Red;
+    case RowState::Back:
+    case RowState::Acknowledged:
+        return White;
+    case RowState::Active:
+        return Cyan;
+    case RowState::Report:
+        return LightGreen;
+    case RowState::Cable:
+        return LightBlue;
+    case RowState::SecondFault:
+        return Orange;
+    case RowState::Reactivated:
+        return Magenta;
+    case RowState::Other:
+        break;
+    }
+    return Black;
+}
+
+/// A reactivated alarm keeps its event when it is acknowledged; only its colour tells.
+RowState AlarmRow::State() const {
+    const RowState state = AlarmRows::StateOf(data);
+    return state == RowState::Reactivated && colour == AlarmRows::White ? RowState::Acknowledged
+                                                                        : state;
+}
+
+int AlarmRows::Waiting() const {
+    return int(std::count_if(rows_.cbegin(), rows_.cend(), [](const Placed& placed) {
+        const RowState state = placed.row.State();
+        return state != RowState::Acknowledged && state != RowState::Back &&
+               state != RowState::Other;
+    }));
 }
 
 QString AlarmRows::RowText(const EventClass& event) {

@@ -7,6 +7,21 @@
 #include <QList>
 #include <QString>
 
+/// What a row tells of its place: one for each line of the table of colours.
+enum class RowState {
+    Lost,         ///< the panel answers no more
+    Back,         ///< the panel answers again
+    Active,       ///< report: the state is on
+    Report,       ///< report: any other state, and what a panel tells of itself
+    Acknowledged, ///< an alarm that somebody knows of
+    Cable,        ///< cable fault
+    FirstFault,
+    SecondFault,
+    Reactivated, ///< an alarm that came back because nobody attended to it
+    Other,
+};
+inline constexpr int RowStateCount = 10;
+
 /// A place of trouble as the console shows it.
 struct AlarmRow {
     QString text;
@@ -14,6 +29,8 @@ struct AlarmRow {
     qint32 data = 0;
     /// Background: red in the low byte, then green, then blue.
     qint32 colour = 0;
+
+    RowState State() const;
 };
 
 /// The standing alarms, newest on top, with the operator's selection and the part in sight. At
@@ -42,11 +59,15 @@ public:
 
     /// Row of the same panel and channel, the last of several; -1 when there is none.
     int FindKey(qint32 id) const;
+    /// Number of rows that wait for an acknowledgement: those with which it still does something.
+    int Waiting() const;
     /// Adds, changes or removes the row that an event concerns. `text` is the row's new text.
     void Take(const EventClass& event, const QString& text);
 
-    /// Background of a row by the `ID` of its event.
-    static qint32 RowColor(qint32 id);
+    /// State and background of a row by the `ID` of its event.
+    static RowState StateOf(qint32 id);
+    static qint32 RowColor(qint32 id) { return ColourOf(StateOf(id)); }
+    static qint32 ColourOf(RowState state);
     /// The columns of a row. Throws RunTimeError `Subscript` for a panel that isn't one.
     static QString RowText(const EventClass& event);
 

@@ -64,7 +64,7 @@ void HistoryGrid::PaintRow(QPainter& painter, int row, const QRect& area) const 
     painter.fillRect(area, selected ? Theme::Selection : Theme::Ground);
     painter.setPen(selected ? QColor(Qt::white) : Theme::Ink);
     const QString line = Drawable(file_.ScreenLine(row));
-    const QRect text = area.adjusted(LeftMargin, 0, 0, 0);
+    const QRect text = area.adjusted(LeftMargin(), 0, 0, 0);
     const int half = area.height() / 2;
     const int flags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
     painter.drawText(text.adjusted(0, 2, 0, -half), flags, line.left(Columns));

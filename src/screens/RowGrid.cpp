@@ -2,15 +2,20 @@
 
 #include "screens/Theme.h"
 
+#include <QApplication>
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
 constexpr int ThumbWidth = 8;
+constexpr int SmallestMargin = 4;
+/// Height that a finger needs, pixels.
+constexpr int Finger = 48;
 constexpr double SmallestThumb = 16;
 constexpr int SmallestPixels = 8;
 constexpr int LargestPixels = 64;
@@ -24,9 +29,13 @@ RowGrid::RowGrid(const Design& design, QWidget* parent)
     setFocusPolicy(Qt::ClickFocus);
 }
 
+int RowGrid::MarginOf(int pixels) const {
+    return SmallestMargin + qRound(design_.markRoom * pixels);
+}
+
 void RowGrid::FitFont() {
-    const int room = width() - LeftMargin - ThumbWidth;
     const auto fits = [&](int pixels) {
+        const int room = width() - MarginOf(pixels) - ThumbWidth;
         return pixels * design_.rowPitch * design_.fewestRows <= height() &&
                QFontMetricsF(Theme::Fixed(pixels, true))
                        .horizontalAdvance(QString(design_.columns, u'0')) <= room;
@@ -35,13 +44,26 @@ void RowGrid::FitFont() {
     while (pixels < LargestPixels && fits(pixels + 1))
         ++pixels;
     font_ = Theme::Fixed(pixels, true);
-    const int page = std::max(1, int(height() / (pixels * design_.rowPitch)));
+    FitPage();
+}
+
+void RowGrid::FitPage() {
+    const int page = std::max(1, int(height() / (font_.pixelSize() * design_.rowPitch)));
     rowHeight_ = std::max(1, height() / page);
     MutablePosition().SetPage(page);
 }
 
+void RowGrid::TakePlace(const QRect& place) {
+    keepsFont_ = true;
+    setGeometry(place);
+    keepsFont_ = false;
+}
+
 void RowGrid::resizeEvent(QResizeEvent*) {
-    FitFont();
+    if (keepsFont_)
+        FitPage();
+    else
+        FitFont();
     Q_EMIT RowColChange();
 }
 
@@ -71,14 +93,54 @@ void RowGrid::PaintThumb(QPainter& painter) const {
                      Theme::QuietInk);
 }
 
+/// The place whose row is nearest. A row is lower than a finger, so the last one is meant by what
+/// falls short below it, too; -1 further down.
+int RowGrid::PlaceAt(int y) const {
+    const RowPosition& at = Position();
+    const int seen = std::min(at.Page(), at.Count() - at.First());
+    const int place = std::max(0, y / rowHeight_);
+    const int spare = std::max(0, (Finger - rowHeight_) / 2);
+    return place >= seen && y < seen * rowHeight_ + spare ? seen - 1 : place < seen ? place : -1;
+}
+
 void RowGrid::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
     RowPosition& at = MutablePosition();
-    const int row = at.First() + event->position().toPoint().y() / rowHeight_;
-    if (event->button() != Qt::LeftButton || row >= std::min(at.First() + at.Page(), at.Count()))
+    pressedAt_ = event->position().toPoint().y();
+    pressedFirst_ = at.First();
+    swipes_ = false;
+    const int place = PlaceAt(pressedAt_);
+    if (place >= 0)
+        at.Aim(place);
+    update();
+}
+
+/// The rows go with the finger.
+void RowGrid::mouseMoveEvent(QMouseEvent* event) {
+    if (!(event->buttons() & Qt::LeftButton))
+        return;
+    RowPosition& at = MutablePosition();
+    const int way = pressedAt_ - event->position().toPoint().y();
+    if (!swipes_ && std::abs(way) < std::max(QApplication::startDragDistance(), rowHeight_ / 2))
+        return;
+    swipes_ = true;
+    at.DropAim();
+    at.ScrollTo(pressedFirst_ + qRound(double(way) / rowHeight_));
+    Changed();
+}
+
+void RowGrid::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    RowPosition& at = MutablePosition();
+    const int row = at.Aimed();
+    at.DropAim();
+    update();
+    if (row < 0 || !rect().contains(event->position().toPoint()))
         return;
     at.SetCurrent(row);
-    update();
-    Q_EMIT RowColChange();
+    Changed();
 }
 
 void RowGrid::keyPressEvent(QKeyEvent* event) {
@@ -100,6 +162,10 @@ void RowGrid::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
         return;
     }
+    Changed();
+}
+
+void RowGrid::Changed() {
     update();
     Q_EMIT RowColChange();
 }

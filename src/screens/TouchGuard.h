@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QWidget>
+
+/// Takes no touch on a screen for a moment after something changed under the finger by itself. A
+/// touch that was under way is dropped as well.
+class TouchGuard : public QObject {
+    Q_OBJECT
+public:
+    /// Time from the sight of a change to a touch that means it, ms.
+    static constexpr qint64 HoldMs = 500;
+
+    /// Guards the screen and all its controls that are there now.
+    explicit TouchGuard(QWidget& screen);
+
+    /// Something changed: the time begins when the screen has been painted with it.
+    void Hold();
+    bool Holds() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Painted();
+    static void ReleaseOutside(QObject* watched);
+
+    QWidget& screen_;
+    bool unseen_ = false;
+    qint64 until_ = 0;
+    /// A touch that came down while nothing was taken.
+    bool dropped_ = false;
+    bool releasing_ = false;
+};
