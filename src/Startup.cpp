@@ -86,7 +86,7 @@ qint32 Startup::ReadConfiguration() {
 void Startup::LoadPolling() {
     polling_ = std::make_unique<wPolling>(platform::MakeSerialPort(
         [](int number) { return SLVfonctions::DevicePath(QStringLiteral("COM%1").arg(number)); }));
-    polling_->Form_Load();
+    polling_->Form_Load(started_);
     Forms::Load(PollingForm);
 }
 
@@ -133,6 +133,8 @@ void Startup::ComeUp() {
     Global::Get().noResize = SLVfonctions::IsTrue(
         IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
     const qint32 result = ReadConfiguration();
+    if (HasEnded())
+        return;
     LoadPolling();
     if (HasEnded())
         return;
@@ -152,7 +154,7 @@ void Startup::ComeUp() {
 }
 
 bool Startup::HasEnded() const {
-    return ended_ || (polling_ && polling_->IsClosing());
+    return ended_ || platform::ShutdownWatch::Pending() || (polling_ && polling_->IsClosing());
 }
 
 void Startup::End(platform::UnloadMode mode) {

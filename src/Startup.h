@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Clock.h"
 #include "platform/ShutdownWatch.h"
 #include "platform/SingleInstance.h"
 
@@ -39,5 +40,7 @@ private:
     std::unique_ptr<platform::SingleInstance> instance_;
     std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
     std::unique_ptr<wPolling> polling_;
+    /// The day's change is due when a midnight has passed since.
+    platform::DateTime started_ = platform::Clock::Current().Now();
     bool ended_ = false;
 };

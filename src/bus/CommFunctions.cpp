@@ -99,6 +99,22 @@ qint16 CRC16(const QByteArray& buffer, int length) {
     return qint16(crc);
 }
 
+void WaitForSilence(platform::SerialLink& link) {
+    constexpr int Most = 3000;
+    // Longer than the pauses of a slow line and of an adapter that hands on in pieces.
+    constexpr int Pause = 50;
+    Guard("CommFunctions.WaitForSilence", [&] {
+        const platform::Clock& clock = platform::Clock::Current();
+        const qint64 end = clock.MonotonicMs() + Most;
+        while (link.PortOpen() && clock.MonotonicMs() < end) {
+            link.ClearBuffers();
+            link.WaitForInput(1, clock.MonotonicMs() + Pause);
+            if (link.InBufferCount() == 0)
+                return;
+        }
+    });
+}
+
 bool LitMots(platform::SerialLink& link, quint8 module, qint32 registerNo, Words& values) {
     bool done = false;
     Guard("CommFunctions.LitMots", [&] {

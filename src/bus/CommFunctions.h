@@ -31,6 +31,10 @@ bool EcritUnMot(platform::SerialLink& link, quint8 module, qint32 registerNo, qi
 /// which can't be told from it), 2 `Q6200XT`, 3 `Q7000`, 5 `P5500`.
 int GetModuleType(platform::SerialLink& link, quint8 module);
 
+/// Waits until nothing more comes from the line, at most 3 s, and drops what came: the rest of a
+/// reply that is longer than its deadline.
+void WaitForSilence(platform::SerialLink& link);
+
 /// CRC-16/MODBUS of the first `length` bytes. 1 when `length` isn't below the last index.
 qint16 CRC16(const QByteArray& buffer, int length);
 

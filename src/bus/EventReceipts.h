@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bus/CommFunctions.h"
+#include "platform/Clock.h"
 
 #include <QHash>
 #include <algorithm>
@@ -16,26 +17,69 @@ public:
 
     /// A receipt of the module is in the queue.
     bool Waits(int address) const { return notes_.value(address).waits; }
-    /// The words that the last read took, empty when the module has dropped them.
-    Words Taken(int address) const { return notes_.value(address).taken; }
-    /// Notes a read of the memory; its receipt goes to the queue.
-    void Take(int address, const Words& memory) { notes_[address] = {memory, true}; }
-    /// The module has dropped what was taken.
-    void Settle(int address) { notes_.remove(address); }
+    /// The words that the waiting receipt stands for, empty when the module has dropped them.
+    Words Receipted(int address) const {
+        const Note note = notes_.value(address);
+        return note.taken.first(note.receipted);
+    }
+    /// The receipt has waited long, or over a stop of the bus: the module may have lost or dropped
+    /// by itself what it stands for.
+    bool IsDoubtful(int address) const {
+        const Note note = notes_.value(address);
+        return note.doubtful || Now() - note.since > LongWait;
+    }
+    /// Makes the receipts that wait now doubtful.
+    void DoubtAll() {
+        for (Note& note : notes_)
+            note.doubtful = true;
+    }
+    /// Number of events at the head of `memory` that were taken before, for a module in which
+    /// `waiting` events stand. Less of them than were taken is another memory.
+    int Known(int address, const Words& memory, int waiting) const {
+        const Words taken = notes_.value(address).taken;
+        const qsizetype common = std::min(taken.size(), memory.size());
+        if (waiting * WordsAnEvent < taken.size() ||
+            !std::equal(taken.cbegin(), taken.cbegin() + common, memory.cbegin()))
+            return 0;
+        return int(common / WordsAnEvent);
+    }
+    /// Notes a read of the memory, of which `known` events were taken before; its receipt goes to
+    /// the queue.
+    void Take(int address, const Words& memory, int known) {
+        Note& note = notes_[address];
+        if (known * WordsAnEvent < memory.size())
+            note.taken = memory;
+        note.receipted = memory.size();
+        note.since = Now();
+        note.waits = true;
+        note.doubtful = false;
+    }
+    /// The module has dropped what the receipt stands for.
+    void Settle(int address) {
+        Note& note = notes_[address];
+        note.taken = note.taken.sliced(note.receipted);
+        note.receipted = 0;
+        note.waits = false;
+        if (note.taken.isEmpty())
+            notes_.remove(address);
+    }
+    /// The module has dropped all that was taken.
+    void Forget(int address) { notes_.remove(address); }
     /// The receipt was given up: what was taken may still stand in the module.
     void GiveUp(int address) { notes_[address].waits = false; }
 
-    /// Does the memory begin with what was taken?
-    bool BeginsWithTaken(int address, const Words& memory) const {
-        const Words taken = Taken(address);
-        return !taken.isEmpty() && memory.size() >= taken.size() &&
-               std::equal(taken.cbegin(), taken.cend(), memory.cbegin());
-    }
-
 private:
+    /// A receipt goes out ahead of the next poll. Longer is long, ms.
+    static constexpr qint64 LongWait = 2000;
+
+    static qint64 Now() { return platform::Clock::Current().MonotonicMs(); }
+
     struct Note {
         Words taken;
+        qsizetype receipted = 0; // of them those of the last receipt
+        qint64 since = 0;        // monotonic, ms
         bool waits = false;
+        bool doubtful = false;
     };
     /// By the number that a panel bears, which a damaged site file may put out of all bounds.
     QHash<int, Note> notes_;

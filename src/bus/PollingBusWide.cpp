@@ -4,6 +4,7 @@
 #include "bus/wPolling.h"
 
 #include "bus/AlarmConsole.h"
+#include "bus/BusWatch.h"
 #include "bus/Miroirs.h"
 #include "core/Boxes.h"
 #include "core/Config.h"
@@ -53,10 +54,10 @@ qint16 WithoutNormalAgain(qint16 state) {
 } // namespace
 
 /// `GetModuleType` until it gives a model, at most three times.
-static int AskModuleType(platform::SerialLink& link, int address) {
+int wPolling::AskModuleType(int address) {
     int type = 0;
-    for (int tries = 0; tries < TypeTries && type == 0; ++tries)
-        type = GetModuleType(link, quint8(address));
+    for (int tries = 0; tries < TypeTries && type == 0 && !EndWanted(); ++tries)
+        type = GetModuleType(*link_, quint8(address));
     return type;
 }
 
@@ -89,19 +90,24 @@ void wPolling::SynchroGeneraleBus() {
                                            QStringLiteral("SYNCHRO")));
         });
         Q_EMIT Synchronising(true);
+        TellState();
         ReinitComm();
+        JudgeAnew();
         Pointer::Hourglass();
         QualifierTable qualifiers = FirstPass();
-        for (int address = 1; address <= PanelCount && !closing_; ++address)
+        for (int address = 1; address <= PanelCount && !EndWanted(); ++address)
             ResetModule(address);
-        if (closing_)
+        if (EndWanted())
             return;
         // Each step is worth as much without the one before.
         Guard("wPolling.SynchroGeneraleBus", [this] { EmptyConsole(); });
-        for (int address = 1; address <= PanelCount && !closing_; ++address)
+        for (int address = 1; address <= PanelCount && !EndWanted(); ++address)
             Guard("wPolling.SynchroGeneraleBus",
                   [&] { ReportStanding(address, qualifiers[size_t(address)]); });
+        // What was touched meanwhile, when nothing could answer, was meant for what stood then.
+        YieldDroppingInput();
     });
+    watch_->PollingBegins();
     Q_EMIT Synchronising(false);
     Pointer::Default();
 }
@@ -109,13 +115,13 @@ void wPolling::SynchroGeneraleBus() {
 /// Who is there, and what the standing states mean.
 wPolling::QualifierTable wPolling::FirstPass() {
     QualifierTable qualifiers{};
-    for (int address = 1; address <= PanelCount && !closing_; ++address) {
+    for (int address = 1; address <= PanelCount && !EndWanted(); ++address) {
         PanelClass& panel = Global::Configuration().Panel(address);
         if (panel.Model() == 0)
             continue;
         panel.setErrCptr(1, 0);
         panel.setErrCptr(2, 0);
-        const int type = AskModuleType(*link_, address);
+        const int type = AskModuleType(address);
         panel.setActualModel(quint8(type));
         panel.setPresent(type > 0);
         // The list of alarms is emptied: the polls tell a loss, even one that was told before.
@@ -135,8 +141,10 @@ void wPolling::ResetModule(int address) {
     PanelClass& panel = Global::Configuration().Panel(address);
     const auto module = quint8(address);
     if (HasChannels(panel.ActualModel())) {
-        for (int number = 1; number <= panel.ChannelCount(); ++number)
+        for (int number = 1; number <= panel.ChannelCount() && !EndWanted(); ++number)
             EcritUnMot(*link_, module, ForcedStateBase + number, 0);
+        if (EndWanted())
+            return;
         EcritUnMot(*link_, module, PanelCommandRegister, Acknowledge);
         // A receipt that still waits would drop as many of the events that come next.
         for (int position = commands_.Count(); position >= 1; --position) {
@@ -146,7 +154,7 @@ void wPolling::ResetModule(int address) {
         }
         // Without a good reply it is open what stands in the memory: the next read compares.
         if (DropEvents(*link_, module))
-            receipts_.Settle(address);
+            receipts_.Forget(address);
         else
             receipts_.GiveUp(address);
     } else if (panel.ActualModel() == Models::Q6200XT) {
@@ -191,7 +199,7 @@ bool wPolling::ReadStubbornly(int address, qint32 registerNo, Words& words) {
     PanelClass& panel = Global::Configuration().Panel(address);
     while (!LitMots(*link_, quint8(address), registerNo, words)) {
         AddError(address);
-        if (panel.ErrCptr(2) > 0)
+        if (panel.ErrCptr(2) > 0 || EndWanted())
             return false;
     }
     return true;
@@ -205,7 +213,9 @@ void wPolling::UpdatePanel(int address, bool force) {
         if (force) {
             panel.setErrCptr(1, 0);
             panel.setErrCptr(2, 0);
-            type = AskModuleType(*link_, address);
+            type = AskModuleType(address);
+            if (EndWanted())
+                return;
         }
         panel.setActualModel(quint8(type));
         SetPresence(address, type > 0);
@@ -247,7 +257,7 @@ void wPolling::ReportChange(PanelClass& panel, int number, qint16 qualifier, qin
 }
 
 void wPolling::LectureGeneraleBus() {
-    for (int address = 1; address <= PanelCount && !closing_; ++address)
+    for (int address = 1; address <= PanelCount && !EndWanted(); ++address)
         UpdatePanel(address, true);
 }
 
@@ -260,8 +270,8 @@ void wPolling::HistoBusState() {}
 
 void wPolling::PrintBusState() {}
 
-/// A day of the month that differs from the last second's is a midnight; the first tick has
-/// nothing to differ from. What goes wrong is told when all is done: nobody is there at midnight
+/// A day of the month that differs from the last second's is a midnight; the first tick differs
+/// from the start of the program. What goes wrong is told when all is done: nobody is there at midnight
 /// to answer a box, and the clocks of the modules are set by it.
 void wPolling::tmrMidnight_Timer() {
     const ErrorHandling::Postponed postponed;
@@ -269,13 +279,17 @@ void wPolling::tmrMidnight_Timer() {
         // Each second, and never inside a round: what was written goes to the disk itself.
         if (!inRound_)
             platform::DiskFlush::Pay();
+        FollowClock();
         const DateTime now = DateTimes::Now();
         const DateTime last = std::exchange(lastMidnightCheck_, now);
-        if (last == 0 || DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())
+        if (DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())
             return;
         HistoProcs::DoMidnightActions();
-        if (run_)
+        if (run_) {
             MidnightSynchro();
+            watch_->PollingBegins();
+            YieldDroppingInput();
+        }
         ResetClocks(now);
     });
 }
@@ -306,6 +320,8 @@ void wPolling::MidnightSynchro() {
             if (panel.Model() == 0)
                 continue;
             UpdatePanel(address, true);
+            if (EndWanted())
+                return;
             EventClass event(panel.Numero(), Family::System, 0, SystemEvents::MidnightState);
             event.setNum(IncEvtNum());
             event.setGDH(DateTimes::Now());
@@ -313,7 +329,7 @@ void wPolling::MidnightSynchro() {
             HistoProcs::HistoEvent(event);
         }
         for (int address = 1; address <= PanelCount; ++address)
-            for (int number = 1; number <= site.Panel(address).ChannelCount(); ++number)
+            for (int number = 1; !EndWanted() && number <= site.Panel(address).ChannelCount(); ++number)
                 ReleaseStale(address, number);
     });
 }

@@ -1,7 +1,7 @@
 // Carrying out queued commands and telling of those that failed.
 
+#include "bus/BusWatch.h"
 #include "bus/wPolling.h"
-
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
@@ -60,6 +60,7 @@ void wPolling::TraiteCommande(CommandClass& command) {
         if (SendByType(command, line)) {
             if (IsReceipt(command))
                 receipts_.Settle(command.Module());
+            watch_->Taken(command.Module());
             command.setCmdType(CommandTypes::Done);
         } else {
             command.setError(true);
@@ -78,18 +79,20 @@ bool wPolling::IsReceipt(const CommandClass& command) {
            command.Module() <= PanelCount && command.Address() == EventReceipts::Register;
 }
 
-/// A receipt that failed once is sent again only while the memory still begins with what it stands
+/// A receipt that failed once, or that waited long, is sent only while the memory still begins with what it stands
 /// for; otherwise the module has obeyed and only its reply was lost. Nothing when the memory can't
 /// be read: sent blindly, the receipt might drop events that nobody has read.
 std::optional<bool> wPolling::IsObeyedReceipt(const CommandClass& command) {
-    if (command.ErrorCount() == 0 || !IsReceipt(command))
+    if (!IsReceipt(command) ||
+        (command.ErrorCount() == 0 && !receipts_.IsDoubtful(command.Module())))
         return false;
-    Words memory(receipts_.Taken(command.Module()).size());
-    if (memory.isEmpty())
+    const Words taken = receipts_.Receipted(command.Module());
+    if (taken.isEmpty())
         return false;
+    Words memory(taken.size());
     if (!LitMots(*link_, quint8(command.Module()), EventReceipts::MemoryRegister, memory))
         return std::nullopt;
-    return !receipts_.BeginsWithTaken(command.Module(), memory);
+    return memory != taken;
 }
 
 /// Adds the word of the kind to the trace line and makes the exchange.

@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 
+#include "bus/BusWatch.h"
 #include "bus/ClockSlack.h"
 #include "core/Boxes.h"
 #include "core/Bytes.h"
@@ -26,6 +27,9 @@ constexpr int MissingAfter = 3;
 /// Long failures after which the pace of the tries falls to ten minutes.
 constexpr int SlowAfter = 3;
 constexpr int SlowMinutes = 10;
+/// Time that the queue takes of a tick, ms. With the exchange that runs when it is over, a dead
+/// module keeps input waiting for little more than half a second.
+constexpr int QueueShare = 100;
 /// Polls that read the states of `P5000` and `P5500`.
 constexpr int StateWords = 12;
 constexpr qint32 StateRegister = 1;
@@ -73,12 +77,18 @@ void wPolling::RunComm() {
         return;
     const QScopedValueRollback inRound(inRound_, true);
     const Boxes::Held held;
-    Guard("wPolling.RunComm", [&] {
-        if (EndIfClosing() || !run_)
+    const bool through = Guard("wPolling.RunComm", [&] {
+        if (EndIfClosing())
             return;
-        WorkQueue();
-        if (closing_)
+        if (!run_) {
+            LeaveWalk();
             return;
+        }
+        if (!WorkQueue()) {
+            if (!closing_)
+                tmrPoll_.start(0);
+            return;
+        }
         PurgeQueue();
         FollowClock();
         bool turnEnded = false;
@@ -95,8 +105,11 @@ void wPolling::RunComm() {
         if (turnEnded && updatePointer_ >= 1)
             ContinueUpdate();
         if (!unloaded_)
-            tmrPoll_.start();
+            tmrPoll_.start(PollRest);
     });
+    if (!through && !closing_)
+        StopRound();
+    TellState();
 }
 
 /// An unload can arrive in any yield. It closes the port and stores the queue; what is left here
@@ -110,17 +123,40 @@ bool wPolling::EndIfClosing() {
     return true;
 }
 
-/// By position and not by iterator: a yield may append commands.
-void wPolling::WorkQueue() {
+/// Each command once a round. False when the program ends, and when the time of this tick is over:
+/// the next one goes on where this stopped. By position and not by iterator: a yield may append
+/// commands.
+bool wPolling::WorkQueue() {
+    const qint64 start = platform::Clock::Current().MonotonicMs();
     for (int position = 1; position <= commands_.Count(); ++position) {
+        // Without a port a try says nothing about the panel.
+        if (!link_->PortOpen())
+            break;
         if (EndIfClosing())
-            return;
+            return false;
         const CommandPtr command = commands_.Item(position);
+        if (!walked_.insert(command).second)
+            continue;
+        const qint16 errors = command->ErrorCount();
         TraiteCommande(*command);
+        if (!link_->PortOpen())
+            command->setErrorCount(errors);
         YieldWithoutInput();
         if (EndIfClosing())
-            return;
+            return false;
+        if (platform::Clock::Current().MonotonicMs() - start >= QueueShare)
+            return false;
     }
+    walked_.clear();
+    return true;
+}
+
+/// A stop between two parts of a round: what was carried out so far is settled.
+void wPolling::LeaveWalk() {
+    if (walked_.empty())
+        return;
+    walked_.clear();
+    PurgeQueue();
 }
 
 void wPolling::PurgeQueue() {
@@ -133,20 +169,22 @@ void wPolling::PurgeQueue() {
             if (IsReceipt(*command))
                 receipts_.GiveUp(command->Module());
             TraceWriteError(*command);
+            watch_->GivenUp(*command);
             Q_EMIT WriteError(*command);
         }
     }
 }
 
-/// When the machine's time is set back, as it is each autumn, the times of the next polls and of
+/// Each second and each round. When the machine's time is set back, as it is each autumn, the times of the next polls and of
 /// waiting commands go with it: no panel may fall silent and no acknowledgement wait until the
 /// old time comes round again.
 void wPolling::FollowClock() {
     const DateTime now = DateTimes::Now();
-    const DateTime back = lastRoundTime_ - now;
-    lastRoundTime_ = now;
+    const DateTime latest = std::exchange(lastRoundTime_, now);
+    const DateTime back = latest - now;
     if (back <= ClockSlack)
         return;
+    watch_->ClockWentBack(latest);
     for (int address = 1; address <= PanelCount; ++address) {
         PanelClass& panel = Global::Configuration().Panel(address);
         panel.setNextPoll(panel.NextPoll() - back);
@@ -178,6 +216,7 @@ int wPolling::PickPanel(bool& turnEnded) {
 void wPolling::PollPanel(int address) {
     ++polledInTurn_;
     polledPanel_ = address;
+    watch_->Polled(address);
     PanelClass& panel = Global::Configuration().Panel(address);
     const Poll poll = PollOf(panel.Model());
     if (poll.words > 0) {
@@ -194,6 +233,7 @@ void wPolling::PollPanel(int address) {
             AddError(address);
         }
     }
+    panel.setAsked(true);
     errorTexts_[size_t(address)] = CountersOf(panel);
 }
 
@@ -212,6 +252,22 @@ void wPolling::AddError(int address) {
         if (panel.ErrCptr(2) >= SlowAfter)
             panel.setNextPoll(DateTimes::Now() + SlowMinutes * platform::OneMinute);
     });
+}
+
+/// False when the memory can't be read. The panel has just told its count: such a failure counts,
+/// but it alone makes no loss.
+bool wPolling::ReadMemory(int address, Words& memory) {
+    if (LitMots(*link_, quint8(address), EventReceipts::MemoryRegister, memory))
+        return true;
+    // The rest of a reply that takes longer than its deadline must not meet the next frame.
+    CommFunctions::WaitForSilence(*link_);
+    watch_->MemoryFailed(address, int(memory.size() / EventReceipts::WordsAnEvent));
+    PanelClass& panel = Global::Configuration().Panel(address);
+    if (panel.ErrCptr(1) < MissingAfter - 1)
+        AddError(address);
+    else
+        Count(panel, 0);
+    return false;
 }
 
 void wPolling::ContinueUpdate() {

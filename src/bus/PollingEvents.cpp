@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 
+#include "bus/BusWatch.h"
 #include "bus/Miroirs.h"
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
@@ -48,18 +49,16 @@ void wPolling::ExploitePanneau(PanelClass& panel, const Words& words) {
 void wPolling::ExploiteQFamily(PanelClass& panel, const Words& words) {
     constexpr qsizetype WordsAnEvent = EventReceipts::WordsAnEvent;
     const int address = panel.Numero();
-    const int count = Bytes::Less<int>(words[0], MaxEvents);
+    const int waiting = Bytes::Less<int>(words[0], BusWatch::MaxEvents);
+    const int count = Bytes::Less(waiting, watch_->ReadLimit(address));
     if (count < 1 || receipts_.Waits(address))
         return;
     Words memory(WordsAnEvent * count);
-    if (!LitMots(*link_, panel.Numero(), EventReceipts::MemoryRegister, memory)) {
-        AddError(address);
+    if (!ReadMemory(address, memory))
         return;
-    }
-    const int known = receipts_.BeginsWithTaken(address, memory)
-                          ? int(receipts_.Taken(address).size() / WordsAnEvent)
-                          : 0;
-    receipts_.Take(address, memory);
+    watch_->MemoryRead(address, count, waiting);
+    const int known = receipts_.Known(address, memory, waiting);
+    receipts_.Take(address, memory, known);
     commands_.Add(std::make_shared<CommandClass>(panel.Numero(), EventReceipts::Register,
                                                  Words{qint16(count)}));
     for (int i = known; i < count; ++i)
@@ -132,12 +131,17 @@ void wPolling::SendEvent(EventClass& event) {
 }
 
 /// A loss that a synchronisation or an update has found is told here, though `Present` knows it.
+/// A panel of which no loss was told, or that was never asked before, is there without a word.
 void wPolling::TraitePanelMove(int address, bool present) {
     const ErrorHandling::Postponed postponed;
     Guard("wPolling.TraitePanelMove", [&] {
         PanelClass& panel = Global::Configuration().Panel(address);
         if (panel.Present() == present && (present || !panel.LossUntold()))
             return;
+        if (present && panel.LossUntold()) {
+            panel.setPresent(true);
+            return;
+        }
         panel.setLossUntold(false);
         panel.setLossTold(!present);
         EventClass event(qint16(address), Family::Presence, 1, present ? 1 : 0);

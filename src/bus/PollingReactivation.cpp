@@ -42,6 +42,7 @@ DateTime DelayOf(int reactTpo) {
 void wPolling::tmrReactiv_Timer() {
     Guard("wPolling.tmr_Reactiv_Timer", [&] {
         ReopenLostPort();
+        CheckFaults();
         if (!Forms::AnyVisible())
             Forms::Show(Console);
         if (NbInstances(Console) < 1)
@@ -54,19 +55,15 @@ void wPolling::tmrReactiv_Timer() {
 /// An adapter that was pulled and comes back, or that the system finds late, must not wait for
 /// somebody to start the bus.
 void wPolling::ReopenLostPort() {
-    if ((!run_ && !waitsForPort_) || closing_ || link_->PortOpen())
+    if ((!run_ && !waitsForPort_) || closing_ || (run_ && link_->PortOpen()) || !OpenPort())
         return;
-    try {
-        link_->setPortOpen(true);
-    } catch (const platform::RunTimeError&) {
-        return; // still gone; the panels are reported missing meanwhile
-    }
     if (waitsForPort_) {
         setRun(true);
         return;
     }
     for (int address = 1; address <= PanelCount; ++address)
         Global::Configuration().Panel(address).setNextPoll(DateTimes::Now() - platform::OneSecond);
+    TellState();
 }
 
 void wPolling::ReactivateFromSettings() {

@@ -1,8 +1,10 @@
 #include "bus/wPolling.h"
 
+#include "bus/BusWatch.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Faults.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
@@ -38,7 +40,8 @@ wPolling* Polling() {
 }
 
 wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
-    : link_(std::move(link)) {
+    : link_(std::move(link))
+    , watch_(std::make_unique<BusWatch>()) {
     engine = this;
     tmrPoll_.setSingleShot(true);
     tmrPoll_.setInterval(1);
@@ -56,8 +59,10 @@ wPolling::~wPolling() {
         engine = nullptr;
 }
 
-void wPolling::Form_Load() {
+void wPolling::Form_Load(DateTime started) {
+    lastMidnightCheck_ = started != 0 ? started : DateTimes::Now();
     Guard("wPolling.Form_Load", [&] {
+        BusWatch::CheckDisk();
         lastEvent_ = Bytes::LongVal(
             IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QStringLiteral("0")));
         ConfigurationChanged();
@@ -115,30 +120,31 @@ void wPolling::TellPrinterError(const QString& text) {
     });
 }
 
-/// Each stored command leaves the settings as it is taken, readable or not: one that can't be
-/// read must not come back at every start.
+/// The stored commands leave the settings when all are held, readable or not: an end meanwhile
+/// loses none, and one that can't be read must not come back at every start.
 void wPolling::RestoreCommands() {
-    restored_ = true;
-    QStringList keys;
-    IniReadKeys(keys, PendingCommands);
-    for (const QString& key : std::as_const(keys)) {
-        const QString value = IniRead(PendingCommands, key, QString());
-        IniDeleteKey(PendingCommands, key);
-        if (value.isEmpty())
+    const auto stored = SLVfonctions::IniReadSection(PendingCommands);
+    for (const auto& entry : stored) {
+        if (entry.second.isEmpty())
             continue;
         Guard("wPolling.Form_Load", [&] {
-            const CommandPtr command = CommandClass::FromText(value);
+            const CommandPtr command = CommandClass::FromText(entry.second);
             // The first start of the bus throws the event memories away: a receipt of the former
             // run would drop events that nobody has read.
             if (!IsReceipt(*command))
                 commands_.Add(command);
         });
     }
+    restored_ = true;
+    if (!stored.isEmpty())
+        IniDeleteSection(PendingCommands);
 }
 
 void wPolling::Form_QueryUnload(platform::UnloadMode mode) {
     Guard("wPolling.Form_QueryUnload", [&] {
         Alarme(StopAlarme);
+        if (closing_)
+            return;
         QString who;
         if (mode == platform::UnloadMode::TaskManager)
             who = QStringLiteral("TASK  MANAGER");
@@ -189,37 +195,56 @@ void wPolling::setRun(bool on) {
         waitsForPort_ = false;
         if (on && (closing_ || synchronising_))
             return;
-        if (on && !link_->PortOpen()) {
-            try {
-                link_->setPortOpen(true);
-            } catch (const platform::RunTimeError&) {
-                Message(GetText(20008).replace(u'$', QString::number(link_->CommPort())),
-                        Messages::Critical);
-                return;
-            }
+        if (on && !OpenPort()) {
+            TellState();
+            Message(GetText(20008).replace(u'$', QString::number(link_->CommPort())),
+                    Messages::Critical);
+            return;
         }
+        if (on)
+            Faults::Clear(Faults::Kind::RoundStopped);
+        else
+            receipts_.DoubtAll();
         EventClass event(0, Family::System, 0,
                          on ? SystemEvents::CommStarted : SystemEvents::CommStopped);
         SendEvent(event);
         tmrPoll_.setInterval(PollRest);
         if (on && !run_) {
+            LeaveWalk();
+            JudgeAnew();
             if (!firstStart_) {
                 SynchroGeneraleBus();
+                if (EndWanted())
+                    return;
                 firstStart_ = true;
             }
             tmrPoll_.start();
         }
         run_ = on;
         Q_EMIT RunChanged(on);
+        TellState();
     });
 }
 
+/// False when there is no port.
+bool wPolling::OpenPort() {
+    try {
+        if (!link_->PortOpen())
+            link_->setPortOpen(true);
+    } catch (const platform::RunTimeError&) {
+        return false;
+    }
+    return link_->PortOpen();
+}
+
 void wPolling::RunWhenPortComes() {
-    waitsForPort_ = !link_->PortOpen();
-    if (!waitsForPort_)
+    if (OpenPort()) {
         setRun(true);
-    else
-        Q_EMIT RunChanged(false);
+        return;
+    }
+    waitsForPort_ = true;
+    Q_EMIT RunChanged(false);
+    TellState();
 }
 
 void wPolling::SendCommand(const CommandPtr& command) {
@@ -267,7 +292,9 @@ void wPolling::ReinitComm() {
                 panel.setErrCptr(counter, 0);
             panel.setNextPoll(due);
         }
+        watch_->ForgetMemories();
         ConfigCommPort();
+        TellState();
         Trace::Write(Trace::SystemLine(DateTimes::Now(), QStringLiteral("REINIT"),
                                        QStringLiteral("REINIT")));
     });

@@ -8,13 +8,25 @@
 #include "platform/SerialLink.h"
 #include "platform/ShutdownWatch.h"
 
+#include <QList>
 #include <QObject>
 #include <QTimer>
 #include <array>
 #include <memory>
 #include <optional>
+#include <set>
 
+class BusWatch;
 class PanelClass;
+
+/// What can be said of the watch over the panels.
+enum class BusState {
+    Stopped,      ///< nobody is polled
+    WaitsForPort, ///< starts as soon as its port is there
+    FirstReading, ///< runs, but not every active panel was asked since the start
+    PortLost,     ///< runs, but its port is gone
+    Running,      ///< every active panel is watched, or known as missing
+};
 
 /// The backbone: owns the bus link, the command queue, the numbering of events and the timers.
 /// Loaded before any screen, unloaded last. Screens reach the bus through `SendCommand`, make
@@ -26,14 +38,13 @@ public:
     static constexpr int PanelCount = 64;
     /// Rest between two rounds, ms.
     static constexpr int PollRest = 25;
-    /// Largest number of events read at a poll: two words each, the largest read on the bus.
-    static constexpr int MaxEvents = 62;
 
     explicit wPolling(std::unique_ptr<platform::SerialLink> link);
     ~wPolling() override;
 
-    void Form_Load();
-    /// Last words before the end: silences the horn and traces an end from outside.
+    /// `started` is when the program began: a midnight since counts. 0 is now.
+    void Form_Load(DateTime started = 0);
+    /// Last words before the end: silences the horn and traces an end from outside, once.
     void Form_QueryUnload(platform::UnloadMode mode);
     /// Closes the port and stores the queue. A second call does nothing.
     void Form_Unload();
@@ -48,6 +59,14 @@ public:
     bool WaitsForPort() const { return waitsForPort_; }
     bool IsClosing() const { return closing_; }
 
+    BusState State() const;
+    /// Addresses of the active panels that don't answer, upwards. One that wasn't asked since the
+    /// start of the bus is not among them.
+    QList<int> MissingPanels() const;
+    /// One cause for all: the port is gone while the bus runs, or all active panels are missing
+    /// and there are at least two.
+    bool BusLost() const;
+
     /// Puts a command into the queue unless it already waits there.
     void SendCommand(const CommandPtr& command);
     /// Carries out one command if it is due.
@@ -55,7 +74,8 @@ public:
     /// Stamps and numbers an event made elsewhere and routes it.
     void SendEvent(EventClass& event);
 
-    /// One round: the queue, then the next panel that is due.
+    /// One round: the queue, then the next panel that is due. A queue that takes long is parted:
+    /// the round goes on with the next tick, and input comes through in between.
     void RunComm();
     /// Clears all error counters and reconfigures the link.
     void ReinitComm();
@@ -85,7 +105,7 @@ public:
     platform::ActivityDetection& UserSleep() { return userSleep_; }
 
     /// The events taken of a module are dropped there, whoever saw to it.
-    void ForgetReceipt(int address) { receipts_.Settle(address); }
+    void ForgetReceipt(int address) { receipts_.Forget(address); }
 
     /// Ticks of the timers.
     void tmrMidnight_Timer();
@@ -115,6 +135,8 @@ Q_SIGNALS:
     /// A round has ended; what the grid shows of the polled panel is new.
     void RoundDone(int panel);
     void RunChanged(bool on);
+    /// `State`, `MissingPanels` or `BusLost` are new.
+    void StateChanged();
     /// Port or settings of the link are new.
     void LinkChanged();
     /// A general reading of the bus begins or ends.
@@ -128,12 +150,21 @@ private:
     using QualifierTable = std::array<ChannelWords, PanelCount + 1>;
 
     bool EndIfClosing();
-    void WorkQueue();
+    void LeaveWalk();
+    bool EndWanted() const;
+    bool IsWatched(int address) const;
+    void JudgeAnew();
+    void TellState();
+    void StopRound();
+    void CheckFaults();
+    bool OpenPort();
+    bool WorkQueue();
     void PurgeQueue();
     int PickPanel(bool& turnEnded);
     void PollPanel(int address);
     void ContinueUpdate();
     void FollowClock();
+    int AskModuleType(int address);
     QualifierTable FirstPass();
     void ResetModule(int address);
     void EmptyConsole();
@@ -162,6 +193,7 @@ private:
     void UserSleep_UserIsNotHere();
 
     void ExploiteQFamily(PanelClass& panel, const Words& words);
+    bool ReadMemory(int address, Words& memory);
     void ExploiteEvent(PanelClass& panel, quint16 head, quint16 clock);
     void ExploiteFlag(PanelClass& panel, const Words& words);
     void ExploiteStates(PanelClass& panel, const Words& words);
@@ -177,6 +209,8 @@ private:
     QTimer tmrReactiv_;
     CommandClasses commands_;
     EventReceipts receipts_;
+    std::unique_ptr<BusWatch> watch_;
+    std::set<CommandPtr> walked_; // of a round that was parted in its queue
 
     bool run_ = false;
     bool inRound_ = false;
@@ -200,6 +234,10 @@ private:
     int polledPanel_ = 0;
     QString lastRound_;
     std::array<QString, PanelCount + 1> errorTexts_;
+    // What `StateChanged` told last.
+    BusState toldState_ = BusState::Stopped;
+    bool toldLost_ = false;
+    QList<int> toldMissing_;
     QString printerError_; // told last
     DateTime printerErrorTime_ = 0;
 };

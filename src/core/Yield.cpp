@@ -1,6 +1,7 @@
 #include "core/Yield.h"
 
 #include "core/Operator.h"
+#include "platform/InputDiscard.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -13,4 +14,10 @@ void Yield() {
 void YieldWithoutInput() {
     const Operator::Away away;
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void YieldDroppingInput() {
+    const Operator::Away away;
+    const platform::InputDiscard discard;
+    QCoreApplication::processEvents();
 }

@@ -43,13 +43,20 @@ public:
     void setActualModel(quint8 value) { actualModel_ = value; }
     /// The panel answered the last time.
     bool Present() const { return present_; }
-    void setPresent(bool value) { present_ = value; }
-    /// Found missing outside the polls: the loss is still to be told.
+    void setPresent(bool value) {
+        present_ = value;
+        lossUntold_ = lossUntold_ && !value;
+    }
+    /// Found missing outside the polls, or never asked yet: the loss is still to be told, and a
+    /// return is none.
     bool LossUntold() const { return lossUntold_; }
     void setLossUntold(bool value) { lossUntold_ = value; }
     /// The operator was told of a loss and of no return since.
     bool LossTold() const { return lossTold_; }
     void setLossTold(bool value) { lossTold_ = value; }
+    /// Polled since the start of the bus: its presence is known.
+    bool Asked() const { return asked_; }
+    void setAsked(bool value) { asked_ = value; }
     /// Error counters of the polling cycle, 0 to 2. Throws RunTimeError `Subscript` elsewhere.
     qint16 ErrCptr(int index) const;
     void setErrCptr(int index, qint16 value);
@@ -91,7 +98,8 @@ private:
     quint8 actualModel_ = 0;
     bool active_ = false;
     bool present_ = false;
-    bool lossUntold_ = false;
+    bool lossUntold_ = true;
     bool lossTold_ = false;
+    bool asked_ = false;
     bool modified_ = false;
 };

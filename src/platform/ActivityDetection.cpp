@@ -1,11 +1,8 @@
 #include "platform/ActivityDetection.h"
 
 #include <QCoreApplication>
-#include <QEvent>
 
 namespace platform {
-
-namespace {
 
 bool IsInput(QEvent::Type type) {
     switch (type) {
@@ -27,8 +24,6 @@ bool IsInput(QEvent::Type type) {
         return false;
     }
 }
-
-} // namespace
 
 ActivityDetection::ActivityDetection(QObject* parent)
     : QObject(parent) {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 #include <QTimer>
 
 namespace platform {
+
+/// Is it the operator's doing: a key, a mouse, a wheel, a touch, a pen?
+bool IsInput(QEvent::Type type);
 
 /// Watches the operator's input. After `Count` checks in a row, one each `CheckPeriod`
 /// milliseconds, without a key, a click, a move or a touch, it tells once that nobody is there;

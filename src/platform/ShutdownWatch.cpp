@@ -21,8 +21,11 @@ constexpr std::array<int, 3> WatchedSignals = {SIGTERM, SIGINT, SIGHUP};
 std::array<int, 2> signalPipe = {-1, -1};
 std::array<struct sigaction, WatchedSignals.size()> formerActions = {};
 
+volatile std::sig_atomic_t pending = 0;
+
 extern "C" void PassSignalOn(int number) {
     const int keptErrno = errno;
+    pending = 1;
     const char byte = static_cast<char>(number);
     // A full pipe holds requests enough; what doesn't fit may be dropped.
     [[maybe_unused]] const ssize_t written = write(signalPipe[1], &byte, 1);
@@ -52,6 +55,7 @@ void RestoreHandlers() {
 ShutdownWatch::ShutdownWatch(QObject* parent)
     : QObject(parent) {
     Q_ASSERT(signalPipe[0] < 0);
+    pending = 0;
     if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
         notifier_ = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
         connect(notifier_.get(), &QSocketNotifier::activated, this, &ShutdownWatch::ReadSignal);
@@ -73,6 +77,11 @@ ShutdownWatch::~ShutdownWatch() {
     close(signalPipe[0]);
     close(signalPipe[1]);
     signalPipe = {-1, -1};
+    pending = 0;
+}
+
+bool ShutdownWatch::Pending() {
+    return pending != 0;
 }
 
 void ShutdownWatch::WatchSystem() {

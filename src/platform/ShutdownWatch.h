@@ -23,6 +23,10 @@ public:
     explicit ShutdownWatch(QObject* parent = nullptr);
     ~ShutdownWatch() override;
 
+    /// A signal that asks for the end has come, told by `Requested` or not yet: for what runs long
+    /// without the event loop.
+    static bool Pending();
+
 Q_SIGNALS:
     void Requested(platform::UnloadMode mode);
 

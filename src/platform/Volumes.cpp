@@ -10,6 +10,7 @@ namespace platform {
 namespace {
 
 std::optional<QList<Volume>> overridden;
+std::optional<Space> overriddenSpace;
 
 bool IsRemovable(const QString& path) {
     static const std::array roots{QStringLiteral("/media"), QStringLiteral("/run/media"),
@@ -44,6 +45,19 @@ bool IsReady(const QString& folder) {
         return false;
     const QStorageInfo storage(path);
     return storage.isReady() && (!IsRemovable(path) || IsRemovable(storage.rootPath()));
+}
+
+std::optional<Space> SpaceOf(const QString& folder) {
+    if (overriddenSpace)
+        return overriddenSpace;
+    const QStorageInfo storage(folder);
+    if (!storage.isValid() || !storage.isReady() || storage.bytesTotal() <= 0)
+        return std::nullopt;
+    return Space{storage.bytesAvailable(), storage.bytesTotal()};
+}
+
+void OverrideSpace(std::optional<Space> space) {
+    overriddenSpace = space;
 }
 
 void OverrideVolumes(std::optional<QList<Volume>> volumes) {

@@ -21,6 +21,21 @@ QList<Volume> RemovableVolumes();
 /// well: what is written under an empty mount lands on the machine's own disk and is hidden later.
 bool IsReady(const QString& folder);
 
+/// Room on a volume, bytes.
+struct Space {
+    qint64 free = 0;
+    qint64 total = 0;
+
+    double Percent() const { return total > 0 ? 100.0 * double(free) / double(total) : 0; }
+};
+
+/// What this user may still write on the volume of a folder, and the volume's size. Nothing when
+/// the volume doesn't say.
+std::optional<Space> SpaceOf(const QString& folder);
+
+/// Puts a size in the place of every volume's, for tests; nothing brings the real ones back.
+void OverrideSpace(std::optional<Space> space);
+
 /// Puts other media in their place, for tests; nothing brings the real ones back.
 void OverrideVolumes(std::optional<QList<Volume>> volumes);
 

@@ -47,9 +47,18 @@ protected:
         panel.setNextPoll(clock.Now() - 1);
         return panel;
     }
+    /// Whole rounds, also those that are parted in their queue.
     void Rounds(int count) {
-        for (int i = 0; i < count; ++i)
-            engine->RunComm();
+        int done = 0;
+        const auto counting =
+            QObject::connect(engine.get(), &wPolling::RoundDone, [&done] { ++done; });
+        for (int i = 0; i < count; ++i) {
+            int parts = 0;
+            do
+                engine->RunComm();
+            while (done <= i && engine->Run() && ++parts < 1000);
+        }
+        QObject::disconnect(counting);
     }
     static CommandPtr Write(int module, int registerNo, const Words& values, DateTime when = 0) {
         return std::make_shared<CommandClass>(qint16(module), registerNo, values, when);

@@ -188,16 +188,15 @@ protected:
 
 TEST_F(Midnight, IsAnotherDayThanOneSecondAgo) {
     Put(5, Models::Q6200XT);
-    Tick(3, 16, 0); // the first tick has nothing to compare with
-    Tick(3, 16, 0, 0, 1);
-    Tick(3, 16, 23, 59, 59);
+    Tick(3, 15, 12, 0, 1);
+    Tick(3, 15, 23, 59, 59);
     EXPECT_EQ(link->sent.size(), 0);
     EXPECT_EQ(engine->Commands().Count(), 0);
-    Tick(3, 17, 0);
+    Tick(3, 16, 0);
     EXPECT_EQ(Sent(), Lines{"read 5 132 1"});
     EXPECT_EQ(Waiting(), QStringList{QStringLiteral("0:0121=0000")});
     EXPECT_NEAR(engine->Commands().Item(1)->SendTime(), clock.Now(), platform::OneSecond);
-    Tick(3, 17, 0, 0, 1);
+    Tick(3, 16, 0, 0, 1);
     EXPECT_EQ(link->sent.size(), 1) << "once";
     Rounds(1);
     EXPECT_EQ(Sent().back(), "write 0 289 0");
@@ -206,7 +205,7 @@ TEST_F(Midnight, IsAnotherDayThanOneSecondAgo) {
         << "in the trace of the new day";
     // The same day of another month isn't seen as another day.
     link->sent.clear();
-    Tick(4, 17, 0);
+    Tick(4, 16, 0);
     EXPECT_EQ(link->sent.size(), 0);
 }
 
@@ -217,7 +216,7 @@ TEST_F(Midnight, TheRecordOfTheDayIsForced) {
     modules.Remove(7);
     Put(8, Models::None);
     Site().Panel(5).Channel(2).setState(3);
-    Tick(3, 31, 12);
+    Tick(3, 15, 12);
     const int before = LastEvent();
     Tick(4, 1, 0);
     EXPECT_EQ(Histo(QStringLiteral("202403")), QStringList());

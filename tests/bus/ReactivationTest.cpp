@@ -17,7 +17,7 @@ protected:
             console = std::make_unique<FakeConsole>(log);
             return console.get();
         });
-        AddModule(5, Models::Q7100);
+        AddModule(5, Models::Q7100).setNextPoll(clock.Now() + 1);
         Channel().setReact(true);
         Channel().setReactTpo(1);
         Channel().setKlaxon(true);

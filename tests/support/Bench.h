@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/DateTimes.h"
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
@@ -10,6 +12,7 @@
 #include "platform/Clock.h"
 #include "platform/Folders.h"
 #include "platform/Sound.h"
+#include "platform/Volumes.h"
 #include "support/PrintText.h"
 
 #include <QDir>
@@ -43,10 +46,14 @@ protected:
             boxes += text;
             return int(Messages::Ok);
         });
+        platform::OverrideSpace(platform::Space{50'000'000, 100'000'000});
         Trace::OpenToday();
     }
     ~Bench() override {
+        platform::OverrideSpace(std::nullopt);
         Messages::Install(nullptr);
+        Boxes::Forget();
+        Faults::Forget();
         Global::Get() = Global::State();
         Global::setConfiguration(nullptr);
         platform::OverrideApplication(QString(), QString());
