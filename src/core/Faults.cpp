@@ -76,6 +76,20 @@ int TextOf(Kind kind) {
     return FirstText + int(kind);
 }
 
+bool HasDetail(Kind kind) {
+    switch (kind) {
+    case Kind::PanelNotPolled:
+    case Kind::MemoryUnreadable:
+    case Kind::CommandGivenUp:
+    case Kind::PrinterNotReached:
+    case Kind::DiskNearlyFull:
+    case Kind::BoxUnanswered:
+        return true;
+    default:
+        return false;
+    }
+}
+
 Board& TheBoard() {
     static Board board;
     return board;

@@ -47,6 +47,8 @@ void Forget();
 
 /// Number of the words of a kind.
 int TextOf(Kind kind);
+/// The words of a kind end in a colon that something follows.
+bool HasDetail(Kind kind);
 
 /// Tells that what stands is new.
 class Board : public QObject {

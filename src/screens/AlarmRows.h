@@ -59,6 +59,8 @@ public:
 
     /// Row of the same panel and channel, the last of several; -1 when there is none.
     int FindKey(qint32 id) const;
+    /// Do two IDs belong to the same panel and channel?
+    static bool IsSamePlace(qint32 one, qint32 other) { return Key(one) == Key(other); }
     /// Number of rows that wait for an acknowledgement: those with which it still does something.
     int Waiting() const;
     /// Adds, changes or removes the row that an event concerns. `text` is the row's new text.

@@ -54,9 +54,11 @@ void RowGrid::FitPage() {
 }
 
 void RowGrid::TakePlace(const QRect& place) {
+    if (!keepsFont_)
+        FitFont();
     keepsFont_ = true;
     setGeometry(place);
-    keepsFont_ = false;
+    FitPage();
 }
 
 void RowGrid::resizeEvent(QResizeEvent*) {

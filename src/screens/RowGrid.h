@@ -17,7 +17,8 @@ public:
     /// Height of a row, pixels.
     int RowHeight() const { return rowHeight_; }
     virtual const RowPosition& Position() const = 0;
-    /// Takes another place with the letters that it has: fewer rows are seen when it is lower.
+    /// Takes another place with the letters that it has, and keeps these from then on: fewer rows are
+    /// seen when it is lower.
     void TakePlace(const QRect& place);
 
 Q_SIGNALS:

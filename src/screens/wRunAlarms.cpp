@@ -3,6 +3,7 @@
 #include "bus/wPolling.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "core/Operator.h"
 #include "core/SLVfonctions.h"
@@ -13,8 +14,10 @@
 #include "model/Models.h"
 #include "ui_wRunAlarms.h"
 
+#include <QApplication>
 #include <QFileInfo>
 #include <QFontMetrics>
+#include <algorithm>
 
 // The pictures lie in a static library: without this nothing would pull them in. It can't stand
 // inside a namespace.
@@ -29,14 +32,14 @@ namespace {
 constexpr int ClockPeriodMs = 1000;
 constexpr int ShadowOffset = 2;
 constexpr int TechnicianLevel = 3;
-/// Room for "+63" in widths of a panel's label.
-constexpr double RestWidths = 2;
-/// Pitch of the labels of missing panels in their widths.
-constexpr double MissingPitch = 1.2;
-/// Failed polls of a present panel, and polls of one that is missing.
-constexpr int PollFailures = 1;
-constexpr int MissingPolls = 2;
-constexpr int MostPollFailures = 3;
+
+bool IsAnotherScreenOpen(const ScreenForm* own) {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.cbegin(), windows.cend(), [own](const QWidget* window) {
+        const auto* form = qobject_cast<const ScreenForm*>(window);
+        return form != nullptr && form != own && form->Visible();
+    });
+}
 
 } // namespace
 
@@ -55,11 +58,19 @@ wRunAlarms::wRunAlarms()
     Prepare();
     OmbrerTexte(QStringLiteral("lblLogin"), ShadowOffset, ShadowOffset);
     ConnectControls();
+    guard_ = std::make_unique<TouchGuard>(*this);
     Form_Load();
 }
 
 wRunAlarms::~wRunAlarms() {
     Gone();
+}
+
+/// A console that comes by itself lies under a finger that meant something else.
+void wRunAlarms::Show() {
+    if (!Operator::Acts() && (!isVisible() || IsAnotherScreenOpen(this)))
+        guard_->Hold();
+    ScreenForm::Show();
 }
 
 AlarmRows& wRunAlarms::Rows() const {
@@ -95,6 +106,7 @@ void wRunAlarms::ConnectControls() {
     OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
     OnClick(QStringLiteral("imgNavig"), [this](int) { imgNavig_Click(); });
     OnClick(QStringLiteral("lblLogin"), [this](int) { lblLogin_Click(); });
+    OnClick(ui_->lblFaults, [this] { lblFaults_Click(); });
     connect(ui_->grdAlarms, &AlarmGrid::RowColChange, this, &wRunAlarms::RecaleCurseur);
     connect(&tmrDateTime_, &QTimer::timeout, this, &wRunAlarms::tmrDateTime_Timer);
 }
@@ -112,14 +124,17 @@ void wRunAlarms::Form_Load() {
             connect(comm, &wPolling::BusEvent, this, &wRunAlarms::mwComm_BusEvent);
             connect(comm, &wPolling::PollDone, this, &wRunAlarms::mwComm_PollDone);
             connect(comm, &wPolling::Synchronising, this, &wRunAlarms::mwComm_Synchronising);
-            connect(comm, &wPolling::RunChanged, this, &wRunAlarms::ShowRunState);
+            connect(comm, &wPolling::RunChanged, this, &wRunAlarms::ShowWatch);
+            connect(comm, &wPolling::StateChanged, this, &wRunAlarms::ShowWatch);
             connect(comm, &wPolling::UserChanged, this, &wRunAlarms::ShowLogin);
         }
+        connect(&Faults::TheBoard(), &Faults::Board::Changed, this, &wRunAlarms::ShowFaults);
         ShowBeat(BeatA);
         ShowLogin();
         ShowRunState();
         LastAlarms::Read(Rows());
     });
+    ShowFaults();
     RecaleCurseur();
     tmrDateTime_Timer();
     tmrDateTime_.start(ClockPeriodMs);
@@ -130,6 +145,7 @@ void wRunAlarms::Form_Unload() {
     Gone();
     if (wPolling* comm = Polling())
         comm->disconnect(this);
+    Faults::TheBoard().disconnect(this);
     LastAlarms::Write(Rows());
 }
 
@@ -158,7 +174,11 @@ void wRunAlarms::mwComm_BusEvent(const EventClass& event) {
     Guard("wRunAlarms.mwComm_BusEvent", [&] {
         if (!IsToDisplay(event))
             return;
+        const qint32 selected = RowData(Rows().Current());
         Rows().Take(event, AlarmRows::RowText(event));
+        // Another alarm than the operator looked at: a touch that is under way doesn't mean it.
+        if (!AlarmRows::IsSamePlace(selected, RowData(Rows().Current())))
+            guard_->Hold();
         RecaleCurseur();
         BringToFront();
     });
@@ -173,6 +193,7 @@ void wRunAlarms::mwComm_PollDone() {
 
 void wRunAlarms::mwComm_Synchronising(bool on) {
     ShowBeat(on ? GeneralReading : BeatA);
+    ShowWatch();
     // Nothing runs the event loop until the reading is through.
     if (on && isVisible())
         repaint();
@@ -199,62 +220,8 @@ void wRunAlarms::RecaleCurseur() {
         if (inSight)
             pointer.move(pointer.x(), grid.y() + y + (grid.RowHeight() - pointer.height()) / 2);
         pointer.setVisible(inSight);
+        ShowCount();
     });
-}
-
-void wRunAlarms::tmrDateTime_Timer() {
-    ui_->lblDateTime->setText(DateTimes::DateAndTime(DateTimes::Now()));
-    FindMissingPanels();
-}
-
-void wRunAlarms::FindMissingPanels() {
-    Guard("wRunAlarms.FindMissingPanels", [&] {
-        QList<int> missing;
-        for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
-            const PanelClass& panel = Global::Configuration().Panel(number);
-            if (panel.Active() && panel.Model() > Models::None &&
-                (panel.ErrCptr(PollFailures) > MostPollFailures || panel.ErrCptr(MissingPolls) > 0))
-                missing.append(panel.Numero());
-        }
-        if (missing != missing_)
-            ShowMissingPanels(missing);
-        missing_ = missing;
-    });
-}
-
-/// The labels stand right of the pattern, which never shows. When the row is full the last one
-/// tells how many more there are.
-void wRunAlarms::ShowMissingPanels(const QList<int>& panels) {
-    const QString array = QStringLiteral("lblMissingPanel");
-    auto* pattern = Control<QLabel>(array, 0);
-    for (const int index : Indices(array)) {
-        if (index > 0)
-            delete Control(array, index);
-    }
-    ui_->lblLabels_1->setVisible(!panels.isEmpty());
-    const double pitch = MissingPitch * pattern->width();
-    const auto place = [&](qsizetype n) { return pattern->x() + qRound(double(n) * pitch); };
-    const int right = width() - qRound(RestWidths * pattern->width());
-    for (qsizetype n = 1; n <= panels.size(); ++n) {
-        const bool full = n < panels.size() && place(n + 1) > right;
-        auto* label = new QLabel(this);
-        label->setObjectName(QStringLiteral("lblMissingPanel_%1").arg(n));
-        label->setFont(pattern->font());
-        label->setAlignment(pattern->alignment());
-        label->setStyleSheet(
-            QStringLiteral("background: #FF8000; color: #000000; border-radius: 4px;"));
-        label->setGeometry(pattern->geometry());
-        label->move(place(n), pattern->y());
-        label->setText(QString::number(panels[n - 1]));
-        if (full) {
-            label->resize(qRound(RestWidths * pattern->width()) - 8, label->height());
-            label->setText(u'+' + QString::number(panels.size() - n + 1));
-        }
-        label->show();
-        label->raise();
-        if (full)
-            return;
-    }
 }
 
 void wRunAlarms::ShowLogin() {
@@ -262,12 +229,6 @@ void wRunAlarms::ShowLogin() {
         if (!Indices(QStringLiteral("lblLogin")).isEmpty())
             SetCaption(QStringLiteral("lblLogin"), 0, QString::number(Global::Get().userLevel));
     });
-}
-
-void wRunAlarms::ShowRunState() {
-    const bool run = Polling() != nullptr && Polling()->Run();
-    ui_->imgStopRun->setPicture(run ? QStringLiteral("start") : QStringLiteral("console_stopped"));
-    ui_->imgStopRun->setText(GetText(run ? 710008 : 710009));
 }
 
 void wRunAlarms::ShowSiteName() {

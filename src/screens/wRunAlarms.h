@@ -3,6 +3,7 @@
 #include "bus/AlarmConsole.h"
 #include "events/EventClass.h"
 #include "screens/ScreenForm.h"
+#include "screens/TouchGuard.h"
 
 #include <QList>
 #include <QTimer>
@@ -10,6 +11,7 @@
 #include <memory>
 
 class AlarmRows;
+class QLabel;
 class TouchImage;
 
 namespace Ui {
@@ -24,6 +26,7 @@ public:
     wRunAlarms();
     ~wRunAlarms() override;
 
+    void Show() override;
     int RowCount() const override;
     QString RowText(int row) const override;
     qint32 RowData(int row) const override;
@@ -57,6 +60,7 @@ private:
     void imgNavig_Click();
     void imgCommWatch_Click();
     void lblLogin_Click();
+    void lblFaults_Click();
     void tmrDateTime_Timer();
 
     /// The selected alarm is known to the operator; what of it goes to the panel goes.
@@ -68,9 +72,16 @@ private:
     /// Asks once when the connected level is too low.
     bool TryLevel(int level);
 
+    /// The selection in sight? Otherwise it is brought there.
+    bool HasSelectionInSight();
+
     void RecaleCurseur();
     void FindMissingPanels();
     void ShowMissingPanels(const QList<int>& panels);
+    int WidthOfWatch() const;
+    void ShowWatch();
+    void ShowCount();
+    void ShowFaults();
     void ShowLogin();
     void ShowRunState();
     void ShowSiteName();
@@ -78,6 +89,11 @@ private:
 
     std::unique_ptr<Ui::wRunAlarms> ui_;
     QTimer tmrDateTime_;
+    std::unique_ptr<TouchGuard> guard_;
     QList<int> missing_;
+    /// Left end of the missing panels, which stand behind the words of the watch.
+    int missingFrom_ = 0;
+    /// When the last acknowledgement was touched, ms of the monotonic clock.
+    qint64 acquitTouched_ = -1000000;
     Beat beat_ = BeatA;
 };

@@ -7,6 +7,7 @@
 #include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "platform/Clock.h"
 #include "screens/AskPassword.h"
 #include "screens/Navigation.h"
 #include "screens/dlgConsigne.h"
@@ -15,11 +16,14 @@
 
 #include <QKeyEvent>
 #include <QPointer>
+#include <utility>
 
 namespace {
 
 constexpr int OperatorLevel = 1;
 constexpr int ConfigurationLevel = 2;
+/// Two touches within this are one, ms.
+constexpr qint64 BounceMs = 300;
 
 /// Register of a panel that takes an acknowledgement, and what is written into it.
 constexpr qint32 AcknowledgeRegister = 67;
@@ -40,8 +44,8 @@ void AcknowledgeOnBus(qint16 panel) {
     wPolling* comm = Polling();
     if (comm == nullptr)
         return;
-    comm->SendCommand(
-        std::make_shared<CommandClass>(panel, AcknowledgeRegister, Words{AcknowledgeValue}));
+    comm->SendCommand(std::make_shared<CommandClass>(panel, AcknowledgeRegister,
+                                                     Words{AcknowledgeValue}, DateTimes::Now()));
     EventClass event(panel, Family::System, 0, SystemEvents::AcknowledgedOnPc);
     comm->SendEvent(event);
 }
@@ -76,12 +80,26 @@ bool wRunAlarms::TryLevel(int level) {
     return AccessOk(level);
 }
 
+bool wRunAlarms::HasSelectionInSight() {
+    if (Rows().Position().InSight())
+        return true;
+    Rows().Position().ShowCurrent();
+    RecaleCurseur();
+    return false;
+}
+
+/// Nothing is acknowledged that the operator doesn't see, and a finger that bounces acknowledges
+/// one row and not the next as well.
 void wRunAlarms::imgAcquit_Click() {
-    if (Rows().IsEmpty() || !InsistOnLevel(OperatorLevel))
+    const qint64 now = platform::Clock::Current().MonotonicMs();
+    const qint64 last = std::exchange(acquitTouched_, now);
+    if (now - last < BounceMs || Rows().IsEmpty() || !HasSelectionInSight() ||
+        !InsistOnLevel(OperatorLevel))
         return;
-    Alarme(StopAlarme);
     // The bus may have changed the list while the code was entered.
-    if (!Rows().IsEmpty())
+    const bool seen = Rows().IsEmpty() || HasSelectionInSight();
+    Alarme(StopAlarme);
+    if (seen && !Rows().IsEmpty())
         Acknowledge();
 }
 

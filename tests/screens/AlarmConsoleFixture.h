@@ -6,6 +6,7 @@
 #include "core/Faults.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Operator.h"
 #include "core/Trace.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
@@ -90,6 +91,7 @@ protected:
     }
 
     wRunAlarms& Load() {
+        const Operator::Acting acting;
         console = new wRunAlarms;
         console->Show();
         return *console;
@@ -142,7 +144,15 @@ protected:
             throw std::out_of_range(name);
         return *child;
     }
-    void Click(const char* name) { QTest::mouseClick(&Child(name), Qt::LeftButton); }
+    /// The operator has seen what there is to see.
+    void Look() {
+        console->repaint();
+        clock.Advance(2 * TouchGuard::HoldMs);
+    }
+    void Click(const char* name) {
+        Look();
+        QTest::mouseClick(&Child(name), Qt::LeftButton);
+    }
     QStringList Places() const {
         QStringList places;
         for (int row = 0; row < console->RowCount(); ++row)

@@ -4,14 +4,17 @@
 
 #include "bus/wPolling.h"
 #include "core/Config.h"
+#include "core/Faults.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
+#include "core/Trace.h"
 #include "events/HistoProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
+#include "screens/ConsoleHead.h"
 #include "screens/ResizeForm.h"
 #include "screens/Screens.h"
 
@@ -20,6 +23,7 @@
 #include <QElapsedTimer>
 #include <QWidget>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -73,22 +77,71 @@ void Take(const QString& form, const QString& path) {
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+const QString Console = QStringLiteral("wRunAlarms");
+
+using Paths = std::function<QString(const char*)>;
+
+/// The console in each state of the watch and with what can stand on its band.
+void TakeWatch(const Paths& path) {
+    const struct {
+        const char* name;
+        ConsoleHead::Watch watch;
+    } watches[] = {
+        {"console_empty", {BusState::Running, {}, false}},
+        {"console_stopped", {BusState::Stopped, {}, false}},
+        {"console_waits_for_port", {BusState::WaitsForPort, {}, false}},
+        {"console_first_reading", {BusState::FirstReading, {}, false}},
+        {"console_port_lost", {BusState::PortLost, {}, true}},
+        {"console_missing", {BusState::Running, {3, 8}, false}},
+        {"console_bus_lost", {BusState::Running, {1, 2, 3, 4, 5, 6, 7, 8}, true}},
+    };
+    for (const auto& [name, watch] : watches) {
+        ConsoleHead::OverrideWatch(watch);
+        Take(Console, path(name));
+    }
+    ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {}, false});
+    for (int kind = 0; kind < Faults::KindCount; ++kind) {
+        const auto which = Faults::Kind(kind);
+        Faults::Set(which, Faults::HasDetail(which) ? QStringLiteral("17") : QString());
+        const QByteArray name = "console_fault_" + QByteArray::number(kind + 1);
+        Take(Console, path(name.constData()));
+        Faults::Clear(which);
+    }
+}
+
+void TakeConsole(wPolling& engine, const Paths& path) {
+    IniDeleteSection(QStringLiteral("LastAlarms"));
+    Global::Configuration().Panel(8).setErrCptr(2, 0);
+    TakeWatch(path);
+    ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {8}, false});
+    Forms::Show(Console);
+    RaiseAlarms(engine);
+    Global::Configuration().Panel(8).setErrCptr(2, 1);
+    Save(Console, path("console_alarms"));
+    ConsoleHead::OverrideWatch(
+        ConsoleHead::Watch{BusState::Running, {1, 2, 3, 4, 5, 6, 7, 8}, true});
+    for (int panel = 1; panel <= 8; ++panel)
+        Global::Configuration().Panel(panel).setErrCptr(2, 1);
+    for (const auto kind :
+         {Faults::Kind::NoHorn, Faults::Kind::DiskFull, Faults::Kind::HistoryNotWritten})
+        Faults::Set(kind);
+    Faults::Set(Faults::Kind::PrinterNotReached, QStringLiteral("17"));
+    Save(Console, path("console_alarms_faults"));
+    for (int panel = 1; panel <= 8; ++panel)
+        Global::Configuration().Panel(panel).setErrCptr(2, 0);
+    Faults::Forget();
+    ConsoleHead::OverrideWatch(std::nullopt);
+    Forms::Unload(Console);
+}
+
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     const auto path = [&](const char* name) {
         return target.filePath(QString::fromLatin1(name) + u'_' + language +
                                QStringLiteral(".png"));
     };
-    const QString console = QStringLiteral("wRunAlarms");
-    IniDeleteSection(QStringLiteral("LastAlarms"));
-    Global::Configuration().Panel(8).setErrCptr(2, 0);
-    Take(console, path("console_empty"));
-    Forms::Show(console);
-    RaiseAlarms(engine);
-    Global::Configuration().Panel(8).setErrCptr(2, 1);
-    Save(console, path("console_alarms"));
-    Forms::Unload(console);
+    TakeConsole(engine, path);
     for (const QString& form : Forms::Names())
-        if (form != console)
+        if (form != Console)
             Take(form, path(form.toLatin1().constData()));
 }
 
@@ -118,6 +171,7 @@ int main(int argc, char** argv) {
              QStringLiteral("/sites/Waterworks.kv2"));
     wPolling engine(platform::MakeSerialPort([](int) { return QString(); }));
     Global::ReadMarks();
+    Trace::OpenToday();
     WriteHistory();
     const QDir target(QString::fromLocal8Bit(argv[2]));
     platform::MakeFolder(target.path());
