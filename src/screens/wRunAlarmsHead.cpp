@@ -73,9 +73,11 @@ void wRunAlarms::ShowMissingPanels(const QList<int>& panels) {
     ui_->lblLabels_1->move(missingFrom_, ui_->lblLabels_1->y());
     ui_->lblLabels_1->setVisible(!panels.isEmpty());
     const double pitch = MissingPitch * pattern->width();
-    const int words = missingFrom_ + ui_->lblLabels_1->sizeHint().width();
-    const int first = words + qRound((MissingPitch - 1) * pattern->width());
-    const auto place = [&](qsizetype n) { return first + qRound(double(n - 1) * pitch); };
+    // Behind the words of the watch room is scarce: the numbers close up to their own words.
+    const int start = ui_->lblWatch->isHidden()
+                          ? pattern->x()
+                          : missingFrom_ + ui_->lblLabels_1->sizeHint().width() - pattern->width();
+    const auto place = [&](qsizetype n) { return start + qRound(double(n) * pitch); };
     const int right = ui_->lblCount->x() - qRound(RestWidths * pattern->width());
     for (qsizetype n = 1; n <= panels.size(); ++n) {
         const bool full = n < panels.size() && place(n + 1) > right;

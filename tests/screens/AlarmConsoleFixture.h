@@ -146,7 +146,7 @@ protected:
     }
     /// The operator has seen what there is to see.
     void Look() {
-        console->repaint();
+        console->grab();
         clock.Advance(2 * TouchGuard::HoldMs);
     }
     void Click(const char* name) {

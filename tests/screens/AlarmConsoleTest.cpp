@@ -3,6 +3,7 @@
 #include "core/SLVfonctions.h"
 #include "events/Klaxon.h"
 #include "screens/AlarmConsoleFixture.h"
+#include "screens/ConsoleHead.h"
 #include "screens/TouchImage.h"
 
 TEST_F(ConsoleTest, ListComesAndGoesWithTheAlarms) {
@@ -183,6 +184,7 @@ TEST_F(ConsoleTest, TouchesAndScrollButtonsMoveTheSelection) {
     EXPECT_GE(page, 11);
     EXPECT_EQ(SelectedPlace(), "P03-C01");
     EXPECT_FALSE(Child("imgPointer").isVisible()) << "the selection is out of sight";
+    Look();
     QTest::mouseClick(&Child("grdAlarms"), Qt::LeftButton, {}, {50, grid.RowHeight() * 2 + 5});
     EXPECT_EQ(SelectedPlace(), "P03-C18");
     EXPECT_TRUE(Child("imgPointer").isVisible());
@@ -210,7 +212,7 @@ TEST_F(ConsoleTest, BusIsStartedAndStoppedByTheConfigurationLevelOnly) {
     engine->CommBus().setPortOpen(true);
     Click("imgStopRun");
     EXPECT_TRUE(engine->Run());
-    EXPECT_EQ(Child<QAbstractButton>("imgStopRun").text(), "Polling");
+    EXPECT_EQ(Child<QAbstractButton>("imgStopRun").text(), "Bus running");
     Click("imgStopRun");
     EXPECT_FALSE(engine->Run());
     EXPECT_EQ(Child<QAbstractButton>("imgStopRun").text(), "Bus stopped");
@@ -250,6 +252,7 @@ TEST_F(ConsoleTest, MissingPanelsStandInARow) {
     Site().Panel(3).setErrCptr(2, 1);
     Site().Panel(4).setErrCptr(2, 1);
     Site().Panel(1).setErrCptr(1, 3);
+    ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {3}, false});
     Load();
     const auto numbers = [&] {
         QStringList list;
@@ -281,6 +284,7 @@ TEST_F(ConsoleTest, MissingPanelsStandInARow) {
     clock.Advance(5000);
     QTest::qWait(1100);
     EXPECT_EQ(numbers(), QStringList());
+    ConsoleHead::OverrideWatch(std::nullopt);
     EXPECT_EQ(Child<QLabel>("lblDateTime").text(), "2025-11-25 02:43:15");
 }
 

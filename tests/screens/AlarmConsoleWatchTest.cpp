@@ -6,6 +6,7 @@
 #include "screens/ConsoleHead.h"
 #include "screens/FaultBand.h"
 #include "screens/RowShapes.h"
+#include "screens/Theme.h"
 
 #include <QImage>
 #include <QPainter>
@@ -200,7 +201,7 @@ TEST_F(ConsoleWatchTest, ATouchMeantForSomethingElseIsNotTaken) {
     Bus(1, 7, 1, 3);
     ASSERT_EQ(SelectedPlace(), QStringLiteral("P01-C07")) << "jumped";
     Tap("imgAcquit");
-    console->repaint();
+    console->grab();
     clock.Advance(TouchGuard::HoldMs - 1);
     Tap("imgAcquit");
     EXPECT_EQ(Commands(), 0);
