@@ -12,6 +12,7 @@
 #include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "screens/FaultBand.h"
 #include "ui_wRunAlarms.h"
 
 #include <QApplication>
@@ -55,6 +56,7 @@ wRunAlarms::wRunAlarms()
         image->setGeometry(ui_->imgComm_0->geometry());
         image->setPicture(QString::fromLatin1(picture));
     }
+    MakeHead();
     Prepare();
     OmbrerTexte(QStringLiteral("lblLogin"), ShadowOffset, ShadowOffset);
     ConnectControls();
@@ -106,7 +108,7 @@ void wRunAlarms::ConnectControls() {
     OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
     OnClick(QStringLiteral("imgNavig"), [this](int) { imgNavig_Click(); });
     OnClick(QStringLiteral("lblLogin"), [this](int) { lblLogin_Click(); });
-    OnClick(ui_->lblFaults, [this] { lblFaults_Click(); });
+    OnClick(lblFaults_, [this] { lblFaults_Click(); });
     connect(ui_->grdAlarms, &AlarmGrid::RowColChange, this, &wRunAlarms::RecaleCurseur);
     connect(&tmrDateTime_, &QTimer::timeout, this, &wRunAlarms::tmrDateTime_Timer);
 }

@@ -11,6 +11,7 @@
 #include <memory>
 
 class AlarmRows;
+class FaultBand;
 class QLabel;
 class TouchImage;
 
@@ -43,6 +44,7 @@ private:
     enum Beat { BeatA = 0, BeatB = 1, GeneralReading = 2 };
 
     void Form_Load();
+    void MakeHead();
     void ConnectControls();
     void Press(TouchImage* image, const char* source, std::function<void()> handler);
     AlarmRows& Rows() const;
@@ -90,6 +92,8 @@ private:
     std::unique_ptr<Ui::wRunAlarms> ui_;
     QTimer tmrDateTime_;
     std::unique_ptr<TouchGuard> guard_;
+    QLabel* lblWatch_ = nullptr;
+    FaultBand* lblFaults_ = nullptr;
     QList<int> missing_;
     /// Left end of the missing panels, which stand behind the words of the watch.
     int missingFrom_ = 0;

@@ -7,6 +7,7 @@
 #include "core/Message.h"
 #include "platform/Clock.h"
 #include "screens/ConsoleHead.h"
+#include "screens/FaultBand.h"
 #include "screens/Theme.h"
 #include "screens/wRunAlarms.h"
 #include "ui_wRunAlarms.h"
@@ -22,6 +23,10 @@ constexpr double MissingPitch = 1.2;
 /// Room around the words of the watch, pixels.
 constexpr int WatchMargin = 12;
 constexpr int BandGap = 4;
+constexpr QRect WatchPlace(8, 58, 190, 26);
+constexpr int WatchPixels = 15;
+constexpr QRect BandPlace(8, 88, 784, 48);
+constexpr int BandPixels = 17;
 constexpr int Information = 64;
 
 QString PictureOf(ConsoleHead::Tone tone) {
@@ -43,6 +48,21 @@ QString StyleOf(ConsoleHead::Tone tone) {
 }
 
 } // namespace
+
+/// What shares its place with the list and with the missing panels.
+void wRunAlarms::MakeHead() {
+    lblWatch_ = new QLabel(this);
+    lblWatch_->setObjectName(QStringLiteral("lblWatch"));
+    lblWatch_->setGeometry(WatchPlace);
+    lblWatch_->setFont(Theme::Text(WatchPixels, true));
+    lblWatch_->setAlignment(Qt::AlignCenter);
+    lblWatch_->hide();
+    lblFaults_ = new FaultBand(this);
+    lblFaults_->setObjectName(QStringLiteral("lblFaults"));
+    lblFaults_->setGeometry(BandPlace);
+    lblFaults_->setFont(Theme::Text(BandPixels));
+    lblFaults_->hide();
+}
 
 void wRunAlarms::tmrDateTime_Timer() {
     ui_->lblDateTime->setText(DateTimes::DateAndTime(DateTimes::Now()));
@@ -74,7 +94,7 @@ void wRunAlarms::ShowMissingPanels(const QList<int>& panels) {
     ui_->lblLabels_1->setVisible(!panels.isEmpty());
     const double pitch = MissingPitch * pattern->width();
     // Behind the words of the watch room is scarce: the numbers close up to their own words.
-    const int start = ui_->lblWatch->isHidden()
+    const int start = lblWatch_->isHidden()
                           ? pattern->x()
                           : missingFrom_ + ui_->lblLabels_1->sizeHint().width() - pattern->width();
     const auto place = [&](qsizetype n) { return start + qRound(double(n) * pitch); };
@@ -103,7 +123,7 @@ void wRunAlarms::ShowMissingPanels(const QList<int>& panels) {
 
 /// The left end of what stands behind the words of the watch, pixels.
 int wRunAlarms::WidthOfWatch() const {
-    const QLabel& words = *ui_->lblWatch;
+    const QLabel& words = *lblWatch_;
     return words.isHidden() ? ui_->lblFileName->x() : words.x() + words.width() + WatchMargin;
 }
 
@@ -113,7 +133,7 @@ void wRunAlarms::ShowWatch() {
         const ConsoleHead::Verdict verdict = ConsoleHead::Judge(ConsoleHead::Look());
         ui_->imgNoAlarm->setPicture(PictureOf(verdict.tone));
         ui_->txtNoAlarm->setText(verdict.words);
-        QLabel& words = *ui_->lblWatch;
+        QLabel& words = *lblWatch_;
         words.setVisible(!verdict.chip.isEmpty());
         words.setText(verdict.chip);
         words.setStyleSheet(StyleOf(verdict.tone));
@@ -143,7 +163,7 @@ void wRunAlarms::ShowCount() {
 void wRunAlarms::ShowFaults() {
     Guard("wRunAlarms.ShowFaults", [&] {
         const QList<Faults::Fault> faults = Faults::Standing();
-        FaultBand& band = *ui_->lblFaults;
+        FaultBand& band = *lblFaults_;
         band.Present(faults);
         if (band.isHidden() != faults.isEmpty()) {
             band.setVisible(!faults.isEmpty());
