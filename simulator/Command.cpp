@@ -22,7 +22,7 @@ struct Form {
     std::string_view usage;
 };
 
-constexpr std::array<Form, 13> Forms{{
+constexpr std::array<Form, 14> Forms{{
     {"active", Verb::Active, Argument::Channel, "active MODULE CHANNEL"},
     {"normal", Verb::Normal, Argument::Channel, "normal MODULE CHANNEL"},
     {"fault", Verb::Fault, Argument::Kind, "fault MODULE CHANNEL first|second|cable"},
@@ -34,6 +34,7 @@ constexpr std::array<Form, 13> Forms{{
     {"surplus", Verb::Surplus, Argument::None, "surplus MODULE"},
     {"short", Verb::Short, Argument::None, "short MODULE"},
     {"alien", Verb::Alien, Argument::None, "alien MODULE"},
+    {"odd", Verb::Odd, Argument::None, "odd MODULE"},
     {"show", Verb::Show, Argument::None, "show MODULE"},
     {"quit", Verb::Quit, Argument::None, "quit"},
 }};
@@ -182,6 +183,9 @@ void RunCommand(const Command& command, Bus& bus, std::ostream& out) {
         break;
     case Verb::Alien:
         station.faults.alien = true;
+        break;
+    case Verb::Odd:
+        station.module->ReportOdd();
         break;
     case Verb::Show:
         out << "show " << command.address << ' ' << station.module->Describe()

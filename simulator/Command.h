@@ -25,6 +25,7 @@ enum class Verb {
     Surplus,
     Short,
     Alien,
+    Odd,
     Show,
     Quit
 };
@@ -40,6 +41,7 @@ struct Command {
 /// Reads a command:
 ///   active M C, normal M C, fault M C first|second|cable     the wiring of channel C of module M
 ///   ack M                                                    the key on the module's front
+///   odd M                                                    an event with a code of no list
 ///   mute M, unmute M, corrupt M N, delay M MS, surplus M, short M, alien M     the link
 ///   show M, quit
 /// Throws `CommandError`.

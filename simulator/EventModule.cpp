@@ -15,6 +15,10 @@ constexpr std::uint16_t HornAcknowledged = 1;
 constexpr std::uint16_t PanelAcknowledged = 2;
 constexpr std::uint16_t PanelCleared = 3;
 
+// In no list of the master.
+constexpr std::uint16_t OddQualifier = 3;
+constexpr std::uint16_t OddCode = 14;
+
 } // namespace
 
 EventModule::EventModule(Model model, TimeSource now)
@@ -53,6 +57,10 @@ void EventModule::Write(std::uint16_t reg, std::uint16_t value) {
 void EventModule::Acknowledge() {
     AlarmModule::Acknowledge();
     Report(EventMemory::PanelChannel, 0, PanelAcknowledged);
+}
+
+void EventModule::ReportOdd() {
+    Report(EventMemory::PanelChannel, OddQualifier, OddCode);
 }
 
 void EventModule::AcknowledgeHorn() {

@@ -20,6 +20,7 @@ public:
     void Write(std::uint16_t reg, std::uint16_t value) override;
 
     void Acknowledge() override;
+    void ReportOdd() override;
 
 protected:
     void AcknowledgeHorn() override;

@@ -65,6 +65,10 @@ public:
     /// The acknowledgement key of the front, or panel command 2.
     virtual void Acknowledge() = 0;
 
+    /// Makes an event of the panel as a whole with a code that stands in no list, as a module of
+    /// later make may. A module without an event memory has none.
+    virtual void ReportOdd() {}
+
     /// The 20-bit clock counter.
     std::uint32_t Clock() const;
 

@@ -210,7 +210,8 @@ void wPolling::setRun(bool on) {
         SendEvent(event);
         tmrPoll_.setInterval(PollRest);
         if (on && !run_) {
-            LeaveWalk();
+            if (!inRound_)
+                LeaveWalk();
             JudgeAnew();
             if (!firstStart_) {
                 SynchroGeneraleBus();

@@ -55,6 +55,12 @@ TEST_F(Cycle, WithoutPanelSixtyFourEachTurnPollsAll) {
                      [&] { turns += quint8(link->sent.last()[0]); });
     EXPECT_EQ(Polled(6), (QList<int>{2, 63, 1, 2, 63, 1}));
     EXPECT_EQ(turns, (QList<int>{1, 1}));
+
+    // A turn in which nobody was due ends without a word.
+    for (const int address : {1, 2, 63})
+        Site().Panel(address).setNextPoll(clock.Now() + 1);
+    Rounds(4);
+    EXPECT_EQ(turns.size(), 2);
 }
 
 TEST_F(Cycle, PanelOneWaitsBehindAGoodPanelSixtyFour) {

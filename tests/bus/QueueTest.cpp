@@ -72,7 +72,8 @@ TEST_F(Queue, GivesACommandUpInTheThirdRound) {
     Rounds(1);
     EXPECT_EQ(Addresses(16), (QList<int>{9, 9, 9}));
     const QStringList trace = NewTrace();
-    ASSERT_EQ(trace.size(), 5);
+    ASSERT_EQ(trace.size(), 6);
+    EXPECT_TRUE(trace[5].endsWith(QStringLiteral("FAULT BEGINS COMMAND GIVEN UP P09:0043")));
     EXPECT_EQ(trace[3], QStringLiteral("2024-03-15 12:00:00 WRITE  COMMAND P09:0043 0002 0003"));
     EXPECT_EQ(trace[4], QStringLiteral("2024-03-15 12:00:00 WRITE  ERROR   P09:0043 00020003"));
 }
@@ -93,7 +94,7 @@ TEST_F(Queue, TellsOfAReadAndOfAnUnknownKindGivenUp) {
     engine->SendCommand(read);
     Rounds(3);
     const QStringList trace = NewTrace();
-    ASSERT_EQ(trace.size(), 4);
+    ASSERT_EQ(trace.size(), 5);
     EXPECT_EQ(trace[0].left(45), QStringLiteral("2024-03-15 12:00:00 READ   COMMAND P07:0092 1"));
     EXPECT_EQ(trace[0].size(), 80);
     EXPECT_EQ(trace[3].left(46), QStringLiteral("2024-03-15 12:00:00 READ ERROR   P07:0092 1111"));

@@ -37,7 +37,8 @@ protected:
     QList<int> Clocks() const {
         QList<int> clocks;
         for (const EventClass& event : events)
-            clocks += event.Clock();
+            if (Family::IsChannel(event.Chnl()))
+                clocks += event.Clock();
         return clocks;
     }
     QList<int> All() const {
@@ -99,6 +100,89 @@ TEST_F(Receipt, OneThatIsGivenUpBringsNoEventTwice) {
     EXPECT_EQ(givenUp, 1);
     EXPECT_EQ(Clocks(), All());
     EXPECT_TRUE(memory.isEmpty());
+}
+
+// The module was switched off and on while the receipt waited: another event stands in its memory.
+TEST_F(Receipt, OneThatHasWaitedLongDropsNoOtherEvent) {
+    for (const bool stopped : {false, true}) {
+        Happen(1);
+        Rounds(1);
+        memory.clear();
+        Happen(1);
+        if (stopped) {
+            engine->setRun(false);
+            engine->setRun(true);
+        } else {
+            clock.Advance(5000);
+        }
+        Rounds(3);
+        EXPECT_EQ(Clocks(), All()) << stopped;
+        EXPECT_TRUE(memory.isEmpty());
+    }
+}
+
+// On a slow line a long reply never fits its deadline, and its rest comes behind it.
+TEST_F(Receipt, AReadThatFailsIsTriedWithHalfAsMany) {
+    int tooLong = 0;
+    link->answer = [&](const QByteArray& frame) {
+        const bool isRead = frame[1] == 3 && FakeModules::WordAt(frame, 2) == 146;
+        if (isRead && FakeModules::WordAt(frame, 4) > 40) {
+            ++tooLong;
+            return Answer(frame).left(100);
+        }
+        return Answer(frame);
+    };
+    Happen(150);
+    Rounds(14);
+    EXPECT_EQ(Clocks(), All());
+    EXPECT_EQ(tooLong, 2) << "62 and 31, then it is known";
+    EXPECT_TRUE(memory.isEmpty());
+    Happen(62);
+    Rounds(8);
+    EXPECT_EQ(Clocks(), All());
+    EXPECT_EQ(tooLong, 4) << "tried anew when all was read";
+    EXPECT_TRUE(Site().Panel(Address).Present());
+}
+
+// What a receipt stood for is still known when the next reads get smaller.
+TEST_F(Receipt, SmallerReadsBringNoEventTwice) {
+    Happen(40);
+    deaf = 3;
+    Rounds(1);
+    bool longReads = false;
+    link->answer = [&](const QByteArray& frame) {
+        if (!longReads && frame[1] == 3 && FakeModules::WordAt(frame, 4) > 40 && deaf <= 0)
+            return QByteArray();
+        return Answer(frame);
+    };
+    Rounds(20);
+    longReads = true;
+    Happen(5);
+    Rounds(10);
+    EXPECT_EQ(Clocks(), All());
+    EXPECT_TRUE(memory.isEmpty());
+}
+
+TEST_F(Receipt, AMemoryThatCantBeReadIsTold) {
+    PanelClass& panel = Site().Panel(Address);
+    panel.setErrCptr(1, 2);
+    bool readable = false;
+    link->answer = [&](const QByteArray& frame) {
+        return !readable && FakeModules::WordAt(frame, 2) == 146 ? QByteArray() : Answer(frame);
+    };
+    Happen(3);
+    Rounds(9);
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::MemoryUnreadable));
+    Rounds(1);
+    ASSERT_EQ(Faults::Standing().size(), 1);
+    EXPECT_EQ(Faults::Standing()[0].kind, Faults::Kind::MemoryUnreadable);
+    EXPECT_EQ(Faults::Standing()[0].detail, QStringLiteral("5"));
+    EXPECT_TRUE(panel.Present()) << "it tells its count: it is there";
+    EXPECT_TRUE(events.isEmpty());
+    readable = true;
+    Rounds(8);
+    EXPECT_EQ(Clocks(), All());
+    EXPECT_TRUE(Faults::Standing().isEmpty());
 }
 
 } // namespace

@@ -13,6 +13,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
+#include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -124,6 +125,7 @@ public:
         EXPECT_TRUE(process_.waitForFinished(20000));
         return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
+    void Signal(int number) { ::kill(pid_t(process_.processId()), number); }
     bool WaitForEnd(int milliseconds) { return process_.waitForFinished(milliseconds); }
     int ExitCode() const { return process_.exitCode(); }
     bool Running() const { return process_.state() == QProcess::Running; }

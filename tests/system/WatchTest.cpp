@@ -1,0 +1,154 @@
+// The installed program at night: nobody touches a box, and the watch goes on beneath it.
+
+#include "system/Processes.h"
+
+#include "core/Config.h"
+#include "model/Models.h"
+
+#include <QDir>
+#include <QFile>
+#include <csignal>
+
+namespace {
+
+const QString Pending = QStringLiteral("PendingCommands");
+
+class WatchRun : public ::testing::Test {
+protected:
+    WatchRun() { EXPECT_TRUE(Config::OpenConfigBase()); }
+
+    /// A site that starts by itself, with panels of one model at 1 to `panels`.
+    static void Save(int panels) {
+        ConfigClass site;
+        site.setAutoStart(true);
+        for (int address = 1; address <= panels; ++address) {
+            site.Panel(address).setModel(Models::Q7100);
+            site.Panel(address).setActive(true);
+            for (int channel = 1; channel <= 12; ++channel)
+                site.Panel(address).Channel(channel).setHisto(true);
+        }
+        EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+    }
+    static QStringList Modules(int count) {
+        QStringList modules;
+        for (int address = 1; address <= count; ++address)
+            modules += QStringLiteral("%1=Q7100").arg(address);
+        return modules;
+    }
+    bool TraceHolds(const QString& part) const { return !folder_.Trace().filter(part).isEmpty(); }
+    bool Comes(const char* part) const {
+        return Eventually([&] { return TraceHolds(QString::fromLatin1(part)); });
+    }
+    /// The bus polls: its first start is through.
+    bool Polls(SimulatorProcess& simulator, int address, int channel) const {
+        simulator.Do(QByteArray("active ") + QByteArray::number(address) + ' ' +
+                     QByteArray::number(channel));
+        return Eventually([&] {
+            return TraceHolds(QStringLiteral("P%1-C%2")
+                                  .arg(address, 2, 10, QChar(u'0'))
+                                  .arg(channel, 2, 10, QChar(u'0')));
+        });
+    }
+
+    RunFolder folder_;
+};
+
+TEST_F(WatchRun, AnUnknownCodeLeavesAllOthersWatched) {
+    constexpr int Panels = 64;
+    Save(Panels);
+    SimulatorProcess simulator(folder_.Bus(), Modules(Panels));
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Polls(simulator, 1, 2));
+    for (int i = 0; i < 3; ++i)
+        simulator.Do("odd 7");
+    EXPECT_TRUE(Comes("ERROR 9 HistoProcs.FormateTrace"));
+    for (const int address : {2, 7, 33, 64})
+        EXPECT_TRUE(Polls(simulator, address, 3)) << address;
+    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("ERROR 9 HistoProcs.FormateTrace")).size(), 1)
+        << "once, however often it comes";
+    EXPECT_FALSE(folder_.History().filter(QStringLiteral("P64-C03")).isEmpty());
+    EXPECT_EQ(program.Terminate(), 0);
+}
+
+TEST_F(WatchRun, APortThatComesLateIsFound) {
+    Save(1);
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("AlarmSound99.wav"))); }))
+        << "the start went on without a port";
+    EXPECT_FALSE(TraceHolds(QStringLiteral("COMM   START")));
+    SimulatorProcess simulator(folder_.Bus(), Modules(1));
+    EXPECT_TRUE(Comes("COMM   START"));
+    EXPECT_TRUE(Polls(simulator, 1, 2));
+    EXPECT_EQ(program.Terminate(), 0);
+}
+
+TEST_F(WatchRun, AnEndInTheSynchronisationWaitsForNoPanel) {
+    Save(12);
+    SimulatorProcess simulator(folder_.Bus(), Modules(1));
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Comes("REINIT"));
+    QThread::msleep(300);
+    program.Signal(SIGTERM);
+    program.Signal(SIGTERM);
+    // Eleven silent panels take more than half a minute.
+    EXPECT_TRUE(program.WaitForEnd(8000));
+    EXPECT_EQ(program.ExitCode(), 0);
+    EXPECT_EQ(folder_.Trace().filter(QStringLiteral(" TASK  MANAGER  ")).size(), 1);
+    EXPECT_FALSE(TraceHolds(QStringLiteral("DISAPP")));
+}
+
+// The first of the stored commands can't be read; a box tells it, and nobody answers.
+TEST_F(WatchRun, AnEndBehindABoxOfTheStartKeepsTheCommands) {
+    Save(0);
+    const QString command = QStringLiteral("2|1|0043|00:00:00|0002");
+    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), folder_.Path(QStringLiteral("none")));
+    IniWrite(Pending, QStringLiteral("1"), QStringLiteral("garbage"));
+    IniWrite(Pending, QStringLiteral("2"), command);
+    IniWrite(Pending, QStringLiteral("3"), QStringLiteral("2|1|0042|00:00:00|0001"));
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Eventually([&] { return !folder_.Trace().isEmpty(); }));
+    QThread::msleep(1500);
+    EXPECT_EQ(program.Terminate(), 0);
+    QStringList kept;
+    for (const auto& entry : IniReadSection(Pending))
+        kept += entry.second;
+    EXPECT_TRUE(kept.contains(command)) << kept.join(u' ').toStdString();
+    EXPECT_TRUE(kept.contains(QStringLiteral("2|1|0042|00:00:00|0001")));
+}
+
+TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
+    Save(2);
+    SimulatorProcess simulator(folder_.Bus(), Modules(2));
+    ProgramProcess program(folder_);
+    ASSERT_TRUE(Polls(simulator, 1, 2));
+    ASSERT_TRUE(QDir(folder_.Path(QStringLiteral("Trace"))).removeRecursively());
+    for (const char* command : {"active 1 3", "active 2 3", "normal 1 3", "active 1 4"})
+        simulator.Do(command);
+    EXPECT_TRUE(Eventually([&] {
+        return !folder_.History().filter(QStringLiteral("P01-C04")).isEmpty();
+    }));
+    for (const char* address : {"1", "2"})
+        EXPECT_TRUE(Eventually([&] {
+            return simulator.Ask(QByteArray("show ") + address, "show").contains("waiting=0");
+        })) << "the events are taken, and so are their receipts";
+    EXPECT_EQ(program.Terminate(), 0);
+}
+
+// The panel 64 is good, and so the turn never comes to 1; the queue holds a command for a panel
+// that isn't there.
+TEST_F(WatchRun, WhatTheBusLeavesUndoneIsTold) {
+    Save(64);
+    IniWrite(Pending, QStringLiteral("1"), QStringLiteral("2|65|0043|00:00:00|0002"));
+    IniWrite(Pending, QStringLiteral("2"), QStringLiteral("2|5|0500|00:00:00|0002"));
+    SimulatorProcess simulator(folder_.Bus(), Modules(64));
+    ProgramProcess program(folder_);
+    EXPECT_TRUE(Comes("FAULT BEGINS COMMAND GIVEN UP P05:0500"));
+    const QDeadlineTimer deadline(120000);
+    const auto told = QStringLiteral("FAULT BEGINS PANEL NOT POLLED 1");
+    while (!TraceHolds(told) && !deadline.hasExpired())
+        QThread::msleep(200);
+    EXPECT_TRUE(TraceHolds(told));
+    EXPECT_EQ(program.Terminate(), 0);
+}
+
+} // namespace
