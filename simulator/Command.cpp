@@ -22,11 +22,12 @@ struct Form {
     std::string_view usage;
 };
 
-constexpr std::array<Form, 13> Forms{{
+constexpr std::array<Form, 14> Forms{{
     {"active", Verb::Active, Argument::Channel, "active MODULE CHANNEL"},
     {"normal", Verb::Normal, Argument::Channel, "normal MODULE CHANNEL"},
     {"fault", Verb::Fault, Argument::Kind, "fault MODULE CHANNEL first|second|cable"},
     {"ack", Verb::Ack, Argument::None, "ack MODULE"},
+    {"horn", Verb::Horn, Argument::None, "horn MODULE"},
     {"mute", Verb::Mute, Argument::None, "mute MODULE"},
     {"unmute", Verb::Unmute, Argument::None, "unmute MODULE"},
     {"corrupt", Verb::Corrupt, Argument::Count, "corrupt MODULE REPLIES"},
@@ -163,6 +164,9 @@ void RunCommand(const Command& command, Bus& bus, std::ostream& out) {
         break;
     case Verb::Ack:
         station.module->Acknowledge();
+        break;
+    case Verb::Horn:
+        station.module->AcknowledgeHorn();
         break;
     case Verb::Mute:
     case Verb::Unmute:
