@@ -52,7 +52,10 @@ void TellTheEnd(const QString& text) {
 } // namespace
 
 Startup::Startup() = default;
-Startup::~Startup() = default;
+// The thread of the horn ends before what it reports to.
+Startup::~Startup() {
+    Global::Get().sound.reset();
+}
 
 bool Startup::ClaimInstance() {
     instance_ = std::make_unique<platform::SingleInstance>(

@@ -40,8 +40,7 @@ public:
 private:
     void Look() {
         const SoundThread::Account account = thread_.Look();
-        const qint64 proof =
-            account.wanted ? account.heard : qMax(account.heard, account.there);
+        const qint64 proof = account.wanted ? account.heard : qMax(account.heard, account.there);
         if (silentSince_ != 0) {
             if (proof > silentSince_)
                 Tell(true);

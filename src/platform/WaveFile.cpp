@@ -39,9 +39,9 @@ std::optional<Format> ReadFormat(const QByteArray& chunk) {
                   int(qMin(At<quint32>(chunk, 4), 1'000'000U)), At<quint16>(chunk, 14)};
     if (format.kind == Extensible && chunk.size() >= SubFormat + 2)
         format.kind = At<quint16>(chunk, SubFormat);
-    const bool known = (format.kind == Pcm && format.bits % 8 == 0 && format.bits >= 8 &&
-                        format.bits <= 32) ||
-                       (format.kind == Float && format.bits == 32);
+    const bool known =
+        (format.kind == Pcm && format.bits % 8 == 0 && format.bits >= 8 && format.bits <= 32) ||
+        (format.kind == Float && format.bits == 32);
     const bool playable = format.channels >= 1 && format.channels <= 32 && format.rate >= 1000 &&
                           format.rate <= 192'000 && At<quint16>(chunk, 12) == format.FrameSize();
     return known && playable ? std::optional(format) : std::nullopt;
