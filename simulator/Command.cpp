@@ -27,6 +27,7 @@ constexpr std::array<Form, 14> Forms{{
     {"normal", Verb::Normal, Argument::Channel, "normal MODULE CHANNEL"},
     {"fault", Verb::Fault, Argument::Kind, "fault MODULE CHANNEL first|second|cable"},
     {"ack", Verb::Ack, Argument::None, "ack MODULE"},
+    {"horn", Verb::Horn, Argument::None, "horn MODULE"},
     {"mute", Verb::Mute, Argument::None, "mute MODULE"},
     {"unmute", Verb::Unmute, Argument::None, "unmute MODULE"},
     {"corrupt", Verb::Corrupt, Argument::Count, "corrupt MODULE REPLIES"},
@@ -164,6 +165,9 @@ void RunCommand(const Command& command, Bus& bus, std::ostream& out) {
         break;
     case Verb::Ack:
         station.module->Acknowledge();
+        break;
+    case Verb::Horn:
+        station.module->AcknowledgeHorn();
         break;
     case Verb::Mute:
     case Verb::Unmute:

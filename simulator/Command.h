@@ -18,6 +18,7 @@ enum class Verb {
     Normal,
     Fault,
     Ack,
+    Horn,
     Mute,
     Unmute,
     Corrupt,

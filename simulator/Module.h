@@ -64,6 +64,8 @@ public:
 
     /// The acknowledgement key of the front, or panel command 2.
     virtual void Acknowledge() = 0;
+    /// The horn key of the front, or panel command 1.
+    virtual void AcknowledgeHorn() { setHorn(0); }
 
     /// Makes an event of the panel as a whole with a code that stands in no list, as a module of
     /// later make may. A module without an event memory has none.
@@ -78,8 +80,7 @@ public:
 protected:
     void setHorn(std::uint16_t value) { horn_ = value; }
 
-    /// Panel commands 1 and 3.
-    virtual void AcknowledgeHorn() { setHorn(0); }
+    /// Panel command 3.
     virtual void ClearFaults() { setHorn(0); }
 
     /// The states as digits, channel 1 first.

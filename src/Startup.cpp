@@ -30,8 +30,16 @@ const QString Console = QStringLiteral("wRunAlarms");
 const QString MainMenu = QStringLiteral("wMain");
 const QString Files = QStringLiteral("Files");
 
-void TellNoSoundDevice() {
-    Faults::Set(Faults::Kind::NoHorn);
+void TellHorn(bool canBeHeard) {
+    if (canBeHeard)
+        Faults::Clear(Faults::Kind::NoHorn);
+    else
+        Faults::Set(Faults::Kind::NoHorn);
+}
+
+void TellStandIn(const QString& file, const QString& standIn) {
+    Trace::Note(QStringLiteral("SOUND ") + file + QStringLiteral(" NOT PLAYABLE, IN ITS PLACE ") +
+                standIn);
 }
 
 /// Tells why the program can't go on and waits for the answer: without it the screen would stay
@@ -44,7 +52,10 @@ void TellTheEnd(const QString& text) {
 } // namespace
 
 Startup::Startup() = default;
-Startup::~Startup() = default;
+// The thread of the horn ends before what it reports to.
+Startup::~Startup() {
+    Global::Get().sound.reset();
+}
 
 bool Startup::ClaimInstance() {
     instance_ = std::make_unique<platform::SingleInstance>(
@@ -129,7 +140,7 @@ bool Startup::Main() {
 void Startup::ComeUp() {
     Pointer::Hourglass();
     Global::ReadMarks();
-    Global::Get().sound = platform::MakeSound(TellNoSoundDevice);
+    Global::Get().sound = platform::MakeSound({TellHorn, TellStandIn});
     Global::Get().noResize = SLVfonctions::IsTrue(
         IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
     const qint32 result = ReadConfiguration();
@@ -146,8 +157,6 @@ void Startup::ComeUp() {
     if (HasEnded())
         return;
     Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
-    // The bus may have started by itself: at the first start of all its horn had no file yet.
-    Global::Get().sound->Resume();
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(MainMenu);

@@ -1,5 +1,6 @@
 #include "events/Klaxon.h"
 
+#include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
 #include "model/ConfigClass.h"
@@ -20,6 +21,7 @@ void Alarme(qint16 priority) {
         const int number = Global::Configuration().AlarmPrioSound(priority);
         if (state.sound)
             state.sound->StartLooped(
-                Global::InApplicationFolder(QStringLiteral("AlarmSound%1").arg(number)));
+                Global::InApplicationFolder(QStringLiteral("AlarmSound%1").arg(number)),
+                [number] { return Config::Sound(number).value_or(QByteArray()); });
     });
 }

@@ -1,86 +1,81 @@
 #include "platform/Sound.h"
 
-#include <QAudioDevice>
+#include "platform/SoundOutput.h"
+#include "platform/SoundThread.h"
+
 #include <QFileInfo>
-#include <QMediaDevices>
-#include <QSoundEffect>
-#include <QUrl>
+#include <QTimer>
 #include <utility>
 
 namespace platform {
 
 namespace {
 
+/// Between two looks whether what should sound does, ms.
+constexpr int LookInterval = 250;
+/// The server may come later than the program, and a new one may take its time, ms.
+constexpr int IdlePatience = 10'000;
+
 class MachineSound : public Sound {
 public:
-    explicit MachineSound(std::function<void()> noDevice)
-        : noDevice_(std::move(noDevice)) {}
-
-    void StartLooped(const QString& path) override {
-        wanted_ = path.endsWith(QLatin1String(".wav"), Qt::CaseInsensitive)
-                      ? path
-                      : path + QLatin1String(".wav");
-        WatchOutputs();
-        Play();
+    explicit MachineSound(SoundNews news)
+        : news_(std::move(news))
+        , madeAt_(SoundTime()) {
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { Look(); });
+        timer_.start(LookInterval);
     }
 
-    void Stop() override {
-        wanted_.clear();
-        effect_.reset();
+    void StartLooped(const QString& path, const SoundReserve& reserve) override {
+        const QString file = path.endsWith(QLatin1String(".wav"), Qt::CaseInsensitive)
+                                 ? path
+                                 : path + QLatin1String(".wav");
+        SoundChoice choice = ChooseSound(file, reserve);
+        thread_.Play(std::make_shared<const Wave>(std::move(choice.wave)));
+        if (!choice.standIn.isEmpty() && news_.replaced)
+            news_.replaced(QFileInfo(file).fileName(), choice.standIn);
     }
 
-    void Resume() override {
-        if (!wanted_.isEmpty() && !effect_)
-            Play();
-    }
+    void Stop() override { thread_.Play(nullptr); }
 
 private:
-    // Reaching the audio service takes its time, so the first sound does it, not the start.
-    void WatchOutputs() {
-        if (devices_)
-            return;
-        devices_ = std::make_unique<QMediaDevices>();
-        QObject::connect(devices_.get(), &QMediaDevices::audioOutputsChanged, devices_.get(),
-                         [this] { OutputsChanged(); });
-    }
-
-    void OutputsChanged() {
-        const bool sameOutput =
-            effect_ && effect_->audioDevice() == QMediaDevices::defaultAudioOutput();
-        if (!wanted_.isEmpty() && !(sameOutput && effect_->isPlaying()))
-            Play();
-    }
-
-    void Play() {
-        effect_.reset();
-        if (!QFileInfo(wanted_).isFile())
-            return;
-        const QAudioDevice output = QMediaDevices::defaultAudioOutput();
-        if (output.isNull()) {
-            TellNoDevice();
-            return;
+    void Look() {
+        const SoundThread::Account account = thread_.Look();
+        const qint64 proof = account.wanted ? account.heard : qMax(account.heard, account.there);
+        if (silentSince_ != 0) {
+            if (proof > silentSince_)
+                Tell(true);
+        } else if (IsSilent(account)) {
+            Tell(false);
+        } else if (account.gap) {
+            // Over before this thread could look.
+            Tell(false);
+            Tell(true);
         }
-        effect_ = std::make_unique<QSoundEffect>(output);
-        effect_->setLoopCount(QSoundEffect::Infinite);
-        effect_->setSource(QUrl::fromLocalFile(wanted_));
-        effect_->play();
     }
 
-    void TellNoDevice() {
-        if (auto tell = std::exchange(noDevice_, nullptr))
-            tell();
+    bool IsSilent(const SoundThread::Account& account) const {
+        if (account.wanted)
+            return SoundTime() - qMax(account.since, account.heard) > SoundThread::LongestSilence;
+        return SoundTime() - qMax(madeAt_, account.there) > IdlePatience;
     }
 
-    std::function<void()> noDevice_; // empty once called
-    QString wanted_;                 // file that should be playing; empty when stopped
-    std::unique_ptr<QMediaDevices> devices_;
-    std::unique_ptr<QSoundEffect> effect_;
+    void Tell(bool canBeHeard) {
+        silentSince_ = canBeHeard ? 0 : SoundTime();
+        if (news_.heard)
+            news_.heard(canBeHeard);
+    }
+
+    SoundNews news_;
+    qint64 madeAt_;
+    qint64 silentSince_ = 0; // when the silence was told; 0 when none stands
+    SoundThread thread_;
+    QTimer timer_;
 };
 
 } // namespace
 
-std::unique_ptr<Sound> MakeSound(std::function<void()> noDevice) {
-    return std::make_unique<MachineSound>(std::move(noDevice));
+std::unique_ptr<Sound> MakeSound(SoundNews news) {
+    return std::make_unique<MachineSound>(std::move(news));
 }
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QObject>
+#include "platform/SoundChoice.h"
+
 #include <QString>
 #include <functional>
 #include <memory>
@@ -12,30 +13,40 @@ class Sound {
 public:
     virtual ~Sound() = default;
     /// Plays a sound file over and over, in place of what plays now. `path` may lack its ".wav".
-    /// Returns at once; a missing file is silence.
-    virtual void StartLooped(const QString& path) = 0;
+    /// Returns at once. In place of a file that is missing or damaged plays the reserve, else any
+    /// other alarm sound of its folder, else a beep.
+    virtual void StartLooped(const QString& path, const SoundReserve& reserve) = 0;
     virtual void Stop() = 0;
-    /// Plays what should be playing, if it doesn't: its file may have come after the start.
-    virtual void Resume() = 0;
 };
 
-/// The default audio output. A machine without one stays silent, and `noDevice` is called once.
-/// A sound that stops because its output went away starts again when an output returns.
-std::unique_ptr<Sound> MakeSound(std::function<void()> noDevice);
+/// What a sound has to tell; called in the event loop of the thread that made it.
+struct SoundNews {
+    /// False: what should sound has been silent for more than a second, or nothing is there that
+    /// a sound could be played on. True: that is over.
+    std::function<void(bool canBeHeard)> heard;
+    /// A file can't be played; `standIn` plays in its place: "BASE" for the reserve, "BEEP", or
+    /// the name of another file.
+    std::function<void(const QString& file, const QString& standIn)> replaced;
+};
+
+/// The sound server, or where there is none the device itself. Whatever goes and comes back, the
+/// server, its outputs, the device, what should sound is taken up again.
+std::unique_ptr<Sound> MakeSound(SoundNews news);
 
 /// Remembers what it was asked, for tests.
 class SilentSound : public Sound {
 public:
-    void StartLooped(const QString& path) override {
+    void StartLooped(const QString& path, const SoundReserve& given) override {
         playing = path;
+        reserve = given;
         ++starts;
     }
     void Stop() override {
         playing.clear();
         ++stops;
     }
-    void Resume() override {}
     QString playing;
+    SoundReserve reserve;
     int starts = 0;
     int stops = 0;
 };

@@ -12,7 +12,9 @@ class NotingSound : public platform::SilentSound {
 public:
     explicit NotingSound(std::function<void()> note)
         : note_(std::move(note)) {}
-    void StartLooped(const QString& /*path*/) override { note_(); }
+    void StartLooped(const QString& /*path*/, const platform::SoundReserve& /*reserve*/) override {
+        note_();
+    }
 
 private:
     std::function<void()> note_;

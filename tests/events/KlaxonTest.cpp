@@ -42,6 +42,14 @@ TEST_F(Klaxon, StopIsAlwaysPossibleAndArmsAnyPriority) {
     ExpectSound("AlarmSound11", 2);
 }
 
+TEST_F(Klaxon, TheBaseStandsInForAFile) {
+    Alarme(7);
+    EXPECT_EQ(horn->reserve(), Config::Sound(4).value());
+    Site().setAlarmPrioSound(8, 98);
+    Alarme(8);
+    EXPECT_EQ(horn->reserve(), QByteArray()) << "the base has no such sound";
+}
+
 TEST_F(Klaxon, AMachineWithoutSoundKeepsThePriority) {
     Global::Get().sound.reset();
     Alarme(7);

@@ -1,15 +1,12 @@
 #include "platform/ActivityDetection.h"
 #include "platform/ShutdownWatch.h"
 #include "platform/SingleInstance.h"
-#include "platform/Sound.h"
 #include "platform/TestFiles.h"
 
-#include <QAudioDevice>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMediaDevices>
 #include <QSessionManager>
 #include <QTemporaryDir>
 #include <array>
@@ -136,21 +133,4 @@ TEST(ShutdownWatchTest, TurnsSignalsIntoRequests) {
         }
     }
     EXPECT_EQ(std::signal(SIGTERM, former), SIG_IGN);
-}
-
-TEST(SoundTest, StaysSilentWithoutFileAndTellsOfAMissingOutputOnce) {
-    const QTemporaryDir folder;
-    int told = 0;
-    const auto sound = MakeSound([&] { ++told; });
-    sound->Stop();
-    sound->StartLooped(folder.filePath(QStringLiteral("none")));
-    EXPECT_EQ(told, 0);
-    if (!QMediaDevices::defaultAudioOutput().isNull())
-        GTEST_SKIP() << "this machine has an audio output";
-    PutBytes(folder.filePath(QStringLiteral("AlarmSound5.wav")), "RIFF");
-    sound->StartLooped(folder.filePath(QStringLiteral("AlarmSound5")));
-    sound->StartLooped(folder.filePath(QStringLiteral("AlarmSound5.WAV")));
-    sound->StartLooped(folder.filePath(QStringLiteral("AlarmSound5.wav")));
-    EXPECT_EQ(told, 1);
-    sound->Stop();
 }
