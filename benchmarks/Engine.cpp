@@ -2,6 +2,7 @@
 
 #include "Bed.h"
 
+#include "bus/BusWatch.h"
 #include "bus/wPolling.h"
 #include "core/Forms.h"
 #include "model/Models.h"
@@ -16,7 +17,7 @@ namespace {
 /// The reply to a read of 124 words: 62 events on 12 channels, in turn active and normal.
 QByteArray EventMemory(const QByteArray& frame) {
     QByteArray reply = frame.left(2) + char(248);
-    for (int i = 0; i < wPolling::MaxEvents; ++i) {
+    for (int i = 0; i < BusWatch::MaxEvents; ++i) {
         const int active = (i / 12) % 2 == 0 ? 1 : 0;
         reply += char(((i % 12 + 1) << 4));
         reply += char(active << 4);
@@ -42,10 +43,10 @@ void RouteBurst(benchmark::State& state) {
     panel.setModel(Models::Q7100);
     for (auto step : state) {
         engine.ForgetReceipt(1);
-        engine.ExploitePanneau(panel, {wPolling::MaxEvents});
+        engine.ExploitePanneau(panel, {BusWatch::MaxEvents});
         QApplication::processEvents();
     }
-    state.SetItemsProcessed(state.iterations() * wPolling::MaxEvents);
+    state.SetItemsProcessed(state.iterations() * BusWatch::MaxEvents);
     Forms::UnloadAllBut({});
     engine.Form_Unload();
 }

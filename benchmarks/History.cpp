@@ -2,6 +2,7 @@
 
 #include "Bed.h"
 
+#include "bus/BusWatch.h"
 #include "bus/wPolling.h"
 #include "core/DateTimes.h"
 #include "core/Forms.h"
@@ -140,7 +141,7 @@ BENCHMARK(ScrollFullConsole)->Unit(benchmark::kMillisecond)->UseRealTime();
 void BurstOnFullConsole(benchmark::State& state) {
     const Bed bed;
     FullConsole console;
-    constexpr int Burst = wPolling::MaxEvents;
+    constexpr int Burst = BusWatch::MaxEvents;
     for (auto step : state) {
         for (qint16 i = 0; i < Burst; ++i) {
             const auto panel = qint16(i / 2 + 1);

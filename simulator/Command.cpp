@@ -22,7 +22,7 @@ struct Form {
     std::string_view usage;
 };
 
-constexpr std::array<Form, 14> Forms{{
+constexpr std::array<Form, 15> Forms{{
     {"active", Verb::Active, Argument::Channel, "active MODULE CHANNEL"},
     {"normal", Verb::Normal, Argument::Channel, "normal MODULE CHANNEL"},
     {"fault", Verb::Fault, Argument::Kind, "fault MODULE CHANNEL first|second|cable"},
