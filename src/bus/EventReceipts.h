@@ -34,14 +34,22 @@ public:
             note.doubtful = true;
     }
     /// Number of events at the head of `memory` that were taken before, for a module in which
-    /// `waiting` events stand. Less of them than were taken is another memory.
-    int Known(int address, const Words& memory, int waiting) const {
-        const Words taken = notes_.value(address).taken;
-        const qsizetype common = std::min(taken.size(), memory.size());
-        if (waiting * WordsAnEvent < taken.size() ||
-            !std::equal(taken.cbegin(), taken.cbegin() + common, memory.cbegin()))
+    /// `waiting` events stand. Less of them than were taken is another memory. A receipt for a part
+    /// of what was taken may have been obeyed though it was given up: the rest is known then.
+    int Known(int address, const Words& memory, int waiting) {
+        const auto note = notes_.find(address);
+        if (note == notes_.end())
             return 0;
-        return int(common / WordsAnEvent);
+        const int known = Common(note->taken, memory, waiting);
+        if (known > 0 || note->receipted == 0)
+            return known;
+        const Words rest = note->taken.sliced(note->receipted);
+        const int left = Common(rest, memory, waiting);
+        if (left > 0) {
+            note->taken = rest;
+            note->receipted = 0;
+        }
+        return left;
     }
     /// Notes a read of the memory, of which `known` events were taken before; its receipt goes to
     /// the queue.
@@ -71,6 +79,14 @@ public:
 private:
     /// A receipt goes out ahead of the next poll. Longer is long, ms.
     static constexpr qint64 LongWait = 2000;
+
+    static int Common(const Words& taken, const Words& memory, int waiting) {
+        const qsizetype common = std::min(taken.size(), memory.size());
+        if (waiting * WordsAnEvent < taken.size() ||
+            !std::equal(taken.cbegin(), taken.cbegin() + common, memory.cbegin()))
+            return 0;
+        return int(common / WordsAnEvent);
+    }
 
     static qint64 Now() { return platform::Clock::Current().MonotonicMs(); }
 

@@ -120,11 +120,15 @@ protected:
             bus_.Find(address)->module->SetContact(1 + Random(12), Sim::Contact(Random(5)));
     }
 
-    /// The program ends in order, or its process is gone from one moment to the next.
+    /// The program ends in order, or its process is gone from one moment to the next. All modules
+    /// answer its next start, which throws their memories away: nobody knows any more what was taken
+    /// of one that can't be reached then, and it tells that a second time.
     void MaybeRestart() {
         const int what = Random(300);
         if (what > 1)
             return;
+        for (int address = 1; address <= Modules; ++address)
+            bus_.Find(address)->faults = {};
         if (what == 0)
             engine_->Form_Unload();
         engine_.reset();
