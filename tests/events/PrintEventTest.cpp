@@ -173,6 +173,7 @@ TEST_F(Printed, NothingStopsForAPrinterThatFails) {
     Print(12, 7, 0, 1);
     printer.ClosePrinter();
     port->openError = ENOENT;
+    clock.Advance(EventPrinter::TryPause);
     EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
     printer.setPort(QString());
     EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
