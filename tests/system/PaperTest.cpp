@@ -166,9 +166,10 @@ TEST_F(PaperTest, AStuckPrinterHoldsUpNoAlarm) {
     ASSERT_TRUE(Eventually([&] { return printer_.Paper().contains("P01-C01"); }));
 
     printer_.Stick();
+    Alarms(1, 2, Last);
+    ASSERT_TRUE(WaitForTrace("P01-C02"));
     QElapsedTimer timer;
     timer.start();
-    Alarms(1, 2, Last);
     Alarms(2, 1, 1);
     ASSERT_TRUE(WaitForTrace("P02-C01") || WaitForTrace("P02-C01"));
     RecordProperty("MillisecondsToAnotherPanel", int(timer.elapsed()));
