@@ -12,6 +12,7 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 
@@ -103,7 +104,8 @@ public:
     void SetWriteTimeout(int milliseconds) override { timeout_ = milliseconds; }
 
     int Write(const QByteArray& bytes) override {
-        deadline_ = Clock::Current().MonotonicMs() + timeout_;
+        lastLook_ = Clock::Current().MonotonicMs();
+        deadline_ = lastLook_ + timeout_;
         hasBegun_ = false;
         waiting_ += bytes;
         return Advance();
@@ -114,13 +116,19 @@ public:
 
     int Advance() override {
         isBusy_ = false;
+        const qsizetype before = waiting_.size();
         if (const int error = SendWaiting()) {
             waiting_.clear();
             return error;
         }
         if (waiting_.isEmpty() && !IsUnderWay())
             return 0;
-        if (Clock::Current().MonotonicMs() >= deadline_) {
+        const qint64 now = Clock::Current().MonotonicMs();
+        // A printer that takes more isn't to blame for a time in which nobody offered it any.
+        const bool lookedAway = now - std::exchange(lastLook_, now) > timeout_ / 4;
+        if (lookedAway && waiting_.size() < before)
+            deadline_ = now + timeout_;
+        if (now >= deadline_) {
             GiveUp();
             return ETIMEDOUT;
         }
@@ -192,7 +200,8 @@ private:
     int file_ = -1;
     int timeout_ = 0;
     qint64 deadline_ = 0; // of the last write
-    QByteArray waiting_;  // not taken by the device yet
+    qint64 lastLook_ = 0;
+    QByteArray waiting_; // not taken by the device yet
     bool isBusy_ = false;
     bool hasBegun_ = false;
 };

@@ -185,6 +185,20 @@ TEST_F(PrinterPortTest, AStuckPipeIsNotWaitedFor) {
     ExpectStuck();
 }
 
+// The program was busy elsewhere for longer than a line may take.
+TEST_F(PrinterPortTest, ATimeWithoutALookIsNotThePrintersFault) {
+    const QByteArray pipe = MakePipe();
+    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    ASSERT_EQ(port_->Open(Lpt), 0);
+    port_->SetWriteTimeout(ShortTimeout);
+    EXPECT_EQ(port_->Write(QByteArray(1 << 20, 'x')), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2 * ShortTimeout));
+    EXPECT_FALSE(reader.Take(1).isEmpty());
+    EXPECT_EQ(port_->Advance(), 0);
+    EXPECT_TRUE(port_->IsBusy());
+    EXPECT_EQ(AdvanceToTheEnd(), ETIMEDOUT);
+}
+
 TEST_F(PrinterPortTest, WaitsForASlowReader) {
     const QByteArray pipe = MakePipe();
     const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
