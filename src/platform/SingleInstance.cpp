@@ -21,19 +21,20 @@ QString UserPath(const QString& path) {
 } // namespace
 
 SingleInstance::SingleInstance(const QString& path)
-    : lock_(path)
-    , userLock_(UserPath(path)) {
+    : path_(path)
+    , lock_(path) {
     // A mark is as good after weeks as it was on the first day.
     lock_.setStaleLockTime(0);
-    userLock_.setStaleLockTime(0);
 }
 
 bool SingleInstance::Acquire() {
-    if (lock_.isLocked() || userLock_.isLocked() || lock_.tryLock(0))
+    if (lock_.isLocked() || (userLock_ && userLock_->isLocked()) || lock_.tryLock(0))
         return true;
     if (lock_.error() == QLockFile::LockFailedError)
         return false;
-    return userLock_.tryLock(0) || userLock_.error() != QLockFile::LockFailedError;
+    userLock_ = std::make_unique<QLockFile>(UserPath(path_));
+    userLock_->setStaleLockTime(0);
+    return userLock_->tryLock(0) || userLock_->error() != QLockFile::LockFailedError;
 }
 
 } // namespace platform

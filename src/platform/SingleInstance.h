@@ -2,6 +2,7 @@
 
 #include <QLockFile>
 #include <QString>
+#include <memory>
 
 namespace platform {
 
@@ -16,8 +17,10 @@ public:
     bool Acquire();
 
 private:
+    QString path_;
     QLockFile lock_;
-    QLockFile userLock_;
+    /// Made when the other can't be.
+    std::unique_ptr<QLockFile> userLock_;
 };
 
 } // namespace platform
