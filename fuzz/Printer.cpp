@@ -1,6 +1,6 @@
 #include "core/DateTimes.h"
-#include "events/DirectPrinting.h"
 #include "events/EventClass.h"
+#include "events/EventPrinter.h"
 #include "events/FakePort.h"
 #include "events/HistoProcs.h"
 #include "events/PrinterDefinition.h"
@@ -58,7 +58,8 @@ int FuzzPrinter(const uint8_t* data, size_t size) {
     DirectPrinting printer(std::move(device));
     printer.setPort(QStringLiteral("LPT1"));
     EventClass event = Presence(found, clock);
-    HistoProcs::PrintEvent(event, printer);
+    EventPrinter paper(printer);
+    HistoProcs::PrintEvent(event, paper);
 
     QByteArray line = port->written;
     Require(line.endsWith('\r'), "a line ends");

@@ -9,19 +9,21 @@ namespace platform {
 void EndTornLine(const QString&) {}
 
 void LineLog::Open(const QString& path, int) {
-    file_.setFileName(path);
+    path_ = path;
 }
 
 void LineLog::WriteLine(const QString& text) {
     ToCodePage(text);
 }
 
-bool LineLog::OpenAgain() {
+void LineLog::Close() {}
+
+bool LineLog::IsInPlace() const {
     return true;
 }
 
-void LineLog::Renew() {}
+void LineLog::OpenAgain() {}
 
-void LineLog::Commit() {}
+void LineLog::Commit() const {}
 
 } // namespace platform

@@ -170,7 +170,7 @@ void wPolling::TraiteEvent(EventClass& event) {
         if (IsToHisto(event))
             HistoProcs::HistoEvent(event);
         if (IsToPrint(event))
-            HistoProcs::PrintEvent(event, dpPrinter_);
+            HistoProcs::PrintEvent(event, paper_);
         Q_EMIT BusEvent(event);
         // A trace that can't be written must not stop the mirrors.
         Guard("wPolling.TraiteEvent",

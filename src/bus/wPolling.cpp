@@ -93,33 +93,6 @@ void wPolling::SetupUserSleep() {
     });
 }
 
-void wPolling::SetupPrinter() {
-    const QString settings = Global::Configuration().PrtSettings();
-    if (!TestPrintPort(settings))
-        return;
-    const QStringList parts = settings.split(u':');
-    dpPrinter_.setPort(parts.value(0));
-    dpPrinter_.setSettings(parts.value(1));
-    dpPrinter_.setAddLF(true);
-    dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };
-}
-
-/// In the trace and nowhere else: the alarm is on the screen and in the history. A printer that
-/// stays off is told once an hour and not with each line.
-void wPolling::TellPrinterError(const QString& text) {
-    constexpr DateTime Pause = 60 * platform::OneMinute;
-    const DateTime now = DateTimes::Now();
-    if (text == printerError_ && now >= printerErrorTime_ && now - printerErrorTime_ < Pause)
-        return;
-    printerError_ = text;
-    printerErrorTime_ = now;
-    Guard("wPolling.TellPrinterError", [&] {
-        const QString line =
-            DateTimes::DateAndTime(now) + QStringLiteral(" PRINTER ERROR  ") + text;
-        Trace::Write(line.left(Trace::LineWidth));
-    });
-}
-
 /// The stored commands leave the settings when all are held, readable or not: an end meanwhile
 /// loses none, and one that can't be read must not come back at every start.
 void wPolling::RestoreCommands() {
@@ -171,6 +144,7 @@ void wPolling::Form_Unload() {
         if (link_->PortOpen())
             link_->setPortOpen(false);
         StoreCommands();
+        paper_.Finish();
         platform::DiskFlush::Pay();
     });
 }
@@ -264,6 +238,7 @@ void wPolling::ConfigurationChanged() {
 }
 
 void wPolling::ConfigCommPort() {
+    KeepPrinterOffTheBus();
     Pointer::Hourglass();
     try {
         link_->setPortOpen(false);

@@ -4,6 +4,7 @@
 #include "bus/EventReceipts.h"
 #include "events/DirectPrinting.h"
 #include "events/EventClass.h"
+#include "events/EventPrinter.h"
 #include "platform/ActivityDetection.h"
 #include "platform/SerialLink.h"
 #include "platform/ShutdownWatch.h"
@@ -187,6 +188,7 @@ private:
     bool SendByType(CommandClass& command, QString& line);
     void TraceWriteError(const CommandClass& command);
     void SetupPrinter();
+    void KeepPrinterOffTheBus();
     void TellPrinterError(const QString& text);
     void RestoreCommands();
     void StoreCommands();
@@ -204,6 +206,7 @@ private:
     std::unique_ptr<platform::SerialLink> link_;
     platform::ActivityDetection userSleep_;
     DirectPrinting dpPrinter_;
+    EventPrinter paper_{dpPrinter_};
     QTimer tmrPoll_;
     QTimer tmrMidnight_;
     QTimer tmrReactiv_;

@@ -4,13 +4,13 @@
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
+#include "platform/FileWriting.h"
 #include "platform/Folders.h"
 #include "platform/RecordDatabase.h"
 #include "platform/RunTimeError.h"
 
 #include <QFile>
 #include <QHash>
-#include <QSaveFile>
 #include <QStringList>
 #include <cmath>
 
@@ -164,13 +164,12 @@ int ExportSound(int place, int number) {
         return 0;
     // Whole or not at all: half a sound would stay for ever, as a file that exists isn't written
     // again.
-    QSaveFile file(path);
-    const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(*content) == content->size() && file.commit();
-    if (written)
-        return 0;
-    return file.error() == QFileDevice::ResourceError ? platform::errors::DiskFull
-                                                      : platform::errors::PathAccess;
+    try {
+        platform::ReplaceFile(path, *content);
+    } catch (const platform::RunTimeError& error) {
+        return error.Number();
+    }
+    return 0;
 }
 
 } // namespace

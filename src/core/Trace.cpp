@@ -2,7 +2,6 @@
 
 #include "core/Faults.h"
 #include "core/Global.h"
-#include "platform/Folders.h"
 #include "platform/LineLog.h"
 
 #include <QDir>
@@ -22,9 +21,6 @@ QString FileName(DateTime day) {
 }
 
 void OpenToday() {
-    const QString folder = Global::InApplicationFolder(QStringLiteral("Trace"));
-    if (!QDir(folder).exists())
-        platform::MakeFolder(folder);
     Log().Open(FileName(DateTimes::Now()), platform::LineLog::AppendMode);
 }
 

@@ -5,9 +5,11 @@
 #include "core/ErrorHandling.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
+#include "model/CurrentConfig.h"
 #include "platform/CodePage.h"
 #include "platform/RunTimeError.h"
 
+#include <QFileInfo>
 #include <QStringList>
 #include <array>
 
@@ -16,7 +18,8 @@ namespace errors = platform::errors;
 
 namespace {
 
-/// A stuck printer holds up the bus no longer than this, ms.
+constexpr int PortOfTheBus = 714061;
+/// A line that isn't out by then is given up, ms.
 constexpr int WriteTimeout = 2000;
 
 /// What stands for the characters 128 to 255.
@@ -39,10 +42,6 @@ std::array<quint8, 128> ReadOemTable() {
 
 bool IsSerial(const QString& port) {
     return port.startsWith(QStringLiteral("COM"), Qt::CaseInsensitive);
-}
-
-bool IsPort(const QString& port) {
-    return IsSerial(port) || port.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive);
 }
 
 QString NoPrinter() {
@@ -72,6 +71,10 @@ DirectPrinting::DirectPrinting(std::unique_ptr<platform::PrinterPort> device)
 
 DirectPrinting::~DirectPrinting() {
     ClosePrinter();
+}
+
+bool DirectPrinting::IsPort(const QString& name) {
+    return IsSerial(name) || name.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive);
 }
 
 void DirectPrinting::setPort(const QString& value) {
@@ -146,11 +149,30 @@ QString DirectPrinting::PrintLine(const QString& text) {
     QString error;
     if (!device_->IsOpen())
         error = port_.isEmpty() ? NoPrinter() : OpenPrinter(port_, QString(), false);
-    if (error.isEmpty())
-        error = PrintString(text + u'\r' + (addLF_ ? QStringLiteral("\n") : QString()));
-    // A printer that was unplugged comes back as another device: the next line opens it anew.
-    const bool lost = !error.isEmpty() && device_->IsOpen();
-    if (closeAfterLine_ || lost)
+    if (!error.isEmpty()) {
+        if (closeAfterLine_)
+            ClosePrinter();
+        return error;
+    }
+    const QString former = torn_ ? QStringLiteral("\r\n") : QString();
+    error = PrintString(former + text + u'\r' + (addLF_ ? QStringLiteral("\n") : QString()));
+    return Settle(error);
+}
+
+QString DirectPrinting::Advance() {
+    if (!device_->IsBusy())
+        return {};
+    const int error = device_->Advance();
+    return Settle(error != 0 ? Told(error, PrintingString) : QString());
+}
+
+/// A port is closed behind a line that is out, if so told, and behind one that failed: a printer
+/// that was unplugged comes back as another device.
+QString DirectPrinting::Settle(const QString& error) {
+    if (IsBusy())
+        return error;
+    torn_ = !error.isEmpty() && (torn_ || device_->HasBegun());
+    if (device_->IsOpen() && (closeAfterLine_ || !error.isEmpty()))
         ClosePrinter();
     return error;
 }
@@ -166,6 +188,20 @@ QString DirectPrinting::AnsiToOem(const QString& text) {
     return platform::FromCodePage(bytes);
 }
 
+bool IsBusPort(const QString& port) {
+    const QString bus = Global::Configuration().BusSettings().section(u':', 0, 0);
+    if (port.isEmpty() || bus.isEmpty())
+        return false;
+    const int number = Bytes::ShortVal(bus.mid(3));
+    if (IsSerial(port) && Bytes::ShortVal(port.mid(3)) == number)
+        return true;
+    const auto device = [](const QString& name) {
+        const QFileInfo file(SLVfonctions::DevicePath(name));
+        return file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();
+    };
+    return device(port) == device(QStringLiteral("COM%1").arg(number));
+}
+
 bool TestPrintPort(const QString& portString) {
     bool usable = false;
     ErrorHandling::Guard("Config.TestPrintPort", [&] {
@@ -177,6 +213,10 @@ bool TestPrintPort(const QString& portString) {
             printer.setSettings(parts[1]);
         if (printer.Port().isEmpty()) {
             usable = true;
+            return;
+        }
+        if (IsBusPort(printer.Port())) {
+            Message(GetText(PortOfTheBus), Messages::Critical);
             return;
         }
         const QString error = printer.OpenPrinter(QString(), QString(), true);

@@ -9,7 +9,8 @@
 
 /// A line printer wired straight to a serial or parallel port, with no spooler between. Errors are
 /// returned as text and told to the owner; only setting a port name that is none is a run-time
-/// error.
+/// error. Nothing but closing the port waits: what the printer doesn't take at once is under way,
+/// which is no error, and goes on with Advance until its time is over.
 class DirectPrinting {
 public:
     /// Where an error arose. The numbers of the time-outs stand for errors that this machine's
@@ -55,7 +56,14 @@ public:
     /// Each gives the error text, empty if all is well.
     QString PrintString(const QString& text);
     QString PrintData(const QByteArray& bytes);
+    /// Opens the port if need be. A line that was torn before gets its end first.
     QString PrintLine(const QString& text);
+    /// Something printed hasn't left the machine.
+    bool IsBusy() const { return device_->IsBusy(); }
+    /// Goes on with what is under way; the error text if it failed.
+    QString Advance();
+    /// "COM*" or "LPT*".
+    static bool IsPort(const QString& name);
     /// The text in the printer's character set: characters above 127 by table, which is that of
     /// code page 850.
     static QString AnsiToOem(const QString& text);
@@ -64,15 +72,21 @@ private:
     QString Told(int error, int where) const;
     QString Send(const QByteArray& bytes, int where);
     void Configure();
+    QString Settle(const QString& error);
 
     std::unique_ptr<platform::PrinterPort> device_;
     bool addLF_ = false;
     bool closeAfterLine_ = false;
     bool failed_ = false;
+    bool torn_ = false; // part of a line may stand on paper
     QString settings_ = QStringLiteral("9600,8,N,1");
     QString port_;
 };
 
-/// Can the printer port of this string be used? No port is a valid choice; a port that doesn't
-/// open is told.
+/// Is this the port of the bus, by its number or by its device? What is printed would disturb the
+/// modules.
+bool IsBusPort(const QString& port);
+
+/// Can the printer port of this string be used? No port is a valid choice; the port of the bus, or
+/// one that doesn't open, is told.
 bool TestPrintPort(const QString& portString);

@@ -3,6 +3,7 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
@@ -10,11 +11,9 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/CodePage.h"
-#include "platform/DiskFlush.h"
+#include "platform/FileWriting.h"
 #include "platform/LineLog.h"
 #include "platform/RunTimeError.h"
-
-#include <QFile>
 
 namespace HistoProcs {
 
@@ -161,32 +160,23 @@ QString HistoFileName() {
 }
 
 void HistoEvent(const EventClass& event) {
-    Guard("HistoProcs.HistoEvent", [&] {
+    const bool written = Guard("HistoProcs.HistoEvent", [&] {
         const QString line =
             TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(event));
         const QString path = HistoFileName();
         EndTornLineOnce(path);
-        QFile file(path);
-        const bool isNew = !file.exists();
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
-            throw platform::RunTimeError(platform::errors::PathAccess);
-        QByteArray bytes;
-        if (isNew)
-            bytes += platform::ToCodePage(HeadingLine()) + "\r\n";
-        // Heading and line go in one write: a kill leaves both or neither.
-        bytes += platform::ToCodePage(line) + "\r\n";
-        const qint64 sizeBefore = file.size();
-        if (file.write(bytes) != bytes.size()) {
-            const bool full = file.error() == QFileDevice::ResourceError;
-            // A torn line would swallow the next one, and an empty file never gets its heading.
-            const bool restored = isNew ? file.remove() : file.resize(sizeBefore);
-            if (!restored)
-                EndTornLineOnce(QString());
-            throw platform::RunTimeError(full ? platform::errors::DiskFull
-                                              : platform::errors::DeviceIo);
+        try {
+            platform::AppendTo(path, platform::ToCodePage(line) + "\r\n",
+                               platform::ToCodePage(HeadingLine()) + "\r\n");
+        } catch (const platform::RunTimeError&) {
+            EndTornLineOnce(QString());
+            throw;
         }
-        platform::DiskFlush::Owe(path);
     });
+    if (written)
+        Faults::Clear(Faults::Kind::HistoryNotWritten);
+    else
+        Faults::Set(Faults::Kind::HistoryNotWritten);
 }
 
 } // namespace HistoProcs

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-class DirectPrinting;
+class EventPrinter;
 
 /// What is written of an event: trace line, history line, printed line; and the daily care of the
 /// files.
@@ -22,7 +22,10 @@ void HistoEvent(const EventClass& event);
 QString HistoFileName();
 
 /// Prints one line for the event. May lower `Aff` to 5, which stays on the event.
-void PrintEvent(EventClass& event, DirectPrinting& printer);
+void PrintEvent(EventClass& event, EventPrinter& printer);
+
+/// The line that tells on paper how many events it doesn't hold.
+QString UnprintedLine(int events);
 
 /// The daily task, in this order: the trace file of the new day; purge of traces by the date of
 /// their name; purge of histories by the time they were last written, here and in the second

@@ -10,6 +10,7 @@
 #include "core/Record.h"
 #include "core/Trace.h"
 #include "events/DirectPrinting.h"
+#include "events/EventPrinter.h"
 #include "events/TextProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
@@ -35,6 +36,8 @@ constexpr Column Common{63, 26};
 constexpr Column Specific{90, 40};
 } // namespace PrintLine
 
+/// One event, then more.
+constexpr int EventsNotPrinted = 714060;
 constexpr qint16 LastStyledAff = 5;
 constexpr int NoStyle = -1;
 
@@ -125,9 +128,17 @@ QString TrimmedRight(const QString& text) {
     return text.left(length);
 }
 
+/// As the printer takes it: cut, and in its character set.
+QString Ready(QString line) {
+    const int maxLen = Global::Configuration().PrintMaxLen();
+    if (maxLen > 0)
+        line.truncate(maxLen);
+    return DirectPrinting::AnsiToOem(line);
+}
+
 } // namespace
 
-void PrintEvent(EventClass& event, DirectPrinting& printer) {
+void PrintEvent(EventClass& event, EventPrinter& printer) {
     Guard("HistoProcs.PrintEvent", [&] {
         const QString start = Sequence(0) + Sequence(StyleOf(event));
         Record record(PrintLine::Width);
@@ -142,13 +153,13 @@ void PrintEvent(EventClass& event, DirectPrinting& printer) {
             SetSystem(record, event);
         else if (event.Chnl() <= Family::LastChannel)
             SetChannel(record, event);
-        QString line = TrimmedRight(start + record.Text());
-        const int maxLen = Global::Configuration().PrintMaxLen();
-        if (maxLen > 0)
-            line.truncate(maxLen);
-        // An error text isn't looked at here: the printer tells its owner itself.
-        printer.PrintLine(DirectPrinting::AnsiToOem(line));
+        printer.Print(Ready(TrimmedRight(start + record.Text())));
     });
+}
+
+QString UnprintedLine(int events) {
+    const QString words = TextProcs::PartOf(GetText(EventsNotPrinted, true), events == 1 ? 0 : 1);
+    return Ready(Sequence(0) + QString(words).replace(u'$', QString::number(events)));
 }
 
 } // namespace HistoProcs

@@ -19,7 +19,7 @@ void ChannelClass::Copy(const ChannelClass& source) {
     setState(source.State());
 }
 
-bool ChannelClass::SaveTo(SiteFileWriter& file) {
+void ChannelClass::WriteTo(SiteFileWriter& file) const {
     file.PutFileString(screenText_);
     file.PutFileString(printText_);
     file.PutWord(helpNum_);
@@ -32,6 +32,10 @@ bool ChannelClass::SaveTo(SiteFileWriter& file) {
     file.PutBoolean(react_);
     file.PutLong(reactTpo_);
     file.PutWord(typeImp_);
+}
+
+bool ChannelClass::SaveTo(SiteFileWriter& file) {
+    WriteTo(file);
     modified_ = false;
     return false;
 }

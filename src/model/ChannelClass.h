@@ -67,6 +67,8 @@ public:
 
     /// Takes all but `OutOfOrder` and the mark through the setters.
     void Copy(const ChannelClass& source);
+    /// Writes the channel's record and leaves the mark.
+    void WriteTo(SiteFileWriter& file) const;
     /// Write and read the channel's record and lower the mark. Nobody looks at the result, which
     /// is false.
     bool SaveTo(SiteFileWriter& file);

@@ -124,8 +124,9 @@ public:
     /// Adds the content of a site file to a new configuration. Gives ReadDone or a text number;
     /// what was read up to a failure stays. Tells nobody of errors.
     qint32 Read(const QString& fileName);
-    /// Writes the site file in place of an earlier one. Gives Saved or SaveFailed; a run-time
-    /// error is reported.
+    /// Writes the site file in place of an earlier one, which stays as it is when that fails; the
+    /// marks of panels and channels are lowered when it is through. Gives Saved or SaveFailed; a
+    /// run-time error is reported.
     qint32 Save(const QString& fileName);
 
 private:
@@ -140,6 +141,7 @@ private:
     bool Write(SiteFileWriter& file);
     void WriteHeader(SiteFileWriter& file) const;
     void WriteUsers(SiteFileWriter& file) const;
+    quint8 DrawKey() const;
     qint32 ReadAll(SiteFileReader& file);
     void ReadHeader(SiteFileReader& file, int revision);
     void ReadUsers(SiteFileReader& file);

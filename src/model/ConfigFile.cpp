@@ -3,16 +3,16 @@
 
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
+#include "core/Trace.h"
 #include "model/ConfigClass.h"
 #include "model/SiteFile.h"
 #include "platform/CodePage.h"
-#include "platform/DiskFlush.h"
+#include "platform/FileWriting.h"
 #include "platform/RunTimeError.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QRandomGenerator>
+#include <algorithm>
+#include <array>
 
 using platform::RunTimeError;
 namespace errors = platform::errors;
@@ -25,6 +25,8 @@ constexpr qsizetype PanelOffset = 1024;
 /// The revision that brought a sound for each priority, and what there was before.
 constexpr int SoundsRevision = 23;
 constexpr size_t FormerSounds = 6;
+/// A key is one byte.
+constexpr size_t Keys = 256;
 /// A user without name and password.
 constexpr qsizetype SmallestUser = 12;
 
@@ -52,18 +54,14 @@ qint32 ConfigClass::Save(const QString& fileName) {
         return SaveFailed;
     qint32 result = SaveFailed;
     ErrorHandling::Guard("ConfigClass.Save", [&] {
-        // Opened first: a path that can't be written must leave the change marks as they are.
-        QFile file(fileName);
-        if (!file.open(QIODevice::WriteOnly))
-            throw RunTimeError(QFileInfo(fileName).dir().exists() ? errors::PathAccess
-                                                                  : errors::PathNotFound);
         SiteFileWriter writer;
-        const bool complete = Write(writer);
-        if (file.write(writer.Bytes()) != writer.Position() || !file.flush())
-            throw RunTimeError(errors::DiskFull);
-        platform::DiskFlush::Owe(fileName);
-        if (complete)
-            result = Saved;
+        if (!Write(writer))
+            return;
+        platform::ReplaceFile(fileName, writer.Bytes());
+        // What failed above is still to be saved.
+        for (const auto& panel : panels_)
+            panel->setModified(false);
+        result = Saved;
     });
     return result;
 }
@@ -72,8 +70,7 @@ bool ConfigClass::Write(SiteFileWriter& file) {
     WriteHeader(file);
     for (int i = 1; i <= PanelCount; ++i) {
         Panel(i).setNumero(quint8(i));
-        if (!Panel(i).SaveTo(file))
-            return false;
+        Panel(i).WriteTo(file);
     }
     for (const QString& text : biblio_)
         file.PutFixedText(text, BiblioWidth);
@@ -110,8 +107,41 @@ void ConfigClass::WriteHeader(SiteFileWriter& file) const {
     file.PutZeros(Padding(file.Position()));
 }
 
+/// A random one of those with which every name and code comes back: what a key turns blank at an
+/// end is trimmed by whoever reads the file. With too many users for any key those remain that do
+/// the least harm.
+quint8 ConfigClass::DrawKey() const {
+    std::array<int, Keys> losses{};
+    const auto count = [&losses](const QString& text) {
+        const QByteArray bytes = platform::ToCodePage(text);
+        if (bytes.isEmpty())
+            return;
+        const auto first = quint8(quint8(bytes.front()) ^ quint8(' '));
+        const auto last = quint8(quint8(bytes.back()) ^ quint8(' '));
+        ++losses[first];
+        if (last != first)
+            ++losses[last];
+    };
+    for (int i = 1; i <= UserCount(); ++i) {
+        count(UserName(i));
+        count(UserPwd(i));
+    }
+    const int fewest = *std::min_element(losses.begin(), losses.end());
+    if (fewest > 0) {
+        Trace::Note(
+            QStringLiteral("SITE FILE  NAMES AND CODES DAMAGED BY THE KEY: %1").arg(fewest));
+        ErrorHandling::Report(QStringLiteral("ConfigClass.DrawKey"), errors::Internal);
+    }
+    int place =
+        QRandomGenerator::global()->bounded(int(std::count(losses.begin(), losses.end(), fewest)));
+    int key = 0;
+    while (losses[size_t(key)] != fewest || place-- > 0)
+        ++key;
+    return quint8(key);
+}
+
 void ConfigClass::WriteUsers(SiteFileWriter& file) const {
-    const quint8 key = quint8(QRandomGenerator::global()->bounded(256));
+    const quint8 key = DrawKey();
     file.PutByte(key);
     file.PutWord(UserCount());
     for (int i = 1; i <= UserCount(); ++i) {

@@ -59,15 +59,19 @@ void PanelClass::Copy(const PanelClass& source) {
     setPresent(source.Present());
 }
 
-bool PanelClass::SaveTo(SiteFileWriter& file) {
+void PanelClass::WriteTo(SiteFileWriter& file) const {
     file.PutByte(numero_);
     file.PutByte(model_);
     file.PutFileString(title_);
     file.PutLong(titleColor_);
     file.PutBoolean(active_);
     for (int i = 1; i <= MaxChannel; ++i)
-        Channel(i).SaveTo(file);
-    modified_ = false;
+        Channel(i).WriteTo(file);
+}
+
+bool PanelClass::SaveTo(SiteFileWriter& file) {
+    WriteTo(file);
+    setModified(false);
     return true;
 }
 

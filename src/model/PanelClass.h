@@ -77,6 +77,8 @@ public:
 
     /// Takes all but the error counters, the polling time and the marks through the setters.
     void Copy(const PanelClass& source);
+    /// Writes the panel's record with its 24 channels and leaves the marks.
+    void WriteTo(SiteFileWriter& file) const;
     /// Write and read the panel's record with its 24 channels and lower the marks. Always true.
     bool SaveTo(SiteFileWriter& file);
     bool ReadFrom(SiteFileReader& file);

@@ -48,4 +48,8 @@ QByteArray ToCodePage(const QString& text) {
     return bytes;
 }
 
+bool FitsCodePage(const QString& text) {
+    return FromCodePage(ToCodePage(text)) == text;
+}
+
 } // namespace platform

@@ -13,4 +13,7 @@ QString FromCodePage(const QByteArray& bytes);
 /// The reverse; a character that the page doesn't hold becomes "?".
 QByteArray ToCodePage(const QString& text);
 
+/// Does a text come back as itself?
+bool FitsCodePage(const QString& text);
+
 } // namespace platform

@@ -2,23 +2,15 @@
 
 #include "platform/CodePage.h"
 #include "platform/DiskFlush.h"
+#include "platform/FileWriting.h"
 #include "platform/RunTimeError.h"
 
-#include <QFileInfo>
+#include <QFile>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace platform {
-
-namespace {
-
-constexpr auto OpenFlags = QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
-
-bool IsRemoved(int handle) {
-    struct stat state = {};
-    return fstat(handle, &state) == 0 && state.st_nlink == 0;
-}
-
-} // namespace
 
 void EndTornLine(const QString& path) {
     QFile file(path);
@@ -30,53 +22,51 @@ void EndTornLine(const QString& path) {
 }
 
 void LineLog::Open(const QString& path, int mode) {
-    file_.close();
-    file_.setFileName(QString());
+    Close();
+    path_.clear();
     if (mode != AppendMode)
         throw RunTimeError(errors::InvalidPropertyValue);
-    file_.setFileName(path);
-    if (!OpenAgain())
-        throw RunTimeError(errors::PathAccess);
+    path_ = path;
+    OpenAgain();
 }
 
-bool LineLog::OpenAgain() {
-    EndTornLine(file_.fileName());
-    return file_.open(OpenFlags);
+void LineLog::Close() {
+    if (IsOpen())
+        close(std::exchange(handle_, -1));
+}
+
+void LineLog::OpenAgain() {
+    Close();
+    EndTornLine(path_);
+    handle_ = OpenToAppend(path_);
+}
+
+/// Somebody may have removed or moved the file under the running program, or its folder: what is
+/// written to it then is lost.
+bool LineLog::IsInPlace() const {
+    struct stat named = {};
+    struct stat held = {};
+    return stat(QFile::encodeName(path_).constData(), &named) == 0 && fstat(handle_, &held) == 0 &&
+           named.st_ino == held.st_ino && named.st_dev == held.st_dev;
 }
 
 void LineLog::WriteLine(const QString& text) {
-    // What kept the file from opening may be over.
-    if (!file_.isOpen() && (file_.fileName().isEmpty() || !OpenAgain()))
+    if (path_.isEmpty())
         throw RunTimeError(errors::BadFileName);
-    if (IsRemoved(file_.handle()))
-        Renew();
-    const qint64 sizeBefore = file_.size();
-    const QByteArray line = ToCodePage(text) + "\r\n";
-    if (file_.write(line) == line.size()) {
-        DiskFlush::Owe(file_.fileName());
-        return;
+    // What kept the file from opening may be over.
+    if (!IsOpen() || !IsInPlace())
+        OpenAgain();
+    try {
+        AppendTo(handle_, ToCodePage(text) + "\r\n");
+    } catch (const RunTimeError&) {
+        Close();
+        throw;
     }
-    const bool full = file_.error() == QFileDevice::ResourceError;
-    // A torn line would swallow the start of the next one.
-    file_.resize(sizeBefore);
-    file_.unsetError();
-    throw RunTimeError(full ? errors::DiskFull : errors::DeviceIo);
+    DiskFlush::Owe(path_);
 }
 
-void LineLog::Renew() {
-    // Somebody removed the file under the running program; what is written to it is lost. With
-    // its folder gone as well, the old file stays open so that the next line tries again.
-    if (!QFileInfo(QFileInfo(file_.fileName()).path()).isDir())
-        throw RunTimeError(errors::DeviceIo);
-    file_.close();
-    if (!file_.open(OpenFlags))
-        throw RunTimeError(errors::DeviceIo);
-}
-
-void LineLog::Commit() {
-    // Every line went to the system unbuffered.
-    if (file_.isOpen())
-        file_.flush();
+void LineLog::Commit() const {
+    // Every line went to the system unbuffered: there is nothing to hand over.
 }
 
 } // namespace platform

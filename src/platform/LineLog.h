@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QFile>
 #include <QString>
-#include <memory>
 
 namespace platform {
 
@@ -17,26 +15,30 @@ public:
     static constexpr int AppendMode = 3;
 
     LineLog() = default;
+    ~LineLog() { Close(); }
     LineLog(const LineLog&) = delete;
     LineLog& operator=(const LineLog&) = delete;
 
-    /// Closes what was open and opens `path`; mode 3 appends and makes a missing file, and ends a
-    /// torn last line. Throws RunTimeError `PathAccess` when the file can't be opened; each line
-    /// then tries again.
+    /// Closes what was open and opens `path`; mode 3 appends and makes a missing file with its
+    /// folder, and ends a torn last line. Throws RunTimeError `PathAccess` or `DiskFull` when the
+    /// file can't be opened; each line then tries again.
     void Open(const QString& path, int mode);
-    /// Appends one line; a file that was removed meanwhile is made anew. Throws RunTimeError
-    /// `BadFileName` with nothing open, `DeviceIo` or `DiskFull` when it can't be written.
+    /// Appends one line; a file or a folder that went away meanwhile is made anew. Throws
+    /// RunTimeError `BadFileName` before the first opening, what Open throws, and `DeviceIo` or
+    /// `DiskFull` when the line can't be written.
     void WriteLine(const QString& text);
     /// Hands what was written to the system, so that the end of the process loses nothing.
-    void Commit();
-    bool IsOpen() const { return file_.isOpen(); }
-    QString Path() const { return file_.fileName(); }
+    void Commit() const;
+    bool IsOpen() const { return handle_ >= 0; }
+    QString Path() const { return path_; }
 
 private:
-    bool OpenAgain();
-    void Renew();
+    void Close();
+    bool IsInPlace() const;
+    void OpenAgain();
 
-    QFile file_;
+    QString path_;
+    int handle_ = -1;
 };
 
 } // namespace platform

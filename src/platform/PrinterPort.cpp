@@ -12,6 +12,7 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 
@@ -29,7 +30,7 @@ constexpr tcflag_t DataBits[] = {CS5, CS6, CS7, CS8};
 constexpr int FirstDataBits = 5;
 /// Parities and stop bits of LineSettings count from 0 to this.
 constexpr int LastChoice = 2;
-/// Rest between two looks at a device that isn't ready, ms.
+/// Rest between two looks at a device that is to be closed, ms.
 constexpr int BusyStep = 5;
 
 int SpeedCode(int bitsPerSecond, speed_t& code) {
@@ -57,7 +58,7 @@ public:
 
     int Open(const QString& portName) override {
         Close();
-        deadline_ = 0;
+        hasBegun_ = false;
         // A pipe whose reader has gone gives an error, not the end of the program.
         std::signal(SIGPIPE, SIG_IGN);
         // For writing only: a pipe without a reader then is a printer that isn't there.
@@ -103,62 +104,78 @@ public:
     void SetWriteTimeout(int milliseconds) override { timeout_ = milliseconds; }
 
     int Write(const QByteArray& bytes) override {
-        deadline_ = Clock::Current().MonotonicMs() + timeout_;
-        bool wasReady = false; // and took nothing
-        qsizetype done = 0;
-        while (done < bytes.size()) {
-            const ssize_t written =
-                ::write(file_, bytes.constData() + done, size_t(bytes.size() - done));
-            if (written > 0) {
-                done += written;
-                wasReady = false;
-                continue;
-            }
-            if (written < 0 && errno != EAGAIN && errno != EINTR)
-                return errno;
-            const qint64 left = deadline_ - Clock::Current().MonotonicMs();
-            pollfd waiting{file_, POLLOUT, 0};
-            if (left <= 0 || ::poll(&waiting, 1, int(left)) == 0)
-                return ETIMEDOUT;
-            // A parallel port always calls itself ready: it is asked again, but not without rest.
-            if (wasReady)
-                Clock::Current().Sleep(BusyStep);
-            wasReady = true;
+        lastLook_ = Clock::Current().MonotonicMs();
+        deadline_ = lastLook_ + timeout_;
+        hasBegun_ = false;
+        waiting_ += bytes;
+        return Advance();
+    }
+
+    bool IsBusy() const override { return isBusy_; }
+    bool HasBegun() const override { return hasBegun_; }
+
+    int Advance() override {
+        isBusy_ = false;
+        const qsizetype before = waiting_.size();
+        if (const int error = SendWaiting()) {
+            waiting_.clear();
+            return error;
         }
+        if (waiting_.isEmpty() && !IsUnderWay())
+            return 0;
+        const qint64 now = Clock::Current().MonotonicMs();
+        // A printer that takes more isn't to blame for a time in which nobody offered it any.
+        const bool lookedAway = now - std::exchange(lastLook_, now) > timeout_ / 4;
+        if (lookedAway && waiting_.size() < before)
+            deadline_ = now + timeout_;
+        if (now >= deadline_) {
+            GiveUp();
+            return ETIMEDOUT;
+        }
+        isBusy_ = true;
         return 0;
     }
 
     void Close() override {
         if (file_ < 0)
             return;
-        // What others may have on their way through the device isn't waited for or dropped.
-        if (deadline_ != 0)
-            Drain();
+        while (isBusy_ && Advance() == 0)
+            Clock::Current().Sleep(BusyStep);
         ::close(file_);
         file_ = -1;
     }
 
 private:
-    /// Waits for the way out of what was written, until the deadline of the write.
-    void Drain() const {
-        int queued = 0;
-        if (::ioctl(file_, TIOCOUTQ, &queued) != 0) {
-            // No line: a printer on USB is ready again when it has taken what was written; its
-            // close drops the rest.
-            const qint64 left = deadline_ - Clock::Current().MonotonicMs();
-            pollfd waiting{file_, POLLOUT, 0};
-            ::poll(&waiting, 1, int(qMax<qint64>(left, 0)));
-            return;
-        }
-        while (queued > 0) {
-            if (Clock::Current().MonotonicMs() >= deadline_) {
-                ::tcflush(file_, TCOFLUSH);
-                return;
+    /// As much as the device takes now. Gives 0 or the system's error.
+    int SendWaiting() {
+        while (!waiting_.isEmpty()) {
+            const ssize_t written = ::write(file_, waiting_.constData(), size_t(waiting_.size()));
+            if (written > 0) {
+                waiting_.remove(0, written);
+                hasBegun_ = true;
+                continue;
             }
-            Clock::Current().Sleep(BusyStep);
-            if (::ioctl(file_, TIOCOUTQ, &queued) != 0)
-                return;
+            if (written < 0 && errno == EINTR)
+                continue;
+            return written < 0 && errno != EAGAIN ? errno : 0;
         }
+        return 0;
+    }
+
+    /// What the device took hasn't left the machine. Where no line tells that, a printer on USB is
+    /// ready again when it has taken what was written; its close drops the rest.
+    bool IsUnderWay() const {
+        int queued = 0;
+        if (::ioctl(file_, TIOCOUTQ, &queued) == 0)
+            return queued > 0;
+        pollfd state{file_, POLLOUT, 0};
+        return ::poll(&state, 1, 0) == 0;
+    }
+
+    /// The close of a line would wait for what is in it.
+    void GiveUp() {
+        waiting_.clear();
+        ::tcflush(file_, TCOFLUSH);
     }
 
     static QList<DevicePort*>& Ports() {
@@ -182,7 +199,11 @@ private:
     QByteArray path_;
     int file_ = -1;
     int timeout_ = 0;
-    qint64 deadline_ = 0; // of the last write, 0 before the first one
+    qint64 deadline_ = 0; // of the last write
+    qint64 lastLook_ = 0;
+    QByteArray waiting_; // not taken by the device yet
+    bool isBusy_ = false;
+    bool hasBegun_ = false;
 };
 
 } // namespace

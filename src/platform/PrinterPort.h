@@ -33,9 +33,18 @@ public:
     virtual int SetLine(const LineSettings& line) = 0;
     /// Longest time of a write and its way out of the machine, ms.
     virtual void SetWriteTimeout(int milliseconds) = 0;
+    /// Writes without waiting: what the device doesn't take at once is on its way until Advance has
+    /// brought it out. Bytes written meanwhile go behind it, with a time of their own. 0 says
+    /// nothing of what is on its way.
     virtual int Write(const QByteArray& bytes) = 0;
-    /// Waits for what is written within the rest of the write's time, then gives up what is left:
-    /// a stuck printer must not hold up the bus.
+    /// Something written is still in the machine.
+    virtual bool IsBusy() const = 0;
+    /// Goes on with what is on its way, without waiting. ETIMEDOUT when its time is over: the rest
+    /// is given up.
+    virtual int Advance() = 0;
+    /// The device took some of what was written last, whatever became of the rest.
+    virtual bool HasBegun() const = 0;
+    /// Waits for what is on its way within the rest of its time, then gives it up.
     virtual void Close() = 0;
 
     /// What the system says of an error number.

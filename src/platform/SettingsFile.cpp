@@ -330,8 +330,8 @@ void SettingsFile::Store() {
         fchmod(handle, state.st_mode & 07777);
     if (!WriteWhole(handle, bytes))
         fail(handle, errno);
-    FlushInTime(handle);
-    if (rename(temporary.constData(), target_.constData()) != 0)
+    // A disk may find only when it is flushed that there is no room.
+    if (!FlushInTime(handle) || rename(temporary.constData(), target_.constData()) != 0)
         fail(handle, errno);
     seen_ = fstat(handle, &state) == 0 ? StampOf(state) : Stamp();
     unsaved_ = false;
@@ -361,16 +361,16 @@ bool SettingsFile::Overwrite(int at, int from) {
     return written;
 }
 
-void SettingsFile::FlushInTime(int handle) {
+bool SettingsFile::FlushInTime(int handle) {
     const qint64 now = Clock::Current().MonotonicMs();
     // A clock that was put in another's place may stand before the last flush.
     flushOwed_ = now >= lastFlushMs_ && now - lastFlushMs_ < FlushPeriodMs;
     if (flushOwed_) {
         DiskFlush::Owe(QFile::decodeName(target_));
-        return;
+        return true;
     }
-    fsync(handle);
     lastFlushMs_ = now;
+    return fsync(handle) == 0 || errno == EINVAL;
 }
 
 void SettingsFile::FlushOwed() {

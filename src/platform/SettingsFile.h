@@ -73,7 +73,7 @@ private:
     void Load() const;
     void Store();
     bool Overwrite(int at, int from);
-    void FlushInTime(int handle);
+    bool FlushInTime(int handle);
     void FlushOwed();
     int FindKey(const QString& section, const QString& key) const;
     int FindSection(const QString& section) const;

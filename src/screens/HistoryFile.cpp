@@ -1,6 +1,5 @@
 #include "screens/HistoryFile.h"
 
-#include "core/DateTimes.h"
 #include "events/TextProcs.h"
 #include "platform/CodePage.h"
 #include "platform/RunTimeError.h"
@@ -11,49 +10,50 @@
 
 using platform::RunTimeError;
 namespace FileLine = TextProcs::FileLine;
+namespace ScreenLine = TextProcs::ScreenLine;
 
 namespace {
 
 constexpr qsizetype ChunkSize = 0x40000;
+/// What a row of two halves holds, and a line end.
+constexpr qsizetype LongestShown = 2 * ScreenLine::Break.start + 2;
 
-/// Tells whether bytes begin with a date as DateTimes::ShortDate writes it. A pattern is read once,
-/// where DateTimes::Parse would read it for every line.
-class DateTest {
-public:
-    static constexpr qsizetype Length = FileLine::Date.width;
+/// What a heading begins with, the first two of its fields.
+constexpr char Heading[] = "Date       Time ";
+constexpr qsizetype HeadingLength = sizeof Heading - 1;
 
-    DateTest()
-        : pattern_(DateTimes::ShortDatePattern().toLatin1())
-        , day_(pattern_.indexOf('d'))
-        , month_(pattern_.indexOf('M'))
-        , year_(pattern_.indexOf('y')) {}
+bool IsHeading(const char* bytes, qsizetype count) {
+    return count >= HeadingLength && std::memcmp(bytes, Heading, HeadingLength) == 0;
+}
 
-    bool operator()(const char* bytes, qsizetype count) const {
-        if (count < Length)
+bool IsDigit(QChar c) {
+    return c >= u'0' && c <= u'9';
+}
+
+/// Two fields of two digits and a year of four, in one of the orders of this world.
+bool IsDate(const QString& text) {
+    if (text.size() != FileLine::Date.width)
+        return false;
+    const bool yearFirst = IsDigit(text[2]);
+    const qsizetype firstMark = yearFirst ? 4 : 2;
+    const qsizetype secondMark = yearFirst ? 7 : 5;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool isMark = i == firstMark || i == secondMark;
+        if (isMark ? text[i].isLetterOrNumber() || text[i] != text[firstMark] : !IsDigit(text[i]))
             return false;
-        for (qsizetype i = 0; i < Length; ++i) {
-            const char form = pattern_[i];
-            const bool isField = form == 'd' || form == 'M' || form == 'y';
-            if (isField ? bytes[i] < '0' || bytes[i] > '9' : bytes[i] != form)
-                return false;
-        }
-        return QDate::isValid(Number(bytes + year_, 4), Number(bytes + month_, 2),
-                              Number(bytes + day_, 2));
     }
+    const int year = text.mid(yearFirst ? 0 : 6, 4).toInt();
+    const int one = text.mid(yearFirst ? 5 : 0, 2).toInt();
+    const int other = text.mid(yearFirst ? 8 : 3, 2).toInt();
+    return QDate::isValid(year, one, other) || QDate::isValid(year, other, one);
+}
 
-private:
-    static int Number(const char* digits, int count) {
-        int value = 0;
-        for (int i = 0; i < count; ++i)
-            value = value * 10 + (digits[i] - '0');
-        return value;
-    }
-
-    QByteArray pattern_;
-    qsizetype day_;
-    qsizetype month_;
-    qsizetype year_;
-};
+/// The two halves of the screen layout, filled as they come.
+QString AsItStands(const QString& line) {
+    const int columns = ScreenLine::Break.start;
+    return line.left(columns).leftJustified(ScreenLine::Break.start + ScreenLine::Break.width) +
+           line.mid(columns, columns).leftJustified(columns);
+}
 
 } // namespace
 
@@ -78,7 +78,6 @@ void HistoryFile::Close() {
 /// Goes from line feed to line feed through pieces of the file. A line that begins too near to the
 /// end of a piece to be judged begins the next one.
 void HistoryFile::FindLines() {
-    const DateTest isDate;
     QByteArray chunk(ChunkSize, Qt::Uninitialized);
     qint64 offset = 0;
     bool atStart = true;
@@ -90,9 +89,10 @@ void HistoryFile::FindLines() {
         const char* const end = begin + count;
         const char* at = begin;
         while (at != end) {
-            if (atStart && at != begin && end - at < DateTest::Length)
+            if (atStart && at != begin && end - at < HeadingLength)
                 break;
-            if (atStart && isDate(at, end - at))
+            const bool isEmpty = *at == '\n' || (*at == '\r' && (end - at < 2 || at[1] == '\n'));
+            if (atStart && !isEmpty && !IsHeading(at, end - at))
                 starts_.push_back(offset + (at - begin));
             const void* feed = std::memchr(at, '\n', size_t(end - at));
             atStart = feed != nullptr;
@@ -107,11 +107,14 @@ QString HistoryFile::ScreenLine(int row) const {
         throw RunTimeError(platform::errors::Subscript);
     QByteArray line;
     if (file_.seek(starts_[size_t(row)]))
-        line = file_.read(FileLine::Width + 1);
+        line = file_.read(LongestShown);
     const qsizetype feed = line.indexOf('\n');
     if (feed >= 0)
         line.truncate(feed);
     if (line.endsWith('\r'))
         line.chop(1);
-    return TextProcs::HistoFileLineToHistoScreenLine(platform::FromCodePage(line));
+    const QString text = platform::FromCodePage(line);
+    return IsDate(text.left(FileLine::Date.width))
+               ? TextProcs::HistoFileLineToHistoScreenLine(text.left(FileLine::Width))
+               : AsItStands(text);
 }

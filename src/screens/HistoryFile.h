@@ -4,8 +4,9 @@
 #include <QString>
 #include <deque>
 
-/// The dated lines of a history file. Only where they begin is kept, 8 bytes a line; a line is
-/// read when it is shown. The file stays open: it may grow or go while its lines are shown.
+/// The lines of a history file but its heading and empty ones. Only where they begin is kept, 8
+/// bytes a line; a line is read when it is shown. The file stays open: it may grow or go while its
+/// lines are shown.
 class HistoryFile {
 public:
     /// Looks through the file as it is now. False for a file that isn't there. Throws RunTimeError
@@ -13,10 +14,10 @@ public:
     bool Load(const QString& path);
     void Close();
 
-    /// Number of lines that begin with a date.
     int Count() const { return int(starts_.size()); }
-    /// A line in the screen layout, 162 characters: blank for one that can't be read any more.
-    /// Throws RunTimeError `Subscript`.
+    /// A line in the screen layout, 162 characters: blank for one that can't be read any more. One
+    /// that begins with no date, in whatever form a locale writes one, stands as it is, in two
+    /// halves. Throws RunTimeError `Subscript`.
     QString ScreenLine(int row) const;
 
 private:

@@ -3,6 +3,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Message.h"
+#include "platform/CodePage.h"
 #include "platform/Folders.h"
 #include "platform/Volumes.h"
 #include "screens/ResizeForm.h"
@@ -36,6 +37,7 @@ enum Words {
     WrongName,
     NoNewFolder
 };
+constexpr int ForeignLetters = 714062;
 
 constexpr int KindRole = Qt::UserRole;
 constexpr int PathRole = Qt::UserRole + 1;
@@ -48,6 +50,14 @@ constexpr int LongestName = 255;
 bool IsReadable(const QString& folder) {
     const QFileInfo info(folder);
     return info.isDir() && info.isReadable() && info.isExecutable();
+}
+
+/// The settings keep a path in the code page of all files; another would be lost.
+bool IsStorable(const QString& path) {
+    if (platform::FitsCodePage(path))
+        return true;
+    Message(GetText(ForeignLetters), Messages::Critical);
+    return false;
 }
 
 /// True for a name that panel PCs and sticks alike can hold.
@@ -266,6 +276,8 @@ void dlgFilePicker::MakeFolder() {
     const QString path = QDir(folder_).filePath(name);
     if (!IsName(name))
         Message(GetText(WrongName), Messages::Critical);
+    else if (!IsStorable(path))
+        return;
     else if (!IsReadable(folder_) || !platform::MakeFolder(path))
         Message(GetText(NoNewFolder), Messages::Critical);
     else
@@ -294,7 +306,8 @@ void dlgFilePicker::ChooseFile() {
         return;
     const QString path = QDir(folder_).filePath(name_);
     if (QFileInfo(path).isFile()) {
-        Choose(path);
+        if (IsStorable(path))
+            Choose(path);
         return;
     }
     const QPointer<dlgFilePicker> self(this);
@@ -325,6 +338,8 @@ void dlgFilePicker::ChooseTarget() {
         Message(GetText(WrongName), Messages::Critical);
         return;
     }
+    if (!IsStorable(path))
+        return;
     const bool exists = QFileInfo::exists(path);
     if (!IsReadable(folder_) || !QFileInfo(exists ? path : folder_).isWritable()) {
         Message(GetText(ReadOnlyFolder), Messages::Critical);
@@ -341,10 +356,10 @@ void dlgFilePicker::ChooseTarget() {
 }
 
 void dlgFilePicker::ChooseFolder() {
-    if (IsReadable(folder_))
-        Choose(folder_);
-    else
+    if (!IsReadable(folder_))
         Enter(folder_);
+    else if (IsStorable(folder_))
+        Choose(folder_);
 }
 
 void dlgFilePicker::Choose(const QString& path) {

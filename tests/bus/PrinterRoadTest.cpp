@@ -2,7 +2,6 @@
 
 #include "bus/Engine.h"
 
-#include <QElapsedTimer>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -61,11 +60,8 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     EXPECT_EQ(Paper(), QByteArray()) << "a channel that isn't printed";
 
     CloseReader();
-    QElapsedTimer timer;
-    timer.start();
     Route(7, 1);
     Route(7, 0);
-    EXPECT_LT(timer.elapsed(), 500);
     EXPECT_EQ(events.size(), 4);
     EXPECT_EQ(boxes, QStringList());
     const auto told = [this] { return TraceLines().filter(QStringLiteral(" PRINTER ERROR  ")); };
@@ -77,9 +73,28 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     Route(7, 0);
     EXPECT_EQ(told().size(), first + 1);
 
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::PrinterNotReached));
     OpenReader();
+    clock.Advance(EventPrinter::TryPause);
     Route(7, 1);
-    EXPECT_TRUE(Paper().endsWith("\r\n")) << "the printer is back";
+    const QByteArray paper = Paper();
+    EXPECT_TRUE(paper.startsWith("4 events not printed, see history\r\n\x1B"
+                                 "E2024-03-15 13:00:31 "))
+        << paper.toStdString();
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
+}
+
+// Whoever chooses the ports may do it in either order.
+TEST_F(PrinterRoad, ThePortOfTheBusIsNeverPrintedOn) {
+    EXPECT_EQ(engine->dpPrinter().Port(), QStringLiteral("LPT1"));
+    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM4"), Path(QStringLiteral("printer")));
+    Site().setBusSettings(QStringLiteral("COM4:9600,N,8,1"));
+    engine->ConfigCommPort();
+    EXPECT_EQ(boxes.filter(GetText(714061)).size(), 1);
+    EXPECT_EQ(engine->dpPrinter().Port(), QString());
+    Paper();
+    Route(7, 1);
+    EXPECT_EQ(Paper(), QByteArray());
 }
 
 } // namespace

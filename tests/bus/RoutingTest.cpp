@@ -134,7 +134,7 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
     Route(5, 7, 0, 1);
     ASSERT_EQ(told.size(), 1);
     EXPECT_TRUE(told[0].contains(QStringLiteral("HistoProcs\r\nFunction : HistoEvent")));
-    EXPECT_EQ(TraceLines().size() - traced, 1 + 1) << "the event and the error";
+    EXPECT_EQ(TraceLines().size() - traced, 1 + 2) << "the event, the error and the fault";
 
     // The trace of the new day can't be opened; a line that can be written again is.
     told.clear();

@@ -222,17 +222,24 @@ TEST_F(Printer, IsTriedOutByItsPortString) {
     EXPECT_EQ(boxes, QStringList());
 
     IniWrite(Text("Ports"), Text("LPT1"), Text("/dev/null"));
-    IniWrite(Text("Ports"), Text("COM1"), Path(Text("missing")));
+    IniWrite(Text("Ports"), Text("COM2"), Path(Text("missing")));
     EXPECT_TRUE(TestPrintPort(Text("LPT1:")));
     EXPECT_TRUE(TestPrintPort(Text("LPT1")));
     EXPECT_EQ(boxes, QStringList());
-    EXPECT_FALSE(TestPrintPort(Text("COM1:9600,N,8,1")));
+    EXPECT_FALSE(TestPrintPort(Text("COM2:9600,N,8,1")));
     EXPECT_EQ(boxes, QStringList{Text("The printer port cannot be opened:\r\n"
                                       "No such file or directory")});
     boxes.clear();
     EXPECT_FALSE(TestPrintPort(Text("FILE1:")));
     ASSERT_EQ(boxes.size(), 1);
     EXPECT_TRUE(boxes[0].startsWith(Text("Error Nr 380 : Invalid property value")));
+
+    // The port of the bus, by its number and by its device.
+    boxes.clear();
+    IniWrite(Text("Ports"), Text("LPT1"), SLVfonctions::DevicePath(Text("COM1")));
+    for (const char* name : {"COM1:9600,N,8,1", "com01:", "LPT1:"})
+        EXPECT_FALSE(TestPrintPort(Text(name))) << name;
+    EXPECT_EQ(boxes, QStringList(3, GetText(714061)));
 }
 
 TEST_F(Printer, OnTheMachinesPortsWritesToTheNamedDevice) {

@@ -13,6 +13,9 @@ public:
     int writeError = 0;
     QStringList log;
     QByteArray written;
+    /// Nothing leaves the machine, and what Advance then says.
+    bool stuck = false;
+    int advanceError = 0;
 
     int Open(const QString& portName) override {
         log += QStringLiteral("open ") + portName;
@@ -35,14 +38,23 @@ public:
     int Write(const QByteArray& bytes) override {
         log += QStringLiteral("write");
         written += bytes;
+        busy_ = stuck && writeError == 0;
         return writeError;
     }
+    bool IsBusy() const override { return busy_; }
+    int Advance() override {
+        busy_ = stuck && advanceError == 0;
+        return advanceError;
+    }
+    bool HasBegun() const override { return !written.isEmpty(); }
     void Close() override {
         if (open_)
             log += QStringLiteral("close");
         open_ = false;
+        busy_ = false;
     }
 
 private:
     bool open_ = false;
+    bool busy_ = false;
 };

@@ -81,6 +81,13 @@ TEST_F(HistoFile, ThatCannotBeWrittenIsToldOnce) {
     HistoProcs::HistoEvent(Event());
     EXPECT_EQ(boxes, QStringList{QStringLiteral("Error Nr 75 : Path/File access error\r\nModule : "
                                                 "HistoProcs\r\nFunction : HistoEvent")});
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::HistoryNotWritten));
+    // Its folder goes away as a whole, and comes back with the next event.
+    ASSERT_TRUE(QDir(Path(QString())).removeRecursively());
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(LinesOf(Month).size(), 2) << "heading and event";
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::HistoryNotWritten));
+    EXPECT_EQ(boxes.size(), 1);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "events/HistoProcs.h"
 
-#include "events/DirectPrinting.h"
+#include "events/EventPrinter.h"
 #include "events/FakePort.h"
 #include "events/PrinterDefinition.h"
 #include "model/Models.h"
@@ -37,7 +37,7 @@ protected:
     QByteArray Print(EventClass& event) {
         event.setNum(999999);
         event.setGDH(clock.Now());
-        HistoProcs::PrintEvent(event, printer);
+        HistoProcs::PrintEvent(event, paper);
         const QByteArray line = std::exchange(port->written, {});
         EXPECT_TRUE(line.isEmpty() || line.endsWith('\r'));
         return line.chopped(line.isEmpty() ? 0 : 1);
@@ -65,6 +65,7 @@ protected:
 
     FakePort* port = new FakePort;
     DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
+    EventPrinter paper{printer};
 };
 
 TEST_F(Printed, PresenceOfAPanel) {
@@ -172,6 +173,7 @@ TEST_F(Printed, NothingStopsForAPrinterThatFails) {
     Print(12, 7, 0, 1);
     printer.ClosePrinter();
     port->openError = ENOENT;
+    clock.Advance(EventPrinter::TryPause);
     EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
     printer.setPort(QString());
     EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());

@@ -6,6 +6,7 @@
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
 #include "model/SiteBytes.h"
+#include "platform/CodePage.h"
 #include "platform/Folders.h"
 
 #include <QTemporaryDir>
@@ -118,6 +119,32 @@ TEST_F(ConfigFile, ScrambledBlanksAreLost) {
     EXPECT_EQ(config->UserPwd(1), QStringLiteral("1234"));
 }
 
+// Names of one letter each leave two of all keys with which they come back.
+TEST_F(ConfigFile, NoKeyThatDamagesANameIsDrawn) {
+    const auto letter = [](int code) { return platform::FromCodePage(QByteArray(1, char(code))); };
+    ConfigClass site;
+    site.setUserCount(128);
+    for (int code = 1; code < 256; ++code) {
+        const QString text = code == 'K' ? QStringLiteral("AA") : letter(code);
+        if (code % 2 == 0)
+            site.setUserName(code / 2 + 1, text);
+        else
+            site.setUserPwd(code / 2 + 1, text);
+    }
+    for (int save = 0; save < 20; ++save) {
+        ASSERT_EQ(Read(Saved(site)), 0);
+        for (int i = 1; i <= 128; ++i) {
+            ASSERT_EQ(config->UserName(i), site.UserName(i)) << i;
+            ASSERT_EQ(config->UserPwd(i), site.UserPwd(i)) << i;
+        }
+    }
+    EXPECT_EQ(boxes, QStringList());
+    site.setUserPwd(1, QStringLiteral("K"));
+    site.setUserName(1, letter(0) + letter(1));
+    EXPECT_EQ(site.Save(Path()), -1) << "and is told when there is no other";
+    EXPECT_EQ(boxes.size(), 1);
+}
+
 TEST_F(ConfigFile, SoundsOfBothRevisions) {
     SiteHeader header;
     header.sound = 120;
@@ -204,12 +231,33 @@ TEST_F(ConfigFile, FailedSavesAreReported) {
     EXPECT_TRUE(boxes[0].contains(
         QStringLiteral("Error Nr 76 : Path not found\r\nModule : ConfigClass\r\nFunction : Save")));
     EXPECT_TRUE(site.Panel(1).Modified()) << "nothing was saved";
-    if (QFile::exists(QStringLiteral("/dev/full"))) {
-        EXPECT_EQ(site.Save(QStringLiteral("/dev/full")), 20002);
-    }
+    ASSERT_TRUE(QFile::exists(QStringLiteral("/dev/full")));
+    EXPECT_EQ(site.Save(QStringLiteral("/dev/full")), 20002);
+    EXPECT_TRUE(boxes.last().startsWith(QStringLiteral("Error Nr 61 : ")));
+    EXPECT_TRUE(site.Panel(1).Modified());
+
+    // What stood there before stays, and so do its rights and a link to it.
+    const auto rights = QFile::ReadOwner | QFile::ReadUser | QFile::WriteOwner | QFile::WriteUser;
+    ASSERT_TRUE(QFile::link(Path("target.kv2"), Path()));
+    const QByteArray former = Saved(site);
+    EXPECT_FALSE(site.Panel(1).Modified());
+    EXPECT_TRUE(QFileInfo(Path()).isSymLink());
+    ASSERT_TRUE(QFile::setPermissions(Path("target.kv2"), rights));
+    EXPECT_EQ(site.Save(Path()), -1);
+    EXPECT_EQ(QFile::permissions(Path("target.kv2")), rights);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files),
+              QStringList({QStringLiteral("site.kv2"), QStringLiteral("target.kv2")}));
+    const QByteArray saved = FileBytes(Path());
+    EXPECT_EQ(saved.size(), former.size());
+    ASSERT_TRUE(QDir().mkpath(Path("target.kv2.tmp/taken")));
+    site.Panel(1).setTitle(QStringLiteral("y"));
+    EXPECT_EQ(site.Save(Path()), 20002) << "the place beside it is taken";
+    EXPECT_TRUE(site.Panel(1).Modified());
+    EXPECT_EQ(FileBytes(Path()), saved);
     for (int i = 0; i <= 32767; ++i)
         site.Mirrors().Add(1, 1, 2, 1, 1);
     EXPECT_EQ(site.Save(Path()), 20002) << "more rules than the count can tell";
+    EXPECT_EQ(FileBytes(Path()), saved);
 }
 
 TEST_F(ConfigFile, CurrentConfigurationLiesBesideTheExecutable) {

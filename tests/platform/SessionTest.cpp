@@ -96,8 +96,14 @@ TEST(SingleInstanceTest, OneLiveHolderAtATime) {
     ASSERT_TRUE(QFile::exists(path));
     SingleInstance next(path);
     EXPECT_TRUE(next.Acquire());
-    SingleInstance nowhere(folder.filePath(QStringLiteral("none/panel.lock")));
-    EXPECT_TRUE(nowhere.Acquire());
+    // A folder that nothing can be written to.
+    const QString unwritable = folder.filePath(QStringLiteral("none/panel.lock"));
+    SingleInstance reader(unwritable);
+    EXPECT_TRUE(reader.Acquire());
+    SingleInstance secondReader(unwritable);
+    EXPECT_FALSE(secondReader.Acquire());
+    SingleInstance elsewhere(folder.filePath(QStringLiteral("other/panel.lock")));
+    EXPECT_TRUE(elsewhere.Acquire());
 }
 
 TEST(ShutdownWatchTest, TurnsSignalsIntoRequests) {

@@ -191,6 +191,8 @@ TEST_F(FilePickerTest, NamesThatNoFileCanHaveAreRefused) {
         EXPECT_EQ(Save(name, Sites()), QString()) << name.toStdString();
     EXPECT_EQ(Save(QString(), Sites()), QString());
     EXPECT_EQ(styles, QList<int>(wrong.size() + 1, Messages::Critical));
+    EXPECT_EQ(Save(QString::fromUtf8("Ωmega"), Sites()), QString());
+    EXPECT_EQ(boxes.last(), GetText(714062)) << "the settings couldn't keep it";
 }
 
 TEST_F(FilePickerTest, AStartFolderThatIsGoneBecomesTheProgramsFolder) {

@@ -1,0 +1,51 @@
+// The printer of the engine: its port and its errors.
+
+#include "bus/wPolling.h"
+
+#include "core/DateTimes.h"
+#include "core/ErrorHandling.h"
+#include "core/Trace.h"
+#include "model/CurrentConfig.h"
+
+#include <QStringList>
+
+using ErrorHandling::Guard;
+
+/// A printer that isn't there is told and taken all the same: it may come later. One on the port of
+/// the bus is told and not taken.
+void wPolling::SetupPrinter() {
+    Guard("wPolling.SetupPrinter", [&] {
+        const QString settings = Global::Configuration().PrtSettings();
+        const QStringList parts = settings.split(u':');
+        const QString port = parts.value(0);
+        dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };
+        const bool usable = TestPrintPort(settings);
+        if (!usable && (!DirectPrinting::IsPort(port) || IsBusPort(port)))
+            return;
+        dpPrinter_.setPort(port);
+        dpPrinter_.setSettings(parts.value(1));
+        dpPrinter_.setAddLF(true);
+    });
+}
+
+/// Another site may have its bus where this one's printer is.
+void wPolling::KeepPrinterOffTheBus() {
+    Guard("wPolling.KeepPrinterOffTheBus", [&] {
+        if (!IsBusPort(dpPrinter_.Port()))
+            return;
+        TestPrintPort(dpPrinter_.Port());
+        dpPrinter_.setPort(QString());
+    });
+}
+
+/// In the trace and nowhere else: the alarm is on the screen and in the history. A printer that
+/// stays off is told once an hour and not with each line.
+void wPolling::TellPrinterError(const QString& text) {
+    constexpr DateTime Pause = 60 * platform::OneMinute;
+    const DateTime now = DateTimes::Now();
+    if (text == printerError_ && now >= printerErrorTime_ && now - printerErrorTime_ < Pause)
+        return;
+    printerError_ = text;
+    printerErrorTime_ = now;
+    Trace::Note(QStringLiteral("PRINTER ERROR  ") + text);
+}

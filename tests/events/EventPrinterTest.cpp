@@ -1,0 +1,104 @@
+#include "events/EventPrinter.h"
+
+#include "events/FakePort.h"
+#include "support/Bench.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace {
+
+class Paper : public Bench {
+protected:
+    Paper() { printer.setPort(QStringLiteral("LPT1")); }
+
+    QByteArray Written() { return std::exchange(port->written, {}); }
+    void Print(const char* line) { paper.Print(QString::fromLatin1(line)); }
+    void TimeOut() {
+        port->advanceError = ETIMEDOUT;
+        paper.Advance();
+        port->advanceError = 0;
+    }
+    static QString Detail() {
+        const QList<Faults::Fault> standing = Faults::Standing();
+        return standing.isEmpty() ? QString() : standing[0].detail;
+    }
+
+    FakePort* port = new FakePort;
+    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
+    EventPrinter paper{printer};
+};
+
+TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
+    port->stuck = true;
+    Print("a");
+    Print("b");
+    EXPECT_EQ(Written(), QByteArray("a\r")) << "one at a time";
+    EXPECT_EQ(Faults::Standing().size(), 0) << "its time isn't over";
+    port->written = "a";
+    TimeOut();
+    EXPECT_EQ(Detail(), QStringLiteral("2"));
+    Written();
+    port->stuck = false;
+    port->log.clear();
+    Print("c");
+    clock.Advance(EventPrinter::TryPause - 1);
+    paper.Advance();
+    EXPECT_EQ(port->log, QStringList()) << "left alone";
+    EXPECT_EQ(Detail(), QStringLiteral("3"));
+
+    clock.Advance(1);
+    paper.Advance();
+    EXPECT_EQ(Written(), QByteArray("\r\n3 events not printed, see history\r"))
+        << "behind the end of the torn line";
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
+    Print("d");
+    EXPECT_EQ(Written(), QByteArray("d\r"));
+}
+
+TEST_F(Paper, ANoteThatFailsIsToldWithWhatCameMeanwhile) {
+    port->writeError = ENODEV;
+    Print("a");
+    EXPECT_EQ(paper.Unprinted(), 1);
+    clock.Advance(EventPrinter::TryPause);
+    port->writeError = 0;
+    port->stuck = true;
+    Written();
+    Print("b");
+    EXPECT_EQ(Written(), QByteArray("\r\n1 event not printed, see history\r"));
+    TimeOut();
+    EXPECT_EQ(paper.Unprinted(), 2);
+    port->stuck = false;
+    clock.Advance(EventPrinter::TryPause);
+    Print("c");
+    EXPECT_EQ(Written(), QByteArray("\r\n2 events not printed, see history\rc\r"));
+    EXPECT_EQ(paper.Unprinted(), 0);
+}
+
+TEST_F(Paper, ASlowPrinterKeepsTheOrderAndALimit) {
+    port->stuck = true;
+    QByteArray expected;
+    for (int i = 0; i <= EventPrinter::MostWaiting; ++i) {
+        const QByteArray line = QByteArray::number(i);
+        Print(line.constData());
+        if (i < EventPrinter::MostWaiting)
+            expected += line + '\r';
+    }
+    EXPECT_EQ(paper.Unprinted(), 1);
+    port->stuck = false;
+    paper.Advance();
+    EXPECT_EQ(Written(), expected + "1 event not printed, see history\r");
+    EXPECT_EQ(paper.Unprinted(), 0);
+}
+
+TEST_F(Paper, APortThatIsTakenAwayIsForgotten) {
+    port->openError = ENOENT;
+    Print("a");
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::PrinterNotReached));
+    printer.setPort(QString());
+    paper.Advance();
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
+    EXPECT_EQ(paper.Unprinted(), 0);
+}
+
+} // namespace
