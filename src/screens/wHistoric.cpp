@@ -8,7 +8,6 @@
 #include "core/Pointer.h"
 #include "events/HistoProcs.h"
 #include "events/TextProcs.h"
-#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Folders.h"
@@ -23,7 +22,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
-#include <QPointer>
 
 using ErrorHandling::Guard;
 
@@ -190,10 +188,7 @@ void wHistoric::imgConsigne_Click() {
 }
 
 void wHistoric::imgTelecommande_Click() {
-    const QPointer<wHistoric> self(this);
-    if (Global::Get().userLevel < OperatorLevel)
-        AskPassword();
-    if (self && AccessOk(OperatorLevel))
+    if (TryLevel(*this, OperatorLevel))
         OpenScreen(QStringLiteral("wTeleCmdes"));
 }
 
