@@ -68,7 +68,8 @@ void Post(const QString& text, int style) {
         unread.style = style;
     }
     ++unread.count;
-    Faults::Set(Faults::Kind::BoxUnanswered, QString::number(unread.count));
+    if (presenter)
+        Faults::Set(Faults::Kind::BoxUnanswered, QString::number(unread.count));
     Present();
 }
 

@@ -2,6 +2,7 @@
 // in a folder of their own.
 
 #include "core/Config.h"
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
@@ -206,6 +207,7 @@ TEST_F(ApplicationFolder, TraceOfEachDay) {
     platform::TestClock clock;
     clock.Set(2024, 3, 15, 23, 59, 58);
     Trace::OpenToday();
+    Faults::Forget();
     Trace::Write(QStringLiteral("first \u00E9"));
     EXPECT_EQ(Bytes(QStringLiteral("Trace/20240315.log")), "first \xE9\r\n") << "committed at once";
     Trace::OpenToday();

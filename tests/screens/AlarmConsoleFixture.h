@@ -1,7 +1,9 @@
 #pragma once
 
 #include "bus/wPolling.h"
+#include "core/Boxes.h"
 #include "core/Config.h"
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/Trace.h"
@@ -54,6 +56,8 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         engine.reset();
         Messages::Install(nullptr);
+        Boxes::Forget();
+        Faults::Forget();
         Global::Get().sound.reset();
         Global::Get().userLevel = 0;
         Global::Get().currentPriority = 0;

@@ -1,4 +1,6 @@
 #include "screens/dlgMessage.h"
+#include "core/Boxes.h"
+#include "core/Operator.h"
 #include "screens/ScreensFixture.h"
 
 #include <QPushButton>
@@ -19,7 +21,8 @@ class dlgMessageTest : public ScreensTest {
 protected:
     dlgMessageTest() { Messages::Install(&dlgMessage::Present); }
 
-    /// Shows a box that waits and does something with it once it is up.
+    /// Shows a box that waits for whoever touched the screen and does something with it once it is
+    /// up.
     int Ask(int style, const std::function<void(ScreenForm*)>& act,
             const QString& text = QStringLiteral("Question?")) {
         bool acted = false;
@@ -28,6 +31,7 @@ protected:
             if (ScreenForm* box = Screen(Box))
                 act(box);
         });
+        const Operator::Acting acting;
         const int result = Message(text, style);
         EXPECT_TRUE(acted) << "timers stand still while a box waits";
         EXPECT_EQ(NbInstances(Box), 0);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/DateTimes.h"
+#include "core/Faults.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
@@ -47,6 +49,8 @@ protected:
     }
     ~Bench() override {
         Messages::Install(nullptr);
+        Boxes::Forget();
+        Faults::Forget();
         Global::Get() = Global::State();
         Global::setConfiguration(nullptr);
         platform::OverrideApplication(QString(), QString());

@@ -2,7 +2,9 @@
 
 #include "bus/AlarmConsole.h"
 #include "bus/wPolling.h"
+#include "core/Boxes.h"
 #include "core/Config.h"
+#include "core/Faults.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
@@ -44,6 +46,8 @@ protected:
         engine.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         Messages::Install(nullptr);
+        Boxes::Forget();
+        Faults::Forget();
         Global::setConfiguration(nullptr);
     }
 
