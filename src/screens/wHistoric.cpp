@@ -12,6 +12,7 @@
 #include "model/Models.h"
 #include "platform/Folders.h"
 #include "screens/AskPassword.h"
+#include "screens/HoldToRepeat.h"
 #include "screens/Navigation.h"
 #include "screens/ResizeForm.h"
 #include "screens/TouchList.h"
@@ -42,7 +43,10 @@ const QString Separator = QStringLiteral(" - ");
 
 /// Indices of `imgControl`.
 enum Button { PreviousFile = 0, NextFile = 1, FirstKey = 4 };
-constexpr Qt::Key Keys[] = {Qt::Key_PageUp, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageDown};
+constexpr Qt::Key Keys[] = {Qt::Key_PageUp,   Qt::Key_Up,   Qt::Key_Down,
+                            Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+/// Keys that go on while their button is held.
+constexpr int HeldKeys = 4;
 
 /// The date of a file's name in groups: year, month and, in a daily file, day.
 QString Groups(const QString& fileName) {
@@ -86,6 +90,10 @@ wHistoric::~wHistoric() = default;
 
 void wHistoric::ConnectControls() {
     OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
+    auto* repeat = new HoldToRepeat(this);
+    for (int index = FirstKey; index < FirstKey + HeldKeys; ++index)
+        repeat->Watch(Control(QStringLiteral("imgControl"), index),
+                      [this, index] { imgControl_Click(index); });
     OnClick(ui_->imgConsigne, [this] { imgConsigne_Click(); });
     OnClick(ui_->imgTelecommande, [this] { imgTelecommande_Click(); });
     OnClick(ui_->imgClose, [this] { imgClose_Click(); });

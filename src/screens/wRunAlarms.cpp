@@ -1,3 +1,4 @@
+#include "screens/FilePicker.h"
 #include "screens/wRunAlarms.h"
 
 #include "bus/wPolling.h"
@@ -271,10 +272,10 @@ void wRunAlarms::ShowRunState() {
 }
 
 void wRunAlarms::ShowSiteName() {
-    QString path = IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString());
-    const QString name = QFileInfo(path.replace(u'\\', u'/')).completeBaseName();
+    const QString name = FilePicker::SiteName(
+        IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString()));
     QLabel& label = *ui_->lblFileName;
     label.setText(
         QFontMetrics(label.font())
-            .elidedText(name.isEmpty() ? GetText(50010) : name, Qt::ElideRight, label.width()));
+            .elidedText(name, Qt::ElideRight, label.width()));
 }

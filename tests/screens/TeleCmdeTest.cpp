@@ -38,7 +38,11 @@ protected:
     }
     static void Choose(int channel) { Tap(Detail, QStringLiteral("lblVoyant_%1").arg(channel)); }
     static void Order(int index) { Tap(Detail, QStringLiteral("ImgTcmde_%1").arg(index)); }
-    static bool Waits() { return Child(Detail, QStringLiteral("lblWait"))->isVisible(); }
+    static bool Tells(int text) {
+        return Child(Detail, QStringLiteral("lblWait"))->isVisible() &&
+               TextOf(Detail, QStringLiteral("lblWait")) == GetText(text);
+    }
+    static bool Waits() { return Tells(712005); }
     static QString Lamp(int channel) {
         const auto name = QStringLiteral("lblVoyant_%1").arg(channel);
         return dynamic_cast<Voyant&>(*Child(Detail, name)).Colour().name();
