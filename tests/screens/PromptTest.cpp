@@ -43,7 +43,7 @@ protected:
 } // namespace
 
 TEST_F(PromptTest, NobodyIsAskedOnAnOpenSite) {
-    Site().setUserCount(0);
+    Site().setUserLevel(1, 2);
     int prompts = 0;
     QTimer watch;
     watch.callOnTimeout([&] {
@@ -68,17 +68,16 @@ TEST_F(PromptTest, APromptThatIsGivenUpDoesNothing) {
         [] { Forms::Unload(Codes()); },
         [] {
             // Meanwhile nobody of level 1 is left.
-            Site().setUserCount(0);
+            Site().setUserLevel(1, 2);
             Cancel();
         }};
     for (const auto& giveUp : ways) {
-        for (const char* name : {"imgStopRun", "imgNavig"}) {
+        for (const char* name : {"imgStopRun", "imgNavig_0"}) {
             script.On(Codes(), giveUp);
             Tap(Console, QString::fromLatin1(name));
             EXPECT_TRUE(engine->Run()) << name;
             EXPECT_NE(Screen(Console), nullptr) << name;
-            Site().setUserCount(4);
-            SetUser(1, "OPERATOR", "OP-1", 1);
+            Site().setUserLevel(1, 1);
         }
     }
     EXPECT_TRUE(events.isEmpty() || !events.contains(SystemEvents::UserChanged));
