@@ -48,6 +48,7 @@ constexpr double DotRadius = 0.22;
 constexpr double BareCross = 0.4;
 constexpr double RingStroke = 0.06;
 constexpr double RingRadius = 0.58;
+constexpr double RingRoom = 0.1;
 constexpr double CrossFrom = 0.53;
 constexpr double CrossTo = 0.72;
 constexpr double NumberRadius = 0.34;
@@ -148,7 +149,7 @@ void Voyant::PaintCaptioned() {
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), TileRadius, TileRadius);
 
     const double side = height() * DiscShare;
-    const QRectF disc((width() - side) / 2, Margin, side, side);
+    const QRectF disc((width() - side) / 2, Margin + side * RingRoom, side, side);
     painter.setPen(Qt::NoPen);
     painter.setBrush(missing_ ? QBrush(Theme::Field) : QBrush(colour_));
     painter.drawEllipse(disc);
@@ -167,7 +168,7 @@ void Voyant::PaintCaptioned() {
 
     painter.setPen(Theme::Ink);
     painter.setFont(Theme::Text(qRound(height() * CaptionText)));
-    const QRectF room = QRectF(rect()).adjusted(Margin / 2.0, disc.bottom() + Margin / 2.0,
+    const QRectF room = QRectF(rect()).adjusted(Margin / 2.0, disc.bottom() + side * RingRoom + Margin / 2.0,
                                                 -Margin / 2.0, -Margin / 2.0);
     QTextOption option(Qt::AlignHCenter | Qt::AlignTop);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

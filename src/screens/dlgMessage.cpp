@@ -64,7 +64,7 @@ constexpr std::array Pictures{"", "critical", "question", "exclamation", "inform
 
 /// Of the design, pixels: the most that a box takes that nobody called, and where the list of the
 /// console ends.
-constexpr int UnreadHeight = 240;
+constexpr int UnreadHeight = 270;
 constexpr int ListEnd = 446;
 
 constexpr int SetMask = 7;
