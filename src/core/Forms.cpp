@@ -71,9 +71,8 @@ void UnloadAllBut(const QStringList& names) {
 }
 
 void GiveWayTo(const QStringList& names) {
-    UnloadAllUnless([&](const Form& form) {
-        return form.StaysOverEvents() || names.contains(form.Name());
-    });
+    UnloadAllUnless(
+        [&](const Form& form) { return form.StaysOverEvents() || names.contains(form.Name()); });
 }
 
 bool AnyVisible() {

@@ -48,8 +48,7 @@ bool HoldToRepeat::eventFilter(QObject* watched, QEvent* event) {
         }
     } else if (watched == parent()) {
         const auto* form = static_cast<QWidget*>(watched);
-        const bool inactive =
-            event->type() == QEvent::ActivationChange && !form->isActiveWindow();
+        const bool inactive = event->type() == QEvent::ActivationChange && !form->isActiveWindow();
         if (inactive || event->type() == QEvent::Hide)
             Stop();
     }
@@ -66,7 +65,8 @@ void HoldToRepeat::Repeat() {
     if (held_ == nullptr)
         return;
     tmrRepeat_->setInterval(NextRepeat);
-    const QByteArray source = (parent()->objectName() + QStringLiteral(".tmrRepeat_Timer")).toLatin1();
+    const QByteArray source =
+        (parent()->objectName() + QStringLiteral(".tmrRepeat_Timer")).toLatin1();
     // The finger lies on the button.
     const Operator::Acting acting;
     ErrorHandling::Guard(source.constData(), acts_.value(held_));

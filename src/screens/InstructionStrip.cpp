@@ -75,8 +75,8 @@ InstructionStrip::InstructionStrip(QWidget* console, const QString& alarm, const
     line->setGeometry(Scaled(AlarmLine));
     line->setTextFormat(Qt::PlainText);
     line->setFont(Theme::Fixed(ScaledPixels(LinePixels)));
-    line->setText(QFontMetrics(line->font())
-                      .elidedText(alarm.simplified(), Qt::ElideRight, line->width()));
+    line->setText(
+        QFontMetrics(line->font()).elidedText(alarm.simplified(), Qt::ElideRight, line->width()));
     TouchImage* drop = MakeButton(this, "imgDrop", "cancel", Drop);
     connect(readOn, &TouchImage::clicked, this, [alarm, consigne] {
         const Operator::Acting acting;

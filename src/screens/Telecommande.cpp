@@ -168,8 +168,8 @@ void Voyant::PaintCaptioned() {
 
     painter.setPen(Theme::Ink);
     painter.setFont(Theme::Text(qRound(height() * CaptionText)));
-    const QRectF room = QRectF(rect()).adjusted(Margin / 2.0, disc.bottom() + side * RingRoom + Margin / 2.0,
-                                                -Margin / 2.0, -Margin / 2.0);
+    const QRectF room = QRectF(rect()).adjusted(
+        Margin / 2.0, disc.bottom() + side * RingRoom + Margin / 2.0, -Margin / 2.0, -Margin / 2.0);
     QTextOption option(Qt::AlignHCenter | Qt::AlignTop);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     painter.drawText(room, text_, option);

@@ -14,9 +14,9 @@ class TouchImage;
 /// True for a module that was reported missing and hasn't answered since.
 bool IsMissing(const PanelClass& panel);
 
-/// A lamp that shows the state of a channel by its colour and, for whoever can't tell the colours, by
-/// a mark: a ring or dot for active, a cross for other states, hatching for a missing module; with
-/// the channel's number and text on it where it is large enough for them.
+/// A lamp that shows the state of a channel by its colour and, for whoever can't tell the colours,
+/// by a mark: a ring or dot for active, a cross for other states, hatching for a missing module;
+/// with the channel's number and text on it where it is large enough for them.
 class Voyant : public QWidget {
     Q_OBJECT
 public:

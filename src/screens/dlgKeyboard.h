@@ -31,7 +31,9 @@ public:
     void setMultiLine(bool on);
     bool MultiLine() const { return multiLine_; }
     /// `note` gets the text when the keyboard is unloaded while it stands, without an answer.
-    void WhenTakenAway(std::function<void(const QString& text)> note) { takenAway_ = std::move(note); }
+    void WhenTakenAway(std::function<void(const QString& text)> note) {
+        takenAway_ = std::move(note);
+    }
 
 protected:
     void Form_Activate() override;

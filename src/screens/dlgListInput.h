@@ -49,7 +49,9 @@ public:
     /// Selects an item by its text.
     void Choose(const QString& value);
     /// `note` gets the value when the dialog is unloaded while it stands, without an answer.
-    void WhenTakenAway(std::function<void(const QString& value)> note) { takenAway_ = std::move(note); }
+    void WhenTakenAway(std::function<void(const QString& value)> note) {
+        takenAway_ = std::move(note);
+    }
 
 protected:
     void Form_Activate() override;

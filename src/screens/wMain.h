@@ -54,7 +54,8 @@ private:
     void AskLogin();
 
     enum class Saved { Yes, NoName, Failed };
-    /// Saves the site under a name that is asked for. `Failed` also when the menu is gone meanwhile.
+    /// Saves the site under a name that is asked for. `Failed` also when the menu is gone
+    /// meanwhile.
     Saved SaveUnderName(bool withKeyboard);
     /// Lets unsaved changes be saved. False to stop what would lose them.
     bool SaveChanges(bool withKeyboard);

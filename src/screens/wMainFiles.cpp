@@ -218,7 +218,8 @@ void wMain::ReadSite(const QString& path) {
 
 void wMain::MakeNewSite() {
     const QPointer<wMain> self(this);
-    if (Message(GetText(30013), OkCancel) != Messages::Ok || !IsLoaded(self.data()) || !SaveChanges(true))
+    if (Message(GetText(30013), OkCancel) != Messages::Ok || !IsLoaded(self.data()) ||
+        !SaveChanges(true))
         return;
     const QString unnamed = GetText(50010);
     ShowFileName(unnamed);

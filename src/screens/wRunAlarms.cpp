@@ -1,5 +1,5 @@
-#include "screens/FilePicker.h"
 #include "screens/wRunAlarms.h"
+#include "screens/FilePicker.h"
 
 #include "bus/wPolling.h"
 #include "core/Config.h"
@@ -275,7 +275,5 @@ void wRunAlarms::ShowSiteName() {
     const QString name = FilePicker::SiteName(
         IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString()));
     QLabel& label = *ui_->lblFileName;
-    label.setText(
-        QFontMetrics(label.font())
-            .elidedText(name, Qt::ElideRight, label.width()));
+    label.setText(QFontMetrics(label.font()).elidedText(name, Qt::ElideRight, label.width()));
 }

@@ -78,11 +78,10 @@ void wTeleCmdes::MakeTile(int place, int panel) {
                       pattern.height());
     tile->setPanel(&Global::Configuration().Panel(panel));
     tile->Update();
-    connect(tile, &Telecommande::Click, this,
-            [this, tile] {
-                const Operator::Acting acting;
-                Guard("wTeleCmdes.Telecmde_Click", [&] { OpenPanel(*tile); });
-            });
+    connect(tile, &Telecommande::Click, this, [this, tile] {
+        const Operator::Acting acting;
+        Guard("wTeleCmdes.Telecmde_Click", [&] { OpenPanel(*tile); });
+    });
     tile->show();
 }
 

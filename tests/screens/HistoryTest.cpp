@@ -71,9 +71,9 @@ TEST_F(HistoryTest, AnEmptyFolderGivesNothingToChoose) {
     EXPECT_EQ(Files().count(), 0);
     EXPECT_EQ(Grid().Count(), 0);
     EXPECT_EQ(TextOf(History, "txtNoAlarm"), "No history file yet");
-    for (const char* control : {"imgConsigne", "imgControl_0", "imgControl_1", "imgControl_4",
-                                "imgControl_5", "imgControl_6", "imgControl_7", "imgControl_8",
-                                "imgControl_9"})
+    for (const char* control :
+         {"imgConsigne", "imgControl_0", "imgControl_1", "imgControl_4", "imgControl_5",
+          "imgControl_6", "imgControl_7", "imgControl_8", "imgControl_9"})
         Tap(History, QString::fromLatin1(control));
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(TextOf(History, "lblDateTime"), "2024-03-15 12:00:00");

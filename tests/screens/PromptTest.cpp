@@ -62,8 +62,7 @@ TEST_F(PromptTest, NobodyIsAskedOnAnOpenSite) {
 
 TEST_F(PromptTest, APromptThatIsGivenUpDoesNothing) {
     const QList<std::function<void()>> ways{
-        [] { Cancel(); },
-        [] { QTest::keyClick(Box(1), Qt::Key_Escape); },
+        [] { Cancel(); }, [] { QTest::keyClick(Box(1), Qt::Key_Escape); },
         [] { Screen(Codes())->findChild<QTimer*>(QStringLiteral("tmrAutoClose"))->setInterval(1); },
         [] { Forms::Unload(Codes()); },
         [] {
@@ -213,8 +212,7 @@ TEST_F(PromptTest, WhatAnAlarmInterruptedIsOfferedAgainForTheSameQuestion) {
     });
     EXPECT_EQ(AskValue(nullptr, QStringLiteral("*|1|9"), QStringLiteral("4")), std::nullopt);
     script.On(list, [&] { Tap(list, QStringLiteral("imgControl_2")); });
-    EXPECT_EQ(AskValue(nullptr, QStringLiteral("*|1|9"), QStringLiteral("4")),
-              QStringLiteral("5"));
+    EXPECT_EQ(AskValue(nullptr, QStringLiteral("*|1|9"), QStringLiteral("4")), QStringLiteral("5"));
 }
 
 TEST_F(PromptTest, AnInstructionThatAnAlarmTookIsOneTouchAway) {
@@ -224,7 +222,8 @@ TEST_F(PromptTest, AnInstructionThatAnAlarmTookIsOneTouchAway) {
     QWidget* back = Child(Console, QStringLiteral("imgReadOn"));
     ASSERT_TRUE(back != nullptr && back->isVisible());
     script.On(dialog, [&] {
-        EXPECT_EQ(TextOf(dialog, QStringLiteral("lblConsigne")), QStringLiteral("Close the valve."));
+        EXPECT_EQ(TextOf(dialog, QStringLiteral("lblConsigne")),
+                  QStringLiteral("Close the valve."));
         Tap(dialog, QStringLiteral("imgClose"));
     });
     QTest::mouseClick(back, Qt::LeftButton);

@@ -83,8 +83,10 @@ TEST_F(TeleCmdeTest, StatesAndAMissingModuleShowWithoutColour) {
     Open(false);
     Choose(5);
     const auto grey = [] {
-        return Child(Detail, QStringLiteral("lblVoyant_5"))->grab().toImage().convertToFormat(
-            QImage::Format_Grayscale8);
+        return Child(Detail, QStringLiteral("lblVoyant_5"))
+            ->grab()
+            .toImage()
+            .convertToFormat(QImage::Format_Grayscale8);
     };
     PanelClass& panel = Site().Panel(Address);
     QList<QImage> looks;
