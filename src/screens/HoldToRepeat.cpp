@@ -31,8 +31,8 @@ HoldToRepeat::HoldToRepeat(QWidget* form)
     form->installEventFilter(this);
 }
 
-void HoldToRepeat::Watch(QWidget* button, std::function<void()> act) {
-    acts_.insert(button, std::move(act));
+void HoldToRepeat::Watch(QWidget* button, const std::function<void()>& act) {
+    acts_.insert(button, act);
     button->installEventFilter(this);
 }
 

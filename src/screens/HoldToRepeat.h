@@ -17,7 +17,7 @@ public:
     explicit HoldToRepeat(QWidget* form);
 
     /// Runs `act` at each repeat of `button`. An error in it is reported under the form.
-    void Watch(QWidget* button, std::function<void()> act);
+    void Watch(QWidget* button, const std::function<void()>& act);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -170,6 +170,19 @@ TEST_F(wMainFilesTest, ASavingThatFailsStopsWhateverWantedIt) {
     }
 }
 
+// The file from which the program starts can't be written, the site's own can.
+TEST_F(wMainFilesTest, AStartFileThatFailsIsToldAndLeavesTheSiteModified) {
+    ASSERT_TRUE(QDir().mkpath(CurrentConfigFile()));
+    Site().setModified(true);
+    Take("South");
+    AtPlainBox([](QMessageBox* box) { box->accept(); });
+    Tap(Menu, SaveAs);
+    EXPECT_EQ(plainTexts.size(), 1);
+    EXPECT_TRUE(QFile::exists(InSites("South.kv2")));
+    EXPECT_TRUE(Site().Modified());
+    EXPECT_TRUE(ShowsModified());
+}
+
 TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     AddPanel(3, 1);
     Exchange(North());
