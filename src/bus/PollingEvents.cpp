@@ -194,7 +194,7 @@ void wPolling::ShowConsole() {
         const QString console = QStringLiteral("wRunAlarms");
         Forms::Show(console);
         Forms::BringToFront(console);
-        Forms::UnloadAllBut({QStringLiteral("wPolling"), console});
+        Forms::GiveWayTo({QStringLiteral("wPolling"), console});
         if (NbInstances(console) > 0)
             return;
         Forms::Show(console);

@@ -50,12 +50,13 @@ void Unload(const QString& name) {
         form->Unload();
 }
 
-void UnloadAllBut(const QStringList& names) {
+/// A form may be kept by another one only: each round asks anew.
+static void UnloadAllUnless(const std::function<bool(const Form&)>& stays) {
     for (int round = 0; round < UnloadRounds; ++round) {
         bool unloaded = false;
         const QList<Form*> present = loaded;
         for (Form* form : present) {
-            if (loaded.contains(form) && !names.contains(form->Name())) {
+            if (loaded.contains(form) && !stays(*form)) {
                 form->Unload();
                 unloaded = true;
             }
@@ -63,6 +64,15 @@ void UnloadAllBut(const QStringList& names) {
         if (!unloaded)
             return;
     }
+}
+
+void UnloadAllBut(const QStringList& names) {
+    UnloadAllUnless([&](const Form& form) { return names.contains(form.Name()); });
+}
+
+void GiveWayTo(const QStringList& names) {
+    UnloadAllUnless(
+        [&](const Form& form) { return form.StaysOverEvents() || names.contains(form.Name()); });
 }
 
 bool AnyVisible() {

@@ -19,6 +19,8 @@ public:
     /// Runs what the form does at its end and takes it out of the registry at once; the object
     /// itself may go later, so that a form can unload itself out of its own handler.
     virtual void Unload() = 0;
+    /// True for a form that is left where it is when an event brings the console to the front.
+    virtual bool StaysOverEvents() const { return false; }
 };
 
 using Factory = std::function<Form*()>;
@@ -38,6 +40,8 @@ void Unload(const QString& name);
 /// Unloads every form whose name isn't listed, again and again until none is left, since an
 /// unload may open another.
 void UnloadAllBut(const QStringList& names);
+/// The same for an event that needs the display: forms that stay over events are left as well.
+void GiveWayTo(const QStringList& names);
 
 bool AnyVisible();
 /// Number of loaded forms of exactly this name.

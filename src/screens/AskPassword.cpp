@@ -1,5 +1,6 @@
 #include "screens/AskPassword.h"
 
+#include "bus/AlarmConsole.h"
 #include "bus/wPolling.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -11,7 +12,6 @@
 
 #include <QPointer>
 #include <limits>
-#include <optional>
 
 using ErrorHandling::Guard;
 
@@ -37,17 +37,17 @@ void Connect(int level, const QString& name) {
     Global::Get().userName = name;
 }
 
-/// Without a match the connected user stays: who has a level to reach is asked again.
-void ConnectBy(const QString& code) {
+/// False for a code that nobody has: the connected user stays.
+bool ConnectBy(const QString& code) {
     if (code.isEmpty()) {
         Connect(0, QString());
         TraceUser(QStringLiteral("DISCONNECT"));
-        return;
+        return true;
     }
     // A base without a service code has an empty one, which no entry can equal here.
     if (code == GetConfig(100000)) {
         Connect(ServiceLevel, ServiceName);
-        return;
+        return true;
     }
     const ConfigClass& site = Global::Configuration();
     for (int i = 1; i <= site.UserCount(); ++i) {
@@ -55,43 +55,65 @@ void ConnectBy(const QString& code) {
             continue;
         Connect(site.UserLevel(i), site.UserName(i));
         TraceUser(site.UserName(i));
-        return;
+        return true;
     }
+    return false;
 }
 
-/// The code that was confirmed; nothing when the prompt was left or taken away.
-std::optional<QString> EnteredCode() {
+/// Takes a code that was confirmed. Each one is an event, an unknown one as well.
+dlgUserCodes::Verdict Take(const QString& code, int insistedLevel) {
+    const bool known = ConnectBy(code);
+    const bool enough = insistedLevel == 0 || AccessOk(insistedLevel);
+    if (wPolling* polling = Polling()) {
+        EventClass event(0, Family::System, 0, SystemEvents::UserChanged);
+        polling->SendEvent(event);
+    }
+    using Verdict = dlgUserCodes::Verdict;
+    return !known ? Verdict::Unknown : enough ? Verdict::Taken : Verdict::TooLow;
+}
+
+/// False when the prompt was given up. With `insist` it takes no code below the level.
+bool Ask(ScreenForm* caller, int level, bool insist) {
     // The one prompt that there may be stands already.
     if (NbInstances(QStringLiteral("dlgUserCodes")) > 0)
-        return std::nullopt;
-    const QPointer<dlgUserCodes> dialog(new dlgUserCodes);
-    dialog->AskCodeOnly();
-    dialog->ShowModal();
-    if (!dialog)
-        return std::nullopt;
-    std::optional<QString> code;
-    if (dialog->Ok())
-        code = dialog->UserPwd();
-    dialog->Unload();
-    return code;
+        return false;
+    const QPointer<dlgUserCodes> prompt(new dlgUserCodes);
+    prompt->AskCodeOnly(caller, level, [insistedLevel = insist ? level : 0](const QString& code) {
+        return Take(code, insistedLevel);
+    });
+    // The list of alarms stays in use above the prompt, which covers the rest of the console.
+    const bool overConsole = dynamic_cast<AlarmConsole*>(caller) != nullptr;
+    prompt->ShowModal(overConsole ? Qt::NonModal : Qt::ApplicationModal);
+    if (!prompt)
+        return false;
+    const bool ok = prompt->Ok();
+    prompt->Unload();
+    return ok;
+}
+
+bool Reach(ScreenForm& caller, int level, bool insist) {
+    if (AccessOk(level))
+        return true;
+    const QPointer<const ScreenForm> asking(&caller);
+    bool confirmed = false;
+    Guard(".AskPassword", [&] { confirmed = Ask(&caller, level, insist); });
+    return confirmed && ScreenForm::IsLoaded(asking.data()) && AccessOk(level);
 }
 
 } // namespace
 
-bool AskPassword() {
+bool AskPassword(ScreenForm* caller, int level) {
     bool confirmed = false;
-    Guard(".AskPassword", [&] {
-        const std::optional<QString> code = EnteredCode();
-        confirmed = code.has_value();
-        if (!confirmed)
-            return;
-        ConnectBy(*code);
-        if (wPolling* polling = Polling()) {
-            EventClass event(0, Family::System, 0, SystemEvents::UserChanged);
-            polling->SendEvent(event);
-        }
-    });
+    Guard(".AskPassword", [&] { confirmed = Ask(caller, level, false); });
     return confirmed;
+}
+
+bool InsistOnLevel(ScreenForm& caller, int level) {
+    return Reach(caller, level, true);
+}
+
+bool TryLevel(ScreenForm& caller, int level) {
+    return Reach(caller, level, false);
 }
 
 bool IsGuarded() {

@@ -1,5 +1,6 @@
 #include "screens/FilePicker.h"
 
+#include "core/Config.h"
 #include "screens/dlgFilePicker.h"
 
 #include <QDir>
@@ -63,6 +64,11 @@ QString FileName(const QString& path) {
 
 QString BaseName(const QString& path) {
     return QFileInfo(NormalPath(path)).completeBaseName();
+}
+
+QString SiteName(const QString& lastUsed) {
+    constexpr int Unnamed = 50010;
+    return Folder(lastUsed).isEmpty() ? GetText(Unnamed) : BaseName(lastUsed);
 }
 
 } // namespace FilePicker

@@ -27,5 +27,8 @@ QString Folder(const QString& path);
 QString FileName(const QString& path);
 /// The same without the extension.
 QString BaseName(const QString& path);
+/// What the screens show of the setting "LastUsed": the base name of a path, or else, whatever
+/// stands there, the word for a site without a file in the language in use.
+QString SiteName(const QString& lastUsed);
 
 } // namespace FilePicker

@@ -160,6 +160,12 @@ void RowGrid::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_PageDown:
         at.MoveBy(at.Page());
         break;
+    case Qt::Key_Home:
+        at.MoveBy(-at.Count());
+        break;
+    case Qt::Key_End:
+        at.MoveBy(at.Count());
+        break;
     default:
         QWidget::keyPressEvent(event);
         return;

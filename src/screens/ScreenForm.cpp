@@ -2,6 +2,7 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Global.h"
 #include "core/Operator.h"
 #include "screens/ResizeForm.h"
 #include "screens/Theme.h"
@@ -16,6 +17,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScreen>
+#include <QWindow>
 #include <algorithm>
 
 namespace {
@@ -74,7 +76,8 @@ void ScreenForm::BringToFront() {
     if (unloaded_ || !isVisible())
         return;
     RaiseWindow(*this);
-    activateWindow();
+    if (!Floats())
+        activateWindow();
     RaiseDialogs();
     Activate();
 }
@@ -90,14 +93,14 @@ void ScreenForm::Unload() {
     deleteLater();
 }
 
-void ScreenForm::ShowModal() {
+void ScreenForm::ShowModal(Qt::WindowModality modality) {
     if (unloaded_ || modalLoop_ != nullptr)
         return;
     // The form may be gone when the loop ends.
     const QPointer<ScreenForm> self(this);
     QEventLoop loop;
     modalLoop_ = &loop;
-    setWindowModality(Qt::ApplicationModal);
+    setWindowModality(modality);
     Show();
     if (isVisible()) {
         const Operator::Away away;
@@ -108,6 +111,11 @@ void ScreenForm::ShowModal() {
     modalLoop_ = nullptr;
     hide();
     setWindowModality(Qt::NonModal);
+    LiftFloats();
+}
+
+bool ScreenForm::IsLoaded(const ScreenForm* form) {
+    return form != nullptr && Forms::Find(form->Name()) == form;
 }
 
 QWidget* ScreenForm::FindControl(const QString& array, int index) const {
@@ -221,11 +229,20 @@ void ScreenForm::OmbrerTexte(const QString& array, int dx, int dy) {
     }
 }
 
+/// Keys count as touches: somebody is there.
+bool ScreenForm::event(QEvent* event) {
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::event(event);
+    const Operator::Acting acting;
+    return QWidget::event(event);
+}
+
 void ScreenForm::closeEvent(QCloseEvent* event) {
     // The end of the application closes its windows too, and that must go through.
     if (!event->spontaneous())
         return;
     event->ignore();
+    const Operator::Acting acting;
     ErrorHandling::Guard((name_ + QStringLiteral(".Form_QueryUnload")).toLatin1().constData(),
                          [this] { CloseRequested(); });
 }
@@ -272,15 +289,41 @@ void ScreenForm::Activate() {
                              [this] { Form_Activate(); });
 }
 
+/// Screens that aren't fitted to the display cover its upper left part alone. What is larger than
+/// the display keeps its upper left corner on it.
 void ScreenForm::Place() {
-    const QScreen* display = QGuiApplication::primaryScreen();
-    if (display == nullptr)
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr)
         return;
-    QRect area(QPoint(), size());
-    area.moveTopLeft(display->geometry().topLeft());
+    const QRect display = screen->geometry();
+    QRect area = display;
+    if (Global::Get().noResize)
+        area.setSize({Theme::DesignWidth, Theme::DesignHeight});
+    QRect place = PlaceIn(area);
+    place.moveRight(qMin(place.right(), display.right()));
+    place.moveBottom(qMin(place.bottom(), display.bottom()));
+    place.moveLeft(qMax(place.left(), display.left()));
+    place.moveTop(qMax(place.top(), display.top()));
+    move(place.topLeft());
+}
+
+QRect ScreenForm::PlaceIn(const QRect& area) const {
+    QRect place(area.topLeft(), size());
     if (kind_ == Kind::Dialog)
-        area.moveCenter(display->geometry().center());
-    move(area.topLeft());
+        place.moveCenter(area.center());
+    return place;
+}
+
+/// The dialog that waits for an answer, null for none.
+QWidget* ScreenForm::Waiting() {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* form = qobject_cast<ScreenForm*>(window);
+        if (form != nullptr && form->modalLoop_ != nullptr && form->isVisible())
+            return form;
+    }
+    return nullptr;
 }
 
 void ScreenForm::RaiseDialogs() {
@@ -290,8 +333,26 @@ void ScreenForm::RaiseDialogs() {
             RaiseWindow(*window);
     }
     // The keyboard stays with the dialog that waits for an answer.
-    if (QWidget* waiting = QApplication::activeModalWidget()) {
+    if (QWidget* waiting = Waiting()) {
         RaiseWindow(*waiting);
         waiting->activateWindow();
+    }
+    LiftFloats();
+}
+
+/// A window takes touches beside a modal one only as its child, and must be shown as such.
+void ScreenForm::LiftFloats() {
+    const QWidget* modal = QApplication::activeModalWidget();
+    QWindow* owner = modal == nullptr ? nullptr : modal->windowHandle();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        auto* form = qobject_cast<ScreenForm*>(window);
+        if (form == nullptr || !form->Floats() || !form->isVisible())
+            continue;
+        if (form->windowHandle()->transientParent() != owner) {
+            form->hide();
+            form->windowHandle()->setTransientParent(owner);
+            form->show();
+        }
+        RaiseWindow(*form);
     }
 }

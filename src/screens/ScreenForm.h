@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 #include <functional>
@@ -35,8 +36,10 @@ public:
     void Unload() override;
 
     /// Shows the form and returns when it is hidden or unloaded. No other form takes a touch
-    /// meanwhile; timers go on.
-    void ShowModal();
+    /// meanwhile, unless `modality` lets them; timers go on.
+    void ShowModal(Qt::WindowModality modality = Qt::ApplicationModal);
+    /// False for null and for a form that has been unloaded, though the object may still be there.
+    static bool IsLoaded(const ScreenForm* form);
 
     /// The control of an array. Throws RunTimeError `Subscript` for an index that isn't there.
     template <class W = QWidget> W* Control(const QString& array, int index) const;
@@ -56,6 +59,13 @@ protected:
     /// Somebody asks from outside to close the window. A screen stays: what is left by a tap may
     /// ask questions first.
     virtual void CloseRequested() {}
+    /// Where a form of this size goes: `area` is what the screens cover of the display.
+    virtual QRect PlaceIn(const QRect& area) const;
+    /// True for a box that lies above all others, the one that waits included, takes its touches
+    /// whoever waits, and never takes the keyboard.
+    virtual bool Floats() const { return false; }
+    /// Puts the form where it belongs, after a change of its size.
+    void Place();
 
     /// Runs `handler` with the index for a tap on any control of the array. An error inside is
     /// reported under the form, the array and "_Click".
@@ -72,6 +82,7 @@ protected:
     /// True when the form was made larger or smaller for the display.
     bool IsScaled() const { return scaled_; }
 
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -82,8 +93,9 @@ private:
     QWidget* FindControl(const QString& array, int index) const;
     void Connect(QWidget* control, const QString& object, std::function<void()> handler);
     void Activate();
-    void Place();
     static void RaiseDialogs();
+    static QWidget* Waiting();
+    static void LiftFloats();
 
     QString name_;
     Kind kind_;

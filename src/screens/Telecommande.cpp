@@ -1,6 +1,7 @@
 #include "screens/Telecommande.h"
 
 #include "core/Bytes.h"
+#include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "model/Models.h"
 #include "model/PanelClass.h"
@@ -9,6 +10,7 @@
 #include "screens/TouchImage.h"
 
 #include <QLabel>
+#include <QLineF>
 #include <QPainter>
 #include <QTextOption>
 
@@ -40,6 +42,19 @@ constexpr double DiscShare = 0.38;
 constexpr double DiscText = 0.17;
 constexpr double CaptionText = 0.095;
 
+/// Marks of a lamp, in shares of its smaller side.
+constexpr double BareStroke = 0.14;
+constexpr double DotRadius = 0.22;
+constexpr double BareCross = 0.4;
+constexpr double RingStroke = 0.06;
+constexpr double RingRadius = 0.58;
+constexpr double RingRoom = 0.1;
+constexpr double CrossFrom = 0.53;
+constexpr double CrossTo = 0.72;
+constexpr double NumberRadius = 0.34;
+
+constexpr int MissingText = 714103;
+
 QLabel* MakeLabel(QWidget* parent, const char* name, Qt::Alignment side) {
     auto* label = new QLabel(parent);
     label->setObjectName(QString::fromLatin1(name));
@@ -51,6 +66,11 @@ QLabel* MakeLabel(QWidget* parent, const char* name, Qt::Alignment side) {
 
 } // namespace
 
+bool IsMissing(const PanelClass& panel) {
+    constexpr qint16 ToldFailures = 3;
+    return panel.ErrCptr(1) > ToldFailures || panel.ErrCptr(2) > 0;
+}
+
 Voyant::Voyant(QWidget* parent)
     : QWidget(parent) {}
 
@@ -58,12 +78,42 @@ QColor Voyant::ColourOf(qint16 state) {
     return AlarmGrid::FromBgr(state == 0 ? AtRest : state == 1 ? Active : OtherState);
 }
 
-void Voyant::setState(qint16 state) {
-    const QColor colour = ColourOf(state);
-    if (colour == colour_)
+void Voyant::setState(qint16 state, bool missing) {
+    if (state == state_ && missing == missing_)
         return;
-    colour_ = colour;
+    state_ = state;
+    missing_ = missing;
+    colour_ = ColourOf(state);
     update();
+}
+
+QBrush Voyant::Filling() const {
+    return missing_ ? QBrush(Theme::QuietInk, Qt::BDiagPattern) : QBrush(colour_);
+}
+
+/// On a bare lamp the mark lies inside; a number leaves it the room around the disc.
+void Voyant::PaintShape(QPainter& painter, const QRectF& lamp) const {
+    if (missing_ || state_ == 0)
+        return;
+    const bool bare = number_ == 0;
+    const double side = qMin(lamp.width(), lamp.height());
+    const QColor ink = bare ? AlarmGrid::InkOn(colour_) : QColor(Qt::white);
+    painter.setPen(QPen(ink, qMax(2.0, side * (bare ? BareStroke : RingStroke))));
+    painter.setBrush(Qt::NoBrush);
+    if (state_ == 1 && bare) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ink);
+        painter.drawEllipse(lamp.center(), side * DotRadius, side * DotRadius);
+    } else if (state_ == 1) {
+        painter.drawEllipse(lamp.center(), side * RingRadius, side * RingRadius);
+    } else {
+        for (const double angle : {45.0, 135.0, 225.0, 315.0}) {
+            const double from = bare ? 0 : side * CrossFrom;
+            const double to = side * (bare ? BareCross : CrossTo);
+            painter.drawLine(QLineF::fromPolar(from, angle).p2() + lamp.center(),
+                             QLineF::fromPolar(to, angle).p2() + lamp.center());
+        }
+    }
 }
 
 void Voyant::setCaption(int number, const QString& text) {
@@ -80,8 +130,15 @@ void Voyant::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colour_);
+    painter.setBrush(missing_ ? QBrush(Theme::Field) : QBrush(colour_));
     painter.drawRoundedRect(rect(), LampRadius, LampRadius);
+    if (missing_) {
+        painter.setPen(QPen(Theme::QuietInk, 1));
+        painter.setBrush(Filling());
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), LampRadius,
+                                LampRadius);
+    }
+    PaintShape(painter, rect());
 }
 
 void Voyant::PaintCaptioned() {
@@ -92,18 +149,27 @@ void Voyant::PaintCaptioned() {
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), TileRadius, TileRadius);
 
     const double side = height() * DiscShare;
-    const QRectF disc((width() - side) / 2, Margin, side, side);
+    const QRectF disc((width() - side) / 2, Margin + side * RingRoom, side, side);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colour_);
+    painter.setBrush(missing_ ? QBrush(Theme::Field) : QBrush(colour_));
     painter.drawEllipse(disc);
-    painter.setPen(AlarmGrid::InkOn(colour_));
+    if (missing_) {
+        painter.setPen(QPen(Theme::QuietInk, 1));
+        painter.setBrush(Filling());
+        painter.drawEllipse(disc);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Theme::Field);
+        painter.drawEllipse(disc.center(), side * NumberRadius, side * NumberRadius);
+    }
+    PaintShape(painter, disc);
+    painter.setPen(missing_ ? Theme::Ink : AlarmGrid::InkOn(colour_));
     painter.setFont(Theme::Text(qRound(height() * DiscText), true));
     painter.drawText(disc, Qt::AlignCenter, QString::number(number_));
 
     painter.setPen(Theme::Ink);
     painter.setFont(Theme::Text(qRound(height() * CaptionText)));
-    const QRectF room = QRectF(rect()).adjusted(Margin / 2.0, disc.bottom() + Margin / 2.0,
-                                                -Margin / 2.0, -Margin / 2.0);
+    const QRectF room = QRectF(rect()).adjusted(
+        Margin / 2.0, disc.bottom() + side * RingRoom + Margin / 2.0, -Margin / 2.0, -Margin / 2.0);
     QTextOption option(Qt::AlignHCenter | Qt::AlignTop);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     painter.drawText(room, text_, option);
@@ -149,8 +215,11 @@ void Telecommande::Update() {
     Guard("Telecommande.Update", [&] {
         if (panel_ == nullptr)
             return;
+        const bool missing = IsMissing(*panel_);
+        lblTypePan_->setText(missing ? GetText(MissingText) : ModuleName(panel_->Model()));
+        lblTypePan_->setStyleSheet(missing ? QStringLiteral("color: #FFA64D;") : QString());
         for (int i = 0; i < lamps_.size(); ++i)
-            lamps_[i]->setState(panel_->Channel(i + 1).State());
+            lamps_[i]->setState(panel_->Channel(i + 1).State(), missing);
     });
 }
 

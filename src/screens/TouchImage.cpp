@@ -60,6 +60,26 @@ QRect TouchImage::CaptionArea() const {
     return inner.adjusted(0, PictureArea().height(), 0, 0);
 }
 
+int TouchImage::CaptionFlags() const {
+    const int side = IsWide() && !picture_.isEmpty() ? int(Qt::AlignLeft) : int(Qt::AlignHCenter);
+    return side | Qt::AlignVCenter | Qt::TextWordWrap;
+}
+
+QFont TouchImage::CaptionFont() const {
+    constexpr double Smallest = 0.6;
+    const QRect area = CaptionArea();
+    QFont fitted = font();
+    const int smallest = qMax(1, int(fitted.pixelSize() * Smallest));
+    const auto fits = [&] {
+        return area.size().expandedTo(
+                   QFontMetrics(fitted).boundingRect(area, CaptionFlags(), text()).size()) ==
+               area.size();
+    };
+    while (fitted.pixelSize() > smallest && !fits())
+        fitted.setPixelSize(fitted.pixelSize() - 1);
+    return fitted;
+}
+
 void TouchImage::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -70,7 +90,6 @@ void TouchImage::paintEvent(QPaintEvent*) {
     if (text().isEmpty())
         return;
     painter.setPen(isEnabled() ? Theme::Ink : Theme::Dormant);
-    painter.setFont(font());
-    const int side = IsWide() && !picture_.isEmpty() ? int(Qt::AlignLeft) : int(Qt::AlignHCenter);
-    painter.drawText(CaptionArea(), side | Qt::AlignVCenter | Qt::TextWordWrap, text());
+    painter.setFont(CaptionFont());
+    painter.drawText(CaptionArea(), CaptionFlags(), text());
 }

@@ -19,6 +19,8 @@ public:
     QSize sizeHint() const override;
     /// Where the caption is written; the whole tile when there is no picture.
     QRect CaptionArea() const;
+    /// The font in which the whole caption fits its area, at least six tenths of the tile's own.
+    QFont CaptionFont() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -26,6 +28,7 @@ protected:
 private:
     bool IsWide() const;
     QRect PictureArea() const;
+    int CaptionFlags() const;
 
     QString picture_;
 };

@@ -4,6 +4,7 @@
 #include "core/Config.h"
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
+#include "screens/InstructionStrip.h"
 #include "ui_dlgConsigne.h"
 
 #include <QKeyEvent>
@@ -56,6 +57,7 @@ dlgConsigne::dlgConsigne()
 dlgConsigne::~dlgConsigne() = default;
 
 void dlgConsigne::Present(const QString& alarm, const QString& consigne) {
+    InstructionStrip::Withdraw();
     const QPointer<dlgConsigne> dialog(new dlgConsigne);
     dialog->setAlarm(alarm);
     dialog->setConsigne(consigne);
@@ -74,12 +76,20 @@ void dlgConsigne::PresentNumber(const QString& alarm, int number) {
 }
 
 void dlgConsigne::setAlarm(const QString& text) {
+    alarm_ = text;
     ui_->lblAlarm->setText(OneKindOfBreaks(text).replace(u' ', NoBreakSpace));
 }
 
 void dlgConsigne::setConsigne(const QString& text) {
+    consigne_ = text;
     ui_->lblConsigne->setText(Breakable(OneKindOfBreaks(text)));
     Layout();
+}
+
+/// Taken away while it is read: whoever reads it has closed it first otherwise.
+void dlgConsigne::Form_Unload() {
+    if (isVisible())
+        InstructionStrip::Offer(alarm_, consigne_);
 }
 
 /// The text takes the height that it needs; the buttons show when that is more than there is.

@@ -28,6 +28,7 @@ public:
 
 protected:
     void CloseRequested() override { Hide(); }
+    void Form_Unload() override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -36,4 +37,6 @@ private:
     void imgControl_Click(int index);
 
     std::unique_ptr<Ui::dlgConsigne> ui_;
+    QString alarm_;
+    QString consigne_;
 };

@@ -41,7 +41,10 @@ dlgDefPwds::dlgDefPwds()
     Prepare();
     QHeaderView& header = *ui_->grdUsers->horizontalHeader();
     header.setFont(ui_->grdUsers->font());
-    header.setFixedHeight(header.fontMetrics().lineSpacing() + HeaderMargin);
+    // A head takes the font of its items alone under a style sheet.
+    for (int column = 0; column < ColumnCount; ++column)
+        ui_->grdUsers->horizontalHeaderItem(column)->setFont(ui_->grdUsers->font());
+    header.setFixedHeight(QFontMetrics(ui_->grdUsers->font()).lineSpacing() + HeaderMargin);
     OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
     OnClick(QStringLiteral("cmdBoutons"), [this](int index) { cmdBoutons_Click(index); });
     connect(ui_->grdUsers, &QTableWidget::currentCellChanged, this, [this] { ShowActions(); });

@@ -3,6 +3,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Message.h"
+#include "core/Operator.h"
 #include "platform/CodePage.h"
 #include "platform/Folders.h"
 #include "platform/Volumes.h"
@@ -109,6 +110,7 @@ dlgFilePicker::dlgFilePicker(Mode mode)
         QMetaObject::invokeMethod(
             this,
             [this, kind, path = item->data(PathRole).toString()] {
+                const Operator::Acting acting;
                 Guard("dlgFilePicker.lstFiles_Click", [&] { TapRow(kind, path); });
             },
             Qt::QueuedConnection);

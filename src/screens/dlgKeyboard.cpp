@@ -1,7 +1,10 @@
 #include "screens/dlgKeyboard.h"
 
+#include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/Operator.h"
 #include "platform/CodePage.h"
+#include "screens/Interrupted.h"
 #include "screens/ResizeForm.h"
 #include "ui_dlgKeyboard.h"
 
@@ -16,6 +19,9 @@ using ErrorHandling::Guard;
 
 namespace {
 
+/// What was typed in a keyboard that an event took away, for the same question.
+Interrupted interrupted;
+
 const QString Keys = QStringLiteral("cmdKey");
 const QString Ranges = QStringLiteral("cmdRange");
 const QString EditKeys = QStringLiteral("cmdCtrl");
@@ -24,6 +30,8 @@ const QString Images = QStringLiteral("imgControl");
 /// The empty caption is the space bar.
 const QString EditCaptions = QStringLiteral("HOME,<--,-->,END,<==X,DEL,CLR,");
 enum EditKey { Home, Left, Right, End, Backspace, Delete, Clear, Space };
+
+constexpr int AsTypedBefore = 714105;
 
 constexpr int KeyCount = 32;
 constexpr int EditKeyCount = 8;
@@ -309,11 +317,17 @@ void dlgKeyboard::Form_Activate() {
     Box()->setFocus();
 }
 
+void dlgKeyboard::Form_Unload() {
+    if (isVisible() && takenAway_)
+        takenAway_(Text());
+}
+
 bool dlgKeyboard::HandleKey(const QKeyEvent& event) {
     const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     if (!enter && event.key() != Qt::Key_Escape)
         return false;
     // The release and the repeats of a key that is held belong to the same press.
+    const Operator::Acting acting;
     if (event.type() == QEvent::KeyPress && !event.isAutoRepeat())
         Guard("dlgKeyboard.txtValue_KeyPress", [&] { Control_Click(enter ? Confirm : Cancel); });
     return true;
@@ -336,10 +350,13 @@ bool dlgKeyboard::eventFilter(QObject* watched, QEvent* event) {
 std::optional<QString> AskText(const QString& title, const QString& present, int maxLength,
                                bool multiLine) {
     const QPointer<dlgKeyboard> keyboard(new dlgKeyboard);
-    keyboard->setTitle(title);
     keyboard->setMultiLine(multiLine);
     keyboard->setMaxLength(maxLength);
-    keyboard->setText(present);
+    const QStringList question{title, present, QString::number(maxLength)};
+    const std::optional<QString> typed = interrupted.Take(question);
+    keyboard->setTitle(typed ? title + QStringLiteral(" - ") + GetText(AsTypedBefore) : title);
+    keyboard->setText(typed.value_or(present));
+    keyboard->WhenTakenAway([question](const QString& text) { interrupted.Keep(question, text); });
     keyboard->ShowModal();
     if (!keyboard)
         return std::nullopt;

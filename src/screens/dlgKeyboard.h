@@ -3,6 +3,7 @@
 #include "screens/ScreenForm.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -29,9 +30,14 @@ public:
     /// Several lines and the key for a line break, or one line.
     void setMultiLine(bool on);
     bool MultiLine() const { return multiLine_; }
+    /// `note` gets the text when the keyboard is unloaded while it stands, without an answer.
+    void WhenTakenAway(std::function<void(const QString& text)> note) {
+        takenAway_ = std::move(note);
+    }
 
 protected:
     void Form_Activate() override;
+    void Form_Unload() override;
     void CloseRequested() override { Control_Click(Cancel); }
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -60,6 +66,7 @@ private:
     int maxLength_ = 0;
     /// Character code of the first key.
     int rangeBase_ = 0;
+    std::function<void(const QString&)> takenAway_;
 };
 
 /// Lets the user type a text and gives it; nothing when the keyboard was left otherwise, also when

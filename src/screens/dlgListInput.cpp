@@ -4,24 +4,23 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "platform/RunTimeError.h"
+#include "screens/Interrupted.h"
 #include "screens/ResizeForm.h"
 #include "screens/TouchList.h"
 #include "ui_dlgListInput.h"
 
 #include <QKeyEvent>
-#include <QMouseEvent>
-#include <QTimer>
 #include <limits>
 
 using ErrorHandling::Guard;
 
 namespace {
 
+/// What was chosen in a dialog that an event took away, for the same question.
+Interrupted interrupted;
+
 const QString Images = QStringLiteral("imgControl");
 
-/// Wait ahead of the first repeat of an arrow and between the next ones, milliseconds.
-constexpr int FirstRepeat = 1000;
-constexpr int NextRepeat = 100;
 constexpr int TextMargin = 6;
 
 /// Parameters of the panel editor whose value is the number of a line in one of its lists.
@@ -41,7 +40,7 @@ int Bound(const QString& text) {
 dlgListInput::dlgListInput()
     : ScreenForm(QStringLiteral("dlgListInput"), Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgListInput>())
-    , tmrRepeat_(new QTimer(this)) {
+    , repeat_(this) {
     ui_->setupUi(this);
     Prepare();
     MakeTouchList(*ui_->lstValue, IsScaled() ? CurrentScreenFactors().vertical : 1);
@@ -53,10 +52,9 @@ dlgListInput::dlgListInput()
             });
     connect(ui_->txtValue, &QLineEdit::textChanged, this,
             [this] { Guard("dlgListInput.txtValue_Change", [this] { Preview(); }); });
-    connect(tmrRepeat_, &QTimer::timeout, this, &dlgListInput::Repeat);
     OnClick(Images, [this](int index) { Control_Click(index); });
-    for (const int index : Indices(Images))
-        Control(Images, index)->installEventFilter(this);
+    for (const int index : {Up, Down})
+        repeat_.Watch(Control(Images, index), [this, index] { Control_Click(index); });
 }
 
 dlgListInput::~dlgListInput() = default;
@@ -100,6 +98,17 @@ void dlgListInput::AddItem(const QString& text) {
         ui_->lstValue->setCurrentItem(item);
 }
 
+void dlgListInput::Choose(const QString& value) {
+    const auto items = ui_->lstValue->findItems(value, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (!items.isEmpty())
+        ui_->lstValue->setCurrentItem(items.last());
+}
+
+void dlgListInput::Form_Unload() {
+    if (isVisible() && takenAway_)
+        takenAway_(Value());
+}
+
 void dlgListInput::Control_Click(int index) {
     QListWidget* list = ui_->lstValue;
     const int row = list->currentRow();
@@ -121,55 +130,6 @@ void dlgListInput::Control_Click(int index) {
         UndoPreview();
         Hide();
     }
-}
-
-void dlgListInput::StartRepeat(int index) {
-    repeatIndex_ = index;
-    tmrRepeat_->start(FirstRepeat);
-}
-
-void dlgListInput::StopRepeat() {
-    tmrRepeat_->stop();
-    tmrRepeat_->setInterval(0);
-    repeatIndex_ = -1;
-}
-
-void dlgListInput::Repeat() {
-    Guard("dlgListInput.tmrRepeat_Timer", [this] {
-        if (repeatIndex_ < 0)
-            return;
-        Control_Click(repeatIndex_);
-        tmrRepeat_->setInterval(NextRepeat);
-    });
-}
-
-bool dlgListInput::eventFilter(QObject* watched, QEvent* event) {
-    const auto type = event->type();
-    if (type == QEvent::MouseButtonRelease) {
-        StopRepeat();
-    } else if (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick) {
-        const auto* mouse = static_cast<QMouseEvent*>(event);
-        const bool plain = mouse->button() == Qt::LeftButton &&
-                           (mouse->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-        for (const int index : {Up, Down}) {
-            if (plain && watched == Control(Images, index))
-                StartRepeat(index);
-        }
-    }
-    return ScreenForm::eventFilter(watched, event);
-}
-
-/// A box that comes up while an arrow is held may take the release of the finger: the arrow must
-/// not go on for ever then.
-void dlgListInput::changeEvent(QEvent* event) {
-    ScreenForm::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow())
-        StopRepeat();
-}
-
-void dlgListInput::hideEvent(QHideEvent* event) {
-    StopRepeat();
-    ScreenForm::hideEvent(event);
 }
 
 void dlgListInput::Form_Activate() {
@@ -225,9 +185,14 @@ void dlgListInput::UndoPreview() {
 std::optional<QString> AskValue(ScreenForm* parent, const QString& descriptor,
                                 const QString& present) {
     const QPointer<dlgListInput> dialog(new dlgListInput);
+    const QString asked = parent == nullptr ? QString() : parent->Name();
+    const QStringList question{asked, descriptor, present};
     dialog->setParentForm(parent);
     dialog->setValue(present);
     dialog->setValuesList(descriptor);
+    if (const auto chosen = interrupted.Take(question))
+        dialog->Choose(*chosen);
+    dialog->WhenTakenAway([question](const QString& value) { interrupted.Keep(question, value); });
     dialog->ShowModal();
     if (!dialog)
         return std::nullopt;

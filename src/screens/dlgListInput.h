@@ -1,13 +1,13 @@
 #pragma once
 
+#include "screens/HoldToRepeat.h"
 #include "screens/ScreenForm.h"
 
 #include <QPointer>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
-
-class QTimer;
 
 namespace Ui {
 class dlgListInput;
@@ -46,14 +46,18 @@ public:
     void setValuesList(const QString& descriptor);
     QString Value() const;
     void setValue(const QString& value);
+    /// Selects an item by its text.
+    void Choose(const QString& value);
+    /// `note` gets the value when the dialog is unloaded while it stands, without an answer.
+    void WhenTakenAway(std::function<void(const QString& value)> note) {
+        takenAway_ = std::move(note);
+    }
 
 protected:
     void Form_Activate() override;
     void CloseRequested() override { Control_Click(Cancel); }
-    void changeEvent(QEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
+    void Form_Unload() override;
     void keyPressEvent(QKeyEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     enum Image { Up, Down, Confirm, Cancel };
@@ -61,9 +65,6 @@ private:
     void Control_Click(int index);
     void AddItem(const QString& text);
     void AddNumbers(const QString& lower, const QString& upper);
-    void StartRepeat(int index);
-    void StopRepeat();
-    void Repeat();
     void Preview();
     void UndoPreview();
     /// The screen to preview on and its parameter, if the value lies in the list.
@@ -72,9 +73,8 @@ private:
     std::unique_ptr<Ui::dlgListInput> ui_;
     bool ok_ = false;
     QPointer<ScreenForm> parent_;
-    QTimer* tmrRepeat_;
-    /// Arrow that is held down, -1 for none.
-    int repeatIndex_ = -1;
+    HoldToRepeat repeat_;
+    std::function<void(const QString&)> takenAway_;
 };
 
 /// Lets the user choose a value and gives it; nothing when the dialog was left otherwise, also

@@ -6,12 +6,15 @@
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Operator.h"
+#include "screens/ResizeForm.h"
 #include "screens/Theme.h"
 #include "ui_dlgMessage.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QScreen>
 #include <QWindow>
@@ -58,6 +61,11 @@ constexpr std::array<std::array<double, 3>, 3> LeftEdges{{
 }};
 
 constexpr std::array Pictures{"", "critical", "question", "exclamation", "information"};
+
+/// Of the design, pixels: the most that a box takes that nobody called, and where the list of the
+/// console ends.
+constexpr int UnreadHeight = 270;
+constexpr int ListEnd = 446;
 
 constexpr int SetMask = 7;
 constexpr int PictureShift = 16;
@@ -107,7 +115,7 @@ int dlgMessage::Present(const QString& text, int buttons, bool noWait) {
     dialog->setButtons(buttons);
     dialog->setDoUnload(noWait);
     if (noWait) {
-        dialog->ShowAtOnce();
+        dialog->Show();
         return 0;
     }
     const std::shared_ptr<int> result = dialog->result_;
@@ -118,25 +126,20 @@ int dlgMessage::Present(const QString& text, int buttons, bool noWait) {
     return *result;
 }
 
-/// A box above one that waits would be deaf and cover it: it takes the touch first.
-void dlgMessage::ShowAtOnce() {
-    if (QApplication::activeModalWidget() != nullptr)
-        setWindowModality(Qt::ApplicationModal);
-    Show();
-}
-
 void dlgMessage::PresentUnread(const QString& text, int buttons) {
     static QPointer<dlgMessage> standing;
     if (standing && standing->Visible()) {
         standing->setMessage(text);
+        standing->BringToFront();
         return;
     }
     standing = new dlgMessage;
     standing->unread_ = true;
+    standing->setAttribute(Qt::WA_ShowWithoutActivating);
     standing->setMessage(text);
     standing->setButtons(buttons);
     standing->setDoUnload(true);
-    standing->ShowAtOnce();
+    standing->Show();
 }
 
 /// What a notice goes with keeps the event loop still: it must be on the screen before.
@@ -223,12 +226,29 @@ void dlgMessage::setMessage(const QString& text) {
         lines.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
         ui_->txtMsg->setPlainText(lines);
         Layout();
+        if (isVisible())
+            Place();
     });
 }
 
+/// One that nobody called leaves the greater part of the console's list in sight.
 int dlgMessage::MostHeight() const {
+    if (unread_)
+        return qRound(UnreadHeight * (IsScaled() ? CurrentScreenFactors().vertical : 1));
     const QScreen* display = QGuiApplication::primaryScreen();
     return display ? display->geometry().height() : Theme::DesignHeight;
+}
+
+/// One that nobody called lies where the console has its oldest alarms, above its buttons, or above
+/// the prompt in which a code is being entered.
+QRect dlgMessage::PlaceIn(const QRect& area) const {
+    QRect place = ScreenForm::PlaceIn(area);
+    if (!unread_)
+        return place;
+    const auto* prompt = dynamic_cast<const QWidget*>(Forms::Find(QStringLiteral("dlgUserCodes")));
+    const int foot = area.top() + area.height() * ListEnd / Theme::DesignHeight;
+    place.moveBottom(prompt != nullptr && prompt->isVisible() ? qMin(foot, prompt->y() - 1) : foot);
+    return place;
 }
 
 /// The box grows with its text. A text higher than the display is scrolled.
@@ -243,6 +263,8 @@ void dlgMessage::Layout() {
     const int text = qMin(wanted, MostHeight() - rest);
     const int area = qMax(text, picture);
     box->setVerticalScrollBarPolicy(text < wanted ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    // A text in full sight lets a touch through to the box.
+    box->setAttribute(Qt::WA_TransparentForMouseEvents, text >= wanted);
     box->setGeometry(box->x(), top + (area - text) / 2, box->width(), text);
     setFixedSize(width(), area + rest);
     for (const int i : Indices(Button)) {
@@ -276,6 +298,14 @@ void dlgMessage::Press(int index) {
         Unload();
     else
         Hide();
+}
+
+/// A touch anywhere reads what nobody has called.
+void dlgMessage::mouseReleaseEvent(QMouseEvent* event) {
+    if (!unread_ || event->button() != Qt::LeftButton || !rect().contains(event->pos()))
+        return;
+    const Operator::Acting acting;
+    Guard("dlgMessage.Form_Click", [this] { Press(0); });
 }
 
 void dlgMessage::keyPressEvent(QKeyEvent* event) {

@@ -36,6 +36,10 @@ protected:
     /// The texts come from the style word.
     void Nationality() override {}
     void Form_Activate() override;
+    QRect PlaceIn(const QRect& area) const override;
+    /// One that nobody waits for never takes the keyboard.
+    bool Floats() const override { return doUnload_; }
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void CloseRequested() override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -47,7 +51,6 @@ private:
     void ShowPicture(int picture);
     void PlaceButtons(int count);
     void Layout();
-    void ShowAtOnce();
     void Press(int index);
     int MostHeight() const;
 

@@ -2,8 +2,10 @@
 
 #include "core/Bytes.h"
 #include "core/Config.h"
+#include "core/ErrorHandling.h"
 #include "core/Global.h"
 #include "screens/AskPassword.h"
+#include "screens/ResizeForm.h"
 #include "screens/Theme.h"
 #include "ui_dlgUserCodes.h"
 
@@ -35,6 +37,15 @@ constexpr int KeyPitchX = 66;
 constexpr int KeyPitchY = 60;
 constexpr int KeysInRow = 10;
 constexpr int KeyPixels = 22;
+const QString KeyCharacters = QStringLiteral("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-\b");
+
+/// The bare prompt: its height, its first key and the distance from key to key.
+constexpr int PromptHeight = 280;
+constexpr QRect PromptKey(12, 118, 54, 48);
+constexpr QSize PromptKeyPitch(60, 53);
+constexpr int PromptKeysInRow = 13;
+constexpr int NeededLevel = 714100;
+constexpr int UnknownCode = 714101;
 
 /// The box that the keys write to is yellow, the others white.
 QString StyleOf(bool active) {
@@ -70,7 +81,7 @@ dlgUserCodes::~dlgUserCodes() = default;
 
 /// The control's index is the code of its character. No key takes the focus from the boxes.
 void dlgUserCodes::MakeKeys() {
-    const QString characters = QStringLiteral("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-\b");
+    const QString characters = KeyCharacters;
     for (int i = 0; i < characters.size(); ++i) {
         const int code = characters[i].unicode();
         auto* key = new QPushButton(this);
@@ -82,7 +93,10 @@ void dlgUserCodes::MakeKeys() {
     }
 }
 
-void dlgUserCodes::AskCodeOnly() {
+void dlgUserCodes::AskCodeOnly(ScreenForm* caller, int level, Taker taker) {
+    caller_ = caller;
+    neededLevel_ = level;
+    taker_ = std::move(taker);
     for (const int index : {NameLabel, LevelLabel})
         Control(Caption, index)->hide();
     for (const int index : {LevelDown, LevelUp})
@@ -90,26 +104,54 @@ void dlgUserCodes::AskCodeOnly() {
     ui_->lblPwdLevel->hide();
     Box(NameBox)->hide();
     Control(Caption, HintLabel)->show();
+    ui_->lblTold->show();
     Box(CodeBox)->setEchoMode(QLineEdit::Password);
     SetCaption(ui_->lblTitle, GetText(PromptTitle));
     ui_->lblTitle->setProperty("Tag", QString::number(PromptTitle));
     Compact();
+    Tell(QString(), false);
     if (tmrAutoClose_->interval() > 0)
         tmrAutoClose_->start();
 }
 
-/// Without name and level the code moves up to their place, and the rest follows.
+/// What is left goes into as few rows as there may be: the list of the console stays in sight.
 void dlgUserCodes::Compact() {
-    const int rise = Box(CodeBox)->y() - Box(NameBox)->y();
-    const int rows = rise + Control(Image, LevelUp)->y() - Box(CodeBox)->y();
-    for (QWidget* control : {static_cast<QWidget*>(Box(CodeBox)), Control(Caption, CodeLabel)})
-        control->move(control->x(), control->y() - rise);
-    for (const int index : Indices(Key))
-        Control(Key, index)->move(Control(Key, index)->x(), Control(Key, index)->y() - rows);
-    for (QWidget* control :
-         {Control(Image, CancelImage), Control(Image, ConfirmImage), Control(Caption, HintLabel)})
-        control->move(control->x(), control->y() - rows);
-    setFixedSize(width(), height() - rows);
+    const ScreenFactors by = IsScaled() ? CurrentScreenFactors() : ScreenFactors{};
+    const auto place = [&by](QWidget* control, const QRect& area) {
+        control->setGeometry(qRound(area.x() * by.horizontal), qRound(area.y() * by.vertical),
+                             qRound(area.width() * by.horizontal),
+                             qRound(area.height() * by.vertical));
+    };
+    place(ui_->lblTitle, {12, 6, 250, 30});
+    place(ui_->lblTold, {270, 6, 518, 30});
+    place(Control(Caption, CodeLabel), {12, 40, 110, 50});
+    place(Box(CodeBox), {126, 40, 326, 50});
+    place(Control(Image, CancelImage), {464, 40, 158, 50});
+    place(Control(Image, ConfirmImage), {630, 40, 158, 50});
+    place(Control(Caption, HintLabel), {126, 92, 662, 22});
+    const QString characters = KeyCharacters;
+    for (int i = 0; i < characters.size(); ++i)
+        place(Control(Key, characters[i].unicode()),
+              PromptKey.translated(i % PromptKeysInRow * PromptKeyPitch.width(),
+                                   i / PromptKeysInRow * PromptKeyPitch.height()));
+    setFixedSize(qRound(Theme::DesignWidth * by.horizontal), qRound(PromptHeight * by.vertical));
+}
+
+QRect dlgUserCodes::PlaceIn(const QRect& area) const {
+    QRect place = ScreenForm::PlaceIn(area);
+    if (taker_)
+        place.moveBottom(area.bottom());
+    return place;
+}
+
+/// The level that is needed, and ahead of it what became of the last code.
+void dlgUserCodes::Tell(const QString& text, bool failed) {
+    QStringList parts{text};
+    if (neededLevel_ > 0)
+        parts += GetText(NeededLevel).replace(u'$', QString::number(neededLevel_));
+    parts.removeAll(QString());
+    SetCaption(ui_->lblTold, parts.join(QStringLiteral(" - ")));
+    ui_->lblTold->setStyleSheet(failed ? QStringLiteral("color: #FFA64D;") : QString());
 }
 
 QLineEdit* dlgUserCodes::Box(int index) const {
@@ -198,7 +240,7 @@ void dlgUserCodes::cmdChar_Click(int index) {
 void dlgUserCodes::imgControl_Click(int index) {
     const int level = UserLevel();
     if (index == CancelImage || index == ConfirmImage)
-        Close(index == ConfirmImage);
+        index == ConfirmImage ? Confirm() : Close(false);
     else if (index == LevelDown && level > 0)
         setUserLevel(level - 1);
     else if (index == LevelUp && level < HighestLevel &&
@@ -207,10 +249,33 @@ void dlgUserCodes::imgControl_Click(int index) {
 }
 
 void dlgUserCodes::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    ErrorHandling::Guard("dlgUserCodes.Form_KeyDown", [&] {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+            Confirm();
+        else if (event->key() == Qt::Key_Escape)
+            Close(false);
+    });
+}
+
+/// A code that isn't enough leaves the prompt, with its full time, for another one.
+void dlgUserCodes::Confirm() {
+    if (!taker_) {
         Close(true);
-    else if (event->key() == Qt::Key_Escape)
-        Close(false);
+        return;
+    }
+    const QPointer<dlgUserCodes> self(this);
+    const Verdict verdict = taker_(UserPwd());
+    // The event of the code may have taken the prompt away.
+    if (!IsLoaded(self.data()))
+        return;
+    if (verdict == Verdict::Taken) {
+        Close(true);
+        return;
+    }
+    Box(CodeBox)->clear();
+    Tell(verdict == Verdict::Unknown ? GetText(UnknownCode) : QString(), true);
+    if (tmrAutoClose_->interval() > 0)
+        tmrAutoClose_->start();
 }
 
 void dlgUserCodes::Close(bool ok) {

@@ -2,7 +2,9 @@
 
 #include "screens/ScreenForm.h"
 
+#include <QPointer>
 #include <QTimer>
+#include <functional>
 #include <memory>
 
 class QLineEdit;
@@ -19,11 +21,18 @@ public:
     dlgUserCodes();
     ~dlgUserCodes() override;
 
+    /// What becomes of a code that was confirmed. Only the first closes the prompt, the others are
+    /// told in it.
+    enum class Verdict { Taken, Unknown, TooLow };
+    using Taker = std::function<Verdict(const QString& code)>;
+
     /// True when the entry was confirmed.
     bool Ok() const { return ok_; }
-    /// Leaves the code alone, hidden behind stars, and lets the form close by itself after the
-    /// seconds of the base.
-    void AskCodeOnly();
+    /// Leaves the code alone, hidden behind stars, at the foot of the display, and lets the form
+    /// close by itself after the seconds of the base. It stays over events as long as `caller`
+    /// does. A `level` above 0 is told.
+    void AskCodeOnly(ScreenForm* caller, int level, Taker taker);
+    bool StaysOverEvents() const override { return IsLoaded(caller_.data()); }
 
     QString UserName() const;
     void setUserName(const QString& name);
@@ -37,6 +46,7 @@ protected:
     void Form_Unload() override;
     void CloseRequested() override { Close(false); }
     void keyPressEvent(QKeyEvent* event) override;
+    QRect PlaceIn(const QRect& area) const override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -47,11 +57,17 @@ private:
     void ShowBoxes();
     void cmdChar_Click(int index);
     void imgControl_Click(int index);
+    void Confirm();
+    void Tell(const QString& text, bool failed);
     void Close(bool ok);
 
     std::unique_ptr<Ui::dlgUserCodes> ui_;
     QTimer* tmrAutoClose_ = nullptr;
     bool ok_ = false;
+    /// Of the bare prompt: who asks, the level that is needed and where a code goes.
+    QPointer<const ScreenForm> caller_;
+    int neededLevel_ = 0;
+    Taker taker_;
     /// A user of level 1 exists: levels are guarded.
     bool guarded_ = false;
     /// The box that the keys write into, -1 for none.

@@ -4,6 +4,7 @@
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Operator.h"
 #include "platform/Folders.h"
 #include "screens/ResizeForm.h"
 #include "ui_wHelp.h"
@@ -125,6 +126,7 @@ void wHelp::imgControl_Click(int index) {
 bool wHelp::eventFilter(QObject* watched, QEvent* event) {
     if (watched == ui_->txtHelp->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const QPoint place = static_cast<QMouseEvent*>(event)->position().toPoint();
+        const Operator::Acting acting;
         ErrorHandling::Guard("wHelp.txtHelp_Click", [&] { FollowLine(place); });
         return true;
     }

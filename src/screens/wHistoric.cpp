@@ -8,11 +8,11 @@
 #include "core/Pointer.h"
 #include "events/HistoProcs.h"
 #include "events/TextProcs.h"
-#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Folders.h"
 #include "screens/AskPassword.h"
+#include "screens/HoldToRepeat.h"
 #include "screens/Navigation.h"
 #include "screens/ResizeForm.h"
 #include "screens/TouchList.h"
@@ -23,7 +23,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
-#include <QPointer>
 
 using ErrorHandling::Guard;
 
@@ -44,7 +43,10 @@ const QString Separator = QStringLiteral(" - ");
 
 /// Indices of `imgControl`.
 enum Button { PreviousFile = 0, NextFile = 1, FirstKey = 4 };
-constexpr Qt::Key Keys[] = {Qt::Key_PageUp, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageDown};
+constexpr Qt::Key Keys[] = {Qt::Key_PageUp,   Qt::Key_Up,   Qt::Key_Down,
+                            Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+/// Keys that go on while their button is held.
+constexpr int HeldKeys = 4;
 
 /// The date of a file's name in groups: year, month and, in a daily file, day.
 QString Groups(const QString& fileName) {
@@ -88,6 +90,10 @@ wHistoric::~wHistoric() = default;
 
 void wHistoric::ConnectControls() {
     OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
+    auto* repeat = new HoldToRepeat(this);
+    for (int index = FirstKey; index < FirstKey + HeldKeys; ++index)
+        repeat->Watch(Control(QStringLiteral("imgControl"), index),
+                      [this, index] { imgControl_Click(index); });
     OnClick(ui_->imgConsigne, [this] { imgConsigne_Click(); });
     OnClick(ui_->imgTelecommande, [this] { imgTelecommande_Click(); });
     OnClick(ui_->imgClose, [this] { imgClose_Click(); });
@@ -190,10 +196,7 @@ void wHistoric::imgConsigne_Click() {
 }
 
 void wHistoric::imgTelecommande_Click() {
-    const QPointer<wHistoric> self(this);
-    if (Global::Get().userLevel < OperatorLevel)
-        AskPassword();
-    if (self && AccessOk(OperatorLevel))
+    if (TryLevel(*this, OperatorLevel))
         OpenScreen(QStringLiteral("wTeleCmdes"));
 }
 

@@ -80,7 +80,7 @@ wMain::wMain()
         connect(Polling(), &wPolling::UserChanged, this, &wMain::ShowLogin);
     Show();
     repaint();
-    ShowFileName(FilePicker::BaseName(LastUsed()));
+    ShowFileName(FilePicker::SiteName(LastUsed()));
     Forms::UnloadAllBut({PollingForm, MainMenu});
     if (Forms::Form* polling = Forms::Find(PollingForm))
         polling->Hide();
@@ -141,8 +141,7 @@ void wMain::lstLanguage_Click() {
 void wMain::Nationality() {
     ScreenForm::Nationality();
     AligneMenus();
-    if (LastUsed().isEmpty())
-        ShowFileName(GetText(50010));
+    ShowFileName(FilePicker::SiteName(LastUsed()));
     Global::ReadMarks();
 }
 

@@ -43,24 +43,26 @@ private:
     void ShowModified();
     void ShrinkLabels();
 
-    /// False for a menu that was unloaded while something waited, though its handler still runs.
-    static bool IsLoaded(const QPointer<wMain>& menu);
     void RunTile(MenuTile tile);
-    /// Asks for a code until the level is reached. False when the operator gives up or the menu is
-    /// gone meanwhile.
-    bool InsistOnLevel(int level);
+    /// Asks for a code until the level is reached, and shows the level that was. False when the
+    /// operator gives up or the menu is gone meanwhile.
+    bool Insist(int level);
     /// Opens a screen in place of the menu.
     void Open(const QString& name);
     void OpenParameters();
     void OpenSystem();
     void AskLogin();
 
-    /// Saves the site under a name that is asked for. False when there was none, or when the menu
-    /// is gone meanwhile.
-    bool SaveUnderName(bool withKeyboard);
+    enum class Saved { Yes, NoName, Failed };
+    /// Saves the site under a name that is asked for. `Failed` also when the menu is gone
+    /// meanwhile.
+    Saved SaveUnderName(bool withKeyboard);
     /// Lets unsaved changes be saved. False to stop what would lose them.
     bool SaveChanges(bool withKeyboard);
-    void SaveSite(const QString& path);
+    /// False when one of the two files wasn't written, which was told.
+    bool SaveSite(const QString& path);
+    /// Saves what the program starts from. A failure is told, and leaves the site modified.
+    bool SaveCurrent();
     void ReadSite(const QString& path);
     void OpenSite();
     void MakeNewSite();

@@ -122,20 +122,21 @@ void wMain::keyPressEvent(QKeyEvent* event) {
         ScreenForm::keyPressEvent(event);
 }
 
-bool wMain::SaveUnderName(bool withKeyboard) {
+wMain::Saved wMain::SaveUnderName(bool withKeyboard) {
     const QPointer<wMain> self(this);
     if (withKeyboard)
         platform::StartProcess(ScreenKeyboard());
     const QString path = FilePicker::SaveAs(FilePicker::Folder(LastUsed()),
                                             FilePicker::FileName(LastUsed()), Filter());
     EndScreenKeyboard();
-    if (path.isEmpty() || !IsLoaded(self))
-        return false;
-    SaveSite(path);
-    return IsLoaded(self);
+    if (!IsLoaded(self.data()))
+        return Saved::Failed;
+    if (path.isEmpty())
+        return Saved::NoName;
+    return SaveSite(path) && IsLoaded(self.data()) ? Saved::Yes : Saved::Failed;
 }
 
-void wMain::SaveSite(const QString& path) {
+bool wMain::SaveSite(const QString& path) {
     const QPointer<wMain> self(this);
     ConfigClass& site = Global::Configuration();
     Pointer::Hourglass();
@@ -144,14 +145,26 @@ void wMain::SaveSite(const QString& path) {
     if (result < 1) {
         setLastUsed(path);
         site.setModified(false);
-        if (IsLoaded(self))
+        if (IsLoaded(self.data()))
             ShowFileName(FilePicker::BaseName(path));
-    } else if (IsLoaded(self)) {
+    } else if (IsLoaded(self.data())) {
         TellFailure(result);
     }
-    SaveCurrentConfig();
-    if (IsLoaded(self))
+    const bool kept = SaveCurrent();
+    if (IsLoaded(self.data()))
         ShowModified();
+    return result < 1 && kept;
+}
+
+bool wMain::SaveCurrent() {
+    const QPointer<wMain> self(this);
+    const qint32 result = SaveCurrentConfig();
+    if (result < 1)
+        return true;
+    Global::Configuration().setModified(true);
+    if (IsLoaded(self.data()))
+        TellFailure(result);
+    return false;
 }
 
 bool wMain::SaveChanges(bool withKeyboard) {
@@ -159,9 +172,9 @@ bool wMain::SaveChanges(bool withKeyboard) {
         return true;
     const QPointer<wMain> self(this);
     const int answer = Message(GetText(50003), QuestionWithNo);
-    if (!IsLoaded(self) || !HasAnswer(answer))
+    if (!IsLoaded(self.data()) || !HasAnswer(answer))
         return false;
-    return answer != Messages::Yes || SaveUnderName(withKeyboard);
+    return answer != Messages::Yes || SaveUnderName(withKeyboard) == Saved::Yes;
 }
 
 void wMain::OpenSite() {
@@ -170,11 +183,11 @@ void wMain::OpenSite() {
         return;
     const QString path = FilePicker::Open(FilePicker::Folder(LastUsed()),
                                           FilePicker::FileName(LastUsed()), Filter());
-    if (path.isEmpty() || !IsLoaded(self))
+    if (path.isEmpty() || !IsLoaded(self.data()))
         return;
     ReadSite(path);
-    SaveCurrentConfig();
-    if (IsLoaded(self))
+    SaveCurrent();
+    if (IsLoaded(self.data()))
         ShowModified();
 }
 
@@ -205,14 +218,15 @@ void wMain::ReadSite(const QString& path) {
 
 void wMain::MakeNewSite() {
     const QPointer<wMain> self(this);
-    if (Message(GetText(30013), OkCancel) != Messages::Ok || !IsLoaded(self) || !SaveChanges(true))
+    if (Message(GetText(30013), OkCancel) != Messages::Ok || !IsLoaded(self.data()) ||
+        !SaveChanges(true))
         return;
     const QString unnamed = GetText(50010);
     ShowFileName(unnamed);
     setLastUsed(unnamed);
     Global::setConfiguration(std::make_unique<ConfigClass>());
-    SaveCurrentConfig();
-    if (IsLoaded(self))
+    SaveCurrent();
+    if (IsLoaded(self.data()))
         ShowModified();
 }
 
@@ -223,15 +237,15 @@ void wMain::LeaveProgram() {
     }
     const QPointer<wMain> self(this);
     if (Global::Configuration().Modified())
-        SaveCurrentConfig();
+        SaveCurrent();
+    if (!IsLoaded(self.data()))
+        return;
     const int answer = Global::Configuration().Modified() ? Message(GetText(50003), QuestionWithNo)
                                                           : Message(GetText(50002), Question);
-    if (!IsLoaded(self) || !HasAnswer(answer))
+    if (!IsLoaded(self.data()) || !HasAnswer(answer))
         return;
     // Changes that get no name are kept all the same: the program starts with them again.
-    if (answer == Messages::Yes)
-        SaveUnderName(true);
-    if (!IsLoaded(self))
+    if (answer == Messages::Yes && SaveUnderName(true) == Saved::Failed)
         return;
     IniWrite(Files, QStringLiteral("LastConfigModified"),
              QString::number(Global::Configuration().Modified() ? 1 : 0));

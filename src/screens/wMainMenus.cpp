@@ -2,8 +2,6 @@
 
 #include "core/Forms.h"
 #include "core/Global.h"
-#include "core/Yield.h"
-#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "screens/AskPassword.h"
 #include "screens/dlgMenuParams.h"
@@ -53,33 +51,29 @@ void wMain::imgMenu_Click(int index) {
         if (self)
             self->inTile_ = false;
     });
-    while (IsLoaded(self) && nextTile_ >= 0)
+    while (IsLoaded(self.data()) && nextTile_ >= 0)
         RunTile(MenuTile(std::exchange(nextTile_, -1)));
-}
-
-bool wMain::IsLoaded(const QPointer<wMain>& menu) {
-    return menu && Forms::Find(menu->Name()) == menu.data();
 }
 
 void wMain::RunTile(MenuTile tile) {
     switch (tile) {
     case MenuTile::BusModules:
-        if (InsistOnLevel(ConfigurationLevel))
+        if (Insist(ConfigurationLevel))
             Open(QStringLiteral("wBusModules"));
         break;
     case MenuTile::Parameters:
-        if (InsistOnLevel(ConfigurationLevel))
+        if (Insist(ConfigurationLevel))
             OpenParameters();
         break;
     case MenuTile::System:
-        if (InsistOnLevel(ConfigurationLevel))
+        if (Insist(ConfigurationLevel))
             OpenSystem();
         break;
     case MenuTile::RunMode:
         ShowConsole();
         break;
     case MenuTile::Technician:
-        if (InsistOnLevel(TechnicianLevel))
+        if (Insist(TechnicianLevel))
             Open(QStringLiteral("wTechnician"));
         break;
     case MenuTile::Factory:
@@ -87,34 +81,25 @@ void wMain::RunTile(MenuTile tile) {
     }
 }
 
-bool wMain::InsistOnLevel(int level) {
+bool wMain::Insist(int level) {
     const QPointer<wMain> self(this);
-    while (!AccessOk(level)) {
-        const bool entered = AskPassword();
-        // An operator who stays away may have cost the menu its place.
-        if (!IsLoaded(self))
-            return false;
-        // Any code may have changed the level, one that isn't enough as well.
+    const bool reached = InsistOnLevel(*this, level);
+    // Any code may have changed the level, one that isn't enough as well.
+    if (IsLoaded(self.data()))
         ShowLogin();
-        if (!entered)
-            return false;
-        Yield();
-        if (!IsLoaded(self))
-            return false;
-    }
-    return true;
+    return reached;
 }
 
 void wMain::AskLogin() {
     const QPointer<wMain> self(this);
-    AskPassword();
-    if (IsLoaded(self))
+    AskPassword(this);
+    if (IsLoaded(self.data()))
         ShowLogin();
 }
 
 void wMain::Open(const QString& name) {
     const QPointer<wMain> self(this);
-    if (OpenScreen(name) && IsLoaded(self))
+    if (OpenScreen(name) && IsLoaded(self.data()))
         Unload();
 }
 
@@ -152,8 +137,8 @@ void wMain::OpenSystem() {
     case Users:
         OpenDialog(QStringLiteral("dlgDefPwds"));
         if (Global::Configuration().Modified())
-            SaveCurrentConfig();
-        if (IsLoaded(self))
+            SaveCurrent();
+        if (IsLoaded(self.data()))
             ShowModified();
         break;
     default:

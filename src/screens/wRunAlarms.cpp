@@ -1,4 +1,5 @@
 #include "screens/wRunAlarms.h"
+#include "screens/FilePicker.h"
 
 #include "bus/wPolling.h"
 #include "core/Config.h"
@@ -234,10 +235,8 @@ void wRunAlarms::ShowLogin() {
 }
 
 void wRunAlarms::ShowSiteName() {
-    QString path = IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString());
-    const QString name = QFileInfo(path.replace(u'\\', u'/')).completeBaseName();
+    const QString name = FilePicker::SiteName(
+        IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString()));
     QLabel& label = *ui_->lblFileName;
-    label.setText(
-        QFontMetrics(label.font())
-            .elidedText(name.isEmpty() ? GetText(50010) : name, Qt::ElideRight, label.width()));
+    label.setText(QFontMetrics(label.font()).elidedText(name, Qt::ElideRight, label.width()));
 }

@@ -2,9 +2,7 @@
 
 #include "bus/wPolling.h"
 #include "core/Global.h"
-#include "core/Yield.h"
 #include "events/Klaxon.h"
-#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Clock.h"
@@ -54,30 +52,18 @@ void AcknowledgeOnBus(qint16 panel) {
 
 bool wRunAlarms::InsistOnLevel(int level) {
     const QPointer<wRunAlarms> self(this);
-    while (!AccessOk(level)) {
-        const bool entered = AskPassword();
-        // A user who stays away may have cost the console its place.
-        if (!self)
-            return false;
+    const bool reached = ::InsistOnLevel(*this, level);
+    if (self)
         ShowLogin();
-        if (!entered)
-            return false;
-        Yield();
-        if (!self)
-            return false;
-    }
-    return true;
+    return reached;
 }
 
 bool wRunAlarms::TryLevel(int level) {
     const QPointer<wRunAlarms> self(this);
-    if (Global::Get().userLevel < level) {
-        AskPassword();
-        if (!self)
-            return false;
+    const bool reached = ::TryLevel(*this, level);
+    if (self)
         ShowLogin();
-    }
-    return AccessOk(level);
+    return reached;
 }
 
 bool wRunAlarms::HasSelectionInSight() {
@@ -178,7 +164,7 @@ void wRunAlarms::imgCommWatch_Click() {
 
 void wRunAlarms::lblLogin_Click() {
     const QPointer<wRunAlarms> self(this);
-    AskPassword();
+    AskPassword(this);
     if (self)
         Form_Activate();
 }

@@ -34,6 +34,11 @@ constexpr int MarkWidth = 3;
 constexpr int AtRestText = 712006;
 constexpr int ActiveText = 712007;
 constexpr int OtherStateText = 712008;
+constexpr int WaitText = 712005;
+constexpr int MissingText = 714103;
+constexpr int FailedText = 714104;
+/// Place of the legend that shows the lamp of a missing module.
+constexpr int MissingLegend = 3;
 
 /// The line above an instruction.
 QString Origin(const PanelClass& panel, int channel) {
@@ -81,12 +86,15 @@ void wTeleCmde::Form_Load() {
         shpSelection_->setAttribute(Qt::WA_TransparentForMouseEvents);
         shpSelection_->hide();
         for (const int state : Indices(QStringLiteral("imgLegend")))
-            Control<Voyant>(QStringLiteral("imgLegend"), state)->setState(qint16(state));
+            Control<Voyant>(QStringLiteral("imgLegend"), state)
+                ->setState(qint16(state), state == MissingLegend);
         OnClick(QStringLiteral("ImgTcmde"), [this](int index) { ImgTcmde_Click(index); });
         OnClick(ui_->imgConsigne, [this] { imgConsigne_Click(); });
         OnClick(ui_->imgClose, [this] { Close(); });
         connect(&tmrPoll_, &QTimer::timeout, this, &wTeleCmde::tmrPoll_Timer);
         tmrPoll_.start(RepaintPeriodMs);
+        if (Polling() != nullptr)
+            connect(Polling(), &wPolling::WriteError, this, [this] { DropSettled(); });
         ui_->lblWait->hide();
         ShowSelection();
     });
@@ -152,7 +160,9 @@ void wTeleCmde::MakeLamps() {
 
 void wTeleCmde::lblVoyant_Click(int index) {
     channel_ = index;
+    failed_ = false;
     ShowSelection();
+    ShowWait();
 }
 
 void wTeleCmde::ShowSelection() {
@@ -165,9 +175,10 @@ void wTeleCmde::ShowSelection() {
         return;
     shpSelection_->setGeometry(Control(Lamps, channel_)->geometry());
     const qint16 state = panel_->Channel(channel_).State();
-    ui_->lblState->setText(GetText(state == 0   ? AtRestText
-                                   : state == 1 ? ActiveText
-                                                : OtherStateText));
+    ui_->lblState->setText(GetText(IsMissing(*panel_) ? MissingText
+                                   : state == 0       ? AtRestText
+                                   : state == 1       ? ActiveText
+                                                      : OtherStateText));
 }
 
 /// The waiting is no loop in here: a press may arrive inside a round of the bus, which carries
@@ -185,6 +196,7 @@ void wTeleCmde::ImgTcmde_Click(int index) {
     }
     const auto order = std::make_shared<CommandClass>(panel_->Numero(), ForcedRegister + channel_,
                                                       Words{qint16(index * OrderStep)});
+    failed_ = false;
     waiting_.append(Queue(*comm, order));
     DropSettled();
 }
@@ -205,8 +217,9 @@ void wTeleCmde::tmrPoll_Timer() {
         DropSettled();
         if (panel_ == nullptr)
             return;
+        const bool missing = IsMissing(*panel_);
         for (int i = 0; i < lamps_.size(); ++i)
-            lamps_[i]->setState(panel_->Channel(i + 1).State());
+            lamps_[i]->setState(panel_->Channel(i + 1).State(), missing);
         ShowSelection();
     });
 }
@@ -218,10 +231,20 @@ void wTeleCmde::DropSettled() {
     if (comm == nullptr || !comm->Run() || comm->IsClosing())
         waiting_.clear();
     waiting_.removeIf([&](const CommandPtr& command) {
+        failed_ |= command->ErrorCount() >= CommandClass::MaxErrors;
         return command->CmdType() == CommandTypes::Done ||
                command->ErrorCount() >= CommandClass::MaxErrors || !IsQueued(*comm, command);
     });
-    ui_->lblWait->setVisible(!waiting_.isEmpty());
+    ShowWait();
+}
+
+/// What keeps an order from being carried out, in words; what goes on comes first.
+void wTeleCmde::ShowWait() {
+    const bool waits = !waiting_.isEmpty();
+    const bool missing = panel_ != nullptr && IsMissing(*panel_);
+    ui_->lblWait->setVisible(waits || failed_ || missing);
+    ui_->lblWait->setText(GetText(waits ? WaitText : failed_ ? FailedText : MissingText));
+    ui_->lblWait->setStyleSheet(waits ? QString() : QStringLiteral("color: #FFA64D;"));
 }
 
 void wTeleCmde::Close() {

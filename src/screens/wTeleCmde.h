@@ -40,6 +40,7 @@ private:
     void tmrPoll_Timer();
     void ShowTitle();
     void ShowSelection();
+    void ShowWait();
     /// Drops the commands that are done, given up or won't be sent any more.
     void DropSettled();
     void Close();
@@ -53,4 +54,6 @@ private:
     QTimer tmrPoll_;
     /// What the operator waits for.
     QList<CommandPtr> waiting_;
+    /// The last order was given up by the bus.
+    bool failed_ = false;
 };

@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 #include "core/ErrorHandling.h"
+#include "core/Operator.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "screens/Telecommande.h"
@@ -77,8 +78,10 @@ void wTeleCmdes::MakeTile(int place, int panel) {
                       pattern.height());
     tile->setPanel(&Global::Configuration().Panel(panel));
     tile->Update();
-    connect(tile, &Telecommande::Click, this,
-            [this, tile] { Guard("wTeleCmdes.Telecmde_Click", [&] { OpenPanel(*tile); }); });
+    connect(tile, &Telecommande::Click, this, [this, tile] {
+        const Operator::Acting acting;
+        Guard("wTeleCmdes.Telecmde_Click", [&] { OpenPanel(*tile); });
+    });
     tile->show();
 }
 

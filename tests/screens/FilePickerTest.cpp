@@ -101,6 +101,15 @@ protected:
     }
 };
 
+TEST(FilePickerPaths, ASettingWithoutAPathIsNoName) {
+    // Without a base each text is its number.
+    EXPECT_EQ(FilePicker::SiteName(QStringLiteral("C:\\sites\\North.kv2")),
+              QStringLiteral("North"));
+    EXPECT_EQ(FilePicker::SiteName(QStringLiteral("/North.v2.kv2")), QStringLiteral("North.v2"));
+    for (const char* none : {"", "Unbenannt"})
+        EXPECT_EQ(FilePicker::SiteName(QString::fromLatin1(none)), GetText(50010));
+}
+
 TEST_F(FilePickerTest, ListsMediaThenFoldersThenTheFilesOfThePattern) {
     const QString computer = GetText(611006);
     Open(

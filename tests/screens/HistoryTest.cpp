@@ -71,8 +71,9 @@ TEST_F(HistoryTest, AnEmptyFolderGivesNothingToChoose) {
     EXPECT_EQ(Files().count(), 0);
     EXPECT_EQ(Grid().Count(), 0);
     EXPECT_EQ(TextOf(History, "txtNoAlarm"), "No history file yet");
-    for (const char* control : {"imgConsigne", "imgControl_0", "imgControl_1", "imgControl_4",
-                                "imgControl_5", "imgControl_6", "imgControl_7"})
+    for (const char* control :
+         {"imgConsigne", "imgControl_0", "imgControl_1", "imgControl_4", "imgControl_5",
+          "imgControl_6", "imgControl_7", "imgControl_8", "imgControl_9"})
         Tap(History, QString::fromLatin1(control));
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(TextOf(History, "lblDateTime"), "2024-03-15 12:00:00");
@@ -98,6 +99,23 @@ TEST_F(HistoryTest, BeginsWithTheNewestLineOfTheCurrentFile) {
     Open();
     EXPECT_EQ(Chosen(), "2024 - 03 - 15");
     EXPECT_EQ(Grid().Count(), 5);
+}
+
+TEST_F(HistoryTest, GoesToTheEndsAndOnWhileAnArrowIsHeld) {
+    Put("Histo202403.his", 200);
+    Open();
+    Tap(History, "imgControl_8");
+    EXPECT_EQ(Current(), "000001");
+    Tap(History, "imgControl_9");
+    EXPECT_EQ(Current(), "000200");
+    auto* timer = Screen(History)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
+    QTest::mousePress(Child(History, "imgControl_5"), Qt::LeftButton);
+    EXPECT_EQ(timer->interval(), 1000);
+    timer->setInterval(1);
+    EXPECT_TRUE(QTest::qWaitFor([] { return Current() < QStringLiteral("000199"); }, 5000));
+    EXPECT_EQ(timer->interval(), 100);
+    QTest::mouseRelease(Child(History, "imgControl_5"), Qt::LeftButton);
+    EXPECT_FALSE(timer->isActive());
 }
 
 TEST_F(HistoryTest, MovesThroughTheFiles) {
@@ -227,10 +245,11 @@ TEST_F(HistoryTest, RemoteControlIsOfferedWhereThereIsSome) {
         ++prompts;
         Tap("dlgUserCodes", "cmdChar_66");
         Tap("dlgUserCodes", "imgControl_1");
+        Tap("dlgUserCodes", "imgControl_0");
     });
     prompt.start(5);
     Tap(History, "imgTelecommande");
-    EXPECT_EQ(prompts, 1) << "asked once";
+    EXPECT_EQ(prompts, 1) << "a wrong code, given up";
     EXPECT_EQ(NbInstances(QStringLiteral("wTeleCmdes")), 0);
     Global::Get().userLevel = 1;
     Tap(History, "imgTelecommande");

@@ -150,6 +150,32 @@ TEST_F(ScreenFormTest, KeepsItsDesignWithoutScaling) {
     EXPECT_EQ(Child(SampleName, QStringLiteral("imgBackPicture"))->geometry(), same->rect());
 }
 
+TEST_F(ScreenFormTest, DialogsStayOnTheDisplayAndOverTheScreens) {
+    const QRect display = QGuiApplication::primaryScreen()->geometry();
+    for (const QSize& size : {QSize(500, 400), display.size(), display.size() * 2}) {
+        ScreenForm dialog(QStringLiteral("dlgSample"), ScreenForm::Kind::Dialog);
+        dialog.resize(size);
+        dialog.Show();
+        EXPECT_TRUE(display.contains(dialog.geometry().topLeft()));
+        EXPECT_TRUE(size.width() > display.width() || display.contains(dialog.geometry()));
+        // Screens that aren't fitted to the display cover its upper left part alone.
+        EXPECT_TRUE(size.width() > 500 ||
+                    dialog.geometry().center() == QRect(0, 0, 800, 600).center());
+    }
+}
+
+TEST_F(ScreenFormTest, CaptionsShrinkUntilTheyFit) {
+    TouchImage tile;
+    tile.setFont(Theme::Text(34, true));
+    tile.setText(QStringLiteral("Acknowledge"));
+    for (const int width : {230, 280, 600}) {
+        tile.resize(width, 100);
+        const QSize text = QFontMetrics(tile.CaptionFont()).size(0, tile.text());
+        EXPECT_TRUE(text.width() <= tile.CaptionArea().width()) << width;
+    }
+    EXPECT_EQ(tile.CaptionFont().pixelSize(), 34);
+}
+
 TEST_F(ScreenFormTest, FitsControlsFontsAndGridsToTheDisplay) {
     Global::Get().noResize = false;
     OverrideScreenSize({1280, 768});

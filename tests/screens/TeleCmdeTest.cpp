@@ -38,7 +38,11 @@ protected:
     }
     static void Choose(int channel) { Tap(Detail, QStringLiteral("lblVoyant_%1").arg(channel)); }
     static void Order(int index) { Tap(Detail, QStringLiteral("ImgTcmde_%1").arg(index)); }
-    static bool Waits() { return Child(Detail, QStringLiteral("lblWait"))->isVisible(); }
+    static bool Tells(int text) {
+        return Child(Detail, QStringLiteral("lblWait"))->isVisible() &&
+               TextOf(Detail, QStringLiteral("lblWait")) == GetText(text);
+    }
+    static bool Waits() { return Tells(712005); }
     static QString Lamp(int channel) {
         const auto name = QStringLiteral("lblVoyant_%1").arg(channel);
         return dynamic_cast<Voyant&>(*Child(Detail, name)).Colour().name();
@@ -73,6 +77,39 @@ TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
             << state;
         EXPECT_EQ(TextOf(Detail, QStringLiteral("lblState")), shown.second);
     }
+}
+
+TEST_F(TeleCmdeTest, StatesAndAMissingModuleShowWithoutColour) {
+    Open(false);
+    Choose(5);
+    const auto grey = [] {
+        return Child(Detail, QStringLiteral("lblVoyant_5"))
+            ->grab()
+            .toImage()
+            .convertToFormat(QImage::Format_Grayscale8);
+    };
+    PanelClass& panel = Site().Panel(Address);
+    QList<QImage> looks;
+    for (const int state : {0, 1, 2, 3}) {
+        panel.Channel(5).setState(qint16(state == 3 ? 0 : state));
+        panel.setErrCptr(2, state == 3 ? 1 : 0);
+        QTest::qWait(300);
+        // Beside the disc, where no colour of it lies, or in it where it is hatched.
+        looks += grey();
+    }
+    const auto marked = [](const QImage& look) {
+        int light = 0;
+        for (int x = 0; x < look.width(); ++x)
+            for (int y = 0; y < look.height() / 2; ++y)
+                light += qGray(look.pixel(x, y)) > 140 ? 1 : 0;
+        return light;
+    };
+    EXPECT_GT(marked(looks[1]), marked(looks[0]) + 50) << "a ring";
+    EXPECT_GT(marked(looks[2]), marked(looks[0]) + 20) << "a cross";
+    EXPECT_GT(marked(looks[3]), marked(looks[0]) + 50) << "hatched";
+    EXPECT_NE(marked(looks[1]), marked(looks[2]));
+    EXPECT_TRUE(Tells(714103));
+    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblState")), GetText(714103));
 }
 
 TEST_F(TeleCmdeTest, TouchedLampIsChosenAndMarked) {
@@ -148,7 +185,10 @@ TEST_F(TeleCmdeTest, WaitEndsWhenTheOrderIsGivenUp) {
     EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 5000));
     EXPECT_EQ(engine->Commands().Count(), 0);
     EXPECT_GE(Writes().size(), 3);
-    EXPECT_TRUE(boxes.isEmpty()) << "the trace tells of it, not the screen";
+    EXPECT_TRUE(boxes.isEmpty()) << "no box stops the operator";
+    EXPECT_TRUE(Tells(714104));
+    Choose(3);
+    EXPECT_FALSE(Tells(714104));
 }
 
 TEST_F(TeleCmdeTest, WaitEndsWithTheBusTheScreenAndTheEngine) {

@@ -147,6 +147,42 @@ TEST_F(wMainFilesTest, ASavingThatFailsIsToldInAPlainBoxAndKeepsTheName) {
     EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
 }
 
+TEST_F(wMainFilesTest, ASavingThatFailsStopsWhateverWantedIt) {
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), InSites("Full.kv2")));
+    for (const QString& image : {OpenFile, NewSite, Leave}) {
+        QList<int> answers{Messages::Yes, Messages::Ok};
+        if (image == NewSite) // the question for a new site comes first
+            answers.prepend(Messages::Ok);
+        Messages::Install([&](const QString&, int, bool) {
+            return answers.isEmpty() ? int(Messages::Cancel) : answers.takeFirst();
+        });
+        Site().setModified(true);
+        Take("Full");
+        AtPlainBox([](QMessageBox* box) { box->accept(); });
+        Tap(Menu, image);
+        ASSERT_NE(Screen(Menu), nullptr) << image.toStdString();
+        EXPECT_EQ(Site().Panel(7).Title(), QStringLiteral("Pumps")) << image.toStdString();
+        EXPECT_TRUE(Site().Modified());
+        EXPECT_EQ(FilesKey("LastUsed"), North());
+        ConfigClass kept;
+        EXPECT_LT(kept.Read(CurrentConfigFile()), 1);
+        EXPECT_EQ(kept.Panel(7).Title(), QStringLiteral("Pumps"));
+    }
+}
+
+// The file from which the program starts can't be written, the site's own can.
+TEST_F(wMainFilesTest, AStartFileThatFailsIsToldAndLeavesTheSiteModified) {
+    ASSERT_TRUE(QDir().mkpath(CurrentConfigFile()));
+    Site().setModified(true);
+    Take("South");
+    AtPlainBox([](QMessageBox* box) { box->accept(); });
+    Tap(Menu, SaveAs);
+    EXPECT_EQ(plainTexts.size(), 1);
+    EXPECT_TRUE(QFile::exists(InSites("South.kv2")));
+    EXPECT_TRUE(Site().Modified());
+    EXPECT_TRUE(ShowsModified());
+}
+
 TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     AddPanel(3, 1);
     Exchange(North());
