@@ -14,6 +14,7 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "screens/FaultBand.h"
+#include "screens/HoldToRepeat.h"
 #include "ui_wRunAlarms.h"
 
 #include <QApplication>
@@ -106,7 +107,11 @@ void wRunAlarms::ConnectControls() {
           [this] { imgTelecommande_Click(); });
     Press(ui_->imgStopRun, "wRunAlarms.imgStopRun_Click", [this] { imgStopRun_Click(); });
     Press(ui_->imgCommWatch, "wRunAlarms.imgCommWatch_Click", [this] { imgCommWatch_Click(); });
-    OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
+    const QString arrows = QStringLiteral("imgControl");
+    OnClick(arrows, [this](int index) { imgControl_Click(index); });
+    auto* repeat = new HoldToRepeat(this);
+    for (const int index : Indices(arrows))
+        repeat->Watch(Control(arrows, index), [this, index] { imgControl_Click(index); });
     OnClick(QStringLiteral("imgNavig"), [this](int) { imgNavig_Click(); });
     OnClick(QStringLiteral("lblLogin"), [this](int) { lblLogin_Click(); });
     OnClick(lblFaults_, [this] { lblFaults_Click(); });

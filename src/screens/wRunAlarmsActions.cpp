@@ -82,8 +82,9 @@ void wRunAlarms::imgAcquit_Click() {
     if (now - last < BounceMs || Rows().IsEmpty() || !HasSelectionInSight() ||
         !InsistOnLevel(OperatorLevel))
         return;
-    // The bus may have changed the list while the code was entered.
-    const bool seen = Rows().IsEmpty() || HasSelectionInSight();
+    // The bus may have changed the list while the code was entered, at the last moment even the
+    // selection.
+    const bool seen = !guard_->Holds() && (Rows().IsEmpty() || HasSelectionInSight());
     Alarme(StopAlarme);
     if (seen && !Rows().IsEmpty())
         Acknowledge();

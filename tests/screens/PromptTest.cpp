@@ -118,6 +118,8 @@ TEST_F(PromptTest, AnAlarmLeavesThePromptOfTheConsoleAndTheListBesideIt) {
         int moves = 0;
         QObject::connect(dynamic_cast<RowGrid*>(grid), &RowGrid::RowColChange, grid,
                          [&moves] { ++moves; });
+        Screen(Console)->grab();
+        clock.Advance(1000);
         QTest::mouseClick(Screen(Console)->windowHandle(), Qt::LeftButton, Qt::NoModifier,
                           grid->mapTo(Screen(Console), QPoint(100, 10)));
         EXPECT_EQ(moves, 1) << "the list takes touches";

@@ -55,6 +55,11 @@ protected:
         return label ? label->text() : QString();
     }
     static void Tap(const QString& form, const QString& name) {
+        // The console takes no touch before the operator can have seen what it shows.
+        if (form == QStringLiteral("wRunAlarms")) {
+            Screen(form)->grab();
+            platform::Clock::Current().Sleep(1000);
+        }
         if (QWidget* child = Child(form, name))
             QTest::mouseClick(child, Qt::LeftButton);
     }
