@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Renders every screen in every language at 800 by 600 and, scaled, at 1280 by 800.
+# Renders every screen in every language at 800 by 600 and, scaled, at 1280 by 800 and 1280 by 1024.
 #
 #   scripts/screenshots.sh FOLDER
 set -euo pipefail
@@ -15,3 +15,4 @@ cp build/release/korvanelle.cfg data/help/*.html "$site"
 build/release/tools/mksite/korvanelle-mksite data/demo/site.json "$site/korvanelle.cfg" "$site/korvanelle.dat"
 build/release/tools/screens/korvanelle-screens "$site" "$target/800x600"
 build/release/tools/screens/korvanelle-screens "$site" "$target/1280x800" 1280 800
+build/release/tools/screens/korvanelle-screens "$site" "$target/1280x1024" 1280 1024

@@ -271,8 +271,8 @@ void wPolling::HistoBusState() {}
 void wPolling::PrintBusState() {}
 
 /// A day of the month that differs from the last second's is a midnight; the first tick differs
-/// from the start of the program. What goes wrong is told when all is done: nobody is there at midnight
-/// to answer a box, and the clocks of the modules are set by it.
+/// from the start of the program. What goes wrong is told when all is done: nobody is there at
+/// midnight to answer a box, and the clocks of the modules are set by it.
 void wPolling::tmrMidnight_Timer() {
     const ErrorHandling::Postponed postponed;
     Guard("wPolling.tmrMidnight_Timer", [&] {
@@ -299,7 +299,9 @@ void wPolling::ResetClocks(DateTime now) {
     constexpr qint32 ClockRegister = 289;
     constexpr int MaxTries = 4;
     const auto command = std::make_shared<CommandClass>(0, ClockRegister, Words{0}, now);
-    if (run_) {
+    // At the end of the program it goes out now: stored, it would set the clocks at the next start,
+    // which is no midnight.
+    if (run_ && !EndWanted()) {
         SendCommand(command);
         return;
     }
@@ -329,7 +331,8 @@ void wPolling::MidnightSynchro() {
             HistoProcs::HistoEvent(event);
         }
         for (int address = 1; address <= PanelCount; ++address)
-            for (int number = 1; !EndWanted() && number <= site.Panel(address).ChannelCount(); ++number)
+            for (int number = 1; !EndWanted() && number <= site.Panel(address).ChannelCount();
+                 ++number)
                 ReleaseStale(address, number);
     });
 }

@@ -82,7 +82,7 @@ void AlarmGrid::PaintRow(QPainter& painter, int row, const QRect& area) const {
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, PaintedText(alarm));
     constexpr int Frame = OuterFrame + InnerFrame;
     const int digits = LeftMargin() + painter.fontMetrics().horizontalAdvance(u'0');
-    const QRect mark(area.left() + Frame + 1, area.top() + Frame, digits - Frame - 3,
+    const QRect mark(area.left() + Frame + 1, area.top() + Frame, digits - Frame - 5,
                      area.height() - 2 * Frame);
     RowShapes::Draw(painter, mark, alarm.State(), ink, background);
     if (row == rows_.Current())

@@ -36,11 +36,13 @@ constexpr int ClockPeriodMs = 1000;
 constexpr int ShadowOffset = 2;
 constexpr int TechnicianLevel = 3;
 
+/// The screen of the engine stays behind the console as long as somebody left it open.
 bool IsAnotherScreenOpen(const ScreenForm* own) {
     const QWidgetList windows = QApplication::topLevelWidgets();
     return std::any_of(windows.cbegin(), windows.cend(), [own](const QWidget* window) {
         const auto* form = qobject_cast<const ScreenForm*>(window);
-        return form != nullptr && form != own && form->Visible();
+        return form != nullptr && form != own && form->Visible() &&
+               form->Name() != QStringLiteral("wPolling");
     });
 }
 
@@ -174,7 +176,7 @@ void wRunAlarms::Nationality() {
     Guard("wRunAlarms.Nationality", [&] {
         ScreenForm::Nationality();
         ShowSiteName();
-        ShowRunState();
+        ShowWatch();
     });
 }
 

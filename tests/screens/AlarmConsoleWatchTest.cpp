@@ -209,18 +209,31 @@ TEST_F(ConsoleWatchTest, ATouchMeantForSomethingElseIsNotTaken) {
     Tap("imgAcquit");
     EXPECT_EQ(Commands(), 1);
     EXPECT_GE(engine->Commands().Item(1)->SendTime(), clock.Now() - platform::OneSecond);
+}
 
-    // An event brings the console over another screen: what lay under the finger there was another
-    // button, such as the release of the remote control.
-    console->Hide();
+// An event brings the console over the remote control, whose release lies where the console
+// acknowledges.
+TEST_F(ConsoleWatchTest, AReleaseUnderTheFingerBecomesNoAcknowledgement) {
+    Load();
+    Bus(1, 1, 1, 4);
+    auto* remote = dynamic_cast<ScreenForm*>(Forms::Load(QStringLiteral("wTeleCmde")));
+    {
+        const Operator::Acting acting;
+        remote->Show();
+    }
     Look();
-    Forms::Show(QStringLiteral("wRunAlarms"));
-    Tap("imgAcquit");
-    EXPECT_EQ(Commands(), 1);
-    Bus(1, 7, 1, 3);
-    Click("imgAcquit");
-    EXPECT_EQ(Commands(), 1) << "the same command waits";
-    EXPECT_FALSE(Horn().stops == 0);
+    const auto* release = remote->findChild<QWidget*>(QStringLiteral("ImgTcmde_0"));
+    const QPoint finger = release->mapTo(remote, release->rect().center());
+    ASSERT_TRUE(Child("imgAcquit").geometry().contains(finger));
+    EventClass alarm(2, 255, 1, 0);
+    engine->SendEvent(alarm);
+    ASSERT_EQ(NbInstances(QStringLiteral("wTeleCmde")), 0);
+    const int rows = console->RowCount();
+    QTest::mouseClick(console->childAt(finger), Qt::LeftButton);
+    EXPECT_EQ(console->RowCount(), rows);
+    Look();
+    QTest::mouseClick(console->childAt(finger), Qt::LeftButton);
+    EXPECT_EQ(console->RowCount(), rows - 1);
 }
 
 TEST_F(ConsoleWatchTest, ADownedButtonIsLetGoWhenTheSelectionJumps) {
@@ -247,6 +260,7 @@ TEST_F(ConsoleWatchTest, AcknowledgesOnlyWhatIsSeenAndOnceATouch) {
     QCoreApplication::sendEvent(&Grid(), &swipe);
     QTest::mouseRelease(&Grid(), Qt::LeftButton, {}, middle - QPoint(0, 120));
     EXPECT_NE(Grid().Rows().First(), before) << "a swipe scrolls";
+    EXPECT_EQ(SelectedPlace(), QStringLiteral("P01-C01")) << "and selects nothing";
     Grid().Rows().Position().ScrollTo(0);
     const QString selected = SelectedPlace();
     ASSERT_EQ(selected, QStringLiteral("P01-C01"));

@@ -121,8 +121,8 @@ protected:
     }
 
     /// The program ends in order, or its process is gone from one moment to the next. All modules
-    /// answer its next start, which throws their memories away: nobody knows any more what was taken
-    /// of one that can't be reached then, and it tells that a second time.
+    /// answer its next start, which throws their memories away: nobody knows any more what was
+    /// taken of one that can't be reached then, and it tells that a second time.
     void MaybeRestart() {
         const int what = Random(300);
         if (what > 1)
