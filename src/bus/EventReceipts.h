@@ -13,7 +13,7 @@ class EventReceipts {
 public:
     static constexpr qint32 Register = 288;
     static constexpr qint32 MemoryRegister = 146;
-    static constexpr int WordsAnEvent = 2;
+    static constexpr qsizetype WordsAnEvent = 2;
 
     /// A receipt of the module is in the queue.
     bool Waits(int address) const { return notes_.value(address).waits; }

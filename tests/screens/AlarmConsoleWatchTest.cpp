@@ -7,6 +7,7 @@
 #include "screens/FaultBand.h"
 #include "screens/RowShapes.h"
 #include "screens/Theme.h"
+#include "screens/wTeleCmde.h"
 
 #include <QImage>
 #include <QPainter>
@@ -216,7 +217,7 @@ TEST_F(ConsoleWatchTest, ATouchMeantForSomethingElseIsNotTaken) {
 TEST_F(ConsoleWatchTest, AReleaseUnderTheFingerBecomesNoAcknowledgement) {
     Load();
     Bus(1, 1, 1, 4);
-    auto* remote = dynamic_cast<ScreenForm*>(Forms::Load(QStringLiteral("wTeleCmde")));
+    auto* remote = new wTeleCmde;
     {
         const Operator::Acting acting;
         remote->Show();
