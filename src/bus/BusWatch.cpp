@@ -164,8 +164,7 @@ void BusWatch::CheckDisk() {
     }
     Faults::Clear(Kind::DiskFull);
     const double percent = space->Percent();
-    if (percent < NearlyFull ||
-        (percent < EnoughAgain && Faults::Stands(Kind::DiskNearlyFull)))
+    if (percent < NearlyFull || (percent < EnoughAgain && Faults::Stands(Kind::DiskNearlyFull)))
         Faults::Set(Kind::DiskNearlyFull, QStringLiteral("%1 %").arg(int(percent)));
     else
         Faults::Clear(Kind::DiskNearlyFull);

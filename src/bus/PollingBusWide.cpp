@@ -271,8 +271,8 @@ void wPolling::HistoBusState() {}
 void wPolling::PrintBusState() {}
 
 /// A day of the month that differs from the last second's is a midnight; the first tick differs
-/// from the start of the program. What goes wrong is told when all is done: nobody is there at midnight
-/// to answer a box, and the clocks of the modules are set by it.
+/// from the start of the program. What goes wrong is told when all is done: nobody is there at
+/// midnight to answer a box, and the clocks of the modules are set by it.
 void wPolling::tmrMidnight_Timer() {
     const ErrorHandling::Postponed postponed;
     Guard("wPolling.tmrMidnight_Timer", [&] {
@@ -329,7 +329,8 @@ void wPolling::MidnightSynchro() {
             HistoProcs::HistoEvent(event);
         }
         for (int address = 1; address <= PanelCount; ++address)
-            for (int number = 1; !EndWanted() && number <= site.Panel(address).ChannelCount(); ++number)
+            for (int number = 1; !EndWanted() && number <= site.Panel(address).ChannelCount();
+                 ++number)
                 ReleaseStale(address, number);
     });
 }

@@ -79,9 +79,9 @@ bool wPolling::IsReceipt(const CommandClass& command) {
            command.Module() <= PanelCount && command.Address() == EventReceipts::Register;
 }
 
-/// A receipt that failed once, or that waited long, is sent only while the memory still begins with what it stands
-/// for; otherwise the module has obeyed and only its reply was lost. Nothing when the memory can't
-/// be read: sent blindly, the receipt might drop events that nobody has read.
+/// A receipt that failed once, or that waited long, is sent only while the memory still begins with
+/// what it stands for; otherwise the module has obeyed and only its reply was lost. Nothing when
+/// the memory can't be read: sent blindly, the receipt might drop events that nobody has read.
 std::optional<bool> wPolling::IsObeyedReceipt(const CommandClass& command) {
     if (!IsReceipt(command) ||
         (command.ErrorCount() == 0 && !receipts_.IsDoubtful(command.Module())))

@@ -175,9 +175,9 @@ void wPolling::PurgeQueue() {
     }
 }
 
-/// Each second and each round. When the machine's time is set back, as it is each autumn, the times of the next polls and of
-/// waiting commands go with it: no panel may fall silent and no acknowledgement wait until the
-/// old time comes round again.
+/// Each second and each round. When the machine's time is set back, as it is each autumn, the times
+/// of the next polls and of waiting commands go with it: no panel may fall silent and no
+/// acknowledgement wait until the old time comes round again.
 void wPolling::FollowClock() {
     const DateTime now = DateTimes::Now();
     const DateTime latest = std::exchange(lastRoundTime_, now);

@@ -134,9 +134,9 @@ private:
     QProcess process_;
 };
 
-/// Waits until a condition holds, at most 30 s.
-inline bool Eventually(const std::function<bool()>& condition) {
-    const QDeadlineTimer deadline(30000);
+/// Waits until a condition holds, at most 30 s or as long as told.
+inline bool Eventually(const std::function<bool()>& condition, int seconds = 30) {
+    const QDeadlineTimer deadline(seconds * 1000);
     while (!condition()) {
         if (deadline.hasExpired())
             return false;
