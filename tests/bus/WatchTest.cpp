@@ -55,8 +55,8 @@ TEST_F(Watch, TheFirstReadingEndsWhenEachPanelWasAsked) {
     Rounds(1);
     EXPECT_EQ(engine->State(), BusState::FirstReading);
     Rounds(8);
-    EXPECT_EQ(states, (QList<BusState>{BusState::FirstReading, BusState::Running,
-                                       BusState::Running}))
+    EXPECT_EQ(states,
+              (QList<BusState>{BusState::FirstReading, BusState::Running, BusState::Running}))
         << "asked, then missing";
     EXPECT_EQ(engine->MissingPanels(), QList<int>{6});
     EXPECT_FALSE(engine->BusLost());
@@ -356,8 +356,8 @@ TEST_F(Watch, TouchesMadeWhileTheBusSynchronisesAreThrownAway) {
     bool once = true;
     link->answer = [&](const QByteArray& frame) {
         if (std::exchange(once, false)) {
-            for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
-                                    QEvent::MouseButtonPress})
+            for (const auto type :
+                 {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonPress})
                 touch(type);
         }
         return modules.Answer(frame);
