@@ -1,9 +1,11 @@
 #include "core/Boxes.h"
 
+#include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
 #include "core/Message.h"
 #include "core/Operator.h"
+#include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "core/Yield.h"
 #include "platform/Folders.h"
@@ -126,6 +128,23 @@ TEST_F(BoxesTest, FaultsTellTheirComingAndGoing) {
     Faults::Clear(Kind::PrinterNotReached);
     EXPECT_EQ(Traced(QStringLiteral(" FAULT BEGINS PRINTER NOT REACHED 1")), 1);
     EXPECT_EQ(Traced(QStringLiteral(" FAULT ENDS   PRINTER NOT REACHED 2")), 1);
+}
+
+// A language that the base doesn't have was told for each text, a folder that takes no file for
+// each sound.
+TEST_F(BoxesTest, WhatFailsAHundredTimesIsToldOnce) {
+    ASSERT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
+                            folder.filePath(QStringLiteral("korvanelle.cfg"))));
+    IniWrite(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("4"));
+    EXPECT_TRUE(Config::OpenConfigBase());
+    EXPECT_EQ(GetText(10004), QStringLiteral("OK")) << "the first language";
+    EXPECT_EQ(shown.size(), 1);
+    platform::OverrideApplication(folder.filePath(QStringLiteral("none")),
+                                  QStringLiteral("korvanelle"));
+    Config::ExportSounds([](int) { return 1; });
+    EXPECT_EQ(shown.size(), 2);
+    EXPECT_TRUE(QFile::remove(folder.filePath(QStringLiteral("korvanelle.cfg"))));
+    Config::CloseConfigBase();
 }
 
 // The trace itself is what can't be written: told on the band, and no error of the error.
