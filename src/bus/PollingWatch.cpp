@@ -53,13 +53,13 @@ QList<int> wPolling::MissingPanels() const {
     return missing;
 }
 
-bool wPolling::BusLost() const {
+bool wPolling::IsLost(const QList<int>& missing) const {
     if (run_ && !link_->PortOpen())
         return true;
     int watched = 0;
     for (int address = 1; address <= PanelCount; ++address)
         watched += IsWatched(address) ? 1 : 0;
-    return watched >= 2 && MissingPanels().size() == watched;
+    return watched >= 2 && missing.size() == watched;
 }
 
 /// What is known of the panels is old. A missing one that waits for its next try stays missing.
@@ -75,8 +75,8 @@ void wPolling::JudgeAnew() {
 void wPolling::TellState() {
     Guard("wPolling.TellState", [&] {
         const BusState state = State();
-        const bool lost = BusLost();
         QList<int> missing = MissingPanels();
+        const bool lost = IsLost(missing);
         if (state == toldState_ && lost == toldLost_ && missing == toldMissing_)
             return;
         toldState_ = state;

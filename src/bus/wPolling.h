@@ -56,8 +56,6 @@ public:
     void setRun(bool on);
     /// Starts the bus now, or as soon as its port is there; it is tried each 10 s.
     void RunWhenPortComes();
-    /// The bus is to run, and waits for its port.
-    bool WaitsForPort() const { return waitsForPort_; }
     bool IsClosing() const { return closing_; }
 
     BusState State() const;
@@ -66,7 +64,7 @@ public:
     QList<int> MissingPanels() const;
     /// One cause for all: the port is gone while the bus runs, or all active panels are missing
     /// and there are at least two.
-    bool BusLost() const;
+    bool BusLost() const { return IsLost(MissingPanels()); }
 
     /// Puts a command into the queue unless it already waits there.
     void SendCommand(const CommandPtr& command);
@@ -155,6 +153,7 @@ private:
     bool EndWanted() const;
     bool IsWatched(int address) const;
     void JudgeAnew();
+    bool IsLost(const QList<int>& missing) const;
     void TellState();
     void StopRound();
     void CheckFaults();
