@@ -7,11 +7,11 @@
 #include "core/DateTimes.h"
 #include "core/Forms.h"
 #include "events/HistoProcs.h"
+#include "events/HistoryFile.h"
 #include "model/Models.h"
-#include "screens/AlarmGrid.h"
-#include "screens/HistoryFile.h"
-#include "screens/HistoryGrid.h"
 #include "screens/Screens.h"
+#include "screens/console/AlarmGrid.h"
+#include "screens/history/HistoryGrid.h"
 #include "support/FakeLink.h"
 
 #include <QApplication>

@@ -15,9 +15,10 @@ if(KORVANELLE_SANITIZE)
     target_link_options(korvanelle_options INTERFACE -fsanitize=address,undefined)
 endif()
 
-# korvanelle_folder(<name> <libraries>...): the library of src/<name>, made of all its sources.
+# korvanelle_folder(<name> <libraries>...): the library of src/<name>, made of all sources
+# in it and in the folders below.
 function(korvanelle_folder name)
-    file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h *.ui *.qrc)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS *.cpp *.h *.ui *.qrc)
     add_library(${name} STATIC ${sources})
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC korvanelle_options ${ARGN})

@@ -1,9 +1,9 @@
 #include "core/SLVfonctions.h"
+#include "events/AlarmRows.h"
 #include "fuzz/Targets.h"
 #include "fuzz/support/Bench.h"
 #include "fuzz/support/Input.h"
 #include "fuzz/support/MemoryFiles.h"
-#include "screens/AlarmRows.h"
 
 using Fuzz::Require;
 

@@ -1,5 +1,6 @@
 #include "bus/wPolling.h"
 #include "core/Bytes.h"
+#include "events/AlarmRows.h"
 #include "events/HistoProcs.h"
 #include "events/TextProcs.h"
 #include "fuzz/Targets.h"
@@ -8,7 +9,6 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
-#include "screens/AlarmRows.h"
 
 using Fuzz::Require;
 

@@ -1,6 +1,6 @@
 #include "Startup.h"
 #include "core/Global.h"
-#include "screens/Theme.h"
+#include "screens/touch/Theme.h"
 
 #include <QApplication>
 #include <QTimer>

@@ -12,9 +12,9 @@
 #include "model/Models.h"
 #include "platform/Folders.h"
 #include "platform/Sound.h"
-#include "screens/AlarmGrid.h"
 #include "screens/Screens.h"
-#include "screens/wRunAlarms.h"
+#include "screens/console/AlarmGrid.h"
+#include "screens/console/wRunAlarms.h"
 #include "support/FakeLink.h"
 
 #include <QAbstractButton>

@@ -2,6 +2,7 @@
 
 #include "core/SLVfonctions.h"
 #include "screens/AlarmConsoleFixture.h"
+#include "screens/touch/Colours.h"
 
 namespace {
 
@@ -46,7 +47,7 @@ TEST_F(AlarmRowsTest, ColumnsOfARow) {
 
 TEST_F(AlarmRowsTest, ColoursByEventAndReadableInk) {
     const auto colour = [](qint16 chnl, qint16 param, qint16 aff) {
-        return AlarmGrid::FromBgr(AlarmRows::RowColor(EventClass(1, chnl, param, aff).ID())).name();
+        return Colours::FromBgr(AlarmRows::RowColor(EventClass(1, chnl, param, aff).ID())).name();
     };
     EXPECT_EQ(colour(255, 1, 0), "#ff0000");
     EXPECT_EQ(colour(255, 1, 1), "#ffffff");
@@ -61,7 +62,7 @@ TEST_F(AlarmRowsTest, ColoursByEventAndReadableInk) {
     for (const char* name :
          {"#ff0000", "#ffffff", "#00ffff", "#80ff80", "#8080ff", "#ff8000", "#ff00ff", "#000000"}) {
         const QColor background(QString::fromLatin1(name));
-        EXPECT_GE(AlarmGrid::Contrast(background, AlarmGrid::InkOn(background)), 4.5) << name;
+        EXPECT_GE(Colours::Contrast(background, Colours::InkOn(background)), 4.5) << name;
     }
 }
 
@@ -199,7 +200,7 @@ TEST_F(AlarmRowsTest, SettingsKeepTheListOverAnAbsence) {
         EXPECT_EQ(back.Row(row).text, rows.Row(row).text);
         EXPECT_EQ(back.Row(row).data, rows.Row(row).data);
     }
-    EXPECT_EQ(AlarmGrid::FromBgr(back.Row(1).colour).name(), "#ff00ff");
+    EXPECT_EQ(Colours::FromBgr(back.Row(1).colour).name(), "#ff00ff");
     EXPECT_EQ(back.Current(), 1) << "the index is 1 when none is kept";
 
     IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("Index"), QStringLiteral("2"));

@@ -3,8 +3,9 @@
 #include "core/SLVfonctions.h"
 #include "events/Klaxon.h"
 #include "screens/AlarmConsoleFixture.h"
-#include "screens/ConsoleHead.h"
-#include "screens/TouchImage.h"
+#include "screens/console/ConsoleHead.h"
+#include "screens/touch/Colours.h"
+#include "screens/touch/TouchImage.h"
 
 TEST_F(ConsoleTest, ListComesAndGoesWithTheAlarms) {
     Load();
@@ -46,7 +47,7 @@ TEST_F(ConsoleTest, EngineReachesTheRowsAndAReactivatedAlarmTakesItsRow) {
         << "the row's time begins anew";
     EXPECT_EQ(console->RowData(1), EventClass(1, 7, 1, 255).ID());
     const AlarmRows& rows = Child<AlarmGrid>("grdAlarms").Rows();
-    EXPECT_EQ(AlarmGrid::FromBgr(rows.Row(1).colour).name(), "#ff00ff");
+    EXPECT_EQ(Colours::FromBgr(rows.Row(1).colour).name(), "#ff00ff");
 
     EXPECT_EQ(SelectedPlace(), "P01-C07");
     Click("imgAcquit");

@@ -3,11 +3,12 @@
 #include "core/Boxes.h"
 #include "core/Faults.h"
 #include "screens/AlarmConsoleFixture.h"
-#include "screens/ConsoleHead.h"
-#include "screens/FaultBand.h"
-#include "screens/RowShapes.h"
-#include "screens/Theme.h"
-#include "screens/wTeleCmde.h"
+#include "screens/console/ConsoleHead.h"
+#include "screens/console/FaultBand.h"
+#include "screens/console/RowShapes.h"
+#include "screens/remote/wTeleCmde.h"
+#include "screens/touch/Colours.h"
+#include "screens/touch/Theme.h"
 
 #include <QImage>
 #include <QPainter>
@@ -170,7 +171,7 @@ TEST_F(ConsoleWatchTest, StatesDifferByShapeOrColourForEveryEye) {
     for (int one = 0; one < RowStateCount; ++one) {
         for (int other = 0; other < one; ++other) {
             const auto colour = [](int state) {
-                return AlarmGrid::FromBgr(AlarmRows::ColourOf(RowState(state)));
+                return Colours::FromBgr(AlarmRows::ColourOf(RowState(state)));
             };
             const double nearest = std::min(Distance(colour(one), colour(other), Protanopia),
                                             Distance(colour(one), colour(other), Deuteranopia));

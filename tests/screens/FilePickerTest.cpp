@@ -1,4 +1,4 @@
-#include "screens/FilePicker.h"
+#include "screens/dialogs/FilePicker.h"
 #include "platform/Volumes.h"
 #include "screens/ScreensFixture.h"
 

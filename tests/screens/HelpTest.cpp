@@ -2,7 +2,7 @@
 
 #include "core/Config.h"
 #include "screens/ScreensFixture.h"
-#include "screens/wHelp.h"
+#include "screens/dialogs/wHelp.h"
 
 #include <QRegularExpression>
 #include <QScrollBar>

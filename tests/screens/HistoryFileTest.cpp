@@ -1,6 +1,6 @@
 // The lines that a history file gives, whatever stands in it.
 
-#include "screens/HistoryFile.h"
+#include "events/HistoryFile.h"
 
 #include "core/DateTimes.h"
 #include "events/HistoProcs.h"

@@ -1,8 +1,8 @@
 // The history viewer on its screen, worked by touches.
 
-#include "screens/HistoryGrid.h"
-#include "screens/dlgConsigne.h"
-#include "screens/wHistoric.h"
+#include "screens/dialogs/dlgConsigne.h"
+#include "screens/history/HistoryGrid.h"
+#include "screens/history/wHistoric.h"
 
 #include "events/HistoProcs.h"
 #include "model/Models.h"

@@ -1,12 +1,12 @@
 // A dialog that somebody is at when an alarm comes, and a prompt that is given up.
 
 #include "core/Boxes.h"
-#include "screens/RowGrid.h"
 #include "screens/UsersFixture.h"
-#include "screens/dlgConsigne.h"
-#include "screens/dlgKeyboard.h"
-#include "screens/dlgListInput.h"
-#include "screens/dlgMessage.h"
+#include "screens/dialogs/dlgConsigne.h"
+#include "screens/dialogs/dlgKeyboard.h"
+#include "screens/dialogs/dlgListInput.h"
+#include "screens/dialogs/dlgMessage.h"
+#include "screens/touch/RowGrid.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "screens/ScreenForm.h"
+#include "screens/touch/ScreenForm.h"
 #include "core/ErrorHandling.h"
 #include "screens/ScreensFixture.h"
-#include "screens/TouchImage.h"
+#include "screens/touch/TouchImage.h"
 
 #include <QHeaderView>
 #include <QTableWidget>

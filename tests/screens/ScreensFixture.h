@@ -2,10 +2,10 @@
 
 #include "bus/wPolling.h"
 #include "core/Forms.h"
-#include "screens/ResizeForm.h"
-#include "screens/ScreenForm.h"
 #include "screens/Screens.h"
-#include "screens/Theme.h"
+#include "screens/touch/ResizeForm.h"
+#include "screens/touch/ScreenForm.h"
+#include "screens/touch/Theme.h"
 #include "support/Bench.h"
 #include "support/FakeLink.h"
 

@@ -3,8 +3,8 @@
 #include "core/Config.h"
 #include "model/Models.h"
 #include "screens/ScreensFixture.h"
-#include "screens/Telecommande.h"
-#include "screens/wTeleCmde.h"
+#include "screens/remote/Telecommande.h"
+#include "screens/remote/wTeleCmde.h"
 #include "support/FakeModules.h"
 
 namespace {

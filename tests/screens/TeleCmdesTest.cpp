@@ -3,9 +3,9 @@
 #include "core/Config.h"
 #include "model/Models.h"
 #include "screens/ScreensFixture.h"
-#include "screens/Telecommande.h"
-#include "screens/TouchImage.h"
-#include "screens/wTeleCmde.h"
+#include "screens/remote/Telecommande.h"
+#include "screens/remote/wTeleCmde.h"
+#include "screens/touch/TouchImage.h"
 
 namespace {
 

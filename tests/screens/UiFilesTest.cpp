@@ -1,8 +1,8 @@
 // Judges the designs as they stand in the files: what a screen's own code does later can't repair
 // a control that lies outside, over another one, or that cuts its words in one of the languages.
 
-#include "screens/Theme.h"
-#include "screens/TouchImage.h"
+#include "screens/touch/Theme.h"
+#include "screens/touch/TouchImage.h"
 
 #include <QDirIterator>
 #include <QFile>

@@ -1,7 +1,7 @@
-#include "screens/dlgConsigne.h"
+#include "screens/dialogs/dlgConsigne.h"
 
 #include "screens/ScreensFixture.h"
-#include "screens/TouchImage.h"
+#include "screens/touch/TouchImage.h"
 
 namespace {
 

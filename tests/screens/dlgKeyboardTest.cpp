@@ -1,4 +1,4 @@
-#include "screens/dlgKeyboard.h"
+#include "screens/dialogs/dlgKeyboard.h"
 #include "platform/CodePage.h"
 #include "screens/ScreensFixture.h"
 

@@ -1,4 +1,4 @@
-#include "screens/dlgListInput.h"
+#include "screens/dialogs/dlgListInput.h"
 #include "core/ErrorHandling.h"
 #include "screens/ScreensFixture.h"
 

@@ -1,8 +1,8 @@
 // The two submenus and where their buttons and the tiles lead.
 
-#include "screens/Navigation.h"
 #include "screens/UsersFixture.h"
-#include "screens/wMain.h"
+#include "screens/menu/wMain.h"
+#include "screens/touch/Navigation.h"
 #include "support/FakeForm.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "screens/dlgMessage.h"
+#include "screens/dialogs/dlgMessage.h"
 #include "core/Boxes.h"
 #include "core/Operator.h"
 #include "screens/ScreensFixture.h"

@@ -1,4 +1,4 @@
-#include "screens/dlgUserCodes.h"
+#include "screens/dialogs/dlgUserCodes.h"
 #include "bus/AlarmConsole.h"
 #include "screens/UsersFixture.h"
 

@@ -1,4 +1,4 @@
-#include "screens/wMain.h"
+#include "screens/menu/wMain.h"
 #include "screens/ScreensFixture.h"
 #include "support/FakeForm.h"
 

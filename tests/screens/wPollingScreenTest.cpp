@@ -1,4 +1,4 @@
-#include "screens/wPollingScreen.h"
+#include "screens/menu/wPollingScreen.h"
 #include "screens/ScreensFixture.h"
 
 #include <QTableWidget>

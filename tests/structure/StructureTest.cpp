@@ -57,6 +57,27 @@ TEST(Structure, IncludesPointLeft) {
     EXPECT_GT(seen, 100);
 }
 
+// The rooms of the screens stand in an order too: what one shows is built from those before it.
+TEST(Structure, RoomsOfTheScreensPointLeft) {
+    const QStringList rooms{QStringLiteral("touch"),   QStringLiteral("dialogs"),
+                            QStringLiteral("console"), QStringLiteral("history"),
+                            QStringLiteral("remote"),  QStringLiteral("menu")};
+    static const QRegularExpression include(QStringLiteral("#include \"screens/([a-z]+)/"));
+    int seen = 0;
+    for (int place = 0; place < rooms.size(); ++place) {
+        const QStringList sources = SourcesIn(QStringLiteral("src/screens/") + rooms[place]);
+        EXPECT_FALSE(sources.isEmpty()) << rooms[place].toStdString();
+        for (const QString& path : sources) {
+            for (auto match = include.globalMatch(ContentOf(path)); match.hasNext(); ++seen) {
+                const QString target = match.next().captured(1);
+                EXPECT_TRUE(rooms.contains(target) && rooms.indexOf(target) <= place)
+                    << path.toStdString() << " includes " << target.toStdString();
+            }
+        }
+    }
+    EXPECT_GT(seen, 50);
+}
+
 TEST(Structure, SimulatorAndProgramShareNothing) {
     for (const QString& path : SourcesIn(QStringLiteral("simulator"))) {
         for (const QString& target : IncludesOf(ContentOf(path)))

@@ -14,9 +14,9 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
-#include "screens/ConsoleHead.h"
-#include "screens/ResizeForm.h"
 #include "screens/Screens.h"
+#include "screens/console/ConsoleHead.h"
+#include "screens/touch/ResizeForm.h"
 
 #include <QApplication>
 #include <QDir>

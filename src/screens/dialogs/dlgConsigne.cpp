@@ -1,0 +1,131 @@
+#include "screens/dialogs/dlgConsigne.h"
+
+#include "core/Bytes.h"
+#include "core/Config.h"
+#include "core/Message.h"
+#include "model/CurrentConfig.h"
+#include "screens/dialogs/InstructionStrip.h"
+#include "ui_dlgConsigne.h"
+
+#include <QKeyEvent>
+#include <QPointer>
+
+namespace {
+
+const QString Scrollers = QStringLiteral("imgControl");
+enum Scroll { PageUp = 4, LineUp, LineDown, PageDown };
+
+constexpr int NoInstruction = 710021;
+constexpr QChar NoBreakSpace(0xA0);
+constexpr QChar BreakHere(0x200B);
+/// A word that may be wider than a line, characters.
+constexpr int LongWord = 30;
+/// Lines by which the line buttons move the text.
+constexpr int Step = 2;
+
+/// Gives words without an end a place where a line may break.
+QString Breakable(const QString& text) {
+    QString result;
+    int letters = 0;
+    for (const QChar c : text) {
+        letters = c.isSpace() ? 0 : letters + 1;
+        if (letters > LongWord) {
+            result += BreakHere;
+            letters = 1;
+        }
+        result += c;
+    }
+    return result;
+}
+
+QString OneKindOfBreaks(QString text) {
+    return text.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
+}
+
+} // namespace
+
+dlgConsigne::dlgConsigne()
+    : ScreenForm(QStringLiteral("dlgConsigne"), Kind::Dialog)
+    , ui_(std::make_unique<Ui::dlgConsigne>()) {
+    ui_->setupUi(this);
+    Prepare();
+    OnClick(ui_->imgClose, [this] { Hide(); });
+    OnClick(Scrollers, [this](int index) { imgControl_Click(index); });
+    Layout();
+}
+
+dlgConsigne::~dlgConsigne() = default;
+
+void dlgConsigne::Present(const QString& alarm, const QString& consigne) {
+    InstructionStrip::Withdraw();
+    const QPointer<dlgConsigne> dialog(new dlgConsigne);
+    dialog->setAlarm(alarm);
+    dialog->setConsigne(consigne);
+    dialog->ShowModal();
+    if (dialog)
+        dialog->Unload();
+}
+
+void dlgConsigne::PresentNumber(const QString& alarm, int number) {
+    if (number == 0) {
+        Message(GetText(NoInstruction), Messages::Critical);
+        return;
+    }
+    const QString text = Global::Configuration().ConsigneText(number).trimmed();
+    Present(alarm, text.isEmpty() ? GetText(NoInstruction) : text);
+}
+
+void dlgConsigne::setAlarm(const QString& text) {
+    alarm_ = text;
+    ui_->lblAlarm->setText(OneKindOfBreaks(text).replace(u' ', NoBreakSpace));
+}
+
+void dlgConsigne::setConsigne(const QString& text) {
+    consigne_ = text;
+    ui_->lblConsigne->setText(Breakable(OneKindOfBreaks(text)));
+    Layout();
+}
+
+/// Taken away while it is read: whoever reads it has closed it first otherwise.
+void dlgConsigne::Form_Unload() {
+    if (isVisible())
+        InstructionStrip::Offer(alarm_, consigne_);
+}
+
+/// The text takes the height that it needs; the buttons show when that is more than there is.
+void dlgConsigne::Layout() {
+    QLabel& text = *ui_->lblConsigne;
+    const int width = ui_->frmConsigne->width();
+    const int height = qMax(text.heightForWidth(width), ui_->frmConsigne->height());
+    text.setGeometry(0, 0, width, height);
+    for (const int index : Indices(Scrollers))
+        Control(Scrollers, index)->setVisible(height > ui_->frmConsigne->height());
+}
+
+void dlgConsigne::ScrollBy(int pixels) {
+    QLabel& text = *ui_->lblConsigne;
+    text.move(0, Bytes::Limit(text.y() - pixels, ui_->frmConsigne->height() - text.height(), 0));
+}
+
+void dlgConsigne::imgControl_Click(int index) {
+    const int line = ui_->lblConsigne->fontMetrics().lineSpacing();
+    const int page = ui_->frmConsigne->height() - line;
+    switch (index) {
+    case PageUp:
+        return ScrollBy(-page);
+    case LineUp:
+        return ScrollBy(-Step * line);
+    case LineDown:
+        return ScrollBy(Step * line);
+    case PageDown:
+        return ScrollBy(page);
+    default:
+        return;
+    }
+}
+
+void dlgConsigne::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Return ||
+        event->key() == Qt::Key_Enter)
+        Hide();
+}

@@ -1,9 +1,0 @@
-#include "screens/dlgMenuParams.h"
-
-#include "ui_dlgMenuParams.h"
-
-dlgMenuParams::dlgMenuParams()
-    : MenuDialog(QStringLiteral("dlgMenuParams"), Kind::Dialog) {
-    Ui::dlgMenuParams().setupUi(this);
-    PrepareMenu();
-}

@@ -1,0 +1,236 @@
+#include "screens/menu/dlgDefPwds.h"
+
+#include "core/Bytes.h"
+#include "core/Config.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "model/CurrentConfig.h"
+#include "screens/dialogs/AskPassword.h"
+#include "screens/dialogs/dlgUserCodes.h"
+#include "screens/touch/Navigation.h"
+#include "ui_dlgDefPwds.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPointer>
+#include <array>
+
+namespace {
+
+enum Columns { NameColumn, CodeColumn, LevelColumn, ColumnCount };
+enum Actions { Add = 0, Change = 1, Delete = 2, Up = 3, Down = 4 };
+enum Buttons { CancelButton = 0, SaveButton = 1 };
+
+/// Share of each column in the width of the table: name, code, level.
+constexpr std::array<int, ColumnCount> ColumnShares{2850, 2130, 930};
+constexpr std::array<int, ColumnCount> ColumnTitles{612012, 612013, 612014};
+constexpr int RowHeight = 48;
+constexpr int HeaderMargin = 16;
+/// Room beside the columns for the scroll bar and the frame.
+constexpr int BesideColumns = 24;
+constexpr int QuestionOkCancel = 1;
+
+} // namespace
+
+dlgDefPwds::dlgDefPwds()
+    : ScreenForm(QStringLiteral("dlgDefPwds"), Kind::Dialog)
+    , ui_(std::make_unique<Ui::dlgDefPwds>()) {
+    ui_->setupUi(this);
+    Form_Load();
+    Prepare();
+    QHeaderView& header = *ui_->grdUsers->horizontalHeader();
+    header.setFont(ui_->grdUsers->font());
+    // A head takes the font of its items alone under a style sheet.
+    for (int column = 0; column < ColumnCount; ++column)
+        ui_->grdUsers->horizontalHeaderItem(column)->setFont(ui_->grdUsers->font());
+    header.setFixedHeight(QFontMetrics(ui_->grdUsers->font()).lineSpacing() + HeaderMargin);
+    OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
+    OnClick(QStringLiteral("cmdBoutons"), [this](int index) { cmdBoutons_Click(index); });
+    connect(ui_->grdUsers, &QTableWidget::currentCellChanged, this, [this] { ShowActions(); });
+    ShowActions();
+}
+
+dlgDefPwds::~dlgDefPwds() = default;
+
+void dlgDefPwds::Form_Load() {
+    QTableWidget& grid = *ui_->grdUsers;
+    grid.setColumnCount(ColumnCount);
+    const int room = grid.width() - BesideColumns;
+    for (int column = 0; column < ColumnCount; ++column) {
+        auto* title = new QTableWidgetItem(GetText(ColumnTitles[size_t(column)]));
+        title->setTextAlignment(column == LevelColumn ? Qt::AlignCenter
+                                                      : Qt::AlignLeft | Qt::AlignVCenter);
+        grid.setHorizontalHeaderItem(column, title);
+        grid.setColumnWidth(column, room * ColumnShares[size_t(column)] /
+                                        (ColumnShares[0] + ColumnShares[1] + ColumnShares[2]));
+    }
+    grid.horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    grid.horizontalHeader()->setHighlightSections(false);
+    grid.verticalHeader()->hide();
+    grid.verticalHeader()->setDefaultSectionSize(RowHeight);
+    grid.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    grid.setSelectionBehavior(QAbstractItemView::SelectRows);
+    grid.setSelectionMode(QAbstractItemView::SingleSelection);
+    grid.setTabKeyNavigation(false);
+    const ConfigClass& site = Global::Configuration();
+    const bool guarded = IsGuarded();
+    grid.setRowCount(site.UserCount());
+    for (int row = 0; row < grid.rowCount(); ++row) {
+        const int number = row + 1;
+        WriteRow(row,
+                 {site.UserName(number), site.UserPwd(number), site.UserLevel(number), number});
+        if (guarded && site.UserLevel(number) > Global::Get().userLevel)
+            grid.hideRow(row);
+        else if (grid.currentRow() < 0)
+            grid.setCurrentCell(row, NameColumn);
+    }
+}
+
+dlgDefPwds::User dlgDefPwds::UserOf(int row) const {
+    const QTableWidget& grid = *ui_->grdUsers;
+    return {grid.item(row, NameColumn)->text(), grid.item(row, CodeColumn)->text(),
+            Bytes::LongVal(grid.item(row, LevelColumn)->text()),
+            grid.item(row, NameColumn)->data(Qt::UserRole).toInt()};
+}
+
+void dlgDefPwds::WriteRow(int row, const User& user) {
+    QTableWidget& grid = *ui_->grdUsers;
+    const std::array<QString, ColumnCount> texts{user.name, user.code, QString::number(user.level)};
+    for (int column = 0; column < ColumnCount; ++column) {
+        auto* item = new QTableWidgetItem(texts[size_t(column)]);
+        item->setTextAlignment(column == LevelColumn ? Qt::AlignCenter
+                                                     : Qt::AlignLeft | Qt::AlignVCenter);
+        if (column == NameColumn)
+            item->setData(Qt::UserRole, user.number);
+        grid.setItem(row, column, item);
+    }
+}
+
+/// A user who can't be seen can't be changed or deleted. An empty table has nobody to guard.
+void dlgDefPwds::ShowActions() {
+    const QTableWidget& grid = *ui_->grdUsers;
+    const int row = grid.currentRow();
+    const bool shown = row < 0 ? grid.rowCount() == 0 : !grid.isRowHidden(row);
+    for (const int index : {Change, Delete})
+        Control(QStringLiteral("imgControl"), index)->setVisible(shown);
+}
+
+void dlgDefPwds::imgControl_Click(int index) {
+    switch (index) {
+    case Add:
+        AddUser();
+        break;
+    case Change:
+        ChangeUser();
+        break;
+    case Delete:
+        DeleteUser();
+        break;
+    case Up:
+        SendKey(Qt::Key_Up);
+        break;
+    case Down:
+        SendKey(Qt::Key_Down);
+        break;
+    default:
+        break;
+    }
+}
+
+void dlgDefPwds::AddUser() {
+    const QPointer<dlgDefPwds> self(this);
+    const std::optional<User> entered = Edit({});
+    if (!self || !entered)
+        return;
+    QTableWidget& grid = *ui_->grdUsers;
+    const int row = grid.rowCount();
+    grid.insertRow(row);
+    WriteRow(row, *entered);
+    grid.setCurrentCell(row, NameColumn);
+}
+
+void dlgDefPwds::ChangeUser() {
+    QTableWidget& grid = *ui_->grdUsers;
+    const int row = grid.currentRow();
+    if (grid.rowCount() == 0 || row < 0) {
+        QApplication::beep();
+        return;
+    }
+    const QPointer<dlgDefPwds> self(this);
+    const std::optional<User> entered = Edit(UserOf(row));
+    if (self && entered)
+        WriteRow(row, *entered);
+}
+
+void dlgDefPwds::DeleteUser() {
+    QTableWidget& grid = *ui_->grdUsers;
+    const int row = grid.currentRow();
+    if (row < 0)
+        return;
+    const QPointer<dlgDefPwds> self(this);
+    if (Message(GetText(30007), QuestionOkCancel) == Messages::Ok && self) {
+        grid.removeRow(row);
+        ShowActions();
+    }
+}
+
+void dlgDefPwds::SendKey(int key) {
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(ui_->grdUsers, &press);
+}
+
+std::optional<dlgDefPwds::User> dlgDefPwds::Edit(const User& user) {
+    const QPointer<dlgUserCodes> dialog(new dlgUserCodes);
+    dialog->setUserName(user.name);
+    dialog->setUserPwd(user.code);
+    dialog->setUserLevel(user.level);
+    dialog->ShowModal();
+    if (!dialog)
+        return std::nullopt;
+    const bool ok = dialog->Ok();
+    const User entered{dialog->UserName(), dialog->UserPwd(), dialog->UserLevel(), user.number};
+    dialog->Unload();
+    if (!ok || IsDouble(entered))
+        return std::nullopt;
+    return entered;
+}
+
+/// Compared with what the site holds, in capitals. Users that aren't in the site yet don't count.
+bool dlgDefPwds::IsDouble(const User& user) {
+    const ConfigClass& site = Global::Configuration();
+    for (int i = 1; i <= site.UserCount(); ++i) {
+        if (i == user.number)
+            continue;
+        const bool sameName = site.UserName(i).toUpper() == user.name.toUpper();
+        if (!sameName && site.UserPwd(i).toUpper() != user.code.toUpper())
+            continue;
+        Message(GetText(sameName ? 640100 : 640101), Messages::Critical);
+        return true;
+    }
+    return false;
+}
+
+void dlgDefPwds::cmdBoutons_Click(int index) {
+    if (index == SaveButton)
+        Save();
+    Close();
+}
+
+void dlgDefPwds::Save() {
+    ConfigClass& site = Global::Configuration();
+    const int count = ui_->grdUsers->rowCount();
+    site.setUserCount(qint16(count));
+    for (int row = 0; row < count; ++row) {
+        const User user = UserOf(row);
+        site.setUserName(row + 1, user.name);
+        site.setUserPwd(row + 1, user.code);
+        site.setUserLevel(row + 1, user.level);
+    }
+}
+
+void dlgDefPwds::Close() {
+    Unload();
+    if (NbInstances(QStringLiteral("wMain")) > 0)
+        ReturnToMenu(*this, int(MenuTile::System));
+}

@@ -1,0 +1,266 @@
+// What the main menu does with the site file, and the way out of the program.
+
+#include "bus/wPolling.h"
+#include "core/Config.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "core/Operator.h"
+#include "core/Pointer.h"
+#include "core/SLVfonctions.h"
+#include "core/Yield.h"
+#include "model/Access.h"
+#include "model/CurrentConfig.h"
+#include "platform/Processes.h"
+#include "screens/dialogs/FilePicker.h"
+#include "screens/dialogs/wHelp.h"
+#include "screens/menu/wMain.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+
+namespace {
+
+enum Navigation { SaveAs = 8, OpenFile = 9, Leave = 10, NewSite = 11, Login = 13 };
+
+const QString Files = QStringLiteral("Files");
+const QString PollingForm = QStringLiteral("wPolling");
+const QString MenuForm = QStringLiteral("wMain");
+const QString SiteExtension = QStringLiteral(".kv2");
+
+constexpr int OperatorLevel = 1;
+constexpr int ConfigurationLevel = 2;
+constexpr int OkCancel = 1;
+constexpr int Question = 49;
+constexpr int QuestionWithNo = 51;
+
+QString LastUsed() {
+    return IniRead(Files, QStringLiteral("LastUsed"), QString());
+}
+
+void setLastUsed(const QString& path) {
+    IniWrite(Files, QStringLiteral("LastUsed"), path);
+}
+
+/// What the file dialogs show.
+QString Filter() {
+    return GetText(50001, true).replace(u'$', SiteExtension);
+}
+
+bool HasAnswer(int answer) {
+    // A box that was closed without a button is no answer.
+    return answer != Messages::Cancel && answer != Messages::Closed;
+}
+
+bool MayUseFiles() {
+    if (AccessOk(ConfigurationLevel))
+        return true;
+    Message(GetText(20009), Messages::Critical);
+    return false;
+}
+
+/// The command of the platform's on-screen keyboard. The program's own dialogs bring keys of
+/// their own, so that a panel needn't have one.
+QString ScreenKeyboard() {
+    return IniRead(QStringLiteral("General"), QStringLiteral("ScreenKeyboard"), QString());
+}
+
+void EndScreenKeyboard() {
+    const QString program = ScreenKeyboard().section(u' ', 0, 0);
+    platform::KillProcess(program.section(u'/', -1));
+}
+
+/// Ends everything, the polling screen first.
+void EndProgram() {
+    if (wPolling* polling = Polling()) {
+        EventClass event(0, Family::System, 0, SystemEvents::ApplicationStopped);
+        polling->SendEvent(event);
+        polling->setRun(false);
+    }
+    while (NbInstances(PollingForm) >= 1) {
+        Forms::Unload(PollingForm);
+        Yield();
+    }
+    Forms::UnloadAllBut({MenuForm});
+    Forms::Unload(MenuForm);
+    QCoreApplication::quit();
+}
+
+} // namespace
+
+void wMain::imgNavig_Click(int index) {
+    switch (index) {
+    case SaveAs:
+        if (MayUseFiles())
+            SaveUnderName(true);
+        break;
+    case OpenFile:
+        if (MayUseFiles())
+            OpenSite();
+        break;
+    case NewSite:
+        if (MayUseFiles())
+            MakeNewSite();
+        break;
+    case Leave:
+        LeaveProgram();
+        break;
+    case Login:
+        AskLogin();
+        break;
+    default:
+        break;
+    }
+}
+
+void wMain::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_F12)
+        platform::StartProcess(ScreenKeyboard());
+    else if (event->key() == Qt::Key_F1)
+        ShowHelp();
+    else
+        ScreenForm::keyPressEvent(event);
+}
+
+wMain::Saved wMain::SaveUnderName(bool withKeyboard) {
+    const QPointer<wMain> self(this);
+    if (withKeyboard)
+        platform::StartProcess(ScreenKeyboard());
+    const QString path = FilePicker::SaveAs(FilePicker::Folder(LastUsed()),
+                                            FilePicker::FileName(LastUsed()), Filter());
+    EndScreenKeyboard();
+    if (!IsLoaded(self.data()))
+        return Saved::Failed;
+    if (path.isEmpty())
+        return Saved::NoName;
+    return SaveSite(path) && IsLoaded(self.data()) ? Saved::Yes : Saved::Failed;
+}
+
+bool wMain::SaveSite(const QString& path) {
+    const QPointer<wMain> self(this);
+    ConfigClass& site = Global::Configuration();
+    Pointer::Hourglass();
+    const qint32 result = site.Save(path);
+    Pointer::Default();
+    if (result < 1) {
+        setLastUsed(path);
+        site.setModified(false);
+        if (IsLoaded(self.data()))
+            ShowFileName(FilePicker::BaseName(path));
+    } else if (IsLoaded(self.data())) {
+        TellFailure(result);
+    }
+    const bool kept = SaveCurrent();
+    if (IsLoaded(self.data()))
+        ShowModified();
+    return result < 1 && kept;
+}
+
+bool wMain::SaveCurrent() {
+    const QPointer<wMain> self(this);
+    const qint32 result = SaveCurrentConfig();
+    if (result < 1)
+        return true;
+    Global::Configuration().setModified(true);
+    if (IsLoaded(self.data()))
+        TellFailure(result);
+    return false;
+}
+
+bool wMain::SaveChanges(bool withKeyboard) {
+    if (!Global::Configuration().Modified())
+        return true;
+    const QPointer<wMain> self(this);
+    const int answer = Message(GetText(50003), QuestionWithNo);
+    if (!IsLoaded(self.data()) || !HasAnswer(answer))
+        return false;
+    return answer != Messages::Yes || SaveUnderName(withKeyboard) == Saved::Yes;
+}
+
+void wMain::OpenSite() {
+    const QPointer<wMain> self(this);
+    if (!SaveChanges(false))
+        return;
+    const QString path = FilePicker::Open(FilePicker::Folder(LastUsed()),
+                                          FilePicker::FileName(LastUsed()), Filter());
+    if (path.isEmpty() || !IsLoaded(self.data()))
+        return;
+    ReadSite(path);
+    SaveCurrent();
+    if (IsLoaded(self.data()))
+        ShowModified();
+}
+
+/// The former site goes with its panels. No round of the bus is under way here: it lets no touch
+/// in, and a box in the middle of it is modal.
+void wMain::ReadSite(const QString& path) {
+    Global::setConfiguration(std::make_unique<ConfigClass>());
+    ConfigClass& site = Global::Configuration();
+    Pointer::Hourglass();
+    const qint32 result = site.Read(path);
+    Pointer::Default();
+    if (result >= 1) {
+        // What was read up to the failure stays; the site has no file.
+        setLastUsed(QString());
+        ShowFileName(GetText(50010));
+        TellFailure(result);
+        return;
+    }
+    setLastUsed(path);
+    ShowFileName(FilePicker::BaseName(path));
+    site.setModified(false);
+    if (wPolling* polling = Polling()) {
+        polling->ConfigurationChanged();
+        polling->ReinitComm();
+        polling->SetupUserSleep();
+    }
+}
+
+void wMain::MakeNewSite() {
+    const QPointer<wMain> self(this);
+    if (Message(GetText(30013), OkCancel) != Messages::Ok || !IsLoaded(self.data()) ||
+        !SaveChanges(true))
+        return;
+    const QString unnamed = GetText(50010);
+    ShowFileName(unnamed);
+    setLastUsed(unnamed);
+    Global::setConfiguration(std::make_unique<ConfigClass>());
+    SaveCurrent();
+    if (IsLoaded(self.data()))
+        ShowModified();
+}
+
+void wMain::LeaveProgram() {
+    if (Polling() != nullptr && Polling()->Run() && !AccessOk(OperatorLevel)) {
+        Message(GetText(20009), Messages::Critical);
+        return;
+    }
+    const QPointer<wMain> self(this);
+    if (Global::Configuration().Modified())
+        SaveCurrent();
+    if (!IsLoaded(self.data()))
+        return;
+    const int answer = Global::Configuration().Modified() ? Message(GetText(50003), QuestionWithNo)
+                                                          : Message(GetText(50002), Question);
+    if (!IsLoaded(self.data()) || !HasAnswer(answer))
+        return;
+    // Changes that get no name are kept all the same: the program starts with them again.
+    if (answer == Messages::Yes && SaveUnderName(true) == Saved::Failed)
+        return;
+    IniWrite(Files, QStringLiteral("LastConfigModified"),
+             QString::number(Global::Configuration().Modified() ? 1 : 0));
+    EndProgram();
+}
+
+void wMain::TellFailure(qint32 text) {
+    const QPointer<QMessageBox> box(
+        new QMessageBox(QMessageBox::Critical, Global::Title, GetText(text)));
+    box->setStyleSheet(
+        QStringLiteral("QPushButton { min-width: 120px; min-height: 48px; font-size: 16px; }"));
+    failure_ = box;
+    {
+        const Operator::Away away;
+        box->exec();
+    }
+    delete box;
+}
