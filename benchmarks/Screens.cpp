@@ -4,6 +4,7 @@
 #include "Bed.h"
 
 #include "bus/wPolling.h"
+#include "config_screens/ConfigScreens.h"
 #include "core/Forms.h"
 #include "platform/DiskFlush.h"
 #include "screens/Screens.h"
@@ -18,6 +19,7 @@ namespace {
 void OpenScreen(benchmark::State& state, const QString& form) {
     const Bed bed;
     RegisterScreens();
+    RegisterConfigScreens();
     wPolling engine(std::make_unique<FakeLink>());
     engine.Form_Load();
     for (auto step : state) {

@@ -1,6 +1,7 @@
 #include "Startup.h"
 
 #include "bus/wPolling.h"
+#include "config_screens/ConfigScreens.h"
 #include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -119,6 +120,7 @@ bool Startup::Main() {
         shutdownWatch_ = std::make_unique<platform::ShutdownWatch>();
         connect(shutdownWatch_.get(), &platform::ShutdownWatch::Requested, this, &Startup::End);
         RegisterScreens();
+        RegisterConfigScreens();
         if (!ClaimInstance())
             return;
         // A trace that can't be opened is told; the alarms go their way without it.

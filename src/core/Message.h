@@ -10,8 +10,15 @@ int Message(const QString& text, int buttons = 0, bool noWait = false);
 
 namespace Messages {
 
-/// Pictures and button sets of the style word.
+/// Pictures of the style word.
 inline constexpr int Critical = 16;
+inline constexpr int Question = 32;
+inline constexpr int Warning = 48;
+inline constexpr int Information = 64;
+/// Button sets of the style word.
+inline constexpr int OkCancel = 1;
+inline constexpr int YesNoCancel = 3;
+inline constexpr int YesNo = 4;
 /// Bits of the style word that choose the buttons; 0 is a box that only tells.
 inline constexpr int ButtonSet = 7;
 

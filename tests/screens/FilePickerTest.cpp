@@ -1,6 +1,6 @@
 #include "screens/dialogs/FilePicker.h"
 #include "platform/Volumes.h"
-#include "screens/ScreensFixture.h"
+#include "support/ScreensFixture.h"
 
 #include <QLineEdit>
 #include <QListWidget>

@@ -1,8 +1,8 @@
 // The operator's help: which page is shown, turning it by touch, and the pages themselves.
 
 #include "core/Config.h"
-#include "screens/ScreensFixture.h"
 #include "screens/dialogs/wHelp.h"
+#include "support/ScreensFixture.h"
 
 #include <QRegularExpression>
 #include <QScrollBar>

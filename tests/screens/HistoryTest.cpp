@@ -6,7 +6,7 @@
 
 #include "events/HistoProcs.h"
 #include "model/Models.h"
-#include "screens/ScreensFixture.h"
+#include "support/ScreensFixture.h"
 
 #include <QListWidget>
 

@@ -1,7 +1,7 @@
 #include "screens/touch/ScreenForm.h"
 #include "core/ErrorHandling.h"
-#include "screens/ScreensFixture.h"
 #include "screens/touch/TouchImage.h"
+#include "support/ScreensFixture.h"
 
 #include <QHeaderView>
 #include <QTableWidget>

@@ -2,10 +2,10 @@
 
 #include "core/Config.h"
 #include "model/Models.h"
-#include "screens/ScreensFixture.h"
 #include "screens/remote/Telecommande.h"
 #include "screens/remote/wTeleCmde.h"
 #include "support/FakeModules.h"
+#include "support/ScreensFixture.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "screens/ScreensFixture.h"
 #include "screens/Script.h"
 #include "screens/dialogs/AskPassword.h"
+#include "support/ScreensFixture.h"
 
 #include <QLineEdit>
 #include <QPushButton>

@@ -1,7 +1,7 @@
 #include "screens/dialogs/dlgConsigne.h"
 
-#include "screens/ScreensFixture.h"
 #include "screens/touch/TouchImage.h"
+#include "support/ScreensFixture.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "screens/dialogs/dlgKeyboard.h"
 #include "platform/CodePage.h"
-#include "screens/ScreensFixture.h"
+#include "support/ScreensFixture.h"
 
 #include <QLineEdit>
 #include <QPlainTextEdit>

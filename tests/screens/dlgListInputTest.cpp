@@ -1,6 +1,6 @@
 #include "screens/dialogs/dlgListInput.h"
 #include "core/ErrorHandling.h"
-#include "screens/ScreensFixture.h"
+#include "support/ScreensFixture.h"
 
 #include <QLineEdit>
 #include <QListWidget>

@@ -1,7 +1,7 @@
 #include "screens/dialogs/dlgMessage.h"
 #include "core/Boxes.h"
 #include "core/Operator.h"
-#include "screens/ScreensFixture.h"
+#include "support/ScreensFixture.h"
 
 #include <QPushButton>
 #include <QTextEdit>

@@ -1,6 +1,6 @@
 #include "screens/menu/wMain.h"
-#include "screens/ScreensFixture.h"
 #include "support/FakeForm.h"
+#include "support/ScreensFixture.h"
 
 #include <QAbstractButton>
 #include <QFile>

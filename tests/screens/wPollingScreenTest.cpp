@@ -1,5 +1,5 @@
 #include "screens/menu/wPollingScreen.h"
-#include "screens/ScreensFixture.h"
+#include "support/ScreensFixture.h"
 
 #include <QTableWidget>
 

@@ -3,6 +3,7 @@
 // <height>]
 
 #include "bus/wPolling.h"
+#include "config_screens/ConfigScreens.h"
 #include "core/Config.h"
 #include "core/Faults.h"
 #include "core/Forms.h"
@@ -159,6 +160,7 @@ int main(int argc, char** argv) {
     if (!Config::OpenConfigBase())
         return 1;
     RegisterScreens();
+    RegisterConfigScreens();
     Messages::Install([](const QString&, int, bool) { return int(Messages::Ok); });
     if (argc == 5) {
         Global::Get().noResize = false;

@@ -1,5 +1,7 @@
 #include "screens/touch/TouchList.h"
 
+#include "screens/touch/SwipeScroll.h"
+
 #include <QScrollBar>
 
 namespace {
@@ -8,10 +10,13 @@ namespace {
 constexpr int Finger = 48;
 constexpr int Arrow = 24;
 
-const QString StyleSheet = QStringLiteral(R"(
+const QString Rows = QStringLiteral(R"(
 QListWidget { outline: none; }
 QListWidget::item { height: %1px; padding-left: %3px; border-bottom: 1px solid #2C3744; }
 QListWidget::item:selected { background: #3B5675; color: #FFFFFF; }
+)");
+
+const QString Bar = QStringLiteral(R"(
 QScrollBar:vertical { width: %1px; margin: %1px 0 %1px 0; background: #12171E; border: none; }
 QScrollBar::handle:vertical { min-height: %1px; background: #4A5868; border-radius: 6px;
     margin: 2px 8px 2px 8px; }
@@ -27,18 +32,25 @@ QScrollBar::down-arrow:vertical { image: url(:/pictures/down.svg); width: %2px; 
 QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }
 )");
 
+QString Scaled(QString style, double scale) {
+    const auto pixels = [scale](int design) { return QString::number(qRound(design * scale)); };
+    return style.replace(QStringLiteral("%1"), pixels(Finger))
+        .replace(QStringLiteral("%2"), pixels(Arrow))
+        .replace(QStringLiteral("%3"), pixels(Arrow / 4));
+}
+
 } // namespace
 
+QString TouchScrollBar(double scale) {
+    return Scaled(Bar, scale);
+}
+
 void MakeTouchList(QListWidget& list, double scale) {
-    const auto scaled = [scale](int pixels) { return qRound(pixels * scale); };
-    list.setStyleSheet(QString(StyleSheet)
-                           .replace(QStringLiteral("%1"), QString::number(scaled(Finger)))
-                           .replace(QStringLiteral("%2"), QString::number(scaled(Arrow)))
-                           .replace(QStringLiteral("%3"), QString::number(scaled(Arrow / 4))));
+    list.setStyleSheet(Scaled(Rows, scale) + TouchScrollBar(scale));
     list.setUniformItemSizes(true);
     list.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list.setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     list.setTextElideMode(Qt::ElideMiddle);
     list.setEditTriggers(QAbstractItemView::NoEditTriggers);
     list.setContextMenuPolicy(Qt::NoContextMenu);
+    new SwipeScroll(list);
 }

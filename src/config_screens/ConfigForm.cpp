@@ -1,0 +1,78 @@
+#include "config_screens/ConfigForm.h"
+
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Forms.h"
+#include "core/Message.h"
+#include "model/CurrentConfig.h"
+#include "screens/dialogs/wHelp.h"
+#include "screens/touch/Navigation.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPointer>
+
+namespace {
+constexpr int KeepTheChanges = 30010;
+} // namespace
+
+bool ConfigForm::AskForClose() {
+    if (!Differs())
+        return true;
+    const QPointer<ConfigForm> self(this);
+    const int answer = Message(GetText(KeepTheChanges), Messages::Question | Messages::YesNoCancel);
+    if (!IsLoaded(self.data()))
+        return false;
+    if (answer == Messages::Yes)
+        return Take() && IsLoaded(self.data());
+    if (answer != Messages::No)
+        return false;
+    Drop();
+    return IsLoaded(self.data());
+}
+
+bool ConfigForm::Leave(const QString& form) {
+    if (!AskForClose())
+        return false;
+    left_ = true;
+    Forms::Show(form);
+    Unload();
+    return true;
+}
+
+bool ConfigForm::LeaveToMenu(int tile) {
+    if (!AskForClose())
+        return false;
+    left_ = true;
+    ReturnToMenu(*this, tile);
+    return true;
+}
+
+void ConfigForm::SaveSite() {
+    ConfigClass& site = Global::Configuration();
+    if (!site.Modified())
+        return;
+    const qint32 result = SaveCurrentConfig();
+    if (result < 1)
+        return;
+    site.setModified(true);
+    Message(GetText(result), Messages::Critical);
+}
+
+void ConfigForm::ShowKept(bool kept) {
+    if (auto* note = findChild<QLabel*>(QStringLiteral("lblKept")))
+        note->setVisible(kept);
+}
+
+void ConfigForm::Form_Unload() {
+    if (!left_ && Differs())
+        Keep();
+    Closing();
+}
+
+void ConfigForm::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_F1)
+        ShowHelp();
+    else
+        ScreenForm::keyPressEvent(event);
+}

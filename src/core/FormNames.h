@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+
+/// Names of the forms, as the registry knows them.
+namespace FormNames {
+
+inline const QString wMain = QStringLiteral("wMain");
+inline const QString wPolling = QStringLiteral("wPolling");
+inline const QString wRunAlarms = QStringLiteral("wRunAlarms");
+inline const QString wTeleCmdes = QStringLiteral("wTeleCmdes");
+inline const QString wTeleCmde = QStringLiteral("wTeleCmde");
+inline const QString wHistoric = QStringLiteral("wHistoric");
+inline const QString wHelp = QStringLiteral("wHelp");
+inline const QString wBusModules = QStringLiteral("wBusModules");
+inline const QString wBusPanneau = QStringLiteral("wBusPanneau");
+inline const QString wBusMiroirs = QStringLiteral("wBusMiroirs");
+inline const QString wBusMirrorOne = QStringLiteral("wBusMirrorOne");
+inline const QString wParamBiblio = QStringLiteral("wParamBiblio");
+inline const QString wParamConsignes = QStringLiteral("wParamConsignes");
+inline const QString wParamEcran = QStringLiteral("wParamEcran");
+inline const QString wParamPrinter = QStringLiteral("wParamPrinter");
+inline const QString wSysComm = QStringLiteral("wSysComm");
+inline const QString wSysConfSon = QStringLiteral("wSysConfSon");
+inline const QString wTechnician = QStringLiteral("wTechnician");
+inline const QString dlgBusCopy = QStringLiteral("dlgBusCopy");
+inline const QString dlgConsigne = QStringLiteral("dlgConsigne");
+inline const QString dlgDefPwds = QStringLiteral("dlgDefPwds");
+inline const QString dlgEditMirror = QStringLiteral("dlgEditMirror");
+inline const QString dlgFilePicker = QStringLiteral("dlgFilePicker");
+inline const QString dlgKeyboard = QStringLiteral("dlgKeyboard");
+inline const QString dlgListInput = QStringLiteral("dlgListInput");
+inline const QString dlgMenuParams = QStringLiteral("dlgMenuParams");
+inline const QString dlgMenuSystem = QStringLiteral("dlgMenuSystem");
+inline const QString dlgParamPrinter = QStringLiteral("dlgParamPrinter");
+inline const QString dlgSysTime = QStringLiteral("dlgSysTime");
+inline const QString dlgUserCodes = QStringLiteral("dlgUserCodes");
+
+} // namespace FormNames

@@ -1,0 +1,196 @@
+#include "screens/touch/TouchTable.h"
+
+#include "screens/touch/SwipeScroll.h"
+#include "screens/touch/Theme.h"
+#include "screens/touch/TouchList.h"
+
+#include <QAbstractTableModel>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <algorithm>
+#include <utility>
+
+namespace {
+constexpr int RowPixels = 48;
+} // namespace
+
+/// Rows in the order shown.
+class TouchTable::Model : public QAbstractTableModel {
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : int(rows_.size());
+    }
+    int columnCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : int(columns_.size());
+    }
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (role == Qt::DisplayRole)
+            return rows_[index.row()].cells.value(index.column());
+        if (role == Qt::TextAlignmentRole)
+            return QVariant::fromValue(columns_[index.column()].alignment);
+        return {};
+    }
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+        if (orientation != Qt::Horizontal || section >= columns_.size())
+            return {};
+        if (role == Qt::DisplayRole)
+            return columns_[section].title;
+        if (role == Qt::TextAlignmentRole)
+            return QVariant::fromValue(columns_[section].alignment);
+        return {};
+    }
+    void setColumns(const QList<Column>& columns) {
+        beginResetModel();
+        columns_ = columns;
+        endResetModel();
+    }
+    void setRows(QList<Row> rows) {
+        beginResetModel();
+        rows_ = std::move(rows);
+        Order();
+        endResetModel();
+    }
+    /// By a column; a second time turns the order round.
+    void SortBy(int column) {
+        beginResetModel();
+        falling_ = column == sorted_ && !falling_;
+        sorted_ = column;
+        Order();
+        endResetModel();
+    }
+    int Find(const QString& tag) const {
+        const auto found = std::find_if(rows_.cbegin(), rows_.cend(),
+                                        [&](const Row& row) { return row.tag == tag; });
+        return found == rows_.cend() ? -1 : int(found - rows_.cbegin());
+    }
+    const Row& At(int row) const { return rows_[row]; }
+
+private:
+    /// Numbers stand by their value and before words; equal rows stand by their tag.
+    void Order() {
+        struct Key {
+            bool word = false;
+            double number = 0;
+        };
+        const auto keyOf = [](const QString& text) {
+            bool isNumber = false;
+            const double number = text.toDouble(&isNumber);
+            return Key{!isNumber, number};
+        };
+        std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& one, const Row& other) {
+            const Row& first = falling_ ? other : one;
+            const Row& second = falling_ ? one : other;
+            const QString& left = first.cells[sorted_];
+            const QString& right = second.cells[sorted_];
+            const Key a = keyOf(left);
+            const Key b = keyOf(right);
+            if (a.word != b.word)
+                return b.word;
+            if (a.word ? left != right : a.number != b.number)
+                return a.word ? left < right : a.number < b.number;
+            return one.tag < other.tag;
+        });
+    }
+
+    QList<Column> columns_;
+    QList<Row> rows_;
+    int sorted_ = 0;
+    bool falling_ = false;
+};
+
+TouchTable::TouchTable(QWidget* parent)
+    : QTableView(parent)
+    , model_(new Model(this)) {
+    setModel(model_);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setTabKeyNavigation(false);
+    setWordWrap(false);
+    setTextElideMode(Qt::ElideRight);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    verticalHeader()->hide();
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(true);
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &TouchTable::SortBy);
+    new SwipeScroll(*this);
+}
+
+TouchTable::~TouchTable() = default;
+
+void TouchTable::setColumns(const QList<Column>& columns, double scale) {
+    columns_ = columns;
+    model_->setColumns(columns);
+    const int finger = qRound(RowPixels * scale);
+    verticalHeader()->setDefaultSectionSize(finger);
+    horizontalHeader()->setFixedHeight(finger);
+    horizontalHeader()->setFont(font());
+    setStyleSheet(TouchScrollBar(scale));
+    FitColumns();
+}
+
+void TouchTable::FitColumns() {
+    int shares = 0;
+    for (const Column& column : columns_)
+        shares += column.share;
+    for (int i = 0; i < columns_.size(); ++i)
+        setColumnWidth(i, viewport()->width() * columns_[i].share / qMax(1, shares));
+}
+
+void TouchTable::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    FitColumns();
+}
+
+void TouchTable::setRows(QList<Row> rows) {
+    const QString tag = CurrentTag();
+    const int view = verticalScrollBar()->value();
+    model_->setRows(std::move(rows));
+    verticalScrollBar()->setValue(view);
+    SelectTag(tag);
+}
+
+void TouchTable::SortBy(int column) {
+    const QString tag = CurrentTag();
+    model_->SortBy(column);
+    SelectTag(tag);
+}
+
+int TouchTable::RowCount() const {
+    return model_->rowCount();
+}
+
+QString TouchTable::CurrentTag() const {
+    const int row = CurrentRow();
+    return row < 0 ? QString() : model_->At(row).tag;
+}
+
+void TouchTable::SelectTag(const QString& tag) {
+    const int row = tag.isEmpty() ? -1 : model_->Find(tag);
+    const bool another = row != CurrentRow();
+    setCurrentIndex(row < 0 ? QModelIndex() : model_->index(row, 0));
+    // A reset of the rows drops the selection without a word.
+    if (!another || row < 0)
+        Q_EMIT RowChanged();
+}
+
+void TouchTable::MoveBy(int rows) {
+    const int row = CurrentRow() + rows;
+    if (CurrentRow() >= 0 && row >= 0 && row < RowCount())
+        setCurrentIndex(model_->index(row, 0));
+}
+
+QString TouchTable::Cell(int row, int column) const {
+    return model_->At(row).cells.value(column);
+}
+
+void TouchTable::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    if (current.row() != previous.row())
+        Q_EMIT RowChanged();
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTableView>
+
+/// A table for a finger: rows as high as one, a swipe scrolls, a touch on the head of a column
+/// sorts by it. Each row has a `Tag` that ties it to what it shows.
+class TouchTable : public QTableView {
+    Q_OBJECT
+public:
+    struct Column {
+        QString title;
+        /// Share of the width among the shares of all.
+        int share;
+        Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+    };
+    struct Row {
+        QStringList cells;
+        QString tag;
+    };
+
+    explicit TouchTable(QWidget* parent = nullptr);
+    ~TouchTable() override;
+
+    /// `scale` is the factor by which the form was made larger or smaller for the display.
+    void setColumns(const QList<Column>& columns, double scale);
+    /// Shows other rows, sorted as before. The row selected before stays so if its tag is still
+    /// there, and the view stays where it is as far as there are rows.
+    void setRows(QList<Row> rows);
+    int RowCount() const;
+    /// Place of the selected row in the order shown, -1 for none.
+    int CurrentRow() const { return currentIndex().row(); }
+    /// Tag of the selected row, empty for none.
+    QString CurrentTag() const;
+    /// Selects the row of a tag and brings it in sight; none when the tag isn't there.
+    void SelectTag(const QString& tag);
+    /// Moves the selection so many rows, as far as there are any.
+    void MoveBy(int rows);
+    QString Cell(int row, int column) const;
+
+Q_SIGNALS:
+    /// Another row is selected, or none.
+    void RowChanged();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+private:
+    class Model;
+
+    void FitColumns();
+    void SortBy(int column);
+
+    Model* model_;
+    QList<Column> columns_;
+};

@@ -1,0 +1,185 @@
+// The gestures that the forms share: pointers, arrows, clipboards, lists, tables, copies.
+
+#include "screens/touch/EntryClipboard.h"
+#include "screens/touch/FieldPointer.h"
+#include "screens/touch/HoldToRepeat.h"
+#include "screens/touch/KeptEdit.h"
+#include "screens/touch/NumberedList.h"
+#include "screens/touch/Stepper.h"
+#include "screens/touch/TouchTable.h"
+#include "screens/touch/ValueLabel.h"
+#include "screens/touch/WorkingCopy.h"
+
+#include <QHeaderView>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace {
+
+void Swipe(QWidget* on, const QPoint& from, int way) {
+    QTest::mousePress(on, Qt::LeftButton, {}, from);
+    for (int moved = 0; moved <= qAbs(way); moved += 8)
+        QTest::mouseMove(on, from - QPoint(0, way < 0 ? -moved : moved));
+    QTest::mouseRelease(on, Qt::LeftButton, {}, from - QPoint(0, way));
+}
+
+TouchTable::Row Line(const QString& tag, const QString& number, const QString& word) {
+    return {{number, word}, tag};
+}
+
+} // namespace
+
+TEST(GesturesTest, ThePointerStaysOnFieldsThatMayBePointedAt) {
+    QWidget form;
+    QList<ValueLabel*> fields;
+    for (int i = 0; i < 4; ++i)
+        fields += new ValueLabel(&form);
+    QPushButton back(&form);
+    QPushButton on(&form);
+    FieldPointer pointer(&form, fields, &back, &on);
+    EXPECT_TRUE(fields[0]->IsPointed());
+    EXPECT_FALSE(back.isEnabled());
+    pointer.Skip(1);
+    pointer.MoveBy(1);
+    EXPECT_EQ(pointer.Place(), 2) << "steps over";
+    pointer.MoveBy(-1);
+    EXPECT_EQ(pointer.Place(), 0);
+    QTest::mouseClick(fields[1], Qt::LeftButton);
+    EXPECT_EQ(pointer.Place(), 0) << "a touch on a field that is stepped over means nothing";
+    QTest::mouseClick(fields[3], Qt::LeftButton);
+    EXPECT_EQ(pointer.Field(), fields[3]);
+    EXPECT_FALSE(on.isEnabled());
+    EXPECT_FALSE(fields[0]->IsPointed());
+    pointer.MoveBy(1);
+    EXPECT_EQ(pointer.Place(), 3);
+}
+
+TEST(GesturesTest, AStepperStopsAtItsBoundsAndTellsWhoStepped) {
+    QWidget form;
+    ValueLabel shown(&form);
+    QPushButton down(&form);
+    QPushButton up(&form);
+    HoldToRepeat repeat(&form);
+    Stepper stepper(repeat, &shown, {&down, &up}, 2);
+    stepper.setBounds(1, 3);
+    QSignalSpy changes(&stepper, &Stepper::Changed);
+    stepper.StepBy(1);
+    stepper.StepBy(7);
+    stepper.StepBy(1);
+    EXPECT_EQ(shown.Caption(), QStringLiteral("03"));
+    EXPECT_FALSE(up.isEnabled());
+    EXPECT_TRUE(down.isEnabled());
+    ASSERT_EQ(changes.size(), 2) << "what changes nothing tells nothing";
+    EXPECT_TRUE(changes[1][1].toBool());
+    stepper.setBounds(1, 2);
+    EXPECT_EQ(stepper.Value(), 2);
+    EXPECT_FALSE(changes.last()[1].toBool());
+}
+
+TEST(GesturesTest, TheClipboardOutlivesTheEntryItWasCopiedFrom) {
+    EntryClipboard<QString> clipboard;
+    QString entry = QStringLiteral("first");
+    EXPECT_FALSE(clipboard.Act(EntryAction::Paste, entry)) << "nothing to paste";
+    EXPECT_EQ(entry, QStringLiteral("first"));
+    EXPECT_FALSE(clipboard.Act(EntryAction::Copy, entry));
+    entry = QStringLiteral("second");
+    EXPECT_TRUE(clipboard.Act(EntryAction::Paste, entry));
+    EXPECT_EQ(entry, QStringLiteral("first"));
+    entry = QStringLiteral("third");
+    EXPECT_TRUE(clipboard.Act(EntryAction::Cut, entry));
+    EXPECT_TRUE(entry.isEmpty());
+    EXPECT_TRUE(clipboard.Act(EntryAction::Clear, entry));
+    EXPECT_TRUE(clipboard.Act(EntryAction::Paste, entry));
+    EXPECT_EQ(entry, QStringLiteral("third"));
+}
+
+TEST(GesturesTest, AListAndItsNumberFollowEachOther) {
+    QWidget form;
+    auto* list = new QListWidget(&form);
+    auto* number = new ValueLabel(&form);
+    QStringList texts{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
+    NumberedList entries(list, number, 1, [&](int entry) { return texts[entry - 1]; });
+    entries.Fill(3);
+    QSignalSpy changes(&entries, &NumberedList::Changed);
+    list->setCurrentRow(2);
+    EXPECT_EQ(number->Caption(), QStringLiteral("3"));
+    entries.setNumber(-4);
+    EXPECT_EQ(list->currentRow(), 0);
+    EXPECT_EQ(changes.size(), 2);
+    entries.setNumber(2);
+    texts[1] = QStringLiteral("new");
+    entries.Renew(2);
+    EXPECT_EQ(list->item(1)->text(), QStringLiteral("new"));
+    entries.Fill(3);
+    EXPECT_EQ(entries.Number(), 2) << "the place stays over a change of all";
+    EXPECT_EQ(changes.size(), 3);
+}
+
+TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
+    TouchTable table;
+    table.resize(400, 300);
+    table.setColumns({{QStringLiteral("No"), 1}, {QStringLiteral("Word"), 2}}, 1);
+    QList<TouchTable::Row> rows{
+        Line(QStringLiteral("x"), QStringLiteral("10"), QStringLiteral("b")),
+        Line(QStringLiteral("y"), QStringLiteral("9"), QStringLiteral("c")),
+        Line(QStringLiteral("z"), QStringLiteral("all"), QStringLiteral("a"))};
+    QSignalSpy changes(&table, &TouchTable::RowChanged);
+    table.setRows(rows);
+    EXPECT_EQ(table.Cell(0, 0), QStringLiteral("9")) << "numbers by value, before words";
+    EXPECT_EQ(table.Cell(2, 0), QStringLiteral("all"));
+    table.SelectTag(QStringLiteral("x"));
+    Q_EMIT table.horizontalHeader()->sectionClicked(1);
+    EXPECT_EQ(table.CurrentTag(), QStringLiteral("x"));
+    EXPECT_EQ(table.CurrentRow(), 1);
+    Q_EMIT table.horizontalHeader()->sectionClicked(1);
+    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("c"));
+    table.MoveBy(1);
+    EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
+    table.MoveBy(1);
+    EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
+    rows.removeLast();
+    table.setRows(rows);
+    EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";
+    EXPECT_GT(changes.size(), 3);
+}
+
+TEST(GesturesTest, ASwipeScrollsAndATouchSelects) {
+    TouchTable table;
+    table.resize(400, 300);
+    table.setColumns({{QStringLiteral("No"), 1}}, 1);
+    QList<TouchTable::Row> rows;
+    for (int i = 0; i < 100; ++i)
+        rows += Line(QString::number(i), QString::number(i), QString());
+    table.setRows(rows);
+    table.show();
+    QWidget* view = table.viewport();
+    const QPoint middle = view->rect().center();
+    Swipe(view, middle, 96);
+    EXPECT_EQ(table.verticalScrollBar()->value(), 96);
+    EXPECT_EQ(table.CurrentRow(), -1) << "a swipe selects nothing";
+    QTest::mouseClick(view, Qt::LeftButton, {}, middle);
+    EXPECT_EQ(table.CurrentRow(), table.rowAt(middle.y()));
+    table.setRows(rows);
+    EXPECT_EQ(table.verticalScrollBar()->value(), 96) << "the view stays over a change";
+}
+
+TEST(GesturesTest, AKeptEditIsWorthItsOriginalOnly) {
+    int site = 1;
+    WorkingCopy<int> copy([&] { return site; });
+    EXPECT_FALSE(copy.Differs());
+    *copy = 5;
+    EXPECT_TRUE(copy.Differs());
+    KeptEdit<int> kept;
+    kept.Keep(copy.Original(), *copy);
+    copy.Reload();
+    EXPECT_FALSE(copy.Differs());
+    EXPECT_EQ(kept.Take(site), 5);
+    EXPECT_EQ(kept.Take(site), std::nullopt) << "once";
+    kept.Keep(site, 6);
+    site = 2;
+    EXPECT_EQ(kept.Take(site), std::nullopt) << "the site holds something else now";
+}
