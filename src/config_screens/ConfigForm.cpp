@@ -53,10 +53,10 @@ void ConfigForm::SaveSite() {
     if (!site.Modified())
         return;
     const qint32 result = SaveCurrentConfig();
-    if (result < 1)
-        return;
+    // Its own file doesn't hold the change, and saving lowers the marks of the panels.
     site.setModified(true);
-    Message(GetText(result), Messages::Critical);
+    if (result >= 1)
+        Message(GetText(result), Messages::Critical);
 }
 
 void ConfigForm::ShowKept(bool kept) {
