@@ -1,6 +1,6 @@
 #pragma once
 
-#include "screens/Script.h"
+#include "support/Script.h"
 #include "screens/dialogs/AskPassword.h"
 #include "support/ScreensFixture.h"
 
