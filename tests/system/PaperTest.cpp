@@ -116,7 +116,8 @@ protected:
 class DiskTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (mount("none", QFile::encodeName(disk_.path()).constData(), "tmpfs", 0, "size=192m") != 0)
+        if (mount("none", QFile::encodeName(disk_.path()).constData(), "tmpfs", 0, "size=192m") !=
+            0)
             GTEST_SKIP() << "nothing can be mounted here";
         mounted_ = true;
         qputenv("TMPDIR", QFile::encodeName(disk_.path()));
