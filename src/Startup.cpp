@@ -6,6 +6,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
@@ -26,9 +27,6 @@ using ErrorHandling::Guard;
 
 namespace {
 
-const QString PollingForm = QStringLiteral("wPolling");
-const QString Console = QStringLiteral("wRunAlarms");
-const QString MainMenu = QStringLiteral("wMain");
 const QString Files = QStringLiteral("Files");
 
 void TellHorn(bool canBeHeard) {
@@ -99,19 +97,19 @@ void Startup::LoadPolling() {
     polling_ = std::make_unique<wPolling>(platform::MakeSerialPort(
         [](int number) { return SLVfonctions::DevicePath(QStringLiteral("COM%1").arg(number)); }));
     polling_->Form_Load(started_);
-    Forms::Load(PollingForm);
+    Forms::Load(FormNames::wPolling);
 }
 
 /// A port that isn't there yet, as an adapter that the system finds late, is tried again while the
 /// console stands: nobody is there to start the bus.
 void Startup::StartByItself() {
-    Forms::Show(MainMenu);
+    Forms::Show(FormNames::wMain);
     polling_->RunWhenPortComes();
     if (HasEnded())
         return;
-    Forms::Show(Console);
-    Forms::Unload(MainMenu);
-    Forms::UnloadAllBut({Console, PollingForm});
+    Forms::Show(FormNames::wRunAlarms);
+    Forms::Unload(FormNames::wMain);
+    Forms::UnloadAllBut({FormNames::wRunAlarms, FormNames::wPolling});
 }
 
 bool Startup::Main() {
@@ -161,7 +159,7 @@ void Startup::ComeUp() {
     Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
     Pointer::Default();
     if (!autoStart && !HasEnded())
-        Forms::Show(MainMenu);
+        Forms::Show(FormNames::wMain);
 }
 
 bool Startup::HasEnded() const {

@@ -35,8 +35,8 @@ protected:
     bool Leave(const QString& form = FormNames::wMain);
     /// The same, back into a submenu of the main menu.
     bool LeaveToMenu(int tile);
-    /// Saves what the program starts from if the site was changed; a failure is told. The site's own
-    /// file is saved from the main menu: the site still counts as changed.
+    /// Saves what the program starts from if the site was changed; a failure is told. The site's
+    /// own file is saved from the main menu: the site still counts as changed.
     static void SaveSite();
     /// Tells that the edit is one that was kept.
     void ShowKept(bool kept);

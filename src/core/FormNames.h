@@ -32,6 +32,7 @@ inline const QString dlgKeyboard = QStringLiteral("dlgKeyboard");
 inline const QString dlgListInput = QStringLiteral("dlgListInput");
 inline const QString dlgMenuParams = QStringLiteral("dlgMenuParams");
 inline const QString dlgMenuSystem = QStringLiteral("dlgMenuSystem");
+inline const QString dlgMessage = QStringLiteral("dlgMessage");
 inline const QString dlgParamPrinter = QStringLiteral("dlgParamPrinter");
 inline const QString dlgSysTime = QStringLiteral("dlgSysTime");
 inline const QString dlgUserCodes = QStringLiteral("dlgUserCodes");

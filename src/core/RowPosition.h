@@ -6,7 +6,8 @@
 /// The selection of a list of rows and the part of it in sight.
 class RowPosition {
 public:
-    /// Time from the look at a row to the finger on it, ms: rows that slid meanwhile are taken back.
+    /// Time from the look at a row to the finger on it, ms: rows that slid meanwhile are taken
+    /// back.
     static constexpr qint64 AimMs = 250;
 
     int Count() const { return count_; }

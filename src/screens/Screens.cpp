@@ -1,6 +1,7 @@
 #include "screens/Screens.h"
 
 #include "core/Boxes.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Message.h"
 #include "screens/console/wRunAlarms.h"
@@ -29,19 +30,19 @@ void RegisterScreens() {
     Messages::Install(&dlgMessage::Present);
     Boxes::Install(&dlgMessage::PresentUnread);
     Messages::InstallNotice(&dlgMessage::PresentNotice);
-    Forms::Register(QStringLiteral("dlgUserCodes"), [] { return new dlgUserCodes; });
-    Forms::Register(QStringLiteral("dlgDefPwds"), [] { return new dlgDefPwds; });
-    Forms::Register(QStringLiteral("dlgMenuParams"), [] { return new dlgMenuParams; });
-    Forms::Register(QStringLiteral("dlgMenuSystem"), [] { return new dlgMenuSystem; });
-    Forms::Register(QStringLiteral("wMain"), [] { return new wMain; });
-    Forms::Register(QStringLiteral("wPolling"), [] { return new wPollingScreen; });
-    Forms::Register(QStringLiteral("wRunAlarms"), [] { return new wRunAlarms; });
-    Forms::Register(QStringLiteral("wTeleCmdes"), [] { return new wTeleCmdes; });
-    Forms::Register(QStringLiteral("wTeleCmde"), [] { return new wTeleCmde; });
-    Forms::Register(QStringLiteral("wHistoric"), [] { return new wHistoric; });
-    Forms::Register(QStringLiteral("dlgConsigne"), [] { return new dlgConsigne; });
-    Forms::Register(QStringLiteral("wHelp"), [] { return new wHelp; });
-    Forms::Register(QStringLiteral("dlgListInput"), [] { return new dlgListInput; });
-    Forms::Register(QStringLiteral("dlgKeyboard"), [] { return new dlgKeyboard; });
-    Forms::Register(QStringLiteral("dlgFilePicker"), [] { return new dlgFilePicker; });
+    Forms::Register(FormNames::dlgUserCodes, [] { return new dlgUserCodes; });
+    Forms::Register(FormNames::dlgDefPwds, [] { return new dlgDefPwds; });
+    Forms::Register(FormNames::dlgMenuParams, [] { return new dlgMenuParams; });
+    Forms::Register(FormNames::dlgMenuSystem, [] { return new dlgMenuSystem; });
+    Forms::Register(FormNames::wMain, [] { return new wMain; });
+    Forms::Register(FormNames::wPolling, [] { return new wPollingScreen; });
+    Forms::Register(FormNames::wRunAlarms, [] { return new wRunAlarms; });
+    Forms::Register(FormNames::wTeleCmdes, [] { return new wTeleCmdes; });
+    Forms::Register(FormNames::wTeleCmde, [] { return new wTeleCmde; });
+    Forms::Register(FormNames::wHistoric, [] { return new wHistoric; });
+    Forms::Register(FormNames::dlgConsigne, [] { return new dlgConsigne; });
+    Forms::Register(FormNames::wHelp, [] { return new wHelp; });
+    Forms::Register(FormNames::dlgListInput, [] { return new dlgListInput; });
+    Forms::Register(FormNames::dlgKeyboard, [] { return new dlgKeyboard; });
+    Forms::Register(FormNames::dlgFilePicker, [] { return new dlgFilePicker; });
 }

@@ -38,7 +38,8 @@ QByteArray Riff(const QByteArray& chunks) {
 QByteArray Format(int kind, int channels, int bits, int rate = 8000) {
     const int frame = channels * bits / 8;
     return Bytes({quint16(kind), quint16(channels)}) +
-           Bytes({quint32(rate), quint32(rate) * quint32(frame)}) + Bytes({quint16(frame), quint16(bits)});
+           Bytes({quint32(rate), quint32(rate) * quint32(frame)}) +
+           Bytes({quint16(frame), quint16(bits)});
 }
 
 QByteArray WaveOf(const QByteArray& format, const QByteArray& data) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "support/Script.h"
 #include "screens/dialogs/AskPassword.h"
 #include "support/ScreensFixture.h"
+#include "support/Script.h"
 
 #include <QLineEdit>
 #include <QPushButton>

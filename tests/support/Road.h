@@ -2,6 +2,7 @@
 
 #include "bus/AlarmConsole.h"
 #include "bus/wPolling.h"
+#include "config_screens/ConfigScreens.h"
 #include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/Faults.h"
@@ -20,17 +21,19 @@
 /// until the test starts it, so that modules can have a past.
 class Road : public ::testing::Test {
 protected:
-    /// Modules as "1=Q7100"; panels of these models stand under the same addresses.
-    explicit Road(const QStringList& modules)
+    /// Modules as "1=Q7100"; panels of these models stand under the same addresses, unless the test
+    /// sets the site up itself.
+    explicit Road(const QStringList& modules, bool withPanels = true)
         : simulator(folder.Bus(), modules) {
         EXPECT_TRUE(Config::OpenConfigBase());
         Global::Get() = Global::State();
         Global::ReadMarks();
         Global::Get().sound = std::make_unique<platform::SilentSound>();
         Global::setConfiguration(std::make_unique<ConfigClass>());
-        for (const QString& module : modules)
+        for (const QString& module : withPanels ? modules : QStringList())
             AddPanel(module.section(u'=', 0, 0).toInt(), module.section(u'=', 1));
         RegisterScreens();
+        RegisterConfigScreens();
         Messages::Install([this](const QString& text, int, bool) {
             boxes += text;
             return int(Messages::Ok);

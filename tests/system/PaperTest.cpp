@@ -1,6 +1,7 @@
 // What the program writes on paper and disks, with printers that are stuck or late and disks that
 // are full.
 
+#include "support/PipePrinter.h"
 #include "system/Processes.h"
 
 #include "core/Config.h"
@@ -9,53 +10,12 @@
 
 #include <QElapsedTimer>
 #include <cerrno>
-#include <fcntl.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int Panels = 2;
-
-/// A named pipe in place of a printer.
-class PipePrinter {
-public:
-    explicit PipePrinter(QString path)
-        : path_(std::move(path)) {
-        EXPECT_EQ(mkfifo(QFile::encodeName(path_).constData(), 0600), 0);
-    }
-    ~PipePrinter() { close(file_); }
-    PipePrinter(const PipePrinter&) = delete;
-    PipePrinter& operator=(const PipePrinter&) = delete;
-
-    void SwitchOn() {
-        file_ = open(QFile::encodeName(path_).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-        EXPECT_GE(file_, 0);
-    }
-    /// Takes nothing any more.
-    void Stick() const {
-        const QByteArray block(4096, '#');
-        for (qsizetype size = block.size(); size > 0; size /= 2) {
-            while (write(file_, block.constData(), size_t(size)) > 0)
-                continue;
-        }
-    }
-    /// All that was printed up to now, without what it stuck with.
-    QByteArray Paper() {
-        QByteArray bytes(4096, '\0');
-        for (ssize_t count = 1; count > 0;) {
-            count = read(file_, bytes.data(), size_t(bytes.size()));
-            paper_ += bytes.left(qMax<qsizetype>(count, 0)).replace('#', "");
-        }
-        return paper_;
-    }
-
-private:
-    QString path_;
-    QByteArray paper_;
-    int file_ = -1;
-};
 
 class PaperTest : public ::testing::Test {
 protected:
@@ -116,7 +76,8 @@ protected:
 class DiskTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (mount("none", QFile::encodeName(disk_.path()).constData(), "tmpfs", 0, "size=192m") != 0)
+        if (mount("none", QFile::encodeName(disk_.path()).constData(), "tmpfs", 0, "size=192m") !=
+            0)
             GTEST_SKIP() << "nothing can be mounted here";
         mounted_ = true;
         qputenv("TMPDIR", QFile::encodeName(disk_.path()));

@@ -5,6 +5,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Operator.h"
 #include "core/SLVfonctions.h"
@@ -34,7 +35,6 @@ namespace {
 
 constexpr int ClockPeriodMs = 1000;
 constexpr int ShadowOffset = 2;
-constexpr int TechnicianLevel = 3;
 
 /// The screen of the engine stays behind the console as long as somebody left it open.
 bool IsAnotherScreenOpen(const ScreenForm* own) {
@@ -42,14 +42,14 @@ bool IsAnotherScreenOpen(const ScreenForm* own) {
     return std::any_of(windows.cbegin(), windows.cend(), [own](const QWidget* window) {
         const auto* form = qobject_cast<const ScreenForm*>(window);
         return form != nullptr && form != own && form->Visible() &&
-               form->Name() != QStringLiteral("wPolling");
+               form->Name() != FormNames::wPolling;
     });
 }
 
 } // namespace
 
 wRunAlarms::wRunAlarms()
-    : ScreenForm(QStringLiteral("wRunAlarms"))
+    : ScreenForm(FormNames::wRunAlarms)
     , ui_(std::make_unique<Ui::wRunAlarms>()) {
     LoadConsolePictures();
     ui_->setupUi(this);
@@ -166,7 +166,7 @@ void wRunAlarms::Form_Activate() {
         remoteControlled |= panel.Active() && Models::IsRemoteControlled(panel.Model());
     }
     ui_->imgTelecommande->setVisible(remoteControlled);
-    ui_->imgCommWatch->setVisible(AccessOk(TechnicianLevel));
+    ui_->imgCommWatch->setVisible(AccessOk(Levels::Technician));
     ShowSiteName();
     ShowLogin();
     ShowRunState();

@@ -2,6 +2,7 @@
 
 #include "bus/AlarmConsole.h"
 #include "events/EventClass.h"
+#include "screens/dialogs/AskPassword.h"
 #include "screens/touch/ScreenForm.h"
 #include "screens/touch/TouchGuard.h"
 
@@ -21,7 +22,7 @@ class wRunAlarms;
 
 /// The screen on which the operator lives: what is wrong now, newest on top, and what to do about
 /// it. It listens to the polling screen and has no access to the bus of its own.
-class wRunAlarms : public ScreenForm, public AlarmConsole {
+class wRunAlarms : public ScreenForm, public AlarmConsole, public ShowsLogin {
     Q_OBJECT
 public:
     wRunAlarms();
@@ -33,6 +34,7 @@ public:
     qint32 RowData(int row) const override;
     void EmptyList() override;
     void TakeEvent(const EventClass& event) override { mwComm_BusEvent(event); }
+    void ShowLogin() override;
 
 protected:
     void Nationality() override;
@@ -68,11 +70,6 @@ private:
     /// The selected alarm is known to the operator; what of it goes to the panel goes.
     void Acknowledge();
     void RemoveSelected();
-    /// Asks for a code until the level is reached. False when the operator gives up or the console
-    /// is gone meanwhile.
-    bool InsistOnLevel(int level);
-    /// Asks once when the connected level is too low.
-    bool TryLevel(int level);
 
     /// The selection in sight? Otherwise it is brought there.
     bool HasSelectionInSight();
@@ -84,7 +81,6 @@ private:
     void ShowWatch();
     void ShowCount();
     void ShowFaults();
-    void ShowLogin();
     void ShowRunState();
     void ShowSiteName();
     void ShowBeat(Beat beat);

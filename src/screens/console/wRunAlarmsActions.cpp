@@ -1,8 +1,10 @@
 // What the operator's touches on the alarm console do.
 
 #include "bus/wPolling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "events/Klaxon.h"
+#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Clock.h"
@@ -18,8 +20,6 @@
 
 namespace {
 
-constexpr int OperatorLevel = 1;
-constexpr int ConfigurationLevel = 2;
 /// Two touches within this are one, ms.
 constexpr qint64 BounceMs = 300;
 
@@ -50,22 +50,6 @@ void AcknowledgeOnBus(qint16 panel) {
 
 } // namespace
 
-bool wRunAlarms::InsistOnLevel(int level) {
-    const QPointer<wRunAlarms> self(this);
-    const bool reached = ::InsistOnLevel(*this, level);
-    if (self)
-        ShowLogin();
-    return reached;
-}
-
-bool wRunAlarms::TryLevel(int level) {
-    const QPointer<wRunAlarms> self(this);
-    const bool reached = ::TryLevel(*this, level);
-    if (self)
-        ShowLogin();
-    return reached;
-}
-
 bool wRunAlarms::HasSelectionInSight() {
     if (Rows().Position().InSight())
         return true;
@@ -80,7 +64,7 @@ void wRunAlarms::imgAcquit_Click() {
     const qint64 now = platform::Clock::Current().MonotonicMs();
     const qint64 last = std::exchange(acquitTouched_, now);
     if (now - last < BounceMs || Rows().IsEmpty() || !HasSelectionInSight() ||
-        !InsistOnLevel(OperatorLevel))
+        !InsistOnLevel(*this, Levels::Operator))
         return;
     // The bus may have changed the list while the code was entered, at the last moment even the
     // selection.
@@ -132,17 +116,17 @@ void wRunAlarms::imgControl_Click(int index) {
 }
 
 void wRunAlarms::imgHisto_Click() {
-    OpenScreen(QStringLiteral("wHistoric"));
+    OpenScreen(FormNames::wHistoric);
 }
 
 void wRunAlarms::imgTelecommande_Click() {
-    if (InsistOnLevel(OperatorLevel))
-        OpenScreen(QStringLiteral("wTeleCmdes"));
+    if (InsistOnLevel(*this, Levels::Operator))
+        OpenScreen(FormNames::wTeleCmdes);
 }
 
 void wRunAlarms::imgStopRun_Click() {
     wPolling* comm = Polling();
-    if (comm == nullptr || !TryLevel(ConfigurationLevel))
+    if (comm == nullptr || !TryLevel(*this, Levels::Configuration))
         return;
     // A port that doesn't open is told in a box; the operator may be gone before it.
     const QPointer<wRunAlarms> self(this);
@@ -152,15 +136,15 @@ void wRunAlarms::imgStopRun_Click() {
 }
 
 void wRunAlarms::imgNavig_Click() {
-    if (!TryLevel(ConfigurationLevel) || Forms::Load(QStringLiteral("wMain")) == nullptr)
+    if (!TryLevel(*this, Levels::Configuration) || Forms::Load(FormNames::wMain) == nullptr)
         return;
-    Forms::Show(QStringLiteral("wMain"));
+    Forms::Show(FormNames::wMain);
     Unload();
 }
 
 /// For the technician: the traffic on the bus.
 void wRunAlarms::imgCommWatch_Click() {
-    OpenScreen(QStringLiteral("wPolling"));
+    OpenScreen(FormNames::wPolling);
 }
 
 void wRunAlarms::lblLogin_Click() {

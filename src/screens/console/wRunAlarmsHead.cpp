@@ -27,7 +27,6 @@ constexpr QRect WatchPlace(8, 58, 190, 26);
 constexpr int WatchPixels = 15;
 constexpr QRect BandPlace(8, 88, 784, 48);
 constexpr int BandPixels = 17;
-constexpr int Information = 64;
 
 QString PictureOf(ConsoleHead::Tone tone) {
     switch (tone) {
@@ -181,5 +180,5 @@ void wRunAlarms::lblFaults_Click() {
     if (Boxes::Unread() > 0)
         Boxes::ShowUnread();
     else
-        Message(ConsoleHead::StandingList(), Information);
+        Message(ConsoleHead::StandingList(), Messages::Information);
 }

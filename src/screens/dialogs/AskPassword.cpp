@@ -4,6 +4,7 @@
 #include "bus/wPolling.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Trace.h"
 #include "model/Access.h"
@@ -17,7 +18,6 @@ using ErrorHandling::Guard;
 
 namespace {
 
-constexpr int ServiceLevel = 4;
 const QString ServiceName = QStringLiteral("D.R.V.");
 /// Column at which the level stands in the trace.
 constexpr int LevelColumn = 58;
@@ -46,7 +46,7 @@ bool ConnectBy(const QString& code) {
     }
     // A base without a service code has an empty one, which no entry can equal here.
     if (code == GetConfig(100000)) {
-        Connect(ServiceLevel, ServiceName);
+        Connect(Levels::Service, ServiceName);
         return true;
     }
     const ConfigClass& site = Global::Configuration();
@@ -75,8 +75,9 @@ dlgUserCodes::Verdict Take(const QString& code, int insistedLevel) {
 /// False when the prompt was given up. With `insist` it takes no code below the level.
 bool Ask(ScreenForm* caller, int level, bool insist) {
     // The one prompt that there may be stands already.
-    if (NbInstances(QStringLiteral("dlgUserCodes")) > 0)
+    if (NbInstances(FormNames::dlgUserCodes) > 0)
         return false;
+    const QPointer<ScreenForm> asking(caller);
     const QPointer<dlgUserCodes> prompt(new dlgUserCodes);
     prompt->AskCodeOnly(caller, level, [insistedLevel = insist ? level : 0](const QString& code) {
         return Take(code, insistedLevel);
@@ -84,6 +85,9 @@ bool Ask(ScreenForm* caller, int level, bool insist) {
     // The list of alarms stays in use above the prompt, which covers the rest of the console.
     const bool overConsole = dynamic_cast<AlarmConsole*>(caller) != nullptr;
     prompt->ShowModal(overConsole ? Qt::NonModal : Qt::ApplicationModal);
+    auto* shows = dynamic_cast<ShowsLogin*>(asking.data());
+    if (shows != nullptr && ScreenForm::IsLoaded(asking.data()))
+        shows->ShowLogin();
     if (!prompt)
         return false;
     const bool ok = prompt->Ok();

@@ -2,6 +2,14 @@
 
 class ScreenForm;
 
+/// A form that shows who is connected. It is told when a prompt of its own is through: any code may
+/// have changed that, one that isn't enough as well.
+class ShowsLogin {
+public:
+    virtual ~ShowsLogin() = default;
+    virtual void ShowLogin() = 0;
+};
+
 /// Asks the operator for a code and connects its user; an empty code disconnects. A code that
 /// nobody has is told in the prompt, which stays until another one is confirmed or it is given up.
 /// `caller` is the screen that asks: the prompt doesn't outlive it. `level` is told in the prompt

@@ -2,50 +2,48 @@
 
 #include "core/Config.h"
 #include "screens/dialogs/dlgFilePicker.h"
+#include "screens/touch/ModalDialog.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QPointer>
+#include <functional>
 
 namespace FilePicker {
 
 namespace {
 
-/// Shows the dialog and gives what was chosen; nothing if it went while it waited.
-QString Choose(dlgFilePicker* picker) {
-    const QPointer<dlgFilePicker> dialog(picker);
-    dialog->ShowModal();
-    if (!dialog)
-        return {};
-    QString path = dialog->Path();
-    dialog->Unload();
-    return path;
-}
-
-QString ChooseFile(dlgFilePicker::Mode mode, const QString& folder, const QString& name,
-                   const QString& filter) {
-    auto* picker = new dlgFilePicker(mode);
-    picker->setFilter(filter);
-    picker->setStart(NormalPath(folder), name);
-    return Choose(picker);
+/// Shows the dialog from a place and gives what was chosen; nothing if it went while it waited.
+QString Choose(dlgFilePicker::Mode mode, const QString& folder,
+               const std::function<void(dlgFilePicker&)>& prepare, const QString& name = {}) {
+    return RunDialog(
+               new dlgFilePicker(mode),
+               [&](dlgFilePicker& dialog) {
+                   prepare(dialog);
+                   dialog.setStart(NormalPath(folder), name);
+               },
+               [](const dlgFilePicker& dialog) { return dialog.Path(); })
+        .value_or(QString());
 }
 
 } // namespace
 
 QString Open(const QString& folder, const QString& name, const QString& filter) {
-    return ChooseFile(dlgFilePicker::Mode::Open, folder, name, filter);
+    return Choose(
+        dlgFilePicker::Mode::Open, folder, [&](dlgFilePicker& dialog) { dialog.setFilter(filter); },
+        name);
 }
 
 QString SaveAs(const QString& folder, const QString& name, const QString& filter) {
-    return ChooseFile(dlgFilePicker::Mode::Save, folder, name, filter);
+    return Choose(
+        dlgFilePicker::Mode::Save, folder, [&](dlgFilePicker& dialog) { dialog.setFilter(filter); },
+        name);
 }
 
 QString ChooseFolder(const QString& folder, const QString& title) {
-    auto* picker = new dlgFilePicker(dlgFilePicker::Mode::Folder);
-    if (!title.isEmpty())
-        picker->setTitle(title);
-    picker->setStart(NormalPath(folder), QString());
-    return Choose(picker);
+    return Choose(dlgFilePicker::Mode::Folder, folder, [&](dlgFilePicker& dialog) {
+        if (!title.isEmpty())
+            dialog.setTitle(title);
+    });
 }
 
 QString NormalPath(const QString& path) {

@@ -2,6 +2,7 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Operator.h"
@@ -25,7 +26,7 @@ constexpr int LinePixels = 13;
 constexpr int ReadOnText = 714102;
 
 QWidget* Console() {
-    return dynamic_cast<QWidget*>(Forms::Find(QStringLiteral("wRunAlarms")));
+    return dynamic_cast<QWidget*>(Forms::Find(FormNames::wRunAlarms));
 }
 
 QRect Scaled(const QRect& area) {

@@ -2,9 +2,11 @@
 
 #include "core/Bytes.h"
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
 #include "screens/dialogs/InstructionStrip.h"
+#include "screens/touch/ModalDialog.h"
 #include "ui_dlgConsigne.h"
 
 #include <QKeyEvent>
@@ -45,7 +47,7 @@ QString OneKindOfBreaks(QString text) {
 } // namespace
 
 dlgConsigne::dlgConsigne()
-    : ScreenForm(QStringLiteral("dlgConsigne"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgConsigne, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgConsigne>()) {
     ui_->setupUi(this);
     Prepare();
@@ -58,12 +60,13 @@ dlgConsigne::~dlgConsigne() = default;
 
 void dlgConsigne::Present(const QString& alarm, const QString& consigne) {
     InstructionStrip::Withdraw();
-    const QPointer<dlgConsigne> dialog(new dlgConsigne);
-    dialog->setAlarm(alarm);
-    dialog->setConsigne(consigne);
-    dialog->ShowModal();
-    if (dialog)
-        dialog->Unload();
+    RunDialog(
+        new dlgConsigne,
+        [&](dlgConsigne& dialog) {
+            dialog.setAlarm(alarm);
+            dialog.setConsigne(consigne);
+        },
+        [](const dlgConsigne&) { return true; });
 }
 
 void dlgConsigne::PresentNumber(const QString& alarm, int number) {

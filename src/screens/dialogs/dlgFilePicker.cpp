@@ -2,6 +2,7 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Message.h"
 #include "core/Operator.h"
 #include "platform/CodePage.h"
@@ -44,7 +45,6 @@ constexpr int KindRole = Qt::UserRole;
 constexpr int PathRole = Qt::UserRole + 1;
 constexpr int IconSize = 32;
 /// Confirm or cancel with the exclamation picture.
-constexpr int Question = 49;
 /// Longest name of a file, bytes, as the file systems of panel PCs and sticks have it.
 constexpr int LongestName = 255;
 
@@ -96,7 +96,7 @@ int TitleOf(dlgFilePicker::Mode mode) {
 } // namespace
 
 dlgFilePicker::dlgFilePicker(Mode mode)
-    : ScreenForm(QStringLiteral("dlgFilePicker"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgFilePicker, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgFilePicker>())
     , mode_(mode)
     , folder_(platform::ApplicationFolder()) {
@@ -351,7 +351,7 @@ void dlgFilePicker::ChooseTarget() {
     }
     if (exists) {
         const QString question = GetText(ReplaceFile).replace(u'$', name);
-        if (Message(question, Question) != Messages::Ok || !self)
+        if (Message(question, Messages::Warning | Messages::OkCancel) != Messages::Ok || !self)
             return;
     }
     Choose(path);

@@ -2,14 +2,15 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Operator.h"
 #include "platform/CodePage.h"
 #include "screens/touch/Interrupted.h"
+#include "screens/touch/ModalDialog.h"
 #include "screens/touch/ResizeForm.h"
 #include "ui_dlgKeyboard.h"
 
 #include <QKeyEvent>
-#include <QPointer>
 #include <QPushButton>
 #include <QStringList>
 #include <QTextBlock>
@@ -108,7 +109,7 @@ QString Head(const QString& text, int length) {
 } // namespace
 
 dlgKeyboard::dlgKeyboard()
-    : ScreenForm(QStringLiteral("dlgKeyboard"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgKeyboard, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgKeyboard>()) {
     ui_->setupUi(this);
     MakeKeys();
@@ -349,19 +350,19 @@ bool dlgKeyboard::eventFilter(QObject* watched, QEvent* event) {
 
 std::optional<QString> AskText(const QString& title, const QString& present, int maxLength,
                                bool multiLine) {
-    const QPointer<dlgKeyboard> keyboard(new dlgKeyboard);
-    keyboard->setMultiLine(multiLine);
-    keyboard->setMaxLength(maxLength);
     const QStringList question{title, present, QString::number(maxLength)};
-    const std::optional<QString> typed = interrupted.Take(question);
-    keyboard->setTitle(typed ? title + QStringLiteral(" - ") + GetText(AsTypedBefore) : title);
-    keyboard->setText(typed.value_or(present));
-    keyboard->WhenTakenAway([question](const QString& text) { interrupted.Keep(question, text); });
-    keyboard->ShowModal();
-    if (!keyboard)
-        return std::nullopt;
-    const bool ok = keyboard->Ok();
-    const QString text = keyboard->Text();
-    keyboard->Unload();
-    return ok ? std::make_optional(text) : std::nullopt;
+    const auto prepare = [&](dlgKeyboard& keyboard) {
+        keyboard.setMultiLine(multiLine);
+        keyboard.setMaxLength(maxLength);
+        const std::optional<QString> typed = interrupted.Take(question);
+        keyboard.setTitle(typed ? title + QStringLiteral(" - ") + GetText(AsTypedBefore) : title);
+        keyboard.setText(typed.value_or(present));
+        keyboard.WhenTakenAway(
+            [question](const QString& text) { interrupted.Keep(question, text); });
+    };
+    return RunDialog(new dlgKeyboard, prepare,
+                     [](const dlgKeyboard& keyboard) {
+                         return keyboard.Ok() ? std::make_optional(keyboard.Text()) : std::nullopt;
+                     })
+        .value_or(std::nullopt);
 }

@@ -3,8 +3,10 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "platform/RunTimeError.h"
 #include "screens/touch/Interrupted.h"
+#include "screens/touch/ModalDialog.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/TouchList.h"
 #include "ui_dlgListInput.h"
@@ -38,7 +40,7 @@ int Bound(const QString& text) {
 } // namespace
 
 dlgListInput::dlgListInput()
-    : ScreenForm(QStringLiteral("dlgListInput"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgListInput, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgListInput>())
     , repeat_(this) {
     ui_->setupUi(this);
@@ -184,20 +186,20 @@ void dlgListInput::UndoPreview() {
 
 std::optional<QString> AskValue(ScreenForm* parent, const QString& descriptor,
                                 const QString& present) {
-    const QPointer<dlgListInput> dialog(new dlgListInput);
     const QString asked = parent == nullptr ? QString() : parent->Name();
     const QStringList question{asked, descriptor, present};
-    dialog->setParentForm(parent);
-    dialog->setValue(present);
-    dialog->setValuesList(descriptor);
-    if (const auto chosen = interrupted.Take(question))
-        dialog->Choose(*chosen);
-    dialog->WhenTakenAway([question](const QString& value) { interrupted.Keep(question, value); });
-    dialog->ShowModal();
-    if (!dialog)
-        return std::nullopt;
-    const bool ok = dialog->Ok();
-    const QString value = dialog->Value();
-    dialog->Unload();
-    return ok ? std::make_optional(value) : std::nullopt;
+    const auto prepare = [&](dlgListInput& dialog) {
+        dialog.setParentForm(parent);
+        dialog.setValue(present);
+        dialog.setValuesList(descriptor);
+        if (const auto chosen = interrupted.Take(question))
+            dialog.Choose(*chosen);
+        dialog.WhenTakenAway(
+            [question](const QString& value) { interrupted.Keep(question, value); });
+    };
+    return RunDialog(new dlgListInput, prepare,
+                     [](const dlgListInput& dialog) {
+                         return dialog.Ok() ? std::make_optional(dialog.Value()) : std::nullopt;
+                     })
+        .value_or(std::nullopt);
 }

@@ -4,6 +4,7 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/Operator.h"
@@ -82,7 +83,7 @@ QString Caption(int text) {
 } // namespace
 
 dlgMessage::dlgMessage()
-    : ScreenForm(QStringLiteral("dlgMessage"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgMessage, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgMessage>())
     , result_(std::make_shared<int>(Messages::Closed)) {
     ui_->setupUi(this);
@@ -157,10 +158,9 @@ static void WaitUntilSeen(const QPointer<dlgMessage>& notice) {
 }
 
 std::function<void()> dlgMessage::PresentNotice(const QString& text) {
-    constexpr int Exclamation = 48;
     const QPointer<dlgMessage> notice(new dlgMessage);
     notice->setMessage(text);
-    notice->setButtons(Exclamation);
+    notice->setButtons(Messages::Warning);
     notice->setDoUnload(true);
     notice->HideButtons();
     notice->Show();
@@ -245,7 +245,7 @@ QRect dlgMessage::PlaceIn(const QRect& area) const {
     QRect place = ScreenForm::PlaceIn(area);
     if (!unread_)
         return place;
-    const auto* prompt = dynamic_cast<const QWidget*>(Forms::Find(QStringLiteral("dlgUserCodes")));
+    const auto* prompt = dynamic_cast<const QWidget*>(Forms::Find(FormNames::dlgUserCodes));
     const int foot = area.top() + area.height() * ListEnd / Theme::DesignHeight;
     place.moveBottom(prompt != nullptr && prompt->isVisible() ? qMin(foot, prompt->y() - 1) : foot);
     return place;

@@ -3,6 +3,7 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/touch/ResizeForm.h"
@@ -58,7 +59,7 @@ QString StyleOf(bool active) {
 } // namespace
 
 dlgUserCodes::dlgUserCodes()
-    : ScreenForm(QStringLiteral("dlgUserCodes"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgUserCodes, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgUserCodes>()) {
     ui_->setupUi(this);
     MakeKeys();

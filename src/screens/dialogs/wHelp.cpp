@@ -2,6 +2,7 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/Operator.h"
@@ -23,10 +24,8 @@ namespace {
 /// Index of `imgNavig` for the way back; the other one leads to the contents.
 constexpr int Back = 1;
 
-const QString HelpForm = QStringLiteral("wHelp");
 const QString Navig = QStringLiteral("imgNavig");
 
-constexpr int Information = 64;
 /// Steps of the scroll bar for one touch of a line button, in lines of text.
 constexpr int LinesAStep = 3;
 constexpr int PageMargin = 16;
@@ -72,15 +71,15 @@ QString HelpPage() {
 
 void ShowHelp() {
     if (HelpPage().isEmpty()) {
-        Message(GetText(713001), Information);
+        Message(GetText(713001), Messages::Information);
         return;
     }
-    Forms::Show(HelpForm);
-    Forms::BringToFront(HelpForm);
+    Forms::Show(FormNames::wHelp);
+    Forms::BringToFront(FormNames::wHelp);
 }
 
 wHelp::wHelp()
-    : ScreenForm(HelpForm)
+    : ScreenForm(FormNames::wHelp)
     , ui_(std::make_unique<Ui::wHelp>()) {
     if (const auto* screen = dynamic_cast<ScreenForm*>(QApplication::activeWindow()))
         opener_ = screen->Name();

@@ -4,10 +4,12 @@
 #include "core/Config.h"
 #include "core/DateTimes.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Pointer.h"
 #include "events/HistoProcs.h"
 #include "events/TextProcs.h"
+#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "platform/Folders.h"
@@ -33,7 +35,6 @@ namespace {
 constexpr int ClockPeriodMs = 1000;
 /// The screen paints before a long file is read.
 constexpr int UpdateDelayMs = 50;
-constexpr int OperatorLevel = 1;
 constexpr int NoEntry = 711001;
 constexpr int NoFile = 711002;
 
@@ -77,7 +78,7 @@ int InstructionOf(const QString& line) {
 } // namespace
 
 wHistoric::wHistoric()
-    : ScreenForm(QStringLiteral("wHistoric"))
+    : ScreenForm(FormNames::wHistoric)
     , ui_(std::make_unique<Ui::wHistoric>()) {
     ui_->setupUi(this);
     Prepare();
@@ -196,15 +197,14 @@ void wHistoric::imgConsigne_Click() {
 }
 
 void wHistoric::imgTelecommande_Click() {
-    if (TryLevel(*this, OperatorLevel))
-        OpenScreen(QStringLiteral("wTeleCmdes"));
+    if (TryLevel(*this, Levels::Operator))
+        OpenScreen(FormNames::wTeleCmdes);
 }
 
 /// Back to the screen from which this one was opened: it is still there behind.
 void wHistoric::imgClose_Click() {
-    const QString console = QStringLiteral("wRunAlarms");
-    const QString menu = QStringLiteral("wMain");
-    const bool toMenu = NbInstances(console) == 0 && NbInstances(menu) > 0;
-    Forms::Show(toMenu ? menu : console);
+    const bool toMenu =
+        NbInstances(FormNames::wRunAlarms) == 0 && NbInstances(FormNames::wMain) > 0;
+    Forms::Show(toMenu ? FormNames::wMain : FormNames::wRunAlarms);
     Unload();
 }

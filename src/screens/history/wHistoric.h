@@ -26,7 +26,6 @@ private:
     void Form_Load();
     void ConnectControls();
     void FillFiles();
-    void ShowFiles();
     /// Selects another file of the list; there is no further one at its ends.
     void Step(int by);
     void ShowFound();

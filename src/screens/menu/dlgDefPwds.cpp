@@ -2,11 +2,13 @@
 
 #include "core/Bytes.h"
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/dlgUserCodes.h"
+#include "screens/touch/ModalDialog.h"
 #include "screens/touch/Navigation.h"
 #include "ui_dlgDefPwds.h"
 
@@ -29,12 +31,11 @@ constexpr int RowHeight = 48;
 constexpr int HeaderMargin = 16;
 /// Room beside the columns for the scroll bar and the frame.
 constexpr int BesideColumns = 24;
-constexpr int QuestionOkCancel = 1;
 
 } // namespace
 
 dlgDefPwds::dlgDefPwds()
-    : ScreenForm(QStringLiteral("dlgDefPwds"), Kind::Dialog)
+    : ScreenForm(FormNames::dlgDefPwds, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgDefPwds>()) {
     ui_->setupUi(this);
     Form_Load();
@@ -169,7 +170,7 @@ void dlgDefPwds::DeleteUser() {
     if (row < 0)
         return;
     const QPointer<dlgDefPwds> self(this);
-    if (Message(GetText(30007), QuestionOkCancel) == Messages::Ok && self) {
+    if (Message(GetText(30007), Messages::OkCancel) == Messages::Ok && self) {
         grid.removeRow(row);
         ShowActions();
     }
@@ -181,19 +182,19 @@ void dlgDefPwds::SendKey(int key) {
 }
 
 std::optional<dlgDefPwds::User> dlgDefPwds::Edit(const User& user) {
-    const QPointer<dlgUserCodes> dialog(new dlgUserCodes);
-    dialog->setUserName(user.name);
-    dialog->setUserPwd(user.code);
-    dialog->setUserLevel(user.level);
-    dialog->ShowModal();
-    if (!dialog)
-        return std::nullopt;
-    const bool ok = dialog->Ok();
-    const User entered{dialog->UserName(), dialog->UserPwd(), dialog->UserLevel(), user.number};
-    dialog->Unload();
-    if (!ok || IsDouble(entered))
-        return std::nullopt;
-    return entered;
+    const auto prepare = [&](dlgUserCodes& dialog) {
+        dialog.setUserName(user.name);
+        dialog.setUserPwd(user.code);
+        dialog.setUserLevel(user.level);
+    };
+    const auto read = [&](const dlgUserCodes& dialog) -> std::optional<User> {
+        if (!dialog.Ok())
+            return std::nullopt;
+        return User{dialog.UserName(), dialog.UserPwd(), dialog.UserLevel(), user.number};
+    };
+    const std::optional<User> entered =
+        RunDialog(new dlgUserCodes, prepare, read).value_or(std::nullopt);
+    return entered && !IsDouble(*entered) ? entered : std::nullopt;
 }
 
 /// Compared with what the site holds, in capitals. Users that aren't in the site yet don't count.
@@ -231,6 +232,6 @@ void dlgDefPwds::Save() {
 
 void dlgDefPwds::Close() {
     Unload();
-    if (NbInstances(QStringLiteral("wMain")) > 0)
+    if (NbInstances(FormNames::wMain) > 0)
         ReturnToMenu(*this, int(MenuTile::System));
 }

@@ -1,9 +1,10 @@
 #include "screens/menu/dlgMenuParams.h"
 
+#include "core/FormNames.h"
 #include "ui_dlgMenuParams.h"
 
 dlgMenuParams::dlgMenuParams()
-    : MenuDialog(QStringLiteral("dlgMenuParams"), Kind::Dialog) {
+    : MenuDialog(FormNames::dlgMenuParams, Kind::Dialog) {
     Ui::dlgMenuParams().setupUi(this);
     PrepareMenu();
 }

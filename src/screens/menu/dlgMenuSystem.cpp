@@ -1,9 +1,10 @@
 #include "screens/menu/dlgMenuSystem.h"
 
+#include "core/FormNames.h"
 #include "ui_dlgMenuSystem.h"
 
 dlgMenuSystem::dlgMenuSystem()
-    : MenuDialog(QStringLiteral("dlgMenuSystem"), Kind::Dialog) {
+    : MenuDialog(FormNames::dlgMenuSystem, Kind::Dialog) {
     Ui::dlgMenuSystem().setupUi(this);
     PrepareMenu();
 }

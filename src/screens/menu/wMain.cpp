@@ -3,6 +3,7 @@
 #include "bus/wPolling.h"
 #include "core/Config.h"
 #include "core/DateTimes.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
 #include "model/CurrentConfig.h"
@@ -28,8 +29,6 @@ const QString LanguageName = QStringLiteral("lblLanguage");
 const QString LoginName = QStringLiteral("lblLogin");
 const QString Files = QStringLiteral("Files");
 const QString General = QStringLiteral("General");
-const QString PollingForm = QStringLiteral("wPolling");
-const QString MenuForm = QStringLiteral("wMain");
 
 constexpr int VersionLabel = 2;
 constexpr int TileCount = 6;
@@ -51,7 +50,7 @@ QString HelpFile(const QString& language) {
 } // namespace
 
 wMain::wMain()
-    : ScreenForm(QStringLiteral("wMain"))
+    : ScreenForm(FormNames::wMain)
     , ui_(std::make_unique<Ui::wMain>()) {
     ui_->setupUi(this);
     lstLanguage_ = new QListWidget(this);
@@ -75,14 +74,14 @@ wMain::wMain()
     OnClick(LanguageName, [this](int) { NextLanguage(); });
     OnClick(ui_->imgLanguage, [this] { NextLanguage(); });
     OnClick(ui_->imgHelp, [] { ShowHelp(); });
-    OnClick(LoginName, [this](int) { AskLogin(); });
+    OnClick(LoginName, [this](int) { AskPassword(this); });
     if (Polling() != nullptr)
         connect(Polling(), &wPolling::UserChanged, this, &wMain::ShowLogin);
     Show();
     repaint();
     ShowFileName(FilePicker::SiteName(LastUsed()));
-    Forms::UnloadAllBut({PollingForm, MenuForm});
-    if (Forms::Form* polling = Forms::Find(PollingForm))
+    Forms::UnloadAllBut({FormNames::wPolling, FormNames::wMain});
+    if (Forms::Form* polling = Forms::Find(FormNames::wPolling))
         polling->Hide();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "screens/dialogs/AskPassword.h"
 #include "screens/touch/Navigation.h"
 #include "screens/touch/ScreenForm.h"
 
@@ -16,7 +17,7 @@ class wMain;
 /// The general menu: six tiles to the work areas, below them the site file, the language, the
 /// login and the way out. Keeps nothing of its own: it reads all from globals and settings each
 /// time that it is loaded.
-class wMain : public ScreenForm, public MainMenu {
+class wMain : public ScreenForm, public MainMenu, public ShowsLogin {
     Q_OBJECT
 public:
     wMain();
@@ -24,6 +25,7 @@ public:
 
     void imgMenu_Click(int index) override;
     void imgNavig_Click(int index);
+    void ShowLogin() override;
 
 protected:
     void Nationality() override;
@@ -38,19 +40,14 @@ private:
     void lstLanguage_Click();
     void AligneMenus();
     void ShowFileName(const QString& name);
-    void ShowLogin();
     void ShowModified();
     void ShrinkLabels();
 
     void RunTile(MenuTile tile);
-    /// Asks for a code until the level is reached, and shows the level that was. False when the
-    /// operator gives up or the menu is gone meanwhile.
-    bool Insist(int level);
     /// Opens a screen in place of the menu.
     void Open(const QString& name);
     void OpenParameters();
     void OpenSystem();
-    void AskLogin();
 
     enum class Saved { Yes, NoName, Failed };
     /// Saves the site under a name that is asked for. `Failed` also when the menu is gone

@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/Operator.h"
@@ -24,15 +25,7 @@ namespace {
 enum Navigation { SaveAs = 8, OpenFile = 9, Leave = 10, NewSite = 11, Login = 13 };
 
 const QString Files = QStringLiteral("Files");
-const QString PollingForm = QStringLiteral("wPolling");
-const QString MenuForm = QStringLiteral("wMain");
 const QString SiteExtension = QStringLiteral(".kv2");
-
-constexpr int OperatorLevel = 1;
-constexpr int ConfigurationLevel = 2;
-constexpr int OkCancel = 1;
-constexpr int Question = 49;
-constexpr int QuestionWithNo = 51;
 
 QString LastUsed() {
     return IniRead(Files, QStringLiteral("LastUsed"), QString());
@@ -53,7 +46,7 @@ bool HasAnswer(int answer) {
 }
 
 bool MayUseFiles() {
-    if (AccessOk(ConfigurationLevel))
+    if (AccessOk(Levels::Configuration))
         return true;
     Message(GetText(20009), Messages::Critical);
     return false;
@@ -77,12 +70,12 @@ void EndProgram() {
         polling->SendEvent(event);
         polling->setRun(false);
     }
-    while (NbInstances(PollingForm) >= 1) {
-        Forms::Unload(PollingForm);
+    while (NbInstances(FormNames::wPolling) >= 1) {
+        Forms::Unload(FormNames::wPolling);
         Yield();
     }
-    Forms::UnloadAllBut({MenuForm});
-    Forms::Unload(MenuForm);
+    Forms::UnloadAllBut({FormNames::wMain});
+    Forms::Unload(FormNames::wMain);
     QCoreApplication::quit();
 }
 
@@ -106,7 +99,7 @@ void wMain::imgNavig_Click(int index) {
         LeaveProgram();
         break;
     case Login:
-        AskLogin();
+        AskPassword(this);
         break;
     default:
         break;
@@ -171,7 +164,7 @@ bool wMain::SaveChanges(bool withKeyboard) {
     if (!Global::Configuration().Modified())
         return true;
     const QPointer<wMain> self(this);
-    const int answer = Message(GetText(50003), QuestionWithNo);
+    const int answer = Message(GetText(50003), Messages::Warning | Messages::YesNoCancel);
     if (!IsLoaded(self.data()) || !HasAnswer(answer))
         return false;
     return answer != Messages::Yes || SaveUnderName(withKeyboard) == Saved::Yes;
@@ -218,7 +211,7 @@ void wMain::ReadSite(const QString& path) {
 
 void wMain::MakeNewSite() {
     const QPointer<wMain> self(this);
-    if (Message(GetText(30013), OkCancel) != Messages::Ok || !IsLoaded(self.data()) ||
+    if (Message(GetText(30013), Messages::OkCancel) != Messages::Ok || !IsLoaded(self.data()) ||
         !SaveChanges(true))
         return;
     const QString unnamed = GetText(50010);
@@ -231,7 +224,7 @@ void wMain::MakeNewSite() {
 }
 
 void wMain::LeaveProgram() {
-    if (Polling() != nullptr && Polling()->Run() && !AccessOk(OperatorLevel)) {
+    if (Polling() != nullptr && Polling()->Run() && !AccessOk(Levels::Operator)) {
         Message(GetText(20009), Messages::Critical);
         return;
     }
@@ -240,8 +233,9 @@ void wMain::LeaveProgram() {
         SaveCurrent();
     if (!IsLoaded(self.data()))
         return;
-    const int answer = Global::Configuration().Modified() ? Message(GetText(50003), QuestionWithNo)
-                                                          : Message(GetText(50002), Question);
+    const int answer = Global::Configuration().Modified()
+                           ? Message(GetText(50003), Messages::Warning | Messages::YesNoCancel)
+                           : Message(GetText(50002), Messages::Warning | Messages::OkCancel);
     if (!IsLoaded(self.data()) || !HasAnswer(answer))
         return;
     // Changes that get no name are kept all the same: the program starts with them again.

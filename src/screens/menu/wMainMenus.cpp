@@ -1,12 +1,15 @@
 // Where the tiles of the main menu lead.
 
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Global.h"
+#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/menu/dlgMenuParams.h"
 #include "screens/menu/dlgMenuSystem.h"
 #include "screens/menu/wMain.h"
+#include "screens/touch/ModalDialog.h"
 
 #include <QPointer>
 #include <QScopeGuard>
@@ -14,28 +17,20 @@
 
 namespace {
 
-constexpr int ConfigurationLevel = 2;
-constexpr int TechnicianLevel = 3;
-
 /// Buttons of the submenus.
 enum ParameterCmd { Consignes = 1, Biblio = 2, Ecran = 3, Printer = 4 };
 enum SystemCmd { Comm = 1, Sounds = 2, SystemTime = 3, Users = 4 };
 
 template <class Menu> int AskMenu() {
-    const QPointer<Menu> menu(new Menu);
-    menu->ShowModal();
-    if (!menu)
-        return 0;
-    const int cmd = menu->Cmd();
-    menu->Unload();
-    return cmd;
+    return RunDialog(
+               new Menu, [](Menu&) {}, [](const Menu& menu) { return int(menu.Cmd()); })
+        .value_or(0);
 }
 
 void ShowConsole() {
-    const QString console = QStringLiteral("wRunAlarms");
-    Forms::Show(console);
-    Forms::BringToFront(console);
-    Forms::UnloadAllBut({console, QStringLiteral("wPolling")});
+    Forms::Show(FormNames::wRunAlarms);
+    Forms::BringToFront(FormNames::wRunAlarms);
+    Forms::UnloadAllBut({FormNames::wRunAlarms, FormNames::wPolling});
 }
 
 } // namespace
@@ -58,43 +53,27 @@ void wMain::imgMenu_Click(int index) {
 void wMain::RunTile(MenuTile tile) {
     switch (tile) {
     case MenuTile::BusModules:
-        if (Insist(ConfigurationLevel))
-            Open(QStringLiteral("wBusModules"));
+        if (InsistOnLevel(*this, Levels::Configuration))
+            Open(FormNames::wBusModules);
         break;
     case MenuTile::Parameters:
-        if (Insist(ConfigurationLevel))
+        if (InsistOnLevel(*this, Levels::Configuration))
             OpenParameters();
         break;
     case MenuTile::System:
-        if (Insist(ConfigurationLevel))
+        if (InsistOnLevel(*this, Levels::Configuration))
             OpenSystem();
         break;
     case MenuTile::RunMode:
         ShowConsole();
         break;
     case MenuTile::Technician:
-        if (Insist(TechnicianLevel))
-            Open(QStringLiteral("wTechnician"));
+        if (InsistOnLevel(*this, Levels::Technician))
+            Open(FormNames::wTechnician);
         break;
     case MenuTile::Factory:
         break;
     }
-}
-
-bool wMain::Insist(int level) {
-    const QPointer<wMain> self(this);
-    const bool reached = InsistOnLevel(*this, level);
-    // Any code may have changed the level, one that isn't enough as well.
-    if (IsLoaded(self.data()))
-        ShowLogin();
-    return reached;
-}
-
-void wMain::AskLogin() {
-    const QPointer<wMain> self(this);
-    AskPassword(this);
-    if (IsLoaded(self.data()))
-        ShowLogin();
 }
 
 void wMain::Open(const QString& name) {
@@ -106,16 +85,16 @@ void wMain::Open(const QString& name) {
 void wMain::OpenParameters() {
     switch (AskMenu<dlgMenuParams>()) {
     case Consignes:
-        Open(QStringLiteral("wParamConsignes"));
+        Open(FormNames::wParamConsignes);
         break;
     case Biblio:
-        Open(QStringLiteral("wParamBiblio"));
+        Open(FormNames::wParamBiblio);
         break;
     case Ecran:
-        Open(QStringLiteral("wParamEcran"));
+        Open(FormNames::wParamEcran);
         break;
     case Printer:
-        Open(QStringLiteral("wParamPrinter"));
+        Open(FormNames::wParamPrinter);
         break;
     default:
         break;
@@ -126,16 +105,16 @@ void wMain::OpenSystem() {
     const QPointer<wMain> self(this);
     switch (AskMenu<dlgMenuSystem>()) {
     case Comm:
-        Open(QStringLiteral("wSysComm"));
+        Open(FormNames::wSysComm);
         break;
     case Sounds:
-        Open(QStringLiteral("wSysConfSon"));
+        Open(FormNames::wSysConfSon);
         break;
     case SystemTime:
-        OpenDialog(QStringLiteral("dlgSysTime"));
+        OpenDialog(FormNames::dlgSysTime);
         break;
     case Users:
-        OpenDialog(QStringLiteral("dlgDefPwds"));
+        OpenDialog(FormNames::dlgDefPwds);
         if (Global::Configuration().Modified())
             SaveCurrent();
         if (IsLoaded(self.data()))

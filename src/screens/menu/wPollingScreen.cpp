@@ -3,6 +3,7 @@
 #include "bus/wPolling.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/Theme.h"
 #include "screens/touch/TouchImage.h"
@@ -34,7 +35,7 @@ QTableWidgetItem* Cell(const QString& text, Qt::Alignment alignment) {
 } // namespace
 
 wPollingScreen::wPollingScreen()
-    : ScreenForm(QStringLiteral("wPolling"))
+    : ScreenForm(FormNames::wPolling)
     , ui_(std::make_unique<Ui::wPollingScreen>()) {
     ui_->setupUi(this);
     FillGrid();

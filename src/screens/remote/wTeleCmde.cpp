@@ -4,6 +4,7 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
@@ -68,7 +69,7 @@ CommandPtr Queue(wPolling& comm, const CommandPtr& command) {
 } // namespace
 
 wTeleCmde::wTeleCmde()
-    : ScreenForm(QStringLiteral("wTeleCmde"))
+    : ScreenForm(FormNames::wTeleCmde)
     , ui_(std::make_unique<Ui::wTeleCmde>()) {
     ui_->setupUi(this);
     Prepare();
@@ -249,8 +250,8 @@ void wTeleCmde::ShowWait() {
 
 void wTeleCmde::Close() {
     Unload();
-    const QString overview = QStringLiteral("wTeleCmdes");
-    const QString below = NbInstances(overview) > 0 ? overview : QStringLiteral("wRunAlarms");
+    const QString below =
+        NbInstances(FormNames::wTeleCmdes) > 0 ? FormNames::wTeleCmdes : FormNames::wRunAlarms;
     Forms::Show(below);
     Forms::BringToFront(below);
 }

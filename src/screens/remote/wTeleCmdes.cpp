@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Operator.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
@@ -25,7 +26,7 @@ constexpr int Rows = TilesAPage / Columns;
 } // namespace
 
 wTeleCmdes::wTeleCmdes()
-    : ScreenForm(QStringLiteral("wTeleCmdes"))
+    : ScreenForm(FormNames::wTeleCmdes)
     , ui_(std::make_unique<Ui::wTeleCmdes>()) {
     ui_->setupUi(this);
     Prepare();
@@ -108,8 +109,7 @@ void wTeleCmdes::imgNavig_Click(int index) {
 }
 
 void wTeleCmdes::OpenPanel(const Telecommande& tile) {
-    const QString name = QStringLiteral("wTeleCmde");
-    auto* screen = dynamic_cast<wTeleCmde*>(Forms::Load(name));
+    auto* screen = dynamic_cast<wTeleCmde*>(Forms::Load(FormNames::wTeleCmde));
     if (screen == nullptr)
         return;
     screen->setPanel(tile.Panel());
@@ -121,10 +121,11 @@ void wTeleCmdes::UpdateTiles() {
         tile->Update();
 }
 
-/// Back to where the operator came from: the history lies above the console while it is there.
+/// Back to where the operator came from: the FormNames::wHistoric lies above the console while it
+/// is there.
 void wTeleCmdes::Close() {
-    const QString history = QStringLiteral("wHistoric");
-    const QString opener = NbInstances(history) > 0 ? history : QStringLiteral("wRunAlarms");
+    const QString opener =
+        NbInstances(FormNames::wHistoric) > 0 ? FormNames::wHistoric : FormNames::wRunAlarms;
     Unload();
     Forms::Show(opener);
     Forms::BringToFront(opener);

@@ -1,26 +1,24 @@
 #include "screens/touch/Navigation.h"
 
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Message.h"
+#include "screens/touch/ModalDialog.h"
 #include "screens/touch/ScreenForm.h"
-
-#include <QPointer>
 
 namespace {
 
-constexpr int Information = 64;
-
 void TellMissing() {
-    Message(GetText(612001), Information);
+    Message(GetText(612001), Messages::Information);
 }
 
 } // namespace
 
 void ReturnToMenu(ScreenForm& screen, int tile) {
-    Forms::Show(QStringLiteral("wMain"));
+    Forms::Show(FormNames::wMain);
     screen.Unload();
-    if (auto* menu = dynamic_cast<MainMenu*>(Forms::Find(QStringLiteral("wMain"))))
+    if (auto* menu = dynamic_cast<MainMenu*>(Forms::Find(FormNames::wMain)))
         menu->imgMenu_Click(tile);
 }
 
@@ -36,13 +34,12 @@ bool OpenScreen(const QString& name) {
 }
 
 bool OpenDialog(const QString& name) {
-    const QPointer<ScreenForm> dialog(dynamic_cast<ScreenForm*>(Forms::Load(name)));
-    if (!dialog) {
+    auto* dialog = dynamic_cast<ScreenForm*>(Forms::Load(name));
+    if (dialog == nullptr) {
         TellMissing();
         return false;
     }
-    dialog->ShowModal();
-    if (dialog)
-        dialog->Unload();
+    RunDialog(
+        dialog, [](ScreenForm&) {}, [](const ScreenForm&) { return true; });
     return true;
 }

@@ -5,7 +5,6 @@
 
 #include <QHash>
 #include <QList>
-#include <QPointer>
 #include <QString>
 #include <QWidget>
 #include <functional>
