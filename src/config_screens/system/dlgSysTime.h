@@ -39,5 +39,5 @@ private:
     std::unique_ptr<Ui::dlgSysTime> ui_;
     HoldToRepeat repeat_;
     QList<Stepper*> fields_;
-    QTimer tmrTimeUpdate_;
+    QTimer tmrTimeUpdate_{this};
 };

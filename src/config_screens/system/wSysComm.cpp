@@ -54,19 +54,22 @@ wSysComm::Memory& wSysComm::Kept() {
     return memory;
 }
 
-wSysComm::Edit wSysComm::OfSite() {
+/// The settings hold the device that is edited already.
+wSysComm::Edit wSysComm::OfSite() const {
     const ConfigClass& site = Global::Configuration();
     const BusSettings settings = BusSettings::Of(site.BusSettings());
     Edit edit{settings.port, QString(), settings.speed, settings.stop, site.AutoStart()};
-    if (IsNumeric(edit.port))
-        edit.device = SLVfonctions::DevicePath(BusSettings::PortName(edit.port.toInt()));
+    if (IsNumeric(edit.port)) {
+        const QString port = BusSettings::PortName(edit.port.toInt());
+        edit.device = formerDevices_.value(port, SLVfonctions::DevicePath(port));
+    }
     return edit;
 }
 
 wSysComm::wSysComm()
     : ConfigForm(FormNames::wSysComm)
     , ui_(std::make_unique<Ui::wSysComm>())
-    , edit_(&wSysComm::OfSite) {
+    , edit_([this] { return OfSite(); }) {
     ui_->setupUi(this);
     Prepare();
     pointer_ = new FieldPointer(

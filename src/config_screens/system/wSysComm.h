@@ -44,7 +44,7 @@ private:
     };
     struct Memory;
     static Memory& Kept();
-    static Edit OfSite();
+    Edit OfSite() const;
 
     void ShowEdit();
     void ShowDevice();
@@ -64,9 +64,9 @@ private:
 
     std::unique_ptr<Ui::wSysComm> ui_;
     FieldPointer* pointer_;
-    WorkingCopy<Edit> edit_;
     /// Devices of the ports as they were before this screen named others.
     QHash<QString, QString> formerDevices_;
+    WorkingCopy<Edit> edit_;
     bool otherDevice_ = false;   // the link is open on another device than its port means
     bool stoppedByPort_ = false; // the bus ran until a port couldn't be opened
     bool watches_ = false;
