@@ -121,9 +121,13 @@ TEST_F(SystemClockTest, ARefusalTellsWhoseItIs) {
 }
 
 TEST_F(SystemClockTest, WithoutTheServiceTheSystemIsCalled) {
-    service.refusal = QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown");
-    EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
-    EXPECT_EQ(called, Wanted);
+    for (const char* absence :
+         {"org.freedesktop.DBus.Error.ServiceUnknown", "org.freedesktop.systemd1.UnitMasked"}) {
+        service.refusal = QString::fromLatin1(absence);
+        called.reset();
+        EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
+        EXPECT_EQ(called, Wanted) << absence;
+    }
     for (const auto& [error, outcome] : {std::pair{EPERM, SystemClock::Outcome::Refused},
                                          {EINVAL, SystemClock::Outcome::Failed}}) {
         callError = error;
