@@ -7,6 +7,7 @@
 #include "core/Forms.h"
 
 void RegisterConfigScreens() {
+    Forms::Register(FormNames::wBusPanneau, [] { return new wBusPanneau; });
     Forms::Register(FormNames::wParamBiblio, [] { return new wParamBiblio; });
     Forms::Register(FormNames::wParamConsignes, [] { return new wParamConsignes; });
 }

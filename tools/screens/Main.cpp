@@ -4,6 +4,7 @@
 
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
+#include "config_screens/panel/PanelEditor.h"
 #include "core/Config.h"
 #include "core/Faults.h"
 #include "core/Forms.h"
@@ -69,8 +70,10 @@ void WriteHistory() {
     }
 }
 
-/// One screen, shown, saved and unloaded.
-void Take(const QString& form, const QString& path) {
+/// One screen, shown, saved and unloaded. The panel editor shows a panel.
+void Take(const QString& form, const QString& path, qint16 panel = 1) {
+    if (auto* editor = dynamic_cast<PanelEditor*>(Forms::Load(form)))
+        editor->setNumModule(panel);
     Forms::Show(form);
     if (!Save(form, path))
         std::fprintf(stderr, "%s: not saved\n", path.toLocal8Bit().constData());
