@@ -12,6 +12,7 @@
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "events/Klaxon.h"
+#include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/DiskFlush.h"
@@ -242,11 +243,11 @@ void wPolling::ConfigCommPort() {
     Pointer::Hourglass();
     try {
         link_->setPortOpen(false);
-        const QStringList pieces = Global::Configuration().BusSettings().split(u':');
-        link_->setCommPort(Bytes::ShortVal(pieces[0].mid(3)));
-        if (pieces.size() < 2)
+        const BusSettings settings = BusSettings::Of(Global::Configuration().BusSettings());
+        link_->setCommPort(Bytes::ShortVal(settings.port));
+        if (settings.line.isEmpty())
             throw platform::RunTimeError(platform::errors::Subscript);
-        link_->setSettings(pieces[1]);
+        link_->setSettings(settings.line);
         if (!link_->PortOpen())
             link_->setPortOpen(true);
     } catch (const platform::RunTimeError&) {

@@ -135,14 +135,22 @@ QString GetLanguage(int index) {
     return base->languageTable.FieldName(index + FirstLanguage);
 }
 
+namespace {
+
+const platform::RecordTable& SoundTable() {
+    if (!base->soundTable)
+        base->soundTable = base->database.OpenTable(QStringLiteral("T_Sounds"));
+    return *base->soundTable;
+}
+
+} // namespace
+
 std::optional<QByteArray> Sound(int number) {
     std::optional<QByteArray> content;
     Guard("Config.Sound", [&] {
         if (!base)
             return;
-        if (!base->soundTable)
-            base->soundTable = base->database.OpenTable(QStringLiteral("T_Sounds"));
-        const platform::RecordTable& table = *base->soundTable;
+        const platform::RecordTable& table = SoundTable();
         const platform::Record record = table.Seek(number);
         if (record.isEmpty())
             return;
@@ -150,6 +158,29 @@ std::optional<QByteArray> Sound(int number) {
         content = Field(table, record, QStringLiteral("Content")).toByteArray().left(qMax(0, size));
     });
     return content;
+}
+
+QString SoundExtension(int number) {
+    QString extension = QStringLiteral("wav");
+    Guard("Config.SoundExtension", [&] {
+        const int field = base ? SoundTable().FieldIndex(QStringLiteral("Extension")) : -1;
+        const QString given =
+            field < 0 ? QString() : SoundTable().Seek(number).value(field).toString();
+        if (!given.isEmpty())
+            extension = given;
+    });
+    return extension;
+}
+
+int HighestSound() {
+    int highest = 0;
+    Guard("Config.HighestSound", [&] {
+        if (base)
+            highest = base->database.Query(QStringLiteral("SELECT Max(ID) as MaxID from T_Sounds"))
+                          .value(0)
+                          .toInt();
+    });
+    return highest;
 }
 
 namespace {

@@ -28,6 +28,11 @@ QString GetLanguage(int index);
 
 /// The .wav bytes of a sound number; nothing when the base holds none.
 std::optional<QByteArray> Sound(int number);
+/// The extension of the file that a sound is meant to be, without a dot; "wav" unless the base says
+/// otherwise.
+QString SoundExtension(int number);
+/// The highest sound number of the base, 0 when it holds none.
+int HighestSound();
 
 /// Writes for each place I of the priorities 0 to 99 the sound numbered `soundNumber(I)` to
 /// "AlarmSound" + I + ".wav" beside the executable. A file that exists stays as it is. What can't

@@ -3,6 +3,7 @@
 #include "platform/Sound.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
 
 /// What all of the program shares, beside the site model.
@@ -33,6 +34,8 @@ struct State {
     /// Help file of the language in use; empty when there is none.
     QString helpFile;
     std::unique_ptr<platform::Sound> sound;
+    /// Set while a sound is tried out: what is to be told when an alarm ends that.
+    std::function<void()> soundTrial;
 };
 
 State& Get();

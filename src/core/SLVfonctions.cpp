@@ -14,6 +14,8 @@ using ErrorHandling::Guard;
 
 namespace {
 
+const QString PortSection = QStringLiteral("Ports");
+
 /// The engine of the file in use; another path, as tests set it, brings another engine.
 platform::SettingsFile& File() {
     static std::unique_ptr<platform::SettingsFile> file;
@@ -70,7 +72,11 @@ QString DevicePath(const QString& portName) {
     const QString fallback = portName.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive)
                                  ? QStringLiteral("/dev/lp%1")
                                  : QStringLiteral("/dev/ttyS%1");
-    return IniRead(QStringLiteral("Ports"), portName, fallback.arg(number - 1));
+    return IniRead(PortSection, portName, fallback.arg(number - 1));
+}
+
+void setDevicePath(const QString& portName, const QString& device) {
+    IniWrite(PortSection, portName, device);
 }
 
 bool IsTrue(const QString& value) {

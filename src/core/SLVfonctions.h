@@ -23,6 +23,8 @@ int IniReadKeys(QStringList& keys, const QString& section);
 /// The device of a port by its name: the key of that name in the section "Ports", else
 /// /dev/ttyS(n-1) for "COMn" and /dev/lp(n-1) for "LPTn".
 QString DevicePath(const QString& portName);
+/// Names the device of a port, from its next opening on.
+void setDevicePath(const QString& portName, const QString& device);
 
 /// Boolean text of the settings: any number but 0, or a word of truth.
 bool IsTrue(const QString& value);

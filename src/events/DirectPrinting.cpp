@@ -5,11 +5,12 @@
 #include "core/ErrorHandling.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
+#include "model/BusSettings.h"
 #include "model/CurrentConfig.h"
 #include "platform/CodePage.h"
+#include "platform/Ports.h"
 #include "platform/RunTimeError.h"
 
-#include <QFileInfo>
 #include <QStringList>
 #include <array>
 
@@ -189,17 +190,14 @@ QString DirectPrinting::AnsiToOem(const QString& text) {
 }
 
 bool IsBusPort(const QString& port) {
-    const QString bus = Global::Configuration().BusSettings().section(u':', 0, 0);
+    const QString bus = Global::Configuration().BusSettings();
     if (port.isEmpty() || bus.isEmpty())
         return false;
-    const int number = Bytes::ShortVal(bus.mid(3));
+    const int number = Bytes::ShortVal(BusSettings::Of(bus).port);
     if (IsSerial(port) && Bytes::ShortVal(port.mid(3)) == number)
         return true;
-    const auto device = [](const QString& name) {
-        const QFileInfo file(SLVfonctions::DevicePath(name));
-        return file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();
-    };
-    return device(port) == device(QStringLiteral("COM%1").arg(number));
+    return platform::Ports::SameDevice(SLVfonctions::DevicePath(port),
+                                       SLVfonctions::DevicePath(BusSettings::PortName(number)));
 }
 
 bool TestPrintPort(const QString& portString) {

@@ -6,6 +6,14 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 
+#include <utility>
+
+/// What the trial leaves behind is told when the horn has what it needs.
+static void TellTrialEnded() {
+    if (const auto ended = std::exchange(Global::Get().soundTrial, nullptr))
+        ended();
+}
+
 void Alarme(qint16 priority) {
     ErrorHandling::Guard("Klaxon.Alarme", [&] {
         Global::State& state = Global::Get();
@@ -13,6 +21,7 @@ void Alarme(qint16 priority) {
             state.currentPriority = 0;
             if (state.sound)
                 state.sound->Stop();
+            TellTrialEnded();
             return;
         }
         if (priority <= state.currentPriority)
@@ -23,5 +32,29 @@ void Alarme(qint16 priority) {
             state.sound->StartLooped(
                 Global::InApplicationFolder(QStringLiteral("AlarmSound%1").arg(number)),
                 [number] { return Config::Sound(number).value_or(QByteArray()); });
+        TellTrialEnded();
+    });
+}
+
+bool TrySound(const QString& path, const platform::SoundReserve& reserve,
+              std::function<void()> ended) {
+    Global::State& state = Global::Get();
+    if (state.currentPriority > 0)
+        return false;
+    ErrorHandling::Guard("Klaxon.TrySound", [&] {
+        if (state.sound)
+            state.sound->StartLooped(path, reserve);
+        state.soundTrial = std::move(ended);
+    });
+    return true;
+}
+
+void EndSoundTrial() {
+    Global::State& state = Global::Get();
+    if (!std::exchange(state.soundTrial, nullptr))
+        return;
+    ErrorHandling::Guard("Klaxon.EndSoundTrial", [&] {
+        if (state.sound)
+            state.sound->Stop();
     });
 }

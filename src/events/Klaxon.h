@@ -1,6 +1,9 @@
 #pragma once
 
-#include <QtGlobal>
+#include "platform/SoundChoice.h"
+
+#include <QString>
+#include <functional>
 
 /// Silences the horn.
 inline constexpr qint16 StopAlarme = -1;
@@ -11,3 +14,10 @@ inline constexpr qint16 HighestPriority = 99;
 /// sounds; -1 stops whatever sounds. In place of a sound file that can't be played comes the sound
 /// of that number of the base.
 void Alarme(qint16 priority);
+
+/// Plays a sound file over and over so that somebody can hear what it is like; false while an alarm
+/// sounds, which goes on. Whatever `Alarme` starts or stops puts an end to it, and `ended` is told.
+bool TrySound(const QString& path, const platform::SoundReserve& reserve,
+              std::function<void()> ended);
+/// Ends that without telling; an alarm that came meanwhile goes on.
+void EndSoundTrial();

@@ -151,4 +151,14 @@ RecordTable RecordDatabase::OpenTable(const QString& name) const {
     return {fieldNames, all, seek};
 }
 
+Record RecordDatabase::Query(const QString& sql) const {
+    const Statement query = Prepare(handle_, sql);
+    if (!query)
+        throw RunTimeError(errors::NoSuchField);
+    const int result = sqlite3_step(query.get());
+    if (result != SQLITE_ROW && result != SQLITE_DONE)
+        throw RunTimeError(errors::DeviceIo);
+    return result == SQLITE_ROW ? RecordOf(query.get()) : Record();
+}
+
 } // namespace platform

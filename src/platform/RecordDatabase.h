@@ -58,6 +58,9 @@ public:
 
     /// Throws RunTimeError `NoSuchField` when there is no such table.
     RecordTable OpenTable(const QString& name) const;
+    /// The first row of what a query gives; an empty record for none. Throws RunTimeError
+    /// `NoSuchField` for a query on what the base doesn't have, `DeviceIo` when it can't be read.
+    Record Query(const QString& sql) const;
 
 private:
     sqlite3* handle_ = nullptr;

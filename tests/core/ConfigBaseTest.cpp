@@ -145,6 +145,8 @@ TEST_F(ConfigBase, SoundsAreExportedOnceToTheirPlaces) {
     EXPECT_EQ(Bytes(QStringLiteral("AlarmSound3.wav")), "RIFF");
     EXPECT_EQ(Bytes(QStringLiteral("AlarmSound4.wav")), QByteArray("\1\2"));
     EXPECT_FALSE(QFile::exists(Path(QStringLiteral("AlarmSound5.wav"))));
+    EXPECT_EQ(Config::HighestSound(), 4);
+    EXPECT_EQ(Config::SoundExtension(3), QStringLiteral("wav")) << "where the base doesn't say";
     EXPECT_TRUE(boxes.isEmpty());
 }
 
@@ -195,7 +197,7 @@ TEST_F(ApplicationFolder, SettingsLieBesideTheExecutable) {
 TEST_F(ApplicationFolder, PortsAndTruth) {
     EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM3")), QStringLiteral("/dev/ttyS2"));
     EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("LPT1")), QStringLiteral("/dev/lp0"));
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM3"), QStringLiteral("/dev/ttyUSB0"));
+    SLVfonctions::setDevicePath(QStringLiteral("COM3"), QStringLiteral("/dev/ttyUSB0"));
     EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM3")), QStringLiteral("/dev/ttyUSB0"));
     for (const char* text : {"1", "-1", "True", "true"})
         EXPECT_TRUE(SLVfonctions::IsTrue(QLatin1String(text))) << text;

@@ -50,6 +50,25 @@ TEST_F(Klaxon, TheBaseStandsInForAFile) {
     EXPECT_EQ(horn->reserve(), QByteArray()) << "the base has no such sound";
 }
 
+TEST_F(Klaxon, AnAlarmEndsTheTrialOfASound) {
+    int told = 0;
+    const auto ended = [&] { ++told; };
+    EXPECT_TRUE(TrySound(Path(QStringLiteral("trial.wav")), {}, ended));
+    ExpectSound("trial.wav", 1);
+    Alarme(3);
+    ExpectSound("AlarmSound11", 2);
+    EXPECT_EQ(told, 1);
+    EndSoundTrial();
+    ExpectSound("AlarmSound11", 2);
+    EXPECT_FALSE(TrySound(Path(QStringLiteral("trial.wav")), {}, ended));
+    ExpectSound("AlarmSound11", 2);
+    Alarme(StopAlarme);
+    EXPECT_TRUE(TrySound(Path(QStringLiteral("trial.wav")), {}, ended));
+    EndSoundTrial();
+    EXPECT_EQ(horn->playing, QString());
+    EXPECT_EQ(told, 1) << "who ends it knows";
+}
+
 TEST_F(Klaxon, AMachineWithoutSoundKeepsThePriority) {
     Global::Get().sound.reset();
     Alarme(7);

@@ -9,10 +9,12 @@ namespace {
 constexpr int Tremble = 12;
 } // namespace
 
-SwipeScroll::SwipeScroll(QAbstractItemView& view)
+SwipeScroll::SwipeScroll(QAbstractScrollArea& view)
     : QObject(&view)
-    , view_(view) {
-    view.setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    , view_(view)
+    , rows_(qobject_cast<QAbstractItemView*>(&view)) {
+    if (rows_ != nullptr)
+        rows_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     view.viewport()->installEventFilter(this);
 }
 
@@ -51,11 +53,11 @@ void SwipeScroll::Follow(const QPoint& finger) {
 }
 
 void SwipeScroll::Tap() const {
-    const QModelIndex row = view_.indexAt(pressedAt_);
+    const QModelIndex row = rows_ == nullptr ? QModelIndex() : rows_->indexAt(pressedAt_);
     if (!row.isValid())
         return;
-    view_.setFocus(Qt::MouseFocusReason);
-    Q_EMIT view_.pressed(row);
-    view_.setCurrentIndex(row);
-    Q_EMIT view_.clicked(row);
+    rows_->setFocus(Qt::MouseFocusReason);
+    Q_EMIT rows_->pressed(row);
+    rows_->setCurrentIndex(row);
+    Q_EMIT rows_->clicked(row);
 }

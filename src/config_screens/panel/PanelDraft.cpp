@@ -1,0 +1,79 @@
+#include "config_screens/panel/PanelDraft.h"
+
+#include "model/CurrentConfig.h"
+#include "model/SiteFile.h"
+
+namespace {
+
+PanelDraft::Snapshot SnapshotOf(const PanelClass& panel, const MirrorClasses& mirrors) {
+    SiteFileWriter panelBytes;
+    panel.WriteTo(panelBytes);
+    SiteFileWriter mirrorBytes;
+    mirrors.SaveTo(mirrorBytes);
+    return {panelBytes.Bytes(), mirrorBytes.Bytes()};
+}
+
+/// Minutes lie between the loading of a panel and its taking over: states and presence of then
+/// would hide what happened since.
+void CopyLiveFacts(PanelClass& to, const PanelClass& from) {
+    to.setActualModel(from.ActualModel());
+    to.setPresent(from.Present());
+    for (int number = 1; number <= PanelClass::MaxChannel; ++number) {
+        to.Channel(number).setState(from.Channel(number).State());
+        to.Channel(number).setMirrorType(from.Channel(number).MirrorType());
+    }
+}
+
+} // namespace
+
+void PanelDraft::Load(int number) {
+    number_ = number;
+    ReloadPanel();
+    mirrors_.Copy(Global::Configuration().Mirrors());
+    mirrors_.setModified(false);
+}
+
+void PanelDraft::ReloadPanel() {
+    panel_ = std::make_unique<PanelClass>();
+    panel_->Copy(Global::Configuration().Panel(number_));
+    panel_->setModified(false);
+}
+
+void PanelDraft::ClearPanel() {
+    panel_ = std::make_unique<PanelClass>();
+    panel_->setNumero(quint8(number_));
+    panel_->setModified(true);
+}
+
+void PanelDraft::Take() {
+    ConfigClass& site = Global::Configuration();
+    if (panel_->Modified()) {
+        CopyLiveFacts(*panel_, site.Panel(number_));
+        site.Panel(number_).Copy(*panel_);
+        panel_->setModified(false);
+    }
+    if (mirrors_.Modified()) {
+        site.Mirrors().Copy(mirrors_);
+        mirrors_.setModified(false);
+    }
+}
+
+PanelDraft::Snapshot PanelDraft::Edited() const {
+    return SnapshotOf(*panel_, mirrors_);
+}
+
+PanelDraft::Snapshot PanelDraft::OfSite() const {
+    const ConfigClass& site = Global::Configuration();
+    return SnapshotOf(site.Panel(number_), site.Mirrors());
+}
+
+void PanelDraft::Restore(const Snapshot& edited) {
+    const Snapshot site = OfSite();
+    SiteFileReader panel(edited.panel);
+    panel_->ReadFrom(panel);
+    panel_->setModified(edited.panel != site.panel);
+    mirrors_.RemoveAll();
+    SiteFileReader mirrors(edited.mirrors);
+    mirrors_.ReadFrom(mirrors);
+    mirrors_.setModified(edited.mirrors != site.mirrors);
+}

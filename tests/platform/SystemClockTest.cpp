@@ -1,0 +1,135 @@
+// The machine's clock is set through a service on a message bus of the test's own; nothing here
+// may touch the real one.
+
+#include "platform/SystemClock.h"
+
+#include <QDBusContext>
+#include <QDBusServer>
+#include <QThread>
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <optional>
+
+using namespace platform;
+
+namespace {
+
+/// Stands in for the service of the system; lives in a thread of its own, as a call waits in that
+/// of the caller.
+class TimeService : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.timedate1")
+public:
+    QString refusal; ///< name of the error to give
+    std::optional<qlonglong> set;
+    bool asked = false; ///< somebody was to be asked for a password
+
+public Q_SLOTS:
+    void SetTime(qlonglong time, bool relative, bool interactive) {
+        asked = interactive;
+        if (!refusal.isEmpty())
+            sendErrorReply(refusal, QStringLiteral("words of the system"));
+        else if (!relative)
+            set = time;
+    }
+};
+
+class SystemClockTest : public ::testing::Test {
+protected:
+    static constexpr qint64 Wanted = 1'710'504'000'000; // 15 March 2024, 12:00 UTC
+
+    SystemClockTest() {
+        host_.moveToThread(&thread_);
+        service.moveToThread(&thread_);
+        thread_.start();
+        QMetaObject::invokeMethod(
+            &host_,
+            [this] {
+                server_ = new QDBusServer(&host_);
+                server_->setAnonymousAuthenticationAllowed(true);
+                QObject::connect(
+                    server_, &QDBusServer::newConnection, &host_, [this](QDBusConnection bus) {
+                        bus.registerObject(QStringLiteral("/org/freedesktop/timedate1"), &service,
+                                           QDBusConnection::ExportAllSlots);
+                    });
+            },
+            Qt::BlockingQueuedConnection);
+    }
+    ~SystemClockTest() override {
+        QDBusConnection::disconnectFromPeer(Name);
+        QMetaObject::invokeMethod(
+            &host_, [this] { delete server_; }, Qt::BlockingQueuedConnection);
+        thread_.quit();
+        thread_.wait();
+    }
+    SystemClockTest(const SystemClockTest&) = delete;
+    SystemClockTest& operator=(const SystemClockTest&) = delete;
+
+    SystemClock::Result Set(bool withBus = true) {
+        ClockRoads roads;
+        roads.bus = [&] {
+            if (!withBus)
+                return QDBusConnection(QStringLiteral("none"));
+            const QDBusConnection bus = QDBusConnection::connectToPeer(server_->address(), Name);
+            // The service is registered when the connection is there at its end as well.
+            QMetaObject::invokeMethod(
+                &host_, [] {}, Qt::BlockingQueuedConnection);
+            return bus;
+        };
+        roads.call = [this](qint64 time) {
+            called = time;
+            return callError;
+        };
+        return MakeSystemClock(roads)->Set(QDateTime::fromMSecsSinceEpoch(Wanted));
+    }
+
+    const QString Name = QStringLiteral("clock-test");
+    TimeService service;
+    std::optional<qint64> called;
+    int callError = 0;
+
+private:
+    QThread thread_;
+    QObject host_;
+    QDBusServer* server_ = nullptr;
+};
+
+} // namespace
+
+TEST_F(SystemClockTest, TheServiceSetsItWithoutAskingAnybody) {
+    EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
+    EXPECT_EQ(service.set, Wanted * 1000) << "in microseconds";
+    EXPECT_FALSE(service.asked);
+    EXPECT_FALSE(called) << "once is enough";
+}
+
+TEST_F(SystemClockTest, ARefusalTellsWhoseItIs) {
+    using Outcome = SystemClock::Outcome;
+    const std::pair<const char*, Outcome> refusals[] = {
+        {"org.freedesktop.timedate1.AutomaticTimeSyncEnabled", Outcome::KeptByNetwork},
+        {"org.freedesktop.DBus.Error.AccessDenied", Outcome::Refused},
+        {"org.freedesktop.DBus.Error.InteractiveAuthorizationRequired", Outcome::Refused},
+        {"org.freedesktop.DBus.Error.InvalidArgs", Outcome::Failed}};
+    for (const auto& [name, outcome] : refusals) {
+        service.refusal = QString::fromLatin1(name);
+        const SystemClock::Result result = Set();
+        EXPECT_EQ(result.outcome, outcome) << name;
+        EXPECT_EQ(result.words, QStringLiteral("words of the system"));
+    }
+    EXPECT_FALSE(called) << "what the system refuses isn't done behind its back";
+}
+
+TEST_F(SystemClockTest, WithoutTheServiceTheSystemIsCalled) {
+    service.refusal = QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown");
+    EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
+    EXPECT_EQ(called, Wanted);
+    for (const auto& [error, outcome] : {std::pair{EPERM, SystemClock::Outcome::Refused},
+                                         {EINVAL, SystemClock::Outcome::Failed}}) {
+        callError = error;
+        const SystemClock::Result result = Set(false);
+        EXPECT_EQ(result.outcome, outcome);
+        EXPECT_FALSE(result.words.isEmpty());
+    }
+}
+
+#include "SystemClockTest.moc"
