@@ -1,5 +1,8 @@
 #include "config_screens/ConfigScreens.h"
 
+#include "config_screens/mirrors/dlgEditMirror.h"
+#include "config_screens/mirrors/wBusMiroirs.h"
+#include "config_screens/mirrors/wBusMirrorOne.h"
 #include "config_screens/panel/wBusPanneau.h"
 #include "config_screens/texts/wParamBiblio.h"
 #include "config_screens/texts/wParamConsignes.h"
@@ -7,6 +10,9 @@
 #include "core/Forms.h"
 
 void RegisterConfigScreens() {
+    Forms::Register(FormNames::wBusMiroirs, [] { return new wBusMiroirs; });
+    Forms::Register(FormNames::wBusMirrorOne, [] { return new wBusMirrorOne; });
+    Forms::Register(FormNames::dlgEditMirror, [] { return new dlgEditMirror; });
     Forms::Register(FormNames::wBusPanneau, [] { return new wBusPanneau; });
     Forms::Register(FormNames::wParamBiblio, [] { return new wParamBiblio; });
     Forms::Register(FormNames::wParamConsignes, [] { return new wParamConsignes; });

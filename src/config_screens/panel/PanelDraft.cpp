@@ -1,5 +1,6 @@
 #include "config_screens/panel/PanelDraft.h"
 
+#include "config_screens/mirrors/MirrorRules.h"
 #include "model/CurrentConfig.h"
 #include "model/SiteFile.h"
 
@@ -8,9 +9,7 @@ namespace {
 PanelDraft::Snapshot SnapshotOf(const PanelClass& panel, const MirrorClasses& mirrors) {
     SiteFileWriter panelBytes;
     panel.WriteTo(panelBytes);
-    SiteFileWriter mirrorBytes;
-    mirrors.SaveTo(mirrorBytes);
-    return {panelBytes.Bytes(), mirrorBytes.Bytes()};
+    return {panelBytes.Bytes(), MirrorRules::BytesOf(mirrors)};
 }
 
 /// Minutes lie between the loading of a panel and its taking over: states and presence of then
@@ -72,8 +71,6 @@ void PanelDraft::Restore(const Snapshot& edited) {
     SiteFileReader panel(edited.panel);
     panel_->ReadFrom(panel);
     panel_->setModified(edited.panel != site.panel);
-    mirrors_.RemoveAll();
-    SiteFileReader mirrors(edited.mirrors);
-    mirrors_.ReadFrom(mirrors);
+    MirrorRules::Restore(mirrors_, edited.mirrors);
     mirrors_.setModified(edited.mirrors != site.mirrors);
 }
