@@ -4,6 +4,8 @@
 #include "config_screens/mirrors/wBusMiroirs.h"
 #include "config_screens/mirrors/wBusMirrorOne.h"
 #include "config_screens/panel/wBusPanneau.h"
+#include "config_screens/panels/dlgBusCopy.h"
+#include "config_screens/panels/wBusModules.h"
 #include "config_screens/texts/wParamBiblio.h"
 #include "config_screens/texts/wParamConsignes.h"
 #include "core/FormNames.h"
@@ -13,6 +15,8 @@ void RegisterConfigScreens() {
     Forms::Register(FormNames::wBusMiroirs, [] { return new wBusMiroirs; });
     Forms::Register(FormNames::wBusMirrorOne, [] { return new wBusMirrorOne; });
     Forms::Register(FormNames::dlgEditMirror, [] { return new dlgEditMirror; });
+    Forms::Register(FormNames::wBusModules, [] { return new wBusModules; });
+    Forms::Register(FormNames::dlgBusCopy, [] { return new dlgBusCopy; });
     Forms::Register(FormNames::wBusPanneau, [] { return new wBusPanneau; });
     Forms::Register(FormNames::wParamBiblio, [] { return new wParamBiblio; });
     Forms::Register(FormNames::wParamConsignes, [] { return new wParamConsignes; });

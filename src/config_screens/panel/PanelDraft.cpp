@@ -1,5 +1,6 @@
 #include "config_screens/panel/PanelDraft.h"
 
+#include "config_screens/SiteEdit.h"
 #include "config_screens/mirrors/MirrorRules.h"
 #include "model/CurrentConfig.h"
 #include "model/SiteFile.h"
@@ -10,17 +11,6 @@ PanelDraft::Snapshot SnapshotOf(const PanelClass& panel, const MirrorClasses& mi
     SiteFileWriter panelBytes;
     panel.WriteTo(panelBytes);
     return {panelBytes.Bytes(), MirrorRules::BytesOf(mirrors)};
-}
-
-/// Minutes lie between the loading of a panel and its taking over: states and presence of then
-/// would hide what happened since.
-void CopyLiveFacts(PanelClass& to, const PanelClass& from) {
-    to.setActualModel(from.ActualModel());
-    to.setPresent(from.Present());
-    for (int number = 1; number <= PanelClass::MaxChannel; ++number) {
-        to.Channel(number).setState(from.Channel(number).State());
-        to.Channel(number).setMirrorType(from.Channel(number).MirrorType());
-    }
 }
 
 } // namespace
@@ -47,8 +37,7 @@ void PanelDraft::ClearPanel() {
 void PanelDraft::Take() {
     ConfigClass& site = Global::Configuration();
     if (panel_->Modified()) {
-        CopyLiveFacts(*panel_, site.Panel(number_));
-        site.Panel(number_).Copy(*panel_);
+        CopySettings(site.Panel(number_), *panel_);
         panel_->setModified(false);
     }
     if (mirrors_.Modified()) {
