@@ -1,6 +1,7 @@
 #include "core/ErrorHandling.h"
 #include "screens/UsersFixture.h"
 
+#include <QScrollBar>
 #include <QTableWidget>
 
 namespace {
@@ -51,6 +52,18 @@ protected:
         });
     }
 };
+
+TEST_F(DefPwdsTest, AFingerPushesTheUsers) {
+    Site().setUserCount(30);
+    Forms::Show(Table);
+    const int chosen = Grid().currentRow();
+    QWidget* rows = Grid().viewport();
+    QTest::mousePress(rows, Qt::LeftButton, {}, {60, 250});
+    QTest::mouseMove(rows, {60, 150});
+    QTest::mouseRelease(rows, Qt::LeftButton, {}, {60, 150});
+    EXPECT_EQ(Grid().verticalScrollBar()->value(), 100);
+    EXPECT_EQ(Grid().currentRow(), chosen) << "a push chooses nobody";
+}
 
 TEST_F(DefPwdsTest, UsersAboveTheOwnLevelAreHiddenAndKept) {
     Global::Get().userLevel = 2;

@@ -4,8 +4,10 @@
 
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
+#include "config_screens/panel/PanelEditor.h"
 #include "core/Config.h"
 #include "core/Faults.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
@@ -69,16 +71,16 @@ void WriteHistory() {
     }
 }
 
-/// One screen, shown, saved and unloaded.
-void Take(const QString& form, const QString& path) {
+/// One screen, shown, saved and unloaded. The panel editor shows a panel.
+void Take(const QString& form, const QString& path, qint16 panel = 1) {
+    if (auto* editor = dynamic_cast<PanelEditor*>(Forms::Load(form)))
+        editor->setNumModule(panel);
     Forms::Show(form);
     if (!Save(form, path))
         std::fprintf(stderr, "%s: not saved\n", path.toLocal8Bit().constData());
     Forms::Unload(form);
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
-
-const QString Console = QStringLiteral("wRunAlarms");
 
 using Paths = std::function<QString(const char*)>;
 
@@ -98,14 +100,14 @@ void TakeWatch(const Paths& path) {
     };
     for (const auto& [name, watch] : watches) {
         ConsoleHead::OverrideWatch(watch);
-        Take(Console, path(name));
+        Take(FormNames::wRunAlarms, path(name));
     }
     ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {}, false});
     for (int kind = 0; kind < Faults::KindCount; ++kind) {
         const auto which = Faults::Kind(kind);
         Faults::Set(which, Faults::HasDetail(which) ? QStringLiteral("17") : QString());
         const QByteArray name = "console_fault_" + QByteArray::number(kind + 1);
-        Take(Console, path(name.constData()));
+        Take(FormNames::wRunAlarms, path(name.constData()));
         Faults::Clear(which);
     }
 }
@@ -115,10 +117,10 @@ void TakeConsole(wPolling& engine, const Paths& path) {
     Global::Configuration().Panel(8).setErrCptr(2, 0);
     TakeWatch(path);
     ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {8}, false});
-    Forms::Show(Console);
+    Forms::Show(FormNames::wRunAlarms);
     RaiseAlarms(engine);
     Global::Configuration().Panel(8).setErrCptr(2, 1);
-    Save(Console, path("console_alarms"));
+    Save(FormNames::wRunAlarms, path("console_alarms"));
     ConsoleHead::OverrideWatch(
         ConsoleHead::Watch{BusState::Running, {1, 2, 3, 4, 5, 6, 7, 8}, true});
     for (int panel = 1; panel <= 8; ++panel)
@@ -127,12 +129,12 @@ void TakeConsole(wPolling& engine, const Paths& path) {
          {Faults::Kind::NoHorn, Faults::Kind::DiskFull, Faults::Kind::HistoryNotWritten})
         Faults::Set(kind);
     Faults::Set(Faults::Kind::PrinterNotReached, QStringLiteral("17"));
-    Save(Console, path("console_alarms_faults"));
+    Save(FormNames::wRunAlarms, path("console_alarms_faults"));
     for (int panel = 1; panel <= 8; ++panel)
         Global::Configuration().Panel(panel).setErrCptr(2, 0);
     Faults::Forget();
     ConsoleHead::OverrideWatch(std::nullopt);
-    Forms::Unload(Console);
+    Forms::Unload(FormNames::wRunAlarms);
 }
 
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
@@ -142,7 +144,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     };
     TakeConsole(engine, path);
     for (const QString& form : Forms::Names())
-        if (form != Console)
+        if (form != FormNames::wRunAlarms)
             Take(form, path(form.toLatin1().constData()));
 }
 

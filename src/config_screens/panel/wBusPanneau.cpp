@@ -79,6 +79,10 @@ wBusPanneau::~wBusPanneau() = default;
 
 void wBusPanneau::FillLists() {
     const double scale = IsScaled() ? CurrentScreenFactors().vertical : 1;
+    for (QListWidget* list : {ui_->lstModele, ui_->lstBiblio, ui_->lstConsigne}) {
+        MakeTouchList(*list, scale * RowScale);
+        list->setTextElideMode(Qt::ElideRight);
+    }
     const ConfigClass& site = Global::Configuration();
     for (int model = Models::None; model <= Models::P5500; ++model)
         ui_->lstModele->addItem(ModuleName(model));
@@ -86,10 +90,6 @@ void wBusPanneau::FillLists() {
         ui_->lstBiblio->addItem(OnOneLine(site.Biblio(number)));
     for (int number = 1; number <= ConfigClass::ConsigneCount; ++number)
         ui_->lstConsigne->addItem(OnOneLine(site.Consigne(number)));
-    for (QListWidget* list : {ui_->lstModele, ui_->lstBiblio, ui_->lstConsigne}) {
-        MakeTouchList(*list, scale * RowScale);
-        list->setTextElideMode(Qt::ElideRight);
-    }
     ui_->lstModele->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // A model is changed by its button, which looks after the mirrors first.
     ui_->lstModele->setAttribute(Qt::WA_TransparentForMouseEvents);

@@ -5,6 +5,7 @@
 #include "core/ErrorHandling.h"
 #include "core/FormNames.h"
 #include "core/Global.h"
+#include "model/Access.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/Theme.h"
@@ -26,7 +27,8 @@ const QString Caption = QStringLiteral("lblLabels");
 const QString Image = QStringLiteral("imgControl");
 
 constexpr int Backspace = 8;
-constexpr int HighestLevel = 3;
+/// No user of a site has the service level.
+constexpr int HighestLevel = Levels::Technician;
 constexpr int PromptTitle = 612011;
 constexpr int MsInSecond = 1000;
 /// Of the form before it closes by itself, in seconds.

@@ -10,6 +10,7 @@
 #include "screens/dialogs/dlgUserCodes.h"
 #include "screens/touch/ModalDialog.h"
 #include "screens/touch/Navigation.h"
+#include "screens/touch/SwipeScroll.h"
 #include "ui_dlgDefPwds.h"
 
 #include <QApplication>
@@ -74,6 +75,7 @@ void dlgDefPwds::Form_Load() {
     grid.setSelectionBehavior(QAbstractItemView::SelectRows);
     grid.setSelectionMode(QAbstractItemView::SingleSelection);
     grid.setTabKeyNavigation(false);
+    new SwipeScroll(grid);
     const ConfigClass& site = Global::Configuration();
     const bool guarded = IsGuarded();
     grid.setRowCount(site.UserCount());

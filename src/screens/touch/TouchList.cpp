@@ -47,6 +47,8 @@ QString TouchScrollBar(double scale) {
 
 void MakeTouchList(QListWidget& list, double scale) {
     list.setStyleSheet(Scaled(Rows, scale) + TouchScrollBar(scale));
+    // Rows that are laid out ahead of the first sight would keep the height of no style.
+    list.ensurePolished();
     list.setUniformItemSizes(true);
     list.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list.setTextElideMode(Qt::ElideMiddle);
