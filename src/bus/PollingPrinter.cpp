@@ -19,12 +19,12 @@ void wPolling::SetupPrinter() {
         const QStringList parts = settings.split(u':');
         const QString port = parts.value(0);
         dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };
+        dpPrinter_.setAddLF(true);
         const bool usable = TestPrintPort(settings);
         if (!usable && (!DirectPrinting::IsPort(port) || IsBusPort(port)))
             return;
         dpPrinter_.setPort(port);
         dpPrinter_.setSettings(parts.value(1));
-        dpPrinter_.setAddLF(true);
     });
 }
 

@@ -94,6 +94,7 @@ public:
 
     platform::SerialLink& CommBus() { return *link_; }
     DirectPrinting& dpPrinter() { return dpPrinter_; }
+    EventPrinter& Paper() { return paper_; }
     const CommandClasses& Commands() const { return commands_; }
     /// Counters and next poll of a panel, as the grid shows them; empty before its first poll.
     QString ErrorText(int panel) const { return errorTexts_[size_t(panel)]; }

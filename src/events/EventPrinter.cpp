@@ -5,6 +5,7 @@
 #include "events/HistoProcs.h"
 #include "platform/Clock.h"
 
+#include <memory>
 #include <utility>
 
 using platform::Clock;
@@ -45,16 +46,61 @@ void EventPrinter::Print(const QString& line) {
 
 void EventPrinter::Advance() {
     ErrorHandling::Guard("EventPrinter.Advance", [&] {
-        if (printer_.Port().isEmpty()) {
+        if (printer_.Port().isEmpty())
             Forget();
-            return;
-        }
         if (current_ != Current::Nothing)
             Settle(printer_.Advance());
-        while (current_ == Current::Nothing && Send())
+        const bool isFree = current_ == Current::Nothing && TakeTurns();
+        if (printer_.Port().isEmpty())
+            Forget();
+        while (isFree && current_ == Current::Nothing && Send())
             continue;
         SetTimer();
     });
+}
+
+void EventPrinter::Use(const QString& port, const QString& settings) {
+    Lend([this, port, settings] {
+        printer_.ClosePrinter();
+        printer_.setPort(port);
+        printer_.setSettings(settings);
+        nextTry_ = 0;
+        return true;
+    });
+}
+
+void EventPrinter::PrintTest(const QString& portString,
+                             std::function<void(const PrinterTest::Result& result)> done) {
+    const auto test = std::make_shared<PrinterTest>(portString);
+    Lend([this, test, done = std::move(done)] {
+        printer_.ClosePrinter();
+        if (!test->Advance())
+            return false;
+        QTimer::singleShot(0, &timer_, [result = test->Told(), done] { done(result); });
+        return true;
+    });
+}
+
+void EventPrinter::Lend(Turn turn) {
+    turns_ += std::move(turn);
+    Advance();
+}
+
+/// True when the port is free again.
+bool EventPrinter::TakeTurns() {
+    while (!turns_.isEmpty()) {
+        if (printer_.IsBusy())
+            printer_.Advance();
+        if (printer_.IsBusy())
+            return false;
+        // A turn that fails is over.
+        bool over = true;
+        ErrorHandling::Guard("EventPrinter.TakeTurns", [&] { over = turns_.first()(); });
+        if (!over)
+            return false;
+        turns_.removeFirst();
+    }
+    return true;
 }
 
 /// Lines that queue go ahead of the note: it tells of what came after them.
@@ -118,7 +164,7 @@ void EventPrinter::Forget() {
 }
 
 void EventPrinter::SetTimer() {
-    if (current_ != Current::Nothing || !waiting_.isEmpty())
+    if (current_ != Current::Nothing || !waiting_.isEmpty() || !turns_.isEmpty())
         timer_.start(BusyStep);
     else if (refusing_)
         timer_.start(int(qMax<qint64>(nextTry_ - Clock::Current().MonotonicMs(), BusyStep)));
@@ -128,7 +174,8 @@ void EventPrinter::SetTimer() {
 
 void EventPrinter::Finish() {
     const qint64 end = Clock::Current().MonotonicMs() + LongestFinish;
-    while (current_ != Current::Nothing && Clock::Current().MonotonicMs() < end) {
+    while ((current_ != Current::Nothing || !turns_.isEmpty()) &&
+           Clock::Current().MonotonicMs() < end) {
         Clock::Current().Sleep(BusyStep);
         Advance();
     }

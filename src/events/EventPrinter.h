@@ -1,9 +1,12 @@
 #pragma once
 
 #include "events/DirectPrinting.h"
+#include "events/PrinterTest.h"
 
+#include <QList>
 #include <QStringList>
 #include <QTimer>
+#include <functional>
 
 /// Prints the lines of events without ever waiting for the printer: they queue and leave with the
 /// event loop. A printer that isn't there or takes nothing is left alone for a while; what comes
@@ -23,6 +26,14 @@ public:
     void Print(const QString& line);
     /// Goes on with what is under way, or tries again. Called by its own timer.
     void Advance();
+    /// Puts the printer on another port as soon as the line under way is out, so that no closing of
+    /// the port waits. What failed before is tried there at once.
+    void Use(const QString& port, const QString& settings);
+    /// Prints a test line with the settings of a port string, as soon as the line under way is out;
+    /// the others queue until it is over. The printer's own port is closed for it and stays what it
+    /// is. `done` comes from the event loop.
+    void PrintTest(const QString& portString,
+                   std::function<void(const PrinterTest::Result& result)> done);
     /// Waits for the lines that still queue, at the end of the program; no longer than a line may
     /// take.
     void Finish();
@@ -31,7 +42,11 @@ public:
 
 private:
     enum class Current { Nothing, Line, Note };
+    /// Somebody else's turn with the port: called again until it gives true.
+    using Turn = std::function<bool()>;
 
+    void Lend(Turn turn);
+    bool TakeTurns();
     /// Something was put under way.
     bool Send();
     void Settle(const QString& error);
@@ -43,6 +58,7 @@ private:
     DirectPrinting& printer_;
     QTimer timer_;
     QStringList waiting_; // the first is under way when current_ is a line
+    QList<Turn> turns_;
     Current current_ = Current::Nothing;
     int unprinted_ = 0;
     int noted_ = 0; // of these, on the note that is under way

@@ -87,10 +87,8 @@ wSysComm::Edit wSysComm::OfSite() const {
     const ConfigClass& site = Global::Configuration();
     const BusSettings settings = BusSettings::Of(site.BusSettings());
     Edit edit{settings.port, QString(), settings.speed, settings.stop, site.AutoStart()};
-    if (IsNumeric(edit.port)) {
-        const QString port = BusSettings::PortName(edit.port.toInt());
-        edit.device = formerDevices_.value(port, SLVfonctions::DevicePath(port));
-    }
+    if (IsNumeric(edit.port))
+        edit.device = devices_.Former(BusSettings::PortName(edit.port.toInt()));
     return edit;
 }
 
@@ -214,23 +212,9 @@ void wSysComm::imgPortDevice_Click() {
 
 /// Names the device of the port that is edited.
 void wSysComm::setDevice(const QString& device) {
-    const QString port = BusSettings::PortName(edit_->port.toInt());
-    const QString former = SLVfonctions::DevicePath(port);
     edit_->device = device;
-    if (device == former)
-        return;
-    if (!formerDevices_.contains(port))
-        formerDevices_.insert(port, former);
-    SLVfonctions::setDevicePath(port, device);
-    otherDevice_ = true;
-}
-
-void wSysComm::RestoreDevices() {
-    for (auto former = formerDevices_.cbegin(); former != formerDevices_.cend(); ++former) {
-        SLVfonctions::setDevicePath(former.key(), former.value());
+    if (devices_.Name(BusSettings::PortName(edit_->port.toInt()), device))
         otherDevice_ = true;
-    }
-    formerDevices_.clear();
 }
 
 /// True when the bus is to go on afterwards.
@@ -275,7 +259,7 @@ bool wSysComm::UpdateConfig() {
             Polling() == nullptr)
             return;
         setDevice(edit.device);
-        formerDevices_.clear();
+        devices_.Settle();
         platform::SerialLink& link = Polling()->CommBus();
         const int port = edit.port.toInt();
         bool works = true;
@@ -311,7 +295,7 @@ bool wSysComm::Take() {
 
 /// The port goes back to what the site has.
 void wSysComm::Drop() {
-    RestoreDevices();
+    otherDevice_ = devices_.PutBack() || otherDevice_;
     edit_.Reload();
     UpdateConfig();
 }
@@ -320,7 +304,7 @@ void wSysComm::Drop() {
 /// round, which is not to lose its link.
 void wSysComm::Keep() {
     const Edit edit = *edit_;
-    RestoreDevices();
+    otherDevice_ = devices_.PutBack() || otherDevice_;
     edit_.Reload();
     Kept().edit.Keep(edit_.Original(), edit);
     if (Polling() == nullptr || !IsNumeric(edit_->port))

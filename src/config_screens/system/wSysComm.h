@@ -1,9 +1,9 @@
 #pragma once
 
 #include "config_screens/ConfigForm.h"
+#include "config_screens/NamedDevices.h"
 #include "screens/touch/WorkingCopy.h"
 
-#include <QHash>
 #include <QString>
 #include <memory>
 
@@ -56,7 +56,6 @@ private:
     void imgNavig_Click(int index);
     void ChangePort(const QString& port);
     void setDevice(const QString& device);
-    void RestoreDevices();
     bool StopBus();
     bool MovePort(int port, bool open);
     void StartBus(bool run);
@@ -64,8 +63,7 @@ private:
 
     std::unique_ptr<Ui::wSysComm> ui_;
     FieldPointer* pointer_;
-    /// Devices of the ports as they were before this screen named others.
-    QHash<QString, QString> formerDevices_;
+    NamedDevices devices_;
     WorkingCopy<Edit> edit_;
     bool otherDevice_ = false;   // the link is open on another device than its port means
     bool stoppedByPort_ = false; // the bus ran until a port couldn't be opened
