@@ -5,8 +5,8 @@
 #include <QString>
 #include <QStringList>
 
-/// How a class of events is printed, which the site holds as a text such as "2BU": a colour's number
-/// and the letters of styles.
+/// How a class of events is printed, which the site holds as a text such as "2BU": a colour's
+/// number and the letters of styles.
 struct PrinterCode {
     /// Every style: "B" bold, "I" italic, "U" underline.
     static inline const QString AllStyles = QStringLiteral("BIU");

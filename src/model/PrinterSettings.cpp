@@ -27,10 +27,10 @@ PrinterSettings PrinterSettings::Of(const QString& text) {
     const QStringList pieces = text.split(u':');
     const QString number = Number(pieces[0].mid(Com.size()));
     if (text.startsWith(Lpt, Qt::CaseInsensitive)) {
-        settings.kind = Kind::Parallel;
+        settings.kind = PortKind::Parallel;
         settings.parallelPort = number;
     } else if (text.startsWith(Com, Qt::CaseInsensitive)) {
-        settings.kind = Kind::Serial;
+        settings.kind = PortKind::Serial;
         settings.serialPort = number;
         const QStringList parts = pieces.value(1).split(u',');
         settings.speed = Number(parts.value(Speed));
@@ -43,9 +43,9 @@ PrinterSettings PrinterSettings::Of(const QString& text) {
 
 QString PrinterSettings::Text() const {
     switch (kind) {
-    case Kind::Serial:
+    case PortKind::Serial:
         return Com + serialPort + u':' + speed + u',' + parity + u',' + dataBits + u',' + stopBits;
-    case Kind::Parallel:
+    case PortKind::Parallel:
         return Lpt + parallelPort + u':';
     default:
         return {};
@@ -53,17 +53,17 @@ QString PrinterSettings::Text() const {
 }
 
 QString PrinterSettings::PortName() const {
-    if (kind == Kind::Serial && !serialPort.isEmpty())
+    if (kind == PortKind::Serial && !serialPort.isEmpty())
         return Com + serialPort;
-    if (kind == Kind::Parallel && !parallelPort.isEmpty())
+    if (kind == PortKind::Parallel && !parallelPort.isEmpty())
         return Lpt + parallelPort;
     return {};
 }
 
 bool PrinterSettings::IsComplete() const {
-    if (kind == Kind::None)
+    if (kind == PortKind::None)
         return true;
-    const bool line = kind == Kind::Parallel || (!speed.isEmpty() && !parity.isEmpty() &&
-                                                 !dataBits.isEmpty() && !stopBits.isEmpty());
+    const bool line = kind == PortKind::Parallel || (!speed.isEmpty() && !parity.isEmpty() &&
+                                                     !dataBits.isEmpty() && !stopBits.isEmpty());
     return line && !PortName().isEmpty();
 }

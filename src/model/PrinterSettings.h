@@ -6,9 +6,9 @@
 /// nothing for no printer. The parts are texts, as they stand there; one that can't be read is
 /// empty. The parts of the kinds that aren't chosen are no part of the value.
 struct PrinterSettings {
-    enum class Kind { Serial, Parallel, None };
+    enum class PortKind { Serial, Parallel, None };
 
-    Kind kind = Kind::None;
+    PortKind kind = PortKind::None;
     QString serialPort;   ///< number, without its three letters
     QString parallelPort; ///< number, without its three letters
     QString speed;        ///< bits a second
