@@ -11,7 +11,7 @@ cmake --preset release >/dev/null
 cmake --build --preset release --target korvanelle-screens korvanelle-mksite korvanelle_base
 site=$(mktemp -d)
 trap 'rm -rf "$site"' EXIT
-cp build/release/korvanelle.cfg data/help/*.html "$site"
+cp build/release/korvanelle.cfg data/help/*.html data/printers/*.prt "$site"
 build/release/tools/mksite/korvanelle-mksite data/demo/site.json "$site/korvanelle.cfg" "$site/korvanelle.dat"
 build/release/tools/screens/korvanelle-screens "$site" "$target/800x600"
 build/release/tools/screens/korvanelle-screens "$site" "$target/1280x800" 1280 800

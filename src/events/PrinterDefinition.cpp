@@ -46,10 +46,10 @@ bool PrinterDefinition::Exists(const QString& printerName) {
 QStringList PrinterDefinition::Names() {
     const QDir folder(platform::ApplicationFolder());
     // Names of files differ by case here: "X.PRT" would be listed and not found.
-    QStringList names =
-        folder.entryList({u'*' + Extension}, QDir::Files | QDir::CaseSensitive, QDir::Name);
+    QStringList names = folder.entryList({u'*' + Extension}, QDir::Files | QDir::CaseSensitive);
     for (QString& name : names)
         name.chop(Extension.size());
+    names.sort();
     return names;
 }
 

@@ -2,8 +2,11 @@
 
 #include "events/FakePort.h"
 #include "support/Bench.h"
+#include "support/PipePrinter.h"
 
+#include <QCoreApplication>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -98,6 +101,77 @@ TEST_F(Paper, APortThatIsTakenAwayIsForgotten) {
     printer.setPort(QString());
     paper.Advance();
     EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
+    EXPECT_EQ(paper.Unprinted(), 0);
+}
+
+TEST_F(Paper, AnotherPortWaitsForTheLineUnderWayAndGetsWhatQueues) {
+    port->stuck = true;
+    Print("a");
+    Print("b");
+    port->log.clear();
+    paper.Use(QStringLiteral("COM2"), QStringLiteral("1200,E,7,2"));
+    EXPECT_EQ(port->log, QStringList()) << "a close would wait for the stuck line";
+    EXPECT_EQ(printer.Port(), QStringLiteral("LPT1"));
+    port->stuck = false;
+    paper.Advance();
+    EXPECT_EQ(printer.Port(), QStringLiteral("COM2"));
+    EXPECT_TRUE(port->log.contains(QStringLiteral("line 1200 2 7 2")));
+    EXPECT_EQ(Written(), QByteArray("a\rb\r"));
+
+    port->openError = ENOENT;
+    Print("c");
+    port->openError = 0;
+    paper.Use(QStringLiteral("LPT2"), QString());
+    EXPECT_EQ(Written(), QByteArray("1 event not printed, see history\r")) << "tried at once";
+    paper.Use(QString(), QString());
+    Print("d");
+    EXPECT_EQ(Written(), QByteArray());
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
+}
+
+TEST_F(Paper, ATestLineGoesBetweenTheLinesAndLeavesPortAndSettings) {
+    PipePrinter tried(Path(QStringLiteral("tried")));
+    tried.SwitchOn();
+    SLVfonctions::setDevicePath(QStringLiteral("LPT9"), Path(QStringLiteral("tried")));
+    printer.setSettings(QStringLiteral("kept"));
+    std::optional<PrinterTest::Result> told;
+    const auto test = [&](const char* portString) {
+        told.reset();
+        paper.PrintTest(QString::fromLatin1(portString),
+                        [&](const auto& result) { told = result; });
+        QCoreApplication::processEvents();
+    };
+    port->stuck = true;
+    Print("a");
+    test("LPT9:");
+    EXPECT_EQ(tried.Paper(), QByteArray()) << "both may be the same line";
+    port->stuck = false;
+    paper.Advance();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(tried.Paper(), QByteArray("***** TEST *****\r\n"));
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->error, QString());
+    EXPECT_EQ(port->log.last(), QStringLiteral("close"));
+
+    // A printer that takes nothing: the events wait for no more than its time.
+    tried.Stick();
+    Written();
+    test("LPT9:");
+    Print("b");
+    EXPECT_EQ(Written(), QByteArray());
+    clock.Advance(2000);
+    paper.Advance();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(told);
+    EXPECT_FALSE(told->IsPrinted());
+    EXPECT_EQ(told->where, int(DirectPrinting::PrintingString));
+    EXPECT_EQ(Written(), QByteArray("b\r"));
+
+    test("LPT8:");
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->where, int(DirectPrinting::Opening));
+    EXPECT_FALSE(told->error.isEmpty());
+    EXPECT_EQ(printer.Port() + u' ' + printer.Settings(), QStringLiteral("LPT1 kept"));
     EXPECT_EQ(paper.Unprinted(), 0);
 }
 

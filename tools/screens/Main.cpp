@@ -5,6 +5,7 @@
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
 #include "config_screens/panel/PanelEditor.h"
+#include "config_screens/printer/dlgParamPrinter.h"
 #include "core/Config.h"
 #include "core/Faults.h"
 #include "core/FormNames.h"
@@ -27,6 +28,7 @@
 #include <QWidget>
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -137,14 +139,38 @@ void TakeConsole(wPolling& engine, const Paths& path) {
     Forms::Unload(FormNames::wRunAlarms);
 }
 
+/// The printer's screen with each kind of port, and the choice for a class.
+void TakePrinter(const Paths& path) {
+    ConfigClass& site = Global::Configuration();
+    const QString settings = site.PrtSettings();
+    site.setPrinterName(QStringLiteral("escp"));
+    const char* codes[] = {"", "1B", "1", "0", "0B", "2BIU", "2", "3I"};
+    for (int i = 0; i < int(std::size(codes)); ++i)
+        site.setPrinterInitCode(i, QString::fromLatin1(codes[i]));
+    for (const auto& [name, port] :
+         {std::pair{"wParamPrinter_serial", "COM2:9600,N,8,1"},
+          std::pair{"wParamPrinter_parallel", "LPT1:"}, std::pair{"wParamPrinter_none", ""}}) {
+        site.setPrtSettings(QString::fromLatin1(port));
+        Take(FormNames::wParamPrinter, path(name));
+    }
+    site.setPrtSettings(settings);
+    if (auto* dialog = dynamic_cast<dlgParamPrinter*>(Forms::Load(FormNames::dlgParamPrinter))) {
+        dialog->setTitle(GetText(430310));
+        dialog->setDefinition(PrinterDefinition(PrinterDefinition::PathOf(site.PrinterName())));
+        dialog->setCode(PrinterCode::Of(QStringLiteral("1BU")));
+    }
+    Take(FormNames::dlgParamPrinter, path("dlgParamPrinter_class"));
+}
+
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     const auto path = [&](const char* name) {
         return target.filePath(QString::fromLatin1(name) + u'_' + language +
                                QStringLiteral(".png"));
     };
     TakeConsole(engine, path);
+    TakePrinter(path);
     for (const QString& form : Forms::Names())
-        if (form != FormNames::wRunAlarms)
+        if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter)
             Take(form, path(form.toLatin1().constData()));
 }
 
