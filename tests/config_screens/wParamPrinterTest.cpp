@@ -1,0 +1,234 @@
+// The printer's screen against a named pipe, on which the events go out, and a pseudo-terminal.
+
+#include "ConfigScreensFixture.h"
+#include "PortsOfTest.h"
+#include "events/PrinterDefinition.h"
+#include "support/PipePrinter.h"
+
+#include <QAbstractButton>
+#include <cstdlib>
+#include <optional>
+
+namespace {
+
+class ParamPrinterTest : public ConfigScreensTest {
+protected:
+    ParamPrinterTest() {
+        Write(QStringLiteral("matrix"), "[Reset]\nInit=1B 40\n[Colors]\n0=1B 72 06\n2=1B 72 04\n"
+                                        "[Styles]\nB=1B 45\nU=1B 2D 01\n");
+        Write(QStringLiteral("plain"), "[Reset]\nInit=\n");
+        SLVfonctions::setDevicePath(QStringLiteral("LPT1"), Path(QStringLiteral("paper")));
+        paper.SwitchOn();
+        Site().setPrtSettings(QStringLiteral("LPT1:"));
+        Site().setPrinterName(QStringLiteral("matrix"));
+        Site().setPrinterInitCode(1, QStringLiteral("0BU"));
+        engine->dpPrinter().setPort(QStringLiteral("LPT1"));
+        engine->dpPrinter().setSettings(QString());
+        Forms::Show(Form);
+    }
+
+    static void Write(const QString& name, const QByteArray& content) {
+        QFile file(PrinterDefinition::PathOf(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    static QString TextIn(const char* label) {
+        return TextOf(FormNames::wParamPrinter, QString::fromLatin1(label));
+    }
+    /// Taps a printer of the list, in their order.
+    void TapPrinter(int row) const {
+        auto* list = Find<QListWidget>(Form, QStringLiteral("lstPrinterName"));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->item(row)).center());
+    }
+    static QAbstractButton* Option(const char* name) {
+        return Find<QAbstractButton>(FormNames::dlgParamPrinter, QString::fromLatin1(name));
+    }
+    /// Edits a class, and confirms or not.
+    void EditClass(int number, const QStringList& taps, bool confirm = true) {
+        Tap(Form, QStringLiteral("lblEscTitle_%1").arg(number));
+        Script script;
+        script.On(FormNames::dlgParamPrinter, [&] {
+            for (const QString& name : taps)
+                Tap(FormNames::dlgParamPrinter, name);
+            Tap(FormNames::dlgParamPrinter,
+                confirm ? QStringLiteral("imgControl_1") : QStringLiteral("imgControl_0"));
+        });
+        Tap(Form, QStringLiteral("imgCharModif"));
+    }
+    void ChangeField(const char* label, const QString& value) {
+        Tap(Form, QString::fromLatin1(label));
+        Choose(Form, QStringLiteral("imgComModif"), value);
+    }
+    void Leave(int reply) {
+        answer = reply;
+        Tap(Form, QStringLiteral("imgNavig_0"));
+        answer = Messages::Ok;
+        RemoveUnloaded();
+    }
+    void TestPrint() {
+        Tap(Form, QStringLiteral("cmdPrintTest"));
+        QCoreApplication::processEvents();
+    }
+    /// What the printer of the events is set to.
+    QString EventPort() {
+        return engine->dpPrinter().Port() + u':' + engine->dpPrinter().Settings();
+    }
+
+    const QString Form = FormNames::wParamPrinter;
+    PortsOfTest ports;
+    PipePrinter paper{Path(QStringLiteral("paper"))};
+};
+
+} // namespace
+
+TEST_F(ParamPrinterTest, AnEditedClassHoldsItsColourUntilThePrinterIsSelectedAgain) {
+    EXPECT_EQ(TextIn("lblEscCode_1"), QStringLiteral("Green Bold Underlined"));
+    EditClass(2, {QStringLiteral("optGreen"), QStringLiteral("chkGras")}, false);
+    EXPECT_EQ(TextIn("lblEscCode_2"), QString());
+    EditClass(2, {QStringLiteral("optYellow"), QStringLiteral("chkGras"), QStringLiteral("optRed"),
+                  QStringLiteral("chkItalic")});
+    EXPECT_EQ(TextIn("lblEscCode_2"), QStringLiteral("Yellow Bold")) << "no red, no italic";
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().PrinterInitCode(2), QStringLiteral("2B"));
+    EXPECT_EQ(Site().PrinterInitString(2), QStringLiteral("1B 72 04"));
+
+    Forms::Show(Form);
+    TapPrinter(0);
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().PrinterInitString(0), QStringLiteral("1B 40"));
+    EXPECT_EQ(Site().PrinterInitString(1), QStringLiteral("1B 72 06 1B 45 1B 2D 01"));
+    EXPECT_EQ(Site().PrinterInitString(2), QStringLiteral("1B 72 04 1B 45"));
+
+    Forms::Show(Form);
+    TapPrinter(1);
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().PrinterName(), QStringLiteral("plain"));
+    EXPECT_EQ(Site().PrinterInitString(1), QString());
+    EXPECT_EQ(Site().PrinterInitCode(1), QStringLiteral("0BU"));
+}
+
+TEST_F(ParamPrinterTest, WithoutADefinitionNothingIsEdited) {
+    QFile::remove(PrinterDefinition::PathOf(QStringLiteral("matrix")));
+    Tap(Form, QStringLiteral("imgCharModif"));
+    EXPECT_EQ(boxes.last(), GetText(30021));
+    Leave(Messages::Cancel);
+    EXPECT_EQ(Screen(Form), nullptr) << "nothing differs, nothing is asked";
+    Forms::Show(Form);
+    for (const char* button : {"imgCharModif", "imgChangePrinter"}) {
+        Tap(Form, QString::fromLatin1(button));
+        EXPECT_EQ(boxes.last(), GetText(30019));
+        EXPECT_EQ(styles.last(), 16);
+    }
+    Leave(Messages::No);
+    EXPECT_EQ(Site().PrinterName(), QStringLiteral("matrix"));
+}
+
+TEST_F(ParamPrinterTest, APortThatCannotBeReadIsNotTaken) {
+    Leave(Messages::No);
+    SLVfonctions::setDevicePath(QStringLiteral("COM5"), Path(QStringLiteral("line")));
+    QFile(Path(QStringLiteral("line"))).open(QIODevice::WriteOnly);
+    Site().setPrtSettings(QStringLiteral("COM5:9600,8,N,1"));
+    Forms::Show(Form);
+    EXPECT_EQ(TextIn("lblComSpeed") + TextIn("lblComParity") + TextIn("lblComBits"),
+              QStringLiteral("9600??????????"));
+    ChangeField("lblComParity", GetText(100022));
+    const QString before = EventPort();
+    for (const int said : {1, 2}) {
+        Leave(Messages::Yes);
+        EXPECT_NE(Screen(Form), nullptr);
+        EXPECT_EQ(boxes.last(), GetText(30014));
+        EXPECT_EQ(EventPort(), before);
+        if (said == 1) {
+            ChangeField("lblComBits", QStringLiteral("7"));
+            SLVfonctions::setDevicePath(QStringLiteral("COM5"), Path(QStringLiteral("gone")));
+        }
+    }
+    SLVfonctions::setDevicePath(QStringLiteral("COM5"), Path(QStringLiteral("line")));
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().PrtSettings(), QStringLiteral("COM5:9600,E,7,1"));
+    EXPECT_EQ(EventPort(), Site().PrtSettings()) << "the events go there from now on";
+
+    Forms::Show(Form);
+    Tap(Form, QStringLiteral("lblPort_2"));
+    EXPECT_FALSE(Child(Form, QStringLiteral("cmdPrintTest"))->isEnabled());
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().PrtSettings() + EventPort(), QStringLiteral(":"));
+}
+
+TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
+    TestPrint();
+    EXPECT_EQ(paper.Paper(), QByteArray("***** TEST *****\r\n"));
+    EXPECT_EQ(boxes.last(), GetText(430300));
+    EXPECT_EQ(styles.last(), 64);
+
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+    SLVfonctions::setDevicePath(QStringLiteral("COM2"), QFile::decodeName(ptsname(terminal)));
+    Tap(Form, QStringLiteral("lblPort_0"));
+    EXPECT_EQ(TextIn("lblComPort") + u' ' + TextIn("lblComSpeed"), QStringLiteral("2 9600"))
+        << "the bus has the first";
+    TestPrint();
+    QByteArray line(64, '\0');
+    line.truncate(qMax<qsizetype>(read(terminal, line.data(), size_t(line.size())), 0));
+    close(terminal);
+    EXPECT_EQ(line, QByteArray("***** TEST *****\r\n"));
+    EXPECT_EQ(boxes.last(), GetText(430300));
+    EXPECT_EQ(EventPort(), QStringLiteral("LPT1:"));
+
+    engine->Paper().Print(QStringLiteral("event"));
+    EXPECT_TRUE(paper.Paper().endsWith("event\r\n"));
+}
+
+TEST_F(ParamPrinterTest, AStuckPrinterHoldsNothing) {
+    paper.Stick();
+    const auto said = boxes.size();
+    TestPrint();
+    EXPECT_EQ(boxes.size(), said);
+    EXPECT_FALSE(Child(Form, QStringLiteral("cmdPrintTest"))->isEnabled());
+    clock.Advance(2000);
+    engine->Paper().Advance();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(boxes.last().startsWith(GetText(430301).section(u'$', 0, 0)));
+    EXPECT_EQ(styles.last(), 16);
+    EXPECT_EQ(EventPort(), QStringLiteral("LPT1:"));
+
+    TestPrint();
+    AlarmComes();
+    const auto before = boxes.size();
+    clock.Advance(2000);
+    engine->Paper().Advance();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(boxes.size(), before) << "nobody waits for it any more";
+}
+
+TEST_F(ParamPrinterTest, AnAlarmKeepsTheEditAndPutsTheDeviceBack) {
+    Site().setBusSettings(QStringLiteral("COM3:9600,N,8,1"));
+    Tap(Form, QStringLiteral("lblPortName_0"));
+    ChangeField("lblComPort", QStringLiteral("3"));
+    EXPECT_EQ(boxes.last(), GetText(714061));
+    ChangeField("lblComPort", QStringLiteral("4"));
+    const QString adapter = ports.AddSerial(QStringLiteral("ttyUSB0"), QStringLiteral("FTDI"));
+    const auto device = [] { return SLVfonctions::DevicePath(QStringLiteral("COM4")); };
+    const QString former = device();
+    Script script;
+    script.On(FormNames::dlgPortDevice, [] {
+        Find<QListWidget>(FormNames::dlgPortDevice, QStringLiteral("lstDevices"))->setCurrentRow(1);
+        Tap(FormNames::dlgPortDevice, QStringLiteral("imgControl_1"));
+    });
+    Tap(Form, QStringLiteral("lblPortDevice_0"));
+    EXPECT_EQ(device(), ports.Lasting(adapter));
+    EXPECT_TRUE(TextIn("lblPortDevice_0").startsWith(QStringLiteral("FTDI")));
+    AlarmComes();
+    EXPECT_EQ(device(), former);
+    EXPECT_EQ(Site().PrtSettings(), QStringLiteral("LPT1:"));
+
+    Forms::Show(Form);
+    EXPECT_TRUE(Child(Form, QStringLiteral("lblKept"))->isVisible());
+    EXPECT_EQ(TextIn("lblComPort"), QStringLiteral("4"));
+    EXPECT_EQ(device(), ports.Lasting(adapter)) << "as before the alarm";
+    Leave(Messages::No);
+    EXPECT_EQ(device(), former);
+    Forms::Show(Form);
+    EXPECT_FALSE(Child(Form, QStringLiteral("lblKept"))->isVisible());
+}
