@@ -7,7 +7,9 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 
+#include <map>
 #include <set>
+#include <vector>
 
 namespace Miroirs {
 
@@ -237,6 +239,43 @@ bool MirrorLoop(const MirrorClasses& mirrors, qint16 toModule, qint16 toChannel,
                 qint16 fromChannel) {
     std::set<EndPoint> asked;
     return LeadsTo(mirrors, {toModule, toChannel}, {fromModule, fromChannel}, asked);
+}
+
+bool IsMirrorLoop(const MirrorClasses& mirrors, qint16 fromModule, qint16 fromChannel,
+                  qint16 toModule, qint16 toChannel) {
+    std::map<EndPoint, std::vector<EndPoint>> sources;
+    for (const MirrorClass& mirror : mirrors)
+        sources[{mirror.ToModule(), mirror.ToChannel()}].emplace_back(mirror.FromModule(),
+                                                                      mirror.FromChannel());
+    // All end points from which the new rule's source is fed, and how many of them each one feeds.
+    std::map<EndPoint, int> feeds{{{fromModule, fromChannel}, 0}};
+    std::vector<EndPoint> waiting{{fromModule, fromChannel}};
+    while (!waiting.empty()) {
+        const EndPoint point = waiting.back();
+        waiting.pop_back();
+        for (const EndPoint& source : sources[point]) {
+            if (source == EndPoint(toModule, toChannel))
+                return true;
+            const auto [place, isNew] = feeds.try_emplace(source, 0);
+            ++place->second;
+            if (isNew)
+                waiting.push_back(source);
+        }
+    }
+    // Taking away what feeds nothing any more leaves the circles.
+    size_t taken = 0;
+    if (feeds[{fromModule, fromChannel}] == 0)
+        waiting.emplace_back(fromModule, fromChannel);
+    while (!waiting.empty()) {
+        const EndPoint point = waiting.back();
+        waiting.pop_back();
+        ++taken;
+        for (const EndPoint& source : sources[point]) {
+            if (--feeds[source] == 0)
+                waiting.push_back(source);
+        }
+    }
+    return taken < feeds.size();
 }
 
 } // namespace Miroirs

@@ -30,4 +30,10 @@ void LogErreur(const MirrorClass& mirror);
 bool MirrorLoop(const MirrorClasses& mirrors, qint16 toModule, qint16 toChannel, qint16 fromModule,
                 qint16 fromChannel);
 
+/// Would a new rule from one end point to the other close a circle: do rules already lead from
+/// `toModule`, `toChannel` to `fromModule`, `fromChannel`? True as well when the rules that feed
+/// its source hold a circle of their own, as only a damaged file can have it.
+bool IsMirrorLoop(const MirrorClasses& mirrors, qint16 fromModule, qint16 fromChannel,
+                  qint16 toModule, qint16 toChannel);
+
 } // namespace Miroirs

@@ -4,7 +4,6 @@
 #include "core/ErrorHandling.h"
 #include "core/Forms.h"
 #include "core/Message.h"
-#include "model/CurrentConfig.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/touch/Navigation.h"
 
@@ -46,17 +45,6 @@ bool ConfigForm::LeaveToMenu(int tile) {
     left_ = true;
     ReturnToMenu(*this, tile);
     return true;
-}
-
-void ConfigForm::SaveSite() {
-    ConfigClass& site = Global::Configuration();
-    if (!site.Modified())
-        return;
-    const qint32 result = SaveCurrentConfig();
-    // Its own file doesn't hold the change, and saving lowers the marks of the panels.
-    site.setModified(true);
-    if (result >= 1)
-        Message(GetText(result), Messages::Critical);
 }
 
 void ConfigForm::ShowKept(bool kept) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config_screens/SiteEdit.h"
 #include "core/FormNames.h"
 #include "screens/touch/ScreenForm.h"
 
@@ -35,9 +36,6 @@ protected:
     bool Leave(const QString& form = FormNames::wMain);
     /// The same, back into a submenu of the main menu.
     bool LeaveToMenu(int tile);
-    /// Saves what the program starts from if the site was changed; a failure is told. The site's
-    /// own file is saved from the main menu: the site still counts as changed.
-    static void SaveSite();
     /// Tells that the edit is one that was kept.
     void ShowKept(bool kept);
 

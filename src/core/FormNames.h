@@ -34,6 +34,7 @@ inline const QString dlgMenuParams = QStringLiteral("dlgMenuParams");
 inline const QString dlgMenuSystem = QStringLiteral("dlgMenuSystem");
 inline const QString dlgMessage = QStringLiteral("dlgMessage");
 inline const QString dlgParamPrinter = QStringLiteral("dlgParamPrinter");
+inline const QString dlgPortDevice = QStringLiteral("dlgPortDevice");
 inline const QString dlgSysTime = QStringLiteral("dlgSysTime");
 inline const QString dlgUserCodes = QStringLiteral("dlgUserCodes");
 

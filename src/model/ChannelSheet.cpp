@@ -91,6 +91,16 @@ QString PrintForm(int number) {
     return (number < 0 ? QString::number(number) : u' ' + QString::number(number)) + u' ';
 }
 
+/// A whole number, which a spreadsheet may give decimals.
+bool ReadNumber(const QString& field, int& number) {
+    bool isNumber = false;
+    const double value = field.trimmed().toDouble(&isNumber);
+    isNumber = isNumber && value >= std::numeric_limits<int>::min() &&
+               value <= std::numeric_limits<int>::max();
+    number = isNumber ? int(value) : 0;
+    return isNumber && number == value;
+}
+
 QString Headings() {
     QStringList headings{QLatin1String(PanelHeading), QLatin1String(ChannelHeading)};
     for (const SheetColumn& column : Columns)
@@ -169,9 +179,7 @@ void ChannelSheetImport::TakeLine(const QStringList& fields) {
         }
         if (place >= fields.size())
             Refuse(heading, errors::Subscript);
-        bool whole = false;
-        numbers[i] = fields[place].trimmed().toInt(&whole);
-        if (!whole)
+        if (!ReadNumber(fields[place], numbers[i]))
             Refuse(heading, errors::TypeMismatch);
         const int present = column.number(channel);
         // What a site file has brought in goes out and comes back, wherever it lies.
@@ -193,9 +201,8 @@ int ChannelSheetImport::Address(const QStringList& fields, int column, int count
     const QString heading = QLatin1String(column == 0 ? PanelHeading : ChannelHeading);
     if (column >= fields.size())
         Refuse(heading, errors::Subscript);
-    bool whole = false;
-    const int number = fields[column].trimmed().toInt(&whole);
-    if (!whole)
+    int number = 0;
+    if (!ReadNumber(fields[column], number))
         Refuse(heading, errors::TypeMismatch);
     if (number < 1 || number > count)
         Refuse(heading, errors::Subscript);

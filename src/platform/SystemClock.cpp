@@ -77,7 +77,7 @@ public:
         const int minutes = now.offsetFromUtc() / 60;
         return QStringLiteral("%1 (UTC%2%3:%4)")
             .arg(QString::fromLatin1(QTimeZone::systemTimeZoneId()))
-            .arg(minutes < 0 ? u'-' : u'+')
+            .arg(QLatin1Char(minutes < 0 ? '-' : '+'))
             .arg(qAbs(minutes) / 60, 2, 10, QLatin1Char('0'))
             .arg(qAbs(minutes) % 60, 2, 10, QLatin1Char('0'));
     }

@@ -3,6 +3,10 @@
 #include "bus/Miroirs.h"
 #include "support/Frames.h"
 
+#include <QSet>
+#include <array>
+#include <random>
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -239,6 +243,47 @@ TEST_F(MirrorEngine, FindsAChainOfRules) {
     EXPECT_FALSE(Miroirs::MirrorLoop(layers, 60, 1, 1, 3));
     layers.Add(60, 1, 1, 1, 1);
     EXPECT_FALSE(Miroirs::MirrorLoop(layers, 60, 1, 9, 9)) << "a loop is no endless question";
+}
+
+// Against a walk over all chains, on lists with and without circles.
+TEST_F(MirrorEngine, RefusesWhatWouldCloseACircle) {
+    std::mt19937 random(20240315);
+    const auto number = [&](int below) { return qint16(1 + random() % unsigned(below)); };
+    int loops = 0;
+    for (int round = 0; round < 400; ++round) {
+        MirrorClasses rules;
+        QList<std::array<qint16, 2>> edges;
+        for (int rule = 0; rule < 8; ++rule) {
+            edges += {number(6), number(6)};
+            rules.Add(edges.last()[0], 1, edges.last()[1], 1, 1);
+        }
+        const qint16 from = number(6);
+        const qint16 to = number(6);
+        // Chains of more steps than there are panels go round in a circle.
+        QList<qint16> ends{from};
+        bool expected = false;
+        for (int step = 1; step <= 7; ++step) {
+            QSet<qint16> before;
+            for (const auto& edge : edges) {
+                if (ends.contains(edge[1]))
+                    before.insert(edge[0]);
+            }
+            ends = before.values();
+            expected = expected || ends.contains(to) || (step == 7 && !ends.isEmpty());
+        }
+        EXPECT_EQ(Miroirs::IsMirrorLoop(rules, from, 1, to, 1), expected) << round;
+        loops += expected ? 1 : 0;
+    }
+    EXPECT_GT(loops, 50);
+    EXPECT_LT(loops, 350);
+    MirrorClasses circle;
+    for (qint16 panel = 1; panel <= 60; ++panel)
+        for (qint16 channel = 1; channel <= 24; ++channel)
+            circle.Add(panel, channel, qint16(channel == 24 ? panel % 60 + 1 : panel),
+                       qint16(channel % 24 + 1), 1);
+    EXPECT_TRUE(Miroirs::IsMirrorLoop(circle, 7, 7, 64, 1)) << "a damaged list ends too";
+    EXPECT_FALSE(Miroirs::IsMirrorLoop(circle, 61, 1, 7, 7));
+    EXPECT_FALSE(Miroirs::IsMirrorLoop(MirrorClasses(), 1, 1, 1, 1));
 }
 
 TEST_F(MirrorEngine, ARuleOutOfAllBoundsGoesToTheTrace) {

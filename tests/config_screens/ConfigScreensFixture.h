@@ -4,6 +4,9 @@
 #include "core/FormNames.h"
 #include "model/CurrentConfig.h"
 #include "support/ScreensFixture.h"
+#include "support/Script.h"
+
+#include <QListWidget>
 
 /// A bench with the screens of the configuration and a site of its own.
 class ConfigScreensTest : public ScreensTest {
@@ -17,6 +20,18 @@ protected:
     /// A control of a form by its class.
     template <class W> static W* Find(const QString& form, const QString& name) {
         return qobject_cast<W*>(Child(form, name));
+    }
+    /// Taps a control and answers the list that it brings up with a value.
+    static void Choose(const QString& form, const QString& control, const QString& value) {
+        Script script;
+        script.On(FormNames::dlgListInput, [&] {
+            auto* list = Find<QListWidget>(FormNames::dlgListInput, QStringLiteral("lstValue"));
+            QListWidgetItem* item = list->findItems(value, Qt::MatchExactly).value(0);
+            EXPECT_NE(item, nullptr) << value.toStdString();
+            list->setCurrentItem(item);
+            Tap(FormNames::dlgListInput, QStringLiteral("imgControl_2"));
+        });
+        Tap(form, control);
     }
     /// An alarm comes: the console takes the display and unloads what is open.
     static void AlarmComes() {

@@ -7,6 +7,7 @@
 #include <QDBusServer>
 #include <QThread>
 #include <cerrno>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -130,6 +131,18 @@ TEST_F(SystemClockTest, WithoutTheServiceTheSystemIsCalled) {
         EXPECT_EQ(result.outcome, outcome);
         EXPECT_FALSE(result.words.isEmpty());
     }
+}
+
+TEST(TimeZoneTest, IsNamedWithItsDistanceFromUtc) {
+    const QByteArray before = qgetenv("TZ");
+    for (const auto& [zone, text] : {std::pair{"Asia/Kolkata", "Asia/Kolkata (UTC+05:30)"},
+                                     {"America/Bogota", "America/Bogota (UTC-05:00)"}}) {
+        qputenv("TZ", zone);
+        tzset();
+        EXPECT_EQ(MakeSystemClock()->TimeZone(), QString::fromLatin1(text));
+    }
+    before.isNull() ? void(qunsetenv("TZ")) : void(qputenv("TZ", before));
+    tzset();
 }
 
 #include "SystemClockTest.moc"

@@ -45,7 +45,8 @@ bool ShareAPlace(const Control& a, const Control& b) {
                                    QStringLiteral("imgComm")};
     static const QList<QPair<QString, QString>> standIns{
         {QStringLiteral("grdAlarms"), QStringLiteral("txtNoAlarm")},
-        {QStringLiteral("grdAlarms"), QStringLiteral("imgNoAlarm")}};
+        {QStringLiteral("grdAlarms"), QStringLiteral("imgNoAlarm")},
+        {QStringLiteral("lstDevices"), QStringLiteral("lblNone")}};
     return (a.Array() == b.Array() && oneOf.contains(a.Array())) ||
            standIns.contains(qMakePair(a.name, b.name)) ||
            standIns.contains(qMakePair(b.name, a.name));

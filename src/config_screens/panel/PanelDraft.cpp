@@ -1,5 +1,7 @@
 #include "config_screens/panel/PanelDraft.h"
 
+#include "config_screens/SiteEdit.h"
+#include "config_screens/mirrors/MirrorRules.h"
 #include "model/CurrentConfig.h"
 #include "model/SiteFile.h"
 
@@ -8,20 +10,7 @@ namespace {
 PanelDraft::Snapshot SnapshotOf(const PanelClass& panel, const MirrorClasses& mirrors) {
     SiteFileWriter panelBytes;
     panel.WriteTo(panelBytes);
-    SiteFileWriter mirrorBytes;
-    mirrors.SaveTo(mirrorBytes);
-    return {panelBytes.Bytes(), mirrorBytes.Bytes()};
-}
-
-/// Minutes lie between the loading of a panel and its taking over: states and presence of then
-/// would hide what happened since.
-void CopyLiveFacts(PanelClass& to, const PanelClass& from) {
-    to.setActualModel(from.ActualModel());
-    to.setPresent(from.Present());
-    for (int number = 1; number <= PanelClass::MaxChannel; ++number) {
-        to.Channel(number).setState(from.Channel(number).State());
-        to.Channel(number).setMirrorType(from.Channel(number).MirrorType());
-    }
+    return {panelBytes.Bytes(), MirrorRules::BytesOf(mirrors)};
 }
 
 } // namespace
@@ -48,8 +37,7 @@ void PanelDraft::ClearPanel() {
 void PanelDraft::Take() {
     ConfigClass& site = Global::Configuration();
     if (panel_->Modified()) {
-        CopyLiveFacts(*panel_, site.Panel(number_));
-        site.Panel(number_).Copy(*panel_);
+        CopySettings(site.Panel(number_), *panel_);
         panel_->setModified(false);
     }
     if (mirrors_.Modified()) {
@@ -72,8 +60,6 @@ void PanelDraft::Restore(const Snapshot& edited) {
     SiteFileReader panel(edited.panel);
     panel_->ReadFrom(panel);
     panel_->setModified(edited.panel != site.panel);
-    mirrors_.RemoveAll();
-    SiteFileReader mirrors(edited.mirrors);
-    mirrors_.ReadFrom(mirrors);
+    MirrorRules::Restore(mirrors_, edited.mirrors);
     mirrors_.setModified(edited.mirrors != site.mirrors);
 }

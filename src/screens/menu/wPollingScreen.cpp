@@ -4,6 +4,7 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/FormNames.h"
+#include "screens/menu/BusConfig.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/Theme.h"
 #include "screens/touch/TouchImage.h"
@@ -17,14 +18,12 @@
 namespace {
 
 const QString BusConfig = QStringLiteral("lblBusConfig");
-enum BusConfigLabel { Port = 5, Speed, Parity, DataBits, StopBits };
 
 /// The 65 rows of the grid: its heading and one for each panel.
 constexpr int RowCount = wPolling::PanelCount + 1;
 constexpr int LongStep = 10;
 constexpr int RowHeight = 28;
 constexpr int NumberWidth = 56;
-constexpr int UnknownParity = 100020;
 
 QTableWidgetItem* Cell(const QString& text, Qt::Alignment alignment) {
     auto* cell = new QTableWidgetItem(text);
@@ -144,16 +143,9 @@ void wPollingScreen::Form_Activate() {
 void wPollingScreen::ShowLink() {
     if (Polling() == nullptr)
         return;
-    const platform::SerialLink& link = Polling()->CommBus();
-    const QStringList settings = link.Settings().split(u',');
-    // "NEO" gives 1 to 3, and anything else the word for an unknown parity.
-    const QString letter = settings.value(1).trimmed().toUpper();
-    const int parity = letter.isEmpty() ? 0 : int(QStringLiteral("NEO").indexOf(letter[0])) + 1;
-    SetCaption(BusConfig, Port, QString::number(link.CommPort()));
-    SetCaption(BusConfig, Speed, settings.value(0));
-    SetCaption(BusConfig, Parity, GetText(UnknownParity + parity));
-    SetCaption(BusConfig, DataBits, settings.value(2));
-    SetCaption(BusConfig, StopBits, settings.value(3));
+    int label = FirstBusConfigLabel;
+    for (const QString& text : BusConfigTexts(Polling()->CommBus()))
+        SetCaption(BusConfig, label++, text);
 }
 
 void wPollingScreen::ShowRun() {

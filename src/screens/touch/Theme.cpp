@@ -39,6 +39,7 @@ QPushButton { background: #2C3744; color: #D8DEE6; border: 1px solid #4A5868;
     border-radius: 8px; }
 QPushButton:focus { border: 2px solid #9AA6B4; }
 QPushButton:pressed { background: #475769; }
+QPushButton:checked { background: #3B5675; color: #FFFFFF; border: 2px solid #D8DEE6; }
 QPushButton:disabled { color: #6B7683; }
 QHeaderView, QHeaderView::section { background: #2C3744; color: #D8DEE6; border: none; }
 QTableView, QListView, QTreeView, QPlainTextEdit, QTextEdit, QLineEdit { background: #12171E;

@@ -86,7 +86,9 @@ void TouchImage::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(isEnabled() ? Theme::Edge : Theme::Tile, 1));
     painter.setBrush(!isEnabled() ? Theme::Ground : isDown() ? Theme::Pressed : Theme::Tile);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Radius, Radius);
-    Theme::DrawPicture(painter, picture_, PictureArea(), isEnabled() ? 1 : DormantOpacity);
+    const bool other = isChecked() && !checkedPicture_.isEmpty();
+    Theme::DrawPicture(painter, other ? checkedPicture_ : picture_, PictureArea(),
+                       isEnabled() ? 1 : DormantOpacity);
     if (text().isEmpty())
         return;
     painter.setPen(isEnabled() ? Theme::Ink : Theme::Dormant);

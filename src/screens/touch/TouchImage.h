@@ -9,12 +9,16 @@ class TouchImage : public QAbstractButton {
     Q_OBJECT
     /// Name of the drawing in the resources, without folder or extension.
     Q_PROPERTY(QString picture READ Picture WRITE setPicture)
+    /// The drawing in its place while a checkable tile is checked; empty for the same.
+    Q_PROPERTY(QString checkedPicture READ CheckedPicture WRITE setCheckedPicture)
 
 public:
     explicit TouchImage(QWidget* parent = nullptr);
 
     QString Picture() const { return picture_; }
     void setPicture(const QString& name);
+    QString CheckedPicture() const { return checkedPicture_; }
+    void setCheckedPicture(const QString& name) { checkedPicture_ = name; }
 
     QSize sizeHint() const override;
     /// Where the caption is written; the whole tile when there is no picture.
@@ -31,4 +35,5 @@ private:
     int CaptionFlags() const;
 
     QString picture_;
+    QString checkedPicture_;
 };

@@ -130,7 +130,8 @@ void TouchTable::setColumns(const QList<Column>& columns, double scale) {
     verticalHeader()->setDefaultSectionSize(finger);
     horizontalHeader()->setFixedHeight(finger);
     horizontalHeader()->setFont(font());
-    setStyleSheet(TouchScrollBar(scale));
+    setStyleSheet(TouchScrollBar(scale) +
+                  QStringLiteral("QTableView::item, QHeaderView::section { padding: 0 6px; }"));
     FitColumns();
 }
 

@@ -1,0 +1,340 @@
+#include "config_screens/system/wSysComm.h"
+
+#include "bus/wPolling.h"
+#include "config_screens/dlgPortDevice.h"
+#include "core/Bytes.h"
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Message.h"
+#include "core/SLVfonctions.h"
+#include "model/BusSettings.h"
+#include "model/CurrentConfig.h"
+#include "platform/RunTimeError.h"
+#include "screens/dialogs/dlgListInput.h"
+#include "screens/dialogs/wHelp.h"
+#include "screens/menu/BusConfig.h"
+#include "screens/touch/FieldPointer.h"
+#include "screens/touch/KeptEdit.h"
+#include "screens/touch/Navigation.h"
+#include "screens/touch/ValueLabel.h"
+#include "ui_wSysComm.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr int No = 10001;
+constexpr int Yes = 10002;
+constexpr int EntryIncomplete = 20006;
+constexpr int PortFails = 630100;
+constexpr int PortOfThePrinter = 630231;
+
+enum Fields { PortField, SpeedField, StopField, AutoStartField, FieldCount };
+const std::array<QString, FieldCount> Descriptors = {QStringLiteral("*|1|255"),
+                                                     QStringLiteral("@|1200|2400|4800|9600|19200"),
+                                                     QStringLiteral("*|1|2"), QStringLiteral("$")};
+
+bool IsNumeric(const QString& text) {
+    bool isNumber = false;
+    text.trimmed().toInt(&isNumber);
+    return isNumber;
+}
+
+} // namespace
+
+struct wSysComm::Memory {
+    KeptEdit<Edit> edit;
+};
+
+wSysComm::Memory& wSysComm::Kept() {
+    static Memory memory;
+    return memory;
+}
+
+/// The settings hold the device that is edited already.
+wSysComm::Edit wSysComm::OfSite() const {
+    const ConfigClass& site = Global::Configuration();
+    const BusSettings settings = BusSettings::Of(site.BusSettings());
+    Edit edit{settings.port, QString(), settings.speed, settings.stop, site.AutoStart()};
+    if (IsNumeric(edit.port)) {
+        const QString port = BusSettings::PortName(edit.port.toInt());
+        edit.device = formerDevices_.value(port, SLVfonctions::DevicePath(port));
+    }
+    return edit;
+}
+
+wSysComm::wSysComm()
+    : ConfigForm(FormNames::wSysComm)
+    , ui_(std::make_unique<Ui::wSysComm>())
+    , edit_([this] { return OfSite(); }) {
+    ui_->setupUi(this);
+    Prepare();
+    pointer_ = new FieldPointer(
+        this, {ui_->lblBusPort, ui_->lblBusSpeed, ui_->lblBusStop, ui_->lblAutoStart},
+        ui_->imgBusDir_0, ui_->imgBusDir_1);
+    connect(pointer_, &FieldPointer::Moved, this,
+            [this](int place) { ui_->lblBusPointer->setNum(place + 1); });
+    ui_->lblBusPointer->setNum(pointer_->Place() + 1);
+    OnClick(QStringLiteral("imgBusDir"),
+            [this](int index) { pointer_->MoveBy(index == 0 ? -1 : 1); });
+    OnClick(ui_->imgBusModif, [this] { imgBusModif_Click(); });
+    OnClick(ui_->chkAutoStart, [this] { chkAutoStart_Click(); });
+    OnClick(ui_->imgPortDevice, [this] { imgPortDevice_Click(); });
+    OnClick(ui_->lblPortDevice, [this] { imgPortDevice_Click(); });
+    OnClick(ui_->imgCommWatch, [this] { imgCommWatch_Click(); });
+    OnClick(QStringLiteral("imgNavig"), [this](int index) { imgNavig_Click(index); });
+    OnClick(ui_->imgClose, [this] { LeaveToMenu(int(MenuTile::System)); });
+    if (Polling() != nullptr)
+        connect(Polling(), &wPolling::LinkChanged, this, &wSysComm::ShowLink);
+    if (auto kept = Kept().edit.Take(edit_.Original())) {
+        *edit_ = std::move(*kept);
+        ShowKept(true);
+    }
+    ShowEdit();
+    ShowLink();
+}
+
+wSysComm::~wSysComm() = default;
+
+void wSysComm::ShowEdit() {
+    ui_->lblBusPort->setCaption(edit_->port);
+    ui_->lblBusSpeed->setCaption(edit_->speed);
+    ui_->lblBusStop->setCaption(edit_->stop);
+    ui_->chkAutoStart->setChecked(edit_->autoStart);
+    ui_->lblAutoStart->setCaption(GetText(edit_->autoStart ? Yes : No));
+    ShowDevice();
+}
+
+void wSysComm::ShowDevice() {
+    const bool any = !edit_->device.isEmpty();
+    ui_->lblPortDevice->setCaption(any ? PortDeviceName(edit_->device) : QString());
+    ui_->lblPortUse->setText(any ? PortUseText(PortPurpose::Bus, edit_->device) : QString());
+    ui_->imgPortDevice->setEnabled(any);
+}
+
+void wSysComm::ShowLink() {
+    if (Polling() == nullptr)
+        return;
+    int label = FirstBusConfigLabel;
+    for (const QString& text : BusConfigTexts(Polling()->CommBus()))
+        SetCaption(QStringLiteral("lblBusConfig"), label++, text);
+}
+
+void wSysComm::imgBusModif_Click() {
+    const int place = pointer_->Place();
+    const QPointer<wSysComm> self(this);
+    const auto value = AskValue(this, Descriptors[size_t(place)], pointer_->Field()->Caption());
+    if (!value || !IsLoaded(self.data()))
+        return;
+    switch (place) {
+    case PortField:
+        ChangePort(*value);
+        return;
+    case SpeedField:
+        edit_->speed = *value;
+        break;
+    case StopField:
+        edit_->stop = *value;
+        break;
+    default:
+        edit_->autoStart = *value == GetText(Yes);
+    }
+    ShowEdit();
+}
+
+void wSysComm::chkAutoStart_Click() {
+    pointer_->setPlace(AutoStartField);
+    edit_->autoStart = ui_->chkAutoStart->isChecked();
+    ShowEdit();
+}
+
+void wSysComm::ChangePort(const QString& port) {
+    const int number = Bytes::ShortVal(port);
+    const QString device = SLVfonctions::DevicePath(BusSettings::PortName(number));
+    if (IsOfOtherPurpose(PortPurpose::Bus, device)) {
+        Message(GetText(PortOfThePrinter), Messages::Critical);
+        return;
+    }
+    edit_->port = port;
+    edit_->device = device;
+    if (Polling() != nullptr && Polling()->CommBus().CommPort() != number)
+        ApplyPort(number);
+    else
+        ShowEdit();
+}
+
+void wSysComm::imgPortDevice_Click() {
+    if (!IsNumeric(edit_->port)) {
+        QApplication::beep();
+        return;
+    }
+    const int number = edit_->port.toInt();
+    const QPointer<wSysComm> self(this);
+    const auto device =
+        AskPortDevice(PortPurpose::Bus, BusSettings::PortName(number), edit_->device);
+    if (!device || !IsLoaded(self.data()))
+        return;
+    setDevice(*device);
+    if (otherDevice_)
+        ApplyPort(number);
+    else
+        ShowDevice();
+}
+
+/// Names the device of the port that is edited.
+void wSysComm::setDevice(const QString& device) {
+    const QString port = BusSettings::PortName(edit_->port.toInt());
+    const QString former = SLVfonctions::DevicePath(port);
+    edit_->device = device;
+    if (device == former)
+        return;
+    if (!formerDevices_.contains(port))
+        formerDevices_.insert(port, former);
+    SLVfonctions::setDevicePath(port, device);
+    otherDevice_ = true;
+}
+
+void wSysComm::RestoreDevices() {
+    for (auto former = formerDevices_.cbegin(); former != formerDevices_.cend(); ++former) {
+        SLVfonctions::setDevicePath(former.key(), former.value());
+        otherDevice_ = true;
+    }
+    formerDevices_.clear();
+}
+
+/// True when the bus is to go on afterwards.
+bool wSysComm::StopBus() {
+    const bool run = Polling()->Run();
+    if (run)
+        Polling()->setRun(false);
+    return std::exchange(stoppedByPort_, false) || run;
+}
+
+/// Puts the link on another port, or on another device of its port. False when it is to be open and
+/// can't be.
+bool wSysComm::MovePort(int port, bool open) {
+    platform::SerialLink& link = Polling()->CommBus();
+    otherDevice_ = false;
+    try {
+        link.setPortOpen(false);
+        link.setCommPort(port);
+        link.setPortOpen(open);
+    } catch (const platform::RunTimeError&) {
+        // Told by the caller.
+    }
+    return link.PortOpen() == open;
+}
+
+/// The start may read the whole bus: the form may be gone afterwards.
+void wSysComm::StartBus(bool run) {
+    stoppedByPort_ = run && !Polling()->CommBus().PortOpen();
+    Q_EMIT Polling()->LinkChanged();
+    if (run && !stoppedByPort_)
+        Polling()->setRun(true);
+}
+
+void wSysComm::ApplyPort(int port) {
+    ErrorHandling::Guard("wSysComm.ApplyPort", [&] {
+        if (Polling() == nullptr)
+            return;
+        const bool run = StopBus();
+        const bool opened = MovePort(port, true);
+        ShowEdit();
+        StartBus(run);
+        if (!opened)
+            Message(GetText(PortFails), Messages::Warning);
+    });
+}
+
+bool wSysComm::UpdateConfig() {
+    bool applied = false;
+    ErrorHandling::Guard("wSysComm.UpdateConfig", [&] {
+        const Edit edit = *edit_;
+        if (!IsNumeric(edit.port) || !IsNumeric(edit.speed) || !IsNumeric(edit.stop) ||
+            Polling() == nullptr)
+            return;
+        setDevice(edit.device);
+        formerDevices_.clear();
+        platform::SerialLink& link = Polling()->CommBus();
+        const int port = edit.port.toInt();
+        bool works = true;
+        bool run = false;
+        if (port != link.CommPort() || otherDevice_ || stoppedByPort_) {
+            const bool open = link.PortOpen() || stoppedByPort_;
+            run = StopBus();
+            works = MovePort(port, open);
+        }
+        try {
+            link.setSettings(BusSettings::Line(edit.speed, edit.stop));
+        } catch (const platform::RunTimeError&) {
+            works = false;
+        }
+        ConfigClass& site = Global::Configuration();
+        site.setBusSettings(BusSettings::Text(port, link.Settings()));
+        site.setAutoStart(edit.autoStart);
+        applied = true;
+        SaveSite();
+        StartBus(run);
+        if (!works)
+            Message(GetText(PortFails), Messages::Warning);
+    });
+    return applied;
+}
+
+bool wSysComm::Take() {
+    if (UpdateConfig())
+        return true;
+    Message(GetText(EntryIncomplete), Messages::Critical);
+    return false;
+}
+
+/// The port goes back to what the site has.
+void wSysComm::Drop() {
+    RestoreDevices();
+    edit_.Reload();
+    UpdateConfig();
+}
+
+/// Nobody said that the bus is to stay where the edit has put it.
+void wSysComm::Keep() {
+    const Edit edit = *edit_;
+    RestoreDevices();
+    edit_.Reload();
+    Kept().edit.Keep(edit_.Original(), edit);
+    if (Polling() == nullptr || !IsNumeric(edit_->port))
+        return;
+    const int port = edit_->port.toInt();
+    if (port != Polling()->CommBus().CommPort() || otherDevice_ || stoppedByPort_)
+        ApplyPort(port);
+}
+
+/// The polling screen stays loaded; what waits for it must not stay before the console.
+void wSysComm::Closing() {
+    Forms::Form* watch = watches_ ? Forms::Find(FormNames::wPolling) : nullptr;
+    if (watch != nullptr)
+        watch->Hide();
+}
+
+void wSysComm::imgCommWatch_Click() {
+    auto* watch = dynamic_cast<ScreenForm*>(Forms::Load(FormNames::wPolling));
+    if (watch == nullptr)
+        return;
+    const QPointer<wSysComm> self(this);
+    watches_ = true;
+    watch->ShowModal();
+    if (!IsLoaded(self.data()))
+        return;
+    watches_ = false;
+    ShowLink();
+    ShowDevice();
+}
+
+void wSysComm::imgNavig_Click(int index) {
+    if (index == ToMenu)
+        Leave();
+    else if (index == Help)
+        ShowHelp();
+}

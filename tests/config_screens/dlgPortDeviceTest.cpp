@@ -1,0 +1,80 @@
+// What the operator sees of the machine's devices, and which of them can be chosen for a port.
+
+#include "config_screens/dlgPortDevice.h"
+#include "ConfigScreensFixture.h"
+#include "PortsOfTest.h"
+#include "support/Script.h"
+
+#include <QListWidget>
+
+namespace {
+
+class PortDeviceTest : public ConfigScreensTest {
+protected:
+    /// Asks for the device of COM1 and lets `act` work on the dialog.
+    std::optional<QString> Ask(const QString& present, const Script::Step& act) {
+        Script script;
+        script.On(FormNames::dlgPortDevice, act);
+        return AskPortDevice(PortPurpose::Bus, QStringLiteral("COM1"), present);
+    }
+    static QListWidget* List() {
+        return Find<QListWidget>(FormNames::dlgPortDevice, QStringLiteral("lstDevices"));
+    }
+    static void Choose(int row) {
+        List()->setCurrentRow(row);
+        Tap(FormNames::dlgPortDevice, QStringLiteral("imgControl_1"));
+    }
+    static void Cancel() { Tap(FormNames::dlgPortDevice, QStringLiteral("imgControl_0")); }
+
+    PortsOfTest ports;
+};
+
+} // namespace
+
+TEST_F(PortDeviceTest, ADeviceIsChosenByItsLastingName) {
+    const QString adapter = ports.AddSerial(QStringLiteral("ttyUSB0"), QStringLiteral("FTDI"));
+    const QString built = ports.AddSerial(QStringLiteral("ttyS0"));
+    const auto device = Ask(built, [&] {
+        ASSERT_EQ(List()->count(), 2);
+        EXPECT_EQ(List()->item(0)->text(), QStringLiteral("FTDI\n") + ports.Lasting(adapter) +
+                                               QStringLiteral("  \u2013  free"));
+        EXPECT_EQ(List()->currentRow(), 1) << "the device that the port means now";
+        Choose(0);
+    });
+    EXPECT_EQ(device, ports.Lasting(adapter));
+    EXPECT_EQ(Ask(adapter, [] { Choose(0); }), adapter) << "the name in use is as good";
+    EXPECT_EQ(Ask(built, Cancel), std::nullopt);
+}
+
+TEST_F(PortDeviceTest, WhatIsPluggedInLaterIsListedAgain) {
+    const QString gone = ports.Path(QStringLiteral("ttyUSB7"));
+    EXPECT_EQ(Ask(gone,
+                  [&] {
+                      ASSERT_EQ(List()->count(), 1);
+                      EXPECT_EQ(List()->item(0)->text(), gone + QStringLiteral("\nnot there"));
+                      ports.AddSerial(QStringLiteral("ttyUSB7"));
+                      Tap(FormNames::dlgPortDevice, QStringLiteral("imgControl_2"));
+                      EXPECT_EQ(List()->item(0)->text(), gone + QStringLiteral("\nfree"));
+                      Cancel();
+                  }),
+              std::nullopt);
+}
+
+TEST_F(PortDeviceTest, BusAndPrinterNeverShare) {
+    const QString device = ports.AddSerial(QStringLiteral("ttyS3"));
+    Site().setPrtSettings(QStringLiteral("COM2:9600,N,8,1"));
+    SLVfonctions::setDevicePath(QStringLiteral("COM2"), device);
+    EXPECT_EQ(Ask(QString(),
+                  [&] {
+                      EXPECT_TRUE(List()->item(0)->text().endsWith(GetText(630223)));
+                      Choose(0);
+                      EXPECT_EQ(boxes.last(), GetText(630231));
+                      Cancel();
+                  }),
+              std::nullopt);
+    EXPECT_TRUE(IsOfOtherPurpose(PortPurpose::Bus, device));
+    Site().setBusSettings(QStringLiteral("COM2:9600,N,8,1"));
+    Site().setPrtSettings(QString());
+    EXPECT_TRUE(IsOfOtherPurpose(PortPurpose::Printer, device));
+    EXPECT_FALSE(IsOfOtherPurpose(PortPurpose::Bus, device));
+}

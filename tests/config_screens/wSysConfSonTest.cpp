@@ -1,0 +1,151 @@
+// Keys of the history files and sounds of the priorities, on a horn that notes what it plays.
+
+#include "ConfigScreensFixture.h"
+#include "events/Klaxon.h"
+
+namespace {
+
+class SysConfSonTest : public ConfigScreensTest {
+protected:
+    SysConfSonTest() {
+        Site().setAlarmPrioSound(1, 2);
+        Site().setAlarmPrioSound(2, 0);
+        Forms::Show(Form);
+    }
+
+    void TapImage(int index) { Tap(Form, QStringLiteral("imgControl_%1").arg(index)); }
+    int Sound() { return TextOf(Form, QStringLiteral("lblSoundNum")).toInt(); }
+    QString Playing() { return TextOf(Form, QStringLiteral("lblPlaying")); }
+    static QString Key(const char* key) {
+        return IniRead(QStringLiteral("Files"), QString::fromLatin1(key), QStringLiteral("none"));
+    }
+    void Leave(int reply) {
+        answer = reply;
+        Tap(Form, QStringLiteral("imgNavig_0"));
+        RemoveUnloaded();
+    }
+
+    enum {
+        Down,
+        Up,
+        Stop,
+        Play,
+        UndoSound,
+        ApplySound,
+        UndoFiles,
+        ApplyFiles,
+        LessUrgent,
+        MoreUrgent
+    };
+    const QString Form = FormNames::wSysConfSon;
+};
+
+} // namespace
+
+TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
+    EXPECT_FALSE(Child(Form, QStringLiteral("cmdPeriod"))->isEnabled());
+    Tap(Form, QStringLiteral("optPeriod_1"));
+    Tap(Form, QStringLiteral("chkPeriod"));
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblPeriod")), GetText(630257));
+    Choose(Form, QStringLiteral("cmdPeriod"), QStringLiteral("730"));
+    TapImage(UndoFiles);
+    EXPECT_EQ(TextOf(Form, QStringLiteral("txtPeriod")), QStringLiteral("0"));
+    Tap(Form, QStringLiteral("chkPeriod"));
+    Choose(Form, QStringLiteral("cmdPeriod"), QStringLiteral("6"));
+    Tap(Form, QStringLiteral("chkNoResize"));
+    EXPECT_EQ(Key("PeriodTime"), QStringLiteral("none"));
+    TapImage(ApplyFiles);
+    EXPECT_EQ(boxes.last(), GetText(30009));
+    EXPECT_EQ(styles.last(), 64);
+    EXPECT_EQ(Key("PeriodTime") + Key("PeriodUnit") + Key("PeriodLimit"), QStringLiteral("601"));
+    EXPECT_EQ(Key("Histo"), platform::ApplicationFolder());
+    Leave(Messages::Yes);
+    EXPECT_EQ(IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QString()),
+              QStringLiteral("0"));
+}
+
+TEST_F(SysConfSonTest, WithoutTheBoxFilesAreKeptForEver) {
+    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodTime"), QStringLiteral("6"));
+    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodLimit"), QStringLiteral("1"));
+    TapImage(UndoFiles);
+    Tap(Form, QStringLiteral("chkPeriod"));
+    Leave(Messages::Yes);
+    EXPECT_EQ(Key("PeriodTime") + Key("PeriodLimit"), QStringLiteral("00"))
+        << "the purge goes by the time alone";
+}
+
+TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
+    EXPECT_EQ(Sound(), 2);
+    TapImage(Down);
+    TapImage(Down);
+    EXPECT_EQ(Sound(), 1) << "the arrow stops there";
+    for (int i = 0; i < Config::HighestSound() + 2; ++i)
+        TapImage(Up);
+    EXPECT_EQ(Sound(), Config::HighestSound());
+    TapImage(ApplySound);
+    EXPECT_EQ(Site().AlarmPrioSound(1), Config::HighestSound());
+    EXPECT_EQ(boxes.last(), GetText(30009));
+
+    TapImage(MoreUrgent);
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblSoundPrio")), QStringLiteral("2"));
+    EXPECT_EQ(Sound(), 0);
+    const qsizetype told = boxes.size();
+    TapImage(ApplySound);
+    EXPECT_EQ(boxes.size(), told) << "no sound can't be assigned";
+    TapImage(Up);
+    EXPECT_EQ(Sound(), 1);
+    TapImage(UndoSound);
+    EXPECT_EQ(Sound(), 0);
+    Choose(Form, QStringLiteral("lblSoundPrio"), QStringLiteral("99"));
+    EXPECT_EQ(Sound(), Site().AlarmPrioSound(99));
+}
+
+TEST_F(SysConfSonTest, ASoundOfTheBaseIsPlayedFromAFileOfItsOwn) {
+    TapImage(Play);
+    EXPECT_EQ(horn->playing, Path(QStringLiteral("SoundTest.wav")));
+    EXPECT_EQ(BytesOf(QStringLiteral("SoundTest.wav")), Config::Sound(2).value());
+    EXPECT_TRUE(Playing().contains(u'2'));
+    TapImage(Stop);
+    EXPECT_EQ(horn->playing, QString());
+    EXPECT_EQ(Playing(), QString());
+    TapImage(Play);
+    AlarmComes();
+    EXPECT_EQ(horn->playing, QString()) << "whichever way the screen goes";
+    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("SoundTest.wav"))));
+
+    QFile file(Path(QStringLiteral("AlarmSound2.wav")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    Forms::Show(Form);
+    TapImage(Play);
+    EXPECT_EQ(horn->playing, file.fileName()) << "a file of the machine comes first";
+    TapImage(Stop);
+    Site().setAlarmPrioSound(1, 99);
+    TapImage(UndoSound);
+    TapImage(Play);
+    EXPECT_EQ(boxes.last(), GetText(630029));
+}
+
+TEST_F(SysConfSonTest, AnAlarmIsHeardAboveATrial) {
+    TapImage(Play);
+    Alarme(1);
+    EXPECT_EQ(horn->playing, Path(QStringLiteral("AlarmSound2")));
+    EXPECT_EQ(Playing(), QString());
+    TapImage(Play);
+    EXPECT_EQ(boxes.last(), GetText(630268));
+    Leave(Messages::No);
+    EXPECT_EQ(horn->playing, Path(QStringLiteral("AlarmSound2"))) << "it goes on";
+}
+
+TEST_F(SysConfSonTest, WhatAnAlarmInterruptsStandsThereAgain) {
+    TapImage(MoreUrgent);
+    TapImage(Up);
+    Tap(Form, QStringLiteral("optPeriod_1"));
+    AlarmComes();
+    Forms::Show(Form);
+    EXPECT_TRUE(Child(Form, QStringLiteral("lblKept"))->isVisible());
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblSoundPrio")), QStringLiteral("2"));
+    EXPECT_EQ(Sound(), 1);
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().AlarmPrioSound(2), 1);
+    EXPECT_EQ(Key("PeriodUnit"), QStringLiteral("1"));
+}
