@@ -13,11 +13,11 @@ namespace {
 
 constexpr int Margin = 8;
 constexpr int HeadTop = 2;
-constexpr int HeadHeight = 26;
-constexpr int NumberWidth = 44;
-constexpr int NumberPixels = 20;
-constexpr int TypePixels = 16;
-constexpr int TitlePixels = 16;
+constexpr int HeadHeight = 30;
+constexpr int NumberWidth = 48;
+constexpr int NumberPixels = 24;
+constexpr int TypePixels = 18;
+constexpr int TitlePixels = 18;
 
 class Cross : public QWidget {
 public:
@@ -65,6 +65,7 @@ PanelTile::PanelTile(QWidget* parent, int index, const QRect& area)
     lblLblPan_->setFont(Theme::Text(TitlePixels, true));
     lblLblPan_->setAlignment(Qt::AlignCenter);
     // The words stay legible: the cross lies over the tile and under them.
+    lblLblPan_->LieBare();
     imgCroix_->lower();
 }
 
@@ -72,5 +73,12 @@ void PanelTile::setPanel(int number, const PanelClass& panel) {
     lblNumPan_->setText(Bytes::Padded(number, 2));
     lblTypePan_->setText(ModuleName(panel.Model()));
     lblLblPan_->setPanel(panel);
+    update();
     imgCroix_->setVisible(panel.Model() == Models::None || !panel.Active());
+}
+
+void PanelTile::paintEvent(QPaintEvent* event) {
+    TouchImage::paintEvent(event);
+    QPainter painter(this);
+    lblLblPan_->PaintGround(painter, lblLblPan_->geometry());
 }

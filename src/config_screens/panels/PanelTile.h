@@ -18,6 +18,9 @@ public:
 
     void setPanel(int number, const PanelClass& panel);
 
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
 private:
     QLabel* lblNumPan_;
     QLabel* lblTypePan_;

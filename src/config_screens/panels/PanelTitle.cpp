@@ -13,6 +13,9 @@ namespace {
 constexpr double LeastContrast = 4.5;
 constexpr int Padding = 4;
 constexpr qreal Corner = 4;
+constexpr QChar Ellipsis(0x2026);
+/// A long title is written smaller, down to this share of the font, before it is cut.
+constexpr double SmallestFont = 0.83;
 
 /// Where the first line of a text ends that is no wider than `width`: behind a blank, or anywhere
 /// in a word that is wider by itself.
@@ -49,34 +52,54 @@ QRect PanelTitle::Room() const {
     return rect().adjusted(Padding, 0, -Padding, 0);
 }
 
-QStringList PanelTitle::Lines() const {
-    const int most = qMax(1, Room().height() / fontMetrics().lineSpacing());
-    QStringList lines;
+bool PanelTitle::Lay(const QFont& font, QStringList& lines) const {
+    const QFontMetrics metrics(font);
+    const int most = qMax(1, Room().height() / metrics.lineSpacing());
+    lines.clear();
     for (QString left : text().split(u'\n')) {
         do {
-            const int end = LineEnd(left, font(), Room().width());
+            const int end = LineEnd(left, font, Room().width());
             if (lines.size() == most) {
-                // Nothing of the last line may be lost without a sign.
-                lines.last() = fontMetrics().elidedText(lines.last() + QChar(0x2026),
-                                                        Qt::ElideRight, Room().width());
-                return lines;
+                lines.last() =
+                    metrics.elidedText(lines.last() + Ellipsis, Qt::ElideRight, Room().width());
+                return false;
             }
             lines += left.left(end).trimmed();
             left = left.mid(end);
         } while (!left.isEmpty());
     }
+    return true;
+}
+
+QFont PanelTitle::LaidFont(QStringList& lines) const {
+    QFont fitted = font();
+    const int smallest = qRound(fitted.pixelSize() * SmallestFont);
+    while (!Lay(fitted, lines) && fitted.pixelSize() > smallest)
+        fitted.setPixelSize(fitted.pixelSize() - 1);
+    return fitted;
+}
+
+QStringList PanelTitle::Lines() const {
+    QStringList lines;
+    LaidFont(lines);
     return lines;
+}
+
+void PanelTitle::PaintGround(QPainter& painter, const QRect& area) const {
+    if (text().isEmpty() || ground_ == Theme::Tile)
+        return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground_);
+    painter.drawRoundedRect(area, Corner, Corner);
 }
 
 void PanelTitle::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (!text().isEmpty() && ground_ != Theme::Tile) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(ground_);
-        painter.drawRoundedRect(rect(), Corner, Corner);
-    }
+    if (!bare_)
+        PaintGround(painter, rect());
     painter.setPen(ink_);
-    const QString lines = Lines().join(u'\n');
-    painter.drawText(Room(), int(alignment()), lines);
+    QStringList lines;
+    painter.setFont(LaidFont(lines));
+    painter.drawText(Room(), int(alignment()), lines.join(u'\n'));
 }

@@ -41,9 +41,9 @@ const QString Sheets = QStringLiteral("imgImportExport");
 
 constexpr int TilesAPage = 16;
 constexpr int TilesInRow = 4;
-constexpr QRect FirstTile(8, 58, 193, 95);
+constexpr QRect FirstTile(8, 58, 193, 107);
 constexpr int PitchX = 197;
-constexpr int PitchY = 99;
+constexpr int PitchY = 111;
 constexpr int TextFiles = 50004;
 constexpr int Exported = 300510;
 constexpr int Imported = 300511;
