@@ -6,6 +6,8 @@
 #include "config_screens/panel/wBusPanneau.h"
 #include "config_screens/panels/dlgBusCopy.h"
 #include "config_screens/panels/wBusModules.h"
+#include "config_screens/printer/dlgParamPrinter.h"
+#include "config_screens/printer/wParamPrinter.h"
 #include "config_screens/system/dlgSysTime.h"
 #include "config_screens/system/wParamEcran.h"
 #include "config_screens/system/wSysComm.h"
@@ -25,6 +27,8 @@ void RegisterConfigScreens() {
     Forms::Register(FormNames::wParamBiblio, [] { return new wParamBiblio; });
     Forms::Register(FormNames::wParamConsignes, [] { return new wParamConsignes; });
     Forms::Register(FormNames::wParamEcran, [] { return new wParamEcran; });
+    Forms::Register(FormNames::wParamPrinter, [] { return new wParamPrinter; });
+    Forms::Register(FormNames::dlgParamPrinter, [] { return new dlgParamPrinter; });
     Forms::Register(FormNames::wSysComm, [] { return new wSysComm; });
     Forms::Register(FormNames::wSysConfSon, [] { return new wSysConfSon; });
     Forms::Register(FormNames::dlgSysTime, [] { return new dlgSysTime; });

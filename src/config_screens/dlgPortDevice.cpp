@@ -161,7 +161,7 @@ QString PortDeviceName(const QString& path) {
     for (const PortDevice& device : ports.SerialDevices() + ports.PrinterDevices()) {
         const QString name = SelfDescription(device);
         if (!name.isEmpty() && Ports::SameDevice(device.path, path))
-            return name + QStringLiteral("  \u2013  ") + path;
+            return name + QStringLiteral("  \u2013  ") + device.path;
     }
     return path;
 }

@@ -55,7 +55,8 @@ private:
 std::optional<QString> AskPortDevice(PortPurpose purpose, const QString& portName,
                                      const QString& present);
 
-/// What a device is called: maker, description and serial number, if it tells them, and its path.
+/// What a device is called: maker, description and serial number, if it tells them, and where it is
+/// now.
 QString PortDeviceName(const QString& path);
 /// In words, who has a device.
 QString PortUseText(PortPurpose purpose, const QString& path);

@@ -8,6 +8,7 @@
 namespace {
 
 const QString Extension = QStringLiteral(".prt");
+const QString Styles = QStringLiteral("Styles");
 
 } // namespace
 
@@ -37,10 +38,18 @@ QString PrinterDefinition::Color(int number) const {
 }
 
 QString PrinterDefinition::Style(QChar letter) const {
-    return file_.Read(QStringLiteral("Styles"), letter, QString());
+    return file_.Read(Styles, letter, QString());
 }
 
 QString PrinterDefinition::SequenceOf(const QString& code) const {
+    return Sequence(code, Styles);
+}
+
+QString PrinterDefinition::EditedSequenceOf(const QString& code) const {
+    return Sequence(code, QStringLiteral("Style"));
+}
+
+QString PrinterDefinition::Sequence(const QString& code, const QString& stylesSection) const {
     const auto end = std::find_if(code.cbegin(), code.cend(),
                                   [](QChar character) { return !character.isDigit(); });
     bool isNumber = false;
@@ -48,7 +57,7 @@ QString PrinterDefinition::SequenceOf(const QString& code) const {
     QString sequence = isNumber ? Color(color) : QString();
     for (const QChar letter : QStringLiteral("BIU")) {
         if (code.contains(letter))
-            sequence += u' ' + Style(letter);
+            sequence += u' ' + file_.Read(stylesSection, letter, QString());
     }
     return sequence.trimmed();
 }

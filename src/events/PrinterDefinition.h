@@ -28,6 +28,13 @@ public:
     /// styles. Styles come in the order B, I, U, whatever the code's.
     QString SequenceOf(const QString& code) const;
 
+    /// The sequence of a class after somebody has edited it. Styles are looked up in a section
+    /// "Style", which a definition doesn't have: the class holds its colour alone until the printer
+    /// is selected anew. Sites in the field count on what they print.
+    QString EditedSequenceOf(const QString& code) const;
+
 private:
+    QString Sequence(const QString& code, const QString& stylesSection) const;
+
     platform::SettingsFile file_;
 };

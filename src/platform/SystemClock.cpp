@@ -30,10 +30,11 @@ bool IsAbsent(const QString& error) {
         QStringLiteral("org.freedesktop.DBus.Error.NoServer"),
         QStringLiteral("org.freedesktop.DBus.Error.Disconnected"),
         QStringLiteral("org.freedesktop.DBus.Error.UnknownObject"),
-        QStringLiteral("org.freedesktop.DBus.Error.Spawn.ServiceNotFound"),
-        QStringLiteral("org.freedesktop.systemd1.NoSuchUnit"),
     };
-    return absent.contains(error);
+    // What starts services says that this one can't be started.
+    return absent.contains(error) ||
+           error.startsWith(QLatin1String("org.freedesktop.DBus.Error.Spawn.")) ||
+           error.startsWith(QLatin1String("org.freedesktop.systemd1."));
 }
 
 SystemClock::Outcome OutcomeOf(const QString& error) {

@@ -135,6 +135,7 @@ TEST_F(SysCommTest, AnAlarmPutsTheBusBackAndKeepsTheEdit) {
     Change(0, QStringLiteral("9"));
     link->canOpen = true;
     AlarmComes();
+    QCoreApplication::processEvents();
     EXPECT_EQ(link->CommPort(), 3);
     EXPECT_TRUE(engine->Run()) << "nobody is there to start it";
     Forms::Show(Form);

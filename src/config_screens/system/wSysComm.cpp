@@ -21,6 +21,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QTimer>
 #include <array>
 #include <utility>
 
@@ -41,6 +42,33 @@ bool IsNumeric(const QString& text) {
     bool isNumber = false;
     text.trimmed().toInt(&isNumber);
     return isNumber;
+}
+
+/// Puts the link on another port, or on another device of its port. False when it is to be open and
+/// can't be.
+bool MoveLink(int port, bool open) {
+    platform::SerialLink& link = Polling()->CommBus();
+    try {
+        link.setPortOpen(false);
+        link.setCommPort(port);
+        link.setPortOpen(open);
+    } catch (const platform::RunTimeError&) {
+        // Told by the caller.
+    }
+    return link.PortOpen() == open;
+}
+
+/// Puts the link back when nobody is there to answer: a bus that ran goes on, at the latest when
+/// its port comes.
+void PutBack(int port, bool run) {
+    ErrorHandling::Guard("wSysComm.PutBack", [&] {
+        if (Polling()->Run())
+            Polling()->setRun(false);
+        MoveLink(port, true);
+        Q_EMIT Polling()->LinkChanged();
+        if (run)
+            Polling()->RunWhenPortComes();
+    });
 }
 
 } // namespace
@@ -213,19 +241,9 @@ bool wSysComm::StopBus() {
     return std::exchange(stoppedByPort_, false) || run;
 }
 
-/// Puts the link on another port, or on another device of its port. False when it is to be open and
-/// can't be.
 bool wSysComm::MovePort(int port, bool open) {
-    platform::SerialLink& link = Polling()->CommBus();
     otherDevice_ = false;
-    try {
-        link.setPortOpen(false);
-        link.setCommPort(port);
-        link.setPortOpen(open);
-    } catch (const platform::RunTimeError&) {
-        // Told by the caller.
-    }
-    return link.PortOpen() == open;
+    return MoveLink(port, open);
 }
 
 /// The start may read the whole bus: the form may be gone afterwards.
@@ -298,7 +316,8 @@ void wSysComm::Drop() {
     UpdateConfig();
 }
 
-/// Nobody said that the bus is to stay where the edit has put it.
+/// Nobody said that the bus is to stay where the edit has put it. An alarm comes in the middle of a
+/// round, which is not to lose its link.
 void wSysComm::Keep() {
     const Edit edit = *edit_;
     RestoreDevices();
@@ -307,8 +326,9 @@ void wSysComm::Keep() {
     if (Polling() == nullptr || !IsNumeric(edit_->port))
         return;
     const int port = edit_->port.toInt();
+    const bool run = stoppedByPort_ || Polling()->Run();
     if (port != Polling()->CommBus().CommPort() || otherDevice_ || stoppedByPort_)
-        ApplyPort(port);
+        QTimer::singleShot(0, Polling(), [port, run] { PutBack(port, run); });
 }
 
 /// The polling screen stays loaded; what waits for it must not stay before the console.

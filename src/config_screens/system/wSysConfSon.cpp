@@ -283,6 +283,7 @@ void wSysConfSon::AssignSound() {
         return;
     }
     Global::Configuration().setAlarmPrioSound(priority_->Value(), qint16(sound_->Value()));
+    SaveSite();
     Message(GetText(Applied), Messages::Information);
 }
 
