@@ -42,7 +42,7 @@ void RouteBurst(benchmark::State& state) {
     PanelClass& panel = Global::Configuration().Panel(1);
     panel.setModel(Models::Q7100);
     for (auto step : state) {
-        engine.ForgetReceipt(1);
+        engine.Queue().Receipts().Forget(1);
         engine.ExploitePanneau(panel, {BusWatch::MaxEvents});
         QApplication::processEvents();
     }

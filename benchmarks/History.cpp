@@ -181,7 +181,7 @@ void EventToRow(benchmark::State& state) {
     PanelClass& panel = Global::Configuration().Panel(1);
     for (auto step : state) {
         active = !active;
-        console.Engine().ForgetReceipt(1);
+        console.Engine().Queue().Receipts().Forget(1);
         console.Engine().ExploitePanneau(panel, {1});
         QApplication::processEvents();
     }

@@ -178,7 +178,7 @@ int FuzzPanels(const uint8_t* data, size_t size) {
             engine.TraitePanelMove(model, (choice & 16) != 0);
             break;
         case 3:
-            engine.ForgetReceipt(model);
+            engine.Queue().Receipts().Forget(model);
             break;
         default:
             engine.ExploitePanneau(panel, WordsOf(model, input));

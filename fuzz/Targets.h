@@ -22,3 +22,6 @@ int FuzzCommand(const uint8_t* data, size_t size);
 int FuzzAlarmList(const uint8_t* data, size_t size);
 /// A printer's definition, and a line printed with it.
 int FuzzPrinter(const uint8_t* data, size_t size);
+/// A sheet of the channels as a spreadsheet may save it, or texts of a channel that go out and come
+/// back.
+int FuzzSheet(const uint8_t* data, size_t size);

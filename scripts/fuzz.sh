@@ -8,7 +8,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-all=(Exchange Panels Site Settings HistoLine Command AlarmList Printer)
+all=(Exchange Panels Site Settings HistoLine Command AlarmList Printer Sheet)
 target=${1:-all}
 executions=${2:-1000000}
 options=("${@:3}")

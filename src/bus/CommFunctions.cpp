@@ -1,5 +1,7 @@
 #include "bus/CommFunctions.h"
 
+#include "bus/Registers.h"
+
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "platform/Clock.h"
@@ -158,17 +160,15 @@ bool EcritUnMot(platform::SerialLink& link, quint8 module, qint32 registerNo, qi
 }
 
 int GetModuleType(platform::SerialLink& link, quint8 module) {
-    constexpr qint32 FamilyRegister = 132;
-    constexpr qint32 VariantRegister = 133;
     int type = 0;
     Guard("CommFunctions.GetModuleType", [&] {
         Words word(1);
-        if (!LitMots(link, module, FamilyRegister, word))
+        if (!LitMots(link, module, Registers::ModelFamily, word))
             return;
         type = word[0] == 1 || word[0] == 2 ? word[0] : 0;
         if (type != 1)
             return;
-        if (!LitMots(link, module, VariantRegister, word))
+        if (!LitMots(link, module, Registers::ModelVariant, word))
             type = 3;
         else if (word[0] == 2)
             type = 5;

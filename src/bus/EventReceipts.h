@@ -11,8 +11,6 @@
 /// that nobody has read, not obeyed and forgotten it would have the same events read twice.
 class EventReceipts {
 public:
-    static constexpr qint32 Register = 288;
-    static constexpr qint32 MemoryRegister = 146;
     static constexpr qsizetype WordsAnEvent = 2;
 
     /// A receipt of the module is in the queue.

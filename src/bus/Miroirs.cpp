@@ -1,6 +1,7 @@
 #include "bus/Miroirs.h"
 
-#include "bus/wPolling.h"
+#include "bus/Registers.h"
+#include "core/DateTimes.h"
 #include "core/ErrorHandling.h"
 #include "core/Trace.h"
 #include "model/ConfigClass.h"
@@ -17,11 +18,6 @@ using ErrorHandling::Guard;
 
 namespace {
 
-constexpr qint32 PanelCommandRegister = 67;
-constexpr qint32 FunctionRegister = 64;
-constexpr qint32 AllStatesRegister = 25;
-constexpr qint32 ForcedStateBase = 16;
-constexpr qint16 Acknowledge = 2;
 constexpr int QChannels = 12;
 constexpr int DisplayChannels = 24;
 /// States of `Q6200XT` in one word, three bits each.
@@ -76,7 +72,7 @@ Action ActionOf(const MirrorClass& mirror) {
     return Action::Error;
 }
 
-void CarryOut(Action action, const EventClass& event, const MirrorClass& mirror) {
+void CarryOut(Action action, const EventClass& event, const MirrorClass& mirror, const Sink& sink) {
     switch (action) {
     case Action::None:
         break;
@@ -84,30 +80,28 @@ void CarryOut(Action action, const EventClass& event, const MirrorClass& mirror)
         LogErreur(mirror);
         break;
     case Action::R3R3:
-        TraitementR3R3(event, mirror);
+        TraitementR3R3(event, mirror, sink);
         break;
     case Action::R3R2:
-        TraitementR3R2(event, mirror);
+        TraitementR3R2(event, mirror, sink);
         break;
     case Action::R2R3:
-        TraitementR2R3(event, mirror);
+        TraitementR2R3(event, mirror, sink);
         break;
     case Action::R2R2:
-        TraitementR2R2(event, mirror);
+        TraitementR2R2(event, mirror, sink);
         break;
     case Action::V3V3:
-        TraitementV3V3(event, mirror);
+        TraitementV3V3(event, mirror, sink);
         break;
     case Action::V3V2:
-        TraitementV3V2(event, mirror);
+        TraitementV3V2(event, mirror, sink);
         break;
     }
 }
 
-void Write(const MirrorClass& mirror, qint32 address, const Words& values) {
-    if (wPolling* polling = Polling())
-        polling->SendCommand(
-            std::make_shared<CommandClass>(mirror.ToModule(), address, values, DateTimes::Now()));
+void Write(const Sink& sink, const MirrorClass& mirror, qint32 address, const Words& values) {
+    sink(std::make_shared<CommandClass>(mirror.ToModule(), address, values, DateTimes::Now()));
 }
 
 /// Brings the state of a target channel to what an acknowledgement leaves of it.
@@ -124,7 +118,7 @@ void Refresh(ChannelClass& channel) {
 
 } // namespace
 
-void DoMirrors(const EventClass& event) {
+void DoMirrors(const EventClass& event, const Sink& sink) {
     Guard("Miroirs.DoMirrors", [&] {
         const MirrorClasses& mirrors = Global::Configuration().Mirrors();
         for (int position = 1; position <= mirrors.Count(); ++position) {
@@ -132,28 +126,29 @@ void DoMirrors(const EventClass& event) {
             if (mirror.FromModule() != event.Panel() || mirror.FromChannel() != event.Chnl())
                 continue;
             // A rule that can't be carried out stops no other.
-            Guard("Miroirs.DoMirrors", [&] { CarryOut(ActionOf(mirror), event, mirror); });
+            Guard("Miroirs.DoMirrors", [&] { CarryOut(ActionOf(mirror), event, mirror, sink); });
         }
     });
 }
 
-void TraitementR3R3(const EventClass& event, const MirrorClass& mirror) {
+void TraitementR3R3(const EventClass& event, const MirrorClass& mirror, const Sink& sink) {
     Guard("Miroirs.TraitementR3R3", [&] {
-        if (event.Aff() == Acknowledge)
-            Write(mirror, PanelCommandRegister, {event.Aff()});
+        if (event.Aff() == Registers::Acknowledge)
+            Write(sink, mirror, Registers::PanelCommand, {event.Aff()});
     });
 }
 
-void TraitementR3R2(const EventClass& event, const MirrorClass& mirror) {
-    if (event.Aff() == Acknowledge)
-        TraitementR2R2(event, mirror);
+void TraitementR3R2(const EventClass& event, const MirrorClass& mirror, const Sink& sink) {
+    if (event.Aff() == Registers::Acknowledge)
+        TraitementR2R2(event, mirror, sink);
 }
 
-void TraitementR2R3(const EventClass&, const MirrorClass& mirror) {
-    Guard("Miroirs.TraitementR2R3", [&] { Write(mirror, PanelCommandRegister, {Acknowledge}); });
+void TraitementR2R3(const EventClass&, const MirrorClass& mirror, const Sink& sink) {
+    Guard("Miroirs.TraitementR2R3",
+          [&] { Write(sink, mirror, Registers::PanelCommand, {Registers::Acknowledge}); });
 }
 
-void TraitementR2R2(const EventClass&, const MirrorClass& mirror) {
+void TraitementR2R2(const EventClass&, const MirrorClass& mirror, const Sink& sink) {
     Guard("Miroirs.TraitementR2R2", [&] {
         PanelClass& panel = Global::Configuration().Panel(mirror.ToModule());
         for (int number = 1; number <= DisplayChannels; ++number)
@@ -164,11 +159,11 @@ void TraitementR2R2(const EventClass&, const MirrorClass& mirror) {
             words[place / StatesAWord] |=
                 qint16(int(panel.Channel(number).State()) << (BitsAState * (place % StatesAWord)));
         }
-        Write(mirror, AllStatesRegister, words);
+        Write(sink, mirror, Registers::AllStates, words);
     });
 }
 
-void TraitementV3V3(const EventClass& event, const MirrorClass& mirror) {
+void TraitementV3V3(const EventClass& event, const MirrorClass& mirror, const Sink& sink) {
     Guard("Miroirs.TraitementV3V3", [&] {
         qint16 value = 0;
         if (event.Param() == 1 && event.Aff() >= 2) {
@@ -181,11 +176,11 @@ void TraitementV3V3(const EventClass& event, const MirrorClass& mirror) {
         } else if (event.Aff() != 0) {
             return;
         }
-        Write(mirror, ForcedStateBase + mirror.ToChannel(), {value});
+        Write(sink, mirror, Registers::ForcedStateBase + mirror.ToChannel(), {value});
     });
 }
 
-void TraitementV3V2(const EventClass& event, const MirrorClass& mirror) {
+void TraitementV3V2(const EventClass& event, const MirrorClass& mirror, const Sink& sink) {
     Guard("Miroirs.TraitementV3V2", [&] {
         ChannelClass& target =
             Global::Configuration().Panel(mirror.ToModule()).Channel(mirror.ToChannel());
@@ -198,9 +193,9 @@ void TraitementV3V2(const EventClass& event, const MirrorClass& mirror) {
         }
         if (!fault && !change && !(over && target.State() == 1))
             return;
-        Write(mirror, mirror.ToChannel(), {event.Aff()});
+        Write(sink, mirror, mirror.ToChannel(), {event.Aff()});
         if (fault)
-            Write(mirror, FunctionRegister, {1});
+            Write(sink, mirror, Registers::Function, {1});
         target.setState(event.Aff());
         target.setMirrorType(mirror.MirrorType());
     });

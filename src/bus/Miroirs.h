@@ -1,8 +1,9 @@
 #pragma once
 
+#include "bus/CommandClass.h"
 #include "events/EventClass.h"
 
-#include <QtGlobal>
+#include <functional>
 
 class MirrorClass;
 class MirrorClasses;
@@ -11,16 +12,19 @@ class MirrorClasses;
 /// queue. In the names V is a channel and R a panel as a whole, 3 the Q family and 2 `Q6200XT`.
 namespace Miroirs {
 
-/// Carries out the rules whose source is the event's panel and channel.
-void DoMirrors(const EventClass& event);
+/// Takes the commands that a rule comes to.
+using Sink = std::function<void(const CommandPtr& command)>;
 
-void TraitementR3R3(const EventClass& event, const MirrorClass& mirror);
-void TraitementR3R2(const EventClass& event, const MirrorClass& mirror);
-void TraitementR2R3(const EventClass& event, const MirrorClass& mirror);
+/// Carries out the rules whose source is the event's panel and channel.
+void DoMirrors(const EventClass& event, const Sink& sink);
+
+void TraitementR3R3(const EventClass& event, const MirrorClass& mirror, const Sink& sink);
+void TraitementR3R2(const EventClass& event, const MirrorClass& mirror, const Sink& sink);
+void TraitementR2R3(const EventClass& event, const MirrorClass& mirror, const Sink& sink);
 /// Brings all mirrored states of a `Q6200XT` up to date in one write.
-void TraitementR2R2(const EventClass& event, const MirrorClass& mirror);
-void TraitementV3V3(const EventClass& event, const MirrorClass& mirror);
-void TraitementV3V2(const EventClass& event, const MirrorClass& mirror);
+void TraitementR2R2(const EventClass& event, const MirrorClass& mirror, const Sink& sink);
+void TraitementV3V3(const EventClass& event, const MirrorClass& mirror, const Sink& sink);
+void TraitementV3V2(const EventClass& event, const MirrorClass& mirror, const Sink& sink);
 
 /// Writes a rule that can't be carried out to the trace.
 void LogErreur(const MirrorClass& mirror);

@@ -4,12 +4,12 @@
 
 #include "bus/BusWatch.h"
 #include "bus/ClockSlack.h"
+#include "bus/Registers.h"
 #include "core/Boxes.h"
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
-#include "core/Trace.h"
-#include "core/Yield.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
@@ -27,14 +27,8 @@ constexpr int MissingAfter = 3;
 /// Long failures after which the pace of the tries falls to ten minutes.
 constexpr int SlowAfter = 3;
 constexpr int SlowMinutes = 10;
-/// Time that the queue takes of a tick, ms. With the exchange that runs when it is over, a dead
-/// module keeps input waiting for little more than half a second.
-constexpr int QueueShare = 100;
 /// Polls that read the states of `P5000` and `P5500`.
 constexpr int StateWords = 12;
-constexpr qint32 StateRegister = 1;
-constexpr qint32 FlagRegister = 68;
-constexpr qint32 EventCountRegister = 144;
 
 void Count(PanelClass& panel, int counter) {
     panel.setErrCptr(counter, qint16((panel.ErrCptr(counter) + 1) % CounterLimit));
@@ -51,11 +45,11 @@ struct Poll {
 };
 Poll PollOf(int model) {
     if (Models::IsQFamily(model))
-        return {EventCountRegister, 1};
+        return {Registers::EventCount, 1};
     if (model == Models::Q6200XT)
-        return {FlagRegister, 1};
+        return {Registers::Flag, 1};
     if (Models::IsRemoteControlled(model))
-        return {StateRegister, StateWords};
+        return {Registers::State, StateWords};
     return {0, 0};
 }
 
@@ -81,15 +75,15 @@ void wPolling::RunComm() {
         if (EndIfClosing())
             return;
         if (!run_) {
-            LeaveWalk();
+            queue_.LeaveWalk();
             return;
         }
-        if (!WorkQueue()) {
+        if (queue_.Work([this] { return EndIfClosing(); }) != CommandQueue::Walk::Through) {
             if (!closing_)
                 tmrPoll_.start(0);
             return;
         }
-        PurgeQueue();
+        queue_.Purge();
         FollowClock();
         bool turnEnded = false;
         const int address = PickPanel(turnEnded);
@@ -102,8 +96,8 @@ void wPolling::RunComm() {
             Q_EMIT PollDone();
             polledInTurn_ = 0;
         }
-        if (turnEnded && updatePointer_ >= 1)
-            ContinueUpdate();
+        if (turnEnded && synchro_.ContinueUpdate())
+            Q_EMIT UpdateDone();
         if (!unloaded_)
             tmrPoll_.start(PollRest);
     });
@@ -119,60 +113,8 @@ bool wPolling::EndIfClosing() {
         return false;
     run_ = false;
     Form_Unload();
-    Forms::Unload(QStringLiteral("wPolling"));
+    Forms::Unload(FormNames::wPolling);
     return true;
-}
-
-/// Each command once a round. False when the program ends, and when the time of this tick is over:
-/// the next one goes on where this stopped. By position and not by iterator: a yield may append
-/// commands.
-bool wPolling::WorkQueue() {
-    const qint64 start = platform::Clock::Current().MonotonicMs();
-    for (int position = 1; position <= commands_.Count(); ++position) {
-        // Without a port a try says nothing about the panel.
-        if (!link_->PortOpen())
-            break;
-        if (EndIfClosing())
-            return false;
-        const CommandPtr command = commands_.Item(position);
-        if (!walked_.insert(command).second)
-            continue;
-        const qint16 errors = command->ErrorCount();
-        TraiteCommande(*command);
-        if (!link_->PortOpen())
-            command->setErrorCount(errors);
-        YieldWithoutInput();
-        if (EndIfClosing())
-            return false;
-        if (platform::Clock::Current().MonotonicMs() - start >= QueueShare)
-            return false;
-    }
-    walked_.clear();
-    return true;
-}
-
-/// A stop between two parts of a round: what was carried out so far is settled.
-void wPolling::LeaveWalk() {
-    if (walked_.empty())
-        return;
-    walked_.clear();
-    PurgeQueue();
-}
-
-void wPolling::PurgeQueue() {
-    for (int position = commands_.Count(); position >= 1; --position) {
-        const CommandPtr command = commands_.Item(position);
-        if (command->CmdType() == CommandTypes::Done) {
-            commands_.Remove(position);
-        } else if (command->ErrorCount() >= CommandClass::MaxErrors) {
-            commands_.Remove(position);
-            if (IsReceipt(*command))
-                receipts_.GiveUp(command->Module());
-            TraceWriteError(*command);
-            watch_->GivenUp(*command);
-            Q_EMIT WriteError(*command);
-        }
-    }
 }
 
 /// Each second and each round. When the machine's time is set back, as it is each autumn, the times
@@ -189,11 +131,7 @@ void wPolling::FollowClock() {
         PanelClass& panel = Global::Configuration().Panel(address);
         panel.setNextPoll(panel.NextPoll() - back);
     }
-    for (int position = 1; position <= commands_.Count(); ++position) {
-        CommandClass& command = *commands_.Item(position);
-        if (command.SendTime() > now)
-            command.setSendTime(command.SendTime() - back);
-    }
+    queue_.FollowClock(now, back);
 }
 
 /// The address of the next panel that is due, or 0. A pointer that stopped at 64 starts the next
@@ -257,7 +195,7 @@ void wPolling::AddError(int address) {
 /// False when the memory can't be read. The panel has just told its count: such a failure counts,
 /// but it alone makes no loss.
 bool wPolling::ReadMemory(int address, Words& memory) {
-    if (LitMots(*link_, quint8(address), EventReceipts::MemoryRegister, memory))
+    if (LitMots(*link_, quint8(address), Registers::EventMemory, memory))
         return true;
     // The rest of a reply that takes longer than its deadline must not meet the next frame.
     CommFunctions::WaitForSilence(*link_);
@@ -268,17 +206,4 @@ bool wPolling::ReadMemory(int address, Words& memory) {
     else
         Count(panel, 0);
     return false;
-}
-
-void wPolling::ContinueUpdate() {
-    const PanelClass& panel = Global::Configuration().Panel(updatePointer_);
-    if (panel.Model() >= 1 && panel.Active())
-        UpdatePanel(updatePointer_, true);
-    updatePointer_ = qint16((updatePointer_ + 1) & 63);
-    if (updatePointer_ != 0)
-        return;
-    Q_EMIT UpdateDone();
-    HistoBusState();
-    if (Global::Configuration().PrintBusResult())
-        PrintBusState();
 }

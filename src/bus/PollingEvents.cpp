@@ -6,6 +6,7 @@
 #include "bus/Miroirs.h"
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
@@ -51,16 +52,14 @@ void wPolling::ExploiteQFamily(PanelClass& panel, const Words& words) {
     const int address = panel.Numero();
     const int waiting = Bytes::Less<int>(words[0], BusWatch::MaxEvents);
     const int count = Bytes::Less(waiting, watch_->ReadLimit(address));
-    if (count < 1 || receipts_.Waits(address))
+    if (count < 1 || queue_.Receipts().Waits(address))
         return;
     Words memory(WordsAnEvent * count);
     if (!ReadMemory(address, memory))
         return;
     watch_->MemoryRead(address, count, waiting);
-    const int known = receipts_.Known(address, memory, waiting);
-    receipts_.Take(address, memory, known);
-    commands_.Add(std::make_shared<CommandClass>(panel.Numero(), EventReceipts::Register,
-                                                 Words{qint16(count)}));
+    const int known = queue_.Receipts().Known(address, memory, waiting);
+    queue_.MemoryTaken(address, memory, known);
     for (int i = known; i < count; ++i)
         ExploiteEvent(panel, quint16(memory[WordsAnEvent * i]),
                       quint16(memory[WordsAnEvent * i + 1]));
@@ -177,24 +176,25 @@ void wPolling::TraiteEvent(EventClass& event) {
               [&] { Trace::Write(HistoProcs::FormateTrace(event).trimmed()); });
         if (event.Chnl() > Family::LastChannel)
             return;
+        const auto mirrors = [this](const CommandPtr& command) { SendCommand(command); };
         if (event.Chnl() == Family::PanelWide &&
             site.Panel(event.Panel()).Model() == Models::Q6200XT) {
             MirrorClass refresh;
             refresh.setToModule(event.Panel());
             refresh.setToChannel(event.Chnl());
-            Miroirs::TraitementR2R2(event, refresh);
+            Miroirs::TraitementR2R2(event, refresh, mirrors);
         }
-        Miroirs::DoMirrors(event);
+        Miroirs::DoMirrors(event, mirrors);
     });
 }
 
 /// The console comes to the front and every other screen gives way to it.
 void wPolling::ShowConsole() {
     Guard("wPolling.ShowConsole", [&] {
-        const QString console = QStringLiteral("wRunAlarms");
+        const QString& console = FormNames::wRunAlarms;
         Forms::Show(console);
         Forms::BringToFront(console);
-        Forms::GiveWayTo({QStringLiteral("wPolling"), console});
+        Forms::GiveWayTo({FormNames::wPolling, console});
         if (NbInstances(console) > 0)
             return;
         Forms::Show(console);

@@ -5,6 +5,8 @@
 #include "bus/wPolling.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
+#include "core/FormNames.h"
+#include "core/Forms.h"
 #include "events/Klaxon.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
@@ -92,7 +94,7 @@ void wPolling::StopRound() {
     const ErrorHandling::Postponed postponed;
     Guard("wPolling.RunComm", [&] {
         run_ = false;
-        walked_.clear();
+        queue_.DropWalk();
         Faults::Set(Faults::Kind::RoundStopped);
         Alarme(HighestPriority);
         Q_EMIT RunChanged(false);
@@ -108,5 +110,30 @@ void wPolling::CheckFaults() {
     watch_->CheckGivenUp();
     watch_->CheckClock();
     BusWatch::CheckDisk();
+    TellState();
+}
+
+/// Some screen is always visible, and alarms that stand on come back.
+void wPolling::tmrReactiv_Timer() {
+    Guard("wPolling.tmr_Reactiv_Timer", [&] {
+        ReopenLostPort();
+        CheckFaults();
+        if (!Forms::AnyVisible())
+            Forms::Show(FormNames::wRunAlarms);
+        reactivation_.Work();
+    });
+}
+
+/// An adapter that was pulled and comes back, or that the system finds late, must not wait for
+/// somebody to start the bus.
+void wPolling::ReopenLostPort() {
+    if ((!run_ && !waitsForPort_) || closing_ || (run_ && link_->PortOpen()) || !OpenPort())
+        return;
+    if (waitsForPort_) {
+        setRun(true);
+        return;
+    }
+    for (int address = 1; address <= PanelCount; ++address)
+        Global::Configuration().Panel(address).setNextPoll(DateTimes::Now() - platform::OneSecond);
     TellState();
 }

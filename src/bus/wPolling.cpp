@@ -5,6 +5,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
@@ -26,8 +27,6 @@ namespace {
 
 wPolling* engine = nullptr;
 
-const QString PendingCommands = QStringLiteral("PendingCommands");
-
 constexpr int MidnightInterval = 1000;
 constexpr int ReactivInterval = 10000;
 /// One check of the operator's input each 6 s, ten checks a minute.
@@ -42,8 +41,12 @@ wPolling* Polling() {
 
 wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
     : link_(std::move(link))
-    , watch_(std::make_unique<BusWatch>()) {
+    , watch_(std::make_unique<BusWatch>())
+    , queue_(*link_, *watch_)
+    , synchro_(*this, *link_, queue_)
+    , reactivation_([this] { ShowConsole(); }) {
     engine = this;
+    queue_.onGivenUp = [this](const CommandClass& command) { Q_EMIT WriteError(command); };
     tmrPoll_.setSingleShot(true);
     tmrPoll_.setInterval(1);
     tmrMidnight_.setInterval(MidnightInterval);
@@ -70,12 +73,12 @@ void wPolling::Form_Load(DateTime started) {
         closing_ = false;
         run_ = false;
         ReinitComm();
-        commands_ = CommandClasses();
+        queue_.Clear();
         SetupPrinter();
         // The end of the program may have come while a box of the two stood.
         if (closing_)
             return;
-        RestoreCommands();
+        queue_.Restore();
         SetupUserSleep();
     });
     if (closing_)
@@ -92,26 +95,6 @@ void wPolling::SetupUserSleep() {
         userSleep_.setCount(InputChecksAMinute * Bytes::Greater(minutes, 1));
         userSleep_.setEnabled(minutes >= 1);
     });
-}
-
-/// The stored commands leave the settings when all are held, readable or not: an end meanwhile
-/// loses none, and one that can't be read must not come back at every start.
-void wPolling::RestoreCommands() {
-    const auto stored = SLVfonctions::IniReadSection(PendingCommands);
-    for (const auto& entry : stored) {
-        if (entry.second.isEmpty())
-            continue;
-        Guard("wPolling.Form_Load", [&] {
-            const CommandPtr command = CommandClass::FromText(entry.second);
-            // The first start of the bus throws the event memories away: a receipt of the former
-            // run would drop events that nobody has read.
-            if (!IsReceipt(*command))
-                commands_.Add(command);
-        });
-    }
-    restored_ = true;
-    if (!stored.isEmpty())
-        IniDeleteSection(PendingCommands);
 }
 
 void wPolling::Form_QueryUnload(platform::UnloadMode mode) {
@@ -144,24 +127,10 @@ void wPolling::Form_Unload() {
     Guard("wPolling.Form_Unload", [&] {
         if (link_->PortOpen())
             link_->setPortOpen(false);
-        StoreCommands();
+        queue_.Store();
         paper_.Finish();
         platform::DiskFlush::Pay();
     });
-}
-
-/// What was carried out in the round that the end interrupts isn't sent a second time.
-void wPolling::StoreCommands() {
-    // An end before they were taken leaves those of the former run to the next start.
-    if (!restored_)
-        return;
-    QList<std::pair<QString, QString>> stored;
-    for (int position = 1; position <= commands_.Count(); ++position) {
-        const CommandPtr command = commands_.Item(position);
-        if (command->CmdType() != CommandTypes::Done)
-            stored.append({QString::number(stored.size() + 1), command->ToText()});
-    }
-    IniWriteSection(PendingCommands, stored);
 }
 
 void wPolling::setRun(bool on) {
@@ -179,14 +148,14 @@ void wPolling::setRun(bool on) {
         if (on)
             Faults::Clear(Faults::Kind::RoundStopped);
         else
-            receipts_.DoubtAll();
+            queue_.Receipts().DoubtAll();
         EventClass event(0, Family::System, 0,
                          on ? SystemEvents::CommStarted : SystemEvents::CommStopped);
         SendEvent(event);
         tmrPoll_.setInterval(PollRest);
         if (on && !run_) {
             if (!inRound_)
-                LeaveWalk();
+                queue_.LeaveWalk();
             JudgeAnew();
             if (!firstStart_) {
                 SynchroGeneraleBus();
@@ -224,7 +193,7 @@ void wPolling::RunWhenPortComes() {
 }
 
 void wPolling::SendCommand(const CommandPtr& command) {
-    Guard("wPolling.SendCommand", [&] { commands_.Add(command); });
+    Guard("wPolling.SendCommand", [&] { queue_.Add(command); });
 }
 
 void wPolling::ConfigurationChanged() {
@@ -280,8 +249,8 @@ void wPolling::ReinitComm() {
 /// Level 1 is never thrown out: acknowledging must stay possible.
 void wPolling::UserSleep_UserIsNotHere() {
     Guard("wPolling.UserSleep_UserIsNotHere", [&] {
-        const QString own = QStringLiteral("wPolling");
-        const QString console = QStringLiteral("wRunAlarms");
+        const QString& own = FormNames::wPolling;
+        const QString& console = FormNames::wRunAlarms;
         if (Global::Get().userLevel <= 1)
             return;
         Global::Get().userLevel = 0;

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "bus/CommandClass.h"
-#include "bus/EventReceipts.h"
+#include "bus/BusEngine.h"
+#include "bus/BusSynchro.h"
+#include "bus/CommandQueue.h"
+#include "bus/Reactivation.h"
 #include "events/DirectPrinting.h"
 #include "events/EventClass.h"
 #include "events/EventPrinter.h"
@@ -14,8 +16,6 @@
 #include <QTimer>
 #include <array>
 #include <memory>
-#include <optional>
-#include <set>
 
 class BusWatch;
 class PanelClass;
@@ -32,7 +32,7 @@ enum class BusState {
 /// The backbone: owns the bus link, the command queue, the numbering of events and the timers.
 /// Loaded before any screen, unloaded last. Screens reach the bus through `SendCommand`, make
 /// events through `SendEvent` and learn of the bus through the signals.
-class wPolling : public QObject {
+class wPolling : public QObject, public BusEngine {
     Q_OBJECT
 public:
     /// Addresses of the bus.
@@ -67,11 +67,11 @@ public:
     bool BusLost() const { return IsLost(MissingPanels()); }
 
     /// Puts a command into the queue unless it already waits there.
-    void SendCommand(const CommandPtr& command);
+    void SendCommand(const CommandPtr& command) override;
     /// Carries out one command if it is due.
-    void TraiteCommande(CommandClass& command);
+    void TraiteCommande(CommandClass& command) { queue_.TraiteCommande(command); }
     /// Stamps and numbers an event made elsewhere and routes it.
-    void SendEvent(EventClass& event);
+    void SendEvent(EventClass& event) override;
 
     /// One round: the queue, then the next panel that is due. A queue that takes long is parted:
     /// the round goes on with the next tick, and input comes through in between.
@@ -88,14 +88,15 @@ public:
     /// Makes PC and modules agree; runs once by itself, with the first start of the bus.
     void SynchroGeneraleBus();
     /// Starts the slow update: one panel at the end of each turn.
-    void StartUpdate();
+    void StartUpdate() { synchro_.StartUpdate(); }
     /// The day's record of each panel, and the release of mirrored states that nothing holds.
-    void MidnightSynchro();
+    void MidnightSynchro() { synchro_.MidnightSynchro(); }
 
     platform::SerialLink& CommBus() { return *link_; }
     DirectPrinting& dpPrinter() { return dpPrinter_; }
     EventPrinter& Paper() { return paper_; }
-    const CommandClasses& Commands() const { return commands_; }
+    const CommandClasses& Commands() const { return queue_.Commands(); }
+    CommandQueue& Queue() { return queue_; }
     /// Counters and next poll of a panel, as the grid shows them; empty before its first poll.
     QString ErrorText(int panel) const { return errorTexts_[size_t(panel)]; }
     /// Panel polled last, 0 before the first.
@@ -103,9 +104,6 @@ public:
     /// "hh:mm:ss" of the last round.
     QString LastRound() const { return lastRound_; }
     platform::ActivityDetection& UserSleep() { return userSleep_; }
-
-    /// The events taken of a module are dropped there, whoever saw to it.
-    void ForgetReceipt(int address) { receipts_.Forget(address); }
 
     /// Ticks of the timers.
     void tmrMidnight_Timer();
@@ -116,9 +114,9 @@ public:
     /// Turns the words of a good poll into events.
     void ExploitePanneau(PanelClass& panel, const Words& words);
     /// Makes the event of a panel that came or went.
-    void TraitePanelMove(int address, bool present);
+    void TraitePanelMove(int address, bool present) override;
     /// Counts a failed poll.
-    void AddError(int address);
+    void AddError(int address) override;
 
 Q_SIGNALS:
     /// A command is given up.
@@ -145,13 +143,8 @@ Q_SIGNALS:
     void UserChanged();
 
 private:
-    /// One word for each channel, 1 to 24.
-    using ChannelWords = std::array<qint16, 25>;
-    using QualifierTable = std::array<ChannelWords, PanelCount + 1>;
-
     bool EndIfClosing();
-    void LeaveWalk();
-    bool EndWanted() const;
+    bool EndWanted() const override;
     bool IsWatched(int address) const;
     void JudgeAnew();
     bool IsLost(const QList<int>& missing) const;
@@ -159,39 +152,14 @@ private:
     void StopRound();
     void CheckFaults();
     bool OpenPort();
-    bool WorkQueue();
-    void PurgeQueue();
     int PickPanel(bool& turnEnded);
     void PollPanel(int address);
-    void ContinueUpdate();
     void FollowClock();
-    int AskModuleType(int address);
-    QualifierTable FirstPass();
-    void ResetModule(int address);
-    void EmptyConsole();
-    void ReportStanding(int address, const ChannelWords& qualifiers);
-    void LectureGeneraleBus();
-    void UpdatePanel(int address, bool force);
-    bool ReadStubbornly(int address, qint32 registerNo, Words& words);
-    void SetPresence(int address, bool present);
-    void ReportChange(PanelClass& panel, int number, qint16 qualifier, qint16 state);
     void ResetClocks(DateTime now);
-    void ReleaseStale(int address, int number);
     void ReopenLostPort();
-    void ReactivateFromSettings();
-    void ReactivateFromConsole();
-    void ReactiverAlarme(qint32 id, DateTime time, qint32 number);
-    void HistoBusState();
-    void PrintBusState();
-    static bool IsReceipt(const CommandClass& command);
-    std::optional<bool> IsObeyedReceipt(const CommandClass& command);
-    bool SendByType(CommandClass& command, QString& line);
-    void TraceWriteError(const CommandClass& command);
     void SetupPrinter();
     void KeepPrinterOffTheBus();
     void TellPrinterError(const QString& text);
-    void RestoreCommands();
-    void StoreCommands();
     void UserSleep_UserIsNotHere();
 
     void ExploiteQFamily(PanelClass& panel, const Words& words);
@@ -201,7 +169,7 @@ private:
     void ExploiteStates(PanelClass& panel, const Words& words);
     void TraiteKlaxon(const EventClass& event);
     void ShowConsole();
-    qint32 IncEvtNum();
+    qint32 IncEvtNum() override;
 
     std::unique_ptr<platform::SerialLink> link_;
     platform::ActivityDetection userSleep_;
@@ -210,10 +178,10 @@ private:
     QTimer tmrPoll_;
     QTimer tmrMidnight_;
     QTimer tmrReactiv_;
-    CommandClasses commands_;
-    EventReceipts receipts_;
     std::unique_ptr<BusWatch> watch_;
-    std::set<CommandPtr> walked_; // of a round that was parted in its queue
+    CommandQueue queue_;
+    BusSynchro synchro_;
+    Reactivation reactivation_;
 
     bool run_ = false;
     bool inRound_ = false;
@@ -222,9 +190,7 @@ private:
     bool firstStart_ = false;
     bool waitsForPort_ = false;
     bool synchronising_ = false;
-    bool restored_ = false; // the commands of the former run are taken
     qint32 lastEvent_ = 0;
-    qint16 updatePointer_ = 0;
     qint16 pollPointer_ = 0;
     qint16 polledInTurn_ = 0;
     DateTime lastMidnightCheck_ = 0;

@@ -2,59 +2,55 @@
 
 #include "core/Bytes.h"
 #include "model/ConfigClass.h"
+#include "model/SheetLines.h"
 #include "platform/CodePage.h"
+#include "platform/FileReading.h"
+#include "platform/FileWriting.h"
+#include "platform/RunTimeError.h"
 
-#include <QRegularExpression>
-#include <QStringConverter>
-#include <QStringList>
 #include <array>
 #include <limits>
+#include <type_traits>
 
-namespace ChannelSheet {
+using platform::RunTimeError;
+namespace errors = platform::errors;
 
 namespace {
 
-enum class Kind { YesOrNo, Number, Text };
-
-/// A setting of a channel: one row of this table for each. Numbers that lie outside of their bounds
-/// are taken only if they stand there already, as a site of old may hold them.
-struct Setting {
-    const char* header;
-    Kind kind;
+/// One setting of a channel: a number within bounds, or a text.
+struct SheetColumn {
+    const char* heading;
     int low;
     int high;
     int (*number)(const ChannelClass& channel);
     void (*setNumber)(ChannelClass& channel, int value);
     QString (*text)(const ChannelClass& channel);
     void (*setText)(ChannelClass& channel, const QString& value);
+
+    bool IsText() const { return text != nullptr; }
 };
 
-template <auto Get, auto Set> constexpr Setting YesOrNo(const char* header) {
-    return {header,
-            Kind::YesOrNo,
-            std::numeric_limits<int>::min(),
-            std::numeric_limits<int>::max(),
-            [](const ChannelClass& channel) { return (channel.*Get)() ? 1 : 0; },
-            [](ChannelClass& channel, int value) { (channel.*Set)(value != 0); },
+template <auto Get, auto Set> constexpr SheetColumn Number(const char* heading, int low, int high) {
+    using Value = std::invoke_result_t<decltype(Get), const ChannelClass&>;
+    return {heading,
+            low,
+            high,
+            [](const ChannelClass& channel) { return int((channel.*Get)()); },
+            [](ChannelClass& channel, int value) { (channel.*Set)(Value(value)); },
             nullptr,
             nullptr};
 }
 
-template <auto Get, auto Set> constexpr Setting Number(const char* header, int low, int high) {
-    return {
-        header,
-        Kind::Number,
-        low,
-        high,
-        [](const ChannelClass& channel) { return int((channel.*Get)()); },
-        [](ChannelClass& channel, int value) { (channel.*Set)(decltype((channel.*Get)())(value)); },
-        nullptr,
-        nullptr};
+/// 1 or 0; any number but 0 is true.
+template <auto Get, auto Set> constexpr SheetColumn Flag(const char* heading) {
+    SheetColumn column =
+        Number<Get, Set>(heading, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    column.setNumber = [](ChannelClass& channel, int value) { (channel.*Set)(value != 0); };
+    return column;
 }
 
-template <auto Get, auto Set> constexpr Setting Text(const char* header) {
-    return {header,
-            Kind::Text,
+template <auto Get, auto Set> constexpr SheetColumn Text(const char* heading) {
+    return {heading,
             0,
             0,
             nullptr,
@@ -63,153 +59,158 @@ template <auto Get, auto Set> constexpr Setting Text(const char* header) {
             [](ChannelClass& channel, const QString& value) { (channel.*Set)(value); }};
 }
 
+/// The panel and the channel stand in front.
+constexpr const char* PanelHeading = "Pnl";
+constexpr const char* ChannelHeading = "Chnl";
+constexpr int AddressColumns = 2;
+constexpr const char* FirstText = "TxtScr";
+/// The delays of the reactivation; 0 is a channel that was never given one.
+constexpr int LastDelay = 8;
+constexpr int LastPrinting = 3;
+const QString LineEnd = QStringLiteral("\r\n");
+
 using C = ChannelClass;
-constexpr std::array<Setting, 12> Settings{
-    YesOrNo<&C::ScrAlm, &C::setScrAlm>("Screen"),
-    YesOrNo<&C::PrtAlm, &C::setPrtAlm>("Print"),
-    Number<&C::TypeImp, &C::setTypeImp>("TypePrt", 0, 3),
-    YesOrNo<&C::Klaxon, &C::setKlaxon>("Klaxon"),
-    Number<&C::AlmPrio, &C::setAlmPrio>("Prio", 1, 99),
-    YesOrNo<&C::Histo, &C::setHisto>("Histo"),
+constexpr std::array Columns = {
+    Flag<&C::ScrAlm, &C::setScrAlm>("Screen"),
+    Flag<&C::PrtAlm, &C::setPrtAlm>("Print"),
+    Number<&C::TypeImp, &C::setTypeImp>("TypePrt", 0, LastPrinting),
+    Flag<&C::Klaxon, &C::setKlaxon>("Klaxon"),
+    Number<&C::AlmPrio, &C::setAlmPrio>("Prio", 1, ConfigClass::MaxPriority),
+    Flag<&C::Histo, &C::setHisto>("Histo"),
     Number<&C::BibNum, &C::setBibNum>("Bib", 0, ConfigClass::BiblioCount),
     Number<&C::HelpNum, &C::setHelpNum>("Help", 0, ConfigClass::ConsigneCount),
-    YesOrNo<&C::React, &C::setReact>("React"),
-    Number<&C::ReactTpo, &C::setReactTpo>("Tempo", 0, 8),
-    Text<&C::ScreenText, &C::setScreenText>("TxtScr"),
+    Flag<&C::React, &C::setReact>("React"),
+    Number<&C::ReactTpo, &C::setReactTpo>("Tempo", 0, LastDelay),
+    Text<&C::ScreenText, &C::setScreenText>(FirstText),
     Text<&C::PrintText, &C::setPrintText>("TxtImp"),
 };
+constexpr int ColumnCount = AddressColumns + int(Columns.size());
 
-const QString PanelHeader = QStringLiteral("Pnl");
-const QString ChannelHeader = QStringLiteral("Chnl");
-/// Columns ahead of the settings.
-constexpr int KeyColumns = 2;
-
-/// A number as a text file has it: a place for the sign, and a blank behind.
-QString Printed(int number) {
-    return (number < 0 ? QString() : QStringLiteral(" ")) + QString::number(number) + u' ';
+/// A number as the print statement of a text file writes it.
+QString PrintForm(int number) {
+    return (number < 0 ? QString::number(number) : u' ' + QString::number(number)) + u' ';
 }
 
-QString LineOf(int panel, int number, const ChannelClass& channel) {
-    QString line = Printed(panel) + u'\t' + Printed(number) + u'\t';
-    for (const Setting& setting : Settings)
-        line += (setting.kind == Kind::Text ? setting.text(channel)
-                                            : Printed(setting.number(channel))) +
-                u'\t';
-    return line;
-}
-
-/// The field as it was before a spreadsheet put quotes around it. On a line that still has its
-/// numbers as they were written, quotes are the text's own unless they were doubled inside.
-QString Unquoted(const QString& field, bool asWritten) {
-    if (field.size() < 2 || !field.startsWith(u'"') || !field.endsWith(u'"'))
-        return field;
-    QString inside = field.mid(1, field.size() - 2);
-    QString rest = inside;
-    rest.remove(QStringLiteral("\"\""));
-    const bool doubled = rest.size() < inside.size();
-    if (rest.contains(u'"') || (asWritten && !doubled))
-        return field;
-    return inside.replace(QStringLiteral("\"\""), QStringLiteral("\""));
-}
-
-QStringList FieldsOf(const QString& line) {
-    static const QRegularExpression written(QStringLiteral("^ \\d+ $"));
-    QStringList fields = line.split(u'\t');
-    const bool asWritten = written.match(fields.first()).hasMatch();
-    for (QString& field : fields)
-        field = Unquoted(field, asWritten);
-    return fields;
-}
-
-QString Decoded(const QByteArray& bytes, bool& wasUnicode) {
-    const auto marked = QStringConverter::encodingForData(bytes);
-    QStringDecoder decoder(marked.value_or(QStringConverter::Utf8));
-    const QString text = decoder(bytes);
-    const bool isAscii =
-        std::all_of(bytes.cbegin(), bytes.cend(), [](char byte) { return quint8(byte) < 0x80; });
-    wasUnicode = (marked.has_value() || !isAscii) && !decoder.hasError();
-    return wasUnicode ? text : platform::FromCodePage(bytes);
-}
-
+/// A whole number, which a spreadsheet may give decimals.
 bool ReadNumber(const QString& field, int& number) {
     bool isNumber = false;
     const double value = field.trimmed().toDouble(&isNumber);
-    number = isNumber && qAbs(value) <= std::numeric_limits<qint16>::max() ? qRound(value) : 0;
+    isNumber = isNumber && value >= std::numeric_limits<int>::min() &&
+               value <= std::numeric_limits<int>::max();
+    number = isNumber ? int(value) : 0;
     return isNumber && number == value;
 }
 
-bool IsTaken(const Setting& setting, const QString& field, const ChannelClass& channel) {
-    if (setting.kind == Kind::Text)
-        return platform::FitsCodePage(field);
-    int number = 0;
-    return ReadNumber(field, number) &&
-           ((number >= setting.low && number <= setting.high) || number == setting.number(channel));
+QString Headings() {
+    QStringList headings{QLatin1String(PanelHeading), QLatin1String(ChannelHeading)};
+    for (const SheetColumn& column : Columns)
+        headings += QLatin1String(column.heading);
+    return headings.join(u'\t');
 }
 
-/// Header of the first column of a line that can't be taken; empty when all are there.
-QString Take(ConfigClass& site, QStringList fields) {
-    int panel = 0;
-    int number = 0;
-    if (!ReadNumber(fields[0], panel) || panel < 1 || panel > ConfigClass::PanelCount)
-        return PanelHeader;
-    if (fields.size() < KeyColumns || !ReadNumber(fields[1], number) || number < 1 ||
-        number > PanelClass::MaxChannel)
-        return ChannelHeader;
-    ChannelClass& channel = site.Panel(panel).Channel(number);
-    for (size_t i = 0; i < Settings.size(); ++i) {
-        const Setting& setting = Settings[i];
-        const qsizetype place = qsizetype(i) + KeyColumns;
-        // Empty columns at the end of a line get lost on the way.
-        if (place >= fields.size() && setting.kind == Kind::Text)
-            fields += QString();
-        if (place >= fields.size() || !IsTaken(setting, fields[place], channel))
-            return QString::fromLatin1(setting.header);
-    }
-    for (size_t i = 0; i < Settings.size(); ++i) {
-        const QString& field = fields[qsizetype(i) + KeyColumns];
-        int value = 0;
-        if (Settings[i].kind == Kind::Text)
-            Settings[i].setText(channel, field);
-        else if (ReadNumber(field, value))
-            Settings[i].setNumber(channel, value);
-    }
-    return {};
+QStringList FieldsOf(int panel, int number, const ChannelClass& channel) {
+    QStringList fields{PrintForm(panel), PrintForm(number)};
+    for (const SheetColumn& column : Columns)
+        fields += column.IsText() ? column.text(channel) : PrintForm(column.number(channel));
+    return fields;
 }
 
 } // namespace
 
-QByteArray Export(const ConfigClass& site) {
-    const QString lineEnd = QStringLiteral("\r\n");
-    QStringList headers{PanelHeader, ChannelHeader};
-    for (const Setting& setting : Settings)
-        headers += QString::fromLatin1(setting.header);
-    QString text = headers.join(u'\t') + lineEnd;
+ChannelSheetExport::ChannelSheetExport(const ConfigClass& site) {
+    QList<QStringList> lines;
+    QString sheet = Headings() + LineEnd;
     for (int panel = 1; panel <= ConfigClass::PanelCount; ++panel) {
-        for (int number = 1; number <= site.Panel(panel).ChannelCount(); ++number)
-            text += LineOf(panel, number, site.Panel(panel).Channel(number)) + lineEnd;
-    }
-    return platform::ToCodePage(text);
-}
-
-Outcome Import(ConfigClass& site, const QByteArray& bytes) {
-    Outcome outcome;
-    const QString text = Decoded(bytes, outcome.wasUnicode);
-    int line = 0;
-    for (QString content : text.split(u'\n')) {
-        ++line;
-        if (content.endsWith(u'\r'))
-            content.chop(1);
-        const QStringList fields = FieldsOf(content);
-        if (Bytes::Val(fields.first()) == 0)
-            continue;
-        outcome.badColumn = Take(site, fields);
-        if (!outcome.badColumn.isEmpty()) {
-            outcome.badLine = line;
-            break;
+        for (int number = 1; number <= site.Panel(panel).ChannelCount(); ++number) {
+            lines += FieldsOf(panel, number, site.Panel(panel).Channel(number));
+            sheet += lines.last().join(u'\t') + u'\t' + LineEnd;
         }
-        ++outcome.channels;
     }
-    return outcome;
+    bytes_ = platform::ToCodePage(sheet);
+    lines_ = int(lines.size());
+    SheetLines back(bytes_, ColumnCount);
+    for (const QStringList& line : lines) {
+        if (!back.Next() || back.Fields() != line) {
+            lostPanel_ = Bytes::ShortVal(line[0]);
+            lostChannel_ = Bytes::ShortVal(line[1]);
+            return;
+        }
+    }
 }
 
-} // namespace ChannelSheet
+void ChannelSheetExport::Write(const QString& path) const {
+    platform::ReplaceFile(path, bytes_);
+}
+
+void ChannelSheetImport::Read(const QString& path) {
+    Take(platform::ReadFile(path));
+}
+
+void ChannelSheetImport::Take(const QByteArray& bytes) {
+    SheetLines lines(bytes, ColumnCount);
+    unicode_ = lines.IsUnicode();
+    while (lines.Next()) {
+        line_ = lines.Number();
+        if (lines.IsAsWritten() && lines.Fields().size() > ColumnCount)
+            Refuse(QLatin1String(FirstText), errors::Subscript);
+        TakeLine(lines.Fields());
+        ++lines_;
+    }
+}
+
+/// Looks at the whole line ahead of the first setting: a bad line changes nothing.
+void ChannelSheetImport::TakeLine(const QStringList& fields) {
+    const int panel = Address(fields, 0, ConfigClass::PanelCount);
+    const int number = Address(fields, 1, PanelClass::MaxChannel);
+    ChannelClass& channel = site_.Panel(panel).Channel(number);
+    std::array<int, Columns.size()> numbers{};
+    bool differs = false;
+    for (size_t i = 0; i < Columns.size(); ++i) {
+        const SheetColumn& column = Columns[i];
+        const QString heading = QLatin1String(column.heading);
+        const qsizetype place = AddressColumns + qsizetype(i);
+        if (column.IsText()) {
+            // Tabs at a line's end get lost easily, and with them the empty texts before them.
+            const QString text = fields.value(place);
+            if (!platform::FitsCodePage(text))
+                Refuse(heading, errors::InvalidPropertyValue);
+            differs = differs || text != column.text(channel);
+            continue;
+        }
+        if (place >= fields.size())
+            Refuse(heading, errors::Subscript);
+        if (!ReadNumber(fields[place], numbers[i]))
+            Refuse(heading, errors::TypeMismatch);
+        const int present = column.number(channel);
+        // What a site file has brought in goes out and comes back, wherever it lies.
+        if ((numbers[i] < column.low || numbers[i] > column.high) && numbers[i] != present)
+            Refuse(heading, errors::InvalidPropertyValue);
+        differs = differs || numbers[i] != present;
+    }
+    for (size_t i = 0; i < Columns.size(); ++i) {
+        if (Columns[i].IsText())
+            Columns[i].setText(channel, fields.value(AddressColumns + qsizetype(i)));
+        else
+            Columns[i].setNumber(channel, numbers[i]);
+    }
+    if (differs)
+        changed_ += panel * (PanelClass::MaxChannel + 1) + number;
+}
+
+int ChannelSheetImport::Address(const QStringList& fields, int column, int count) {
+    const QString heading = QLatin1String(column == 0 ? PanelHeading : ChannelHeading);
+    if (column >= fields.size())
+        Refuse(heading, errors::Subscript);
+    int number = 0;
+    if (!ReadNumber(fields[column], number))
+        Refuse(heading, errors::TypeMismatch);
+    if (number < 1 || number > count)
+        Refuse(heading, errors::Subscript);
+    return number;
+}
+
+void ChannelSheetImport::Refuse(const QString& column, int error) {
+    badLine_ = line_;
+    badColumn_ = column;
+    throw RunTimeError(error);
+}

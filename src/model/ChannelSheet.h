@@ -1,34 +1,74 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
+#include <QStringList>
 
 class ConfigClass;
 
-/// The settings of all channels of a site as a text of lines with tabs between the columns, which
-/// a spreadsheet opens.
-namespace ChannelSheet {
+/// The settings of all channels as a text of one line a channel with a tab behind each column,
+/// below a line of headings: it opens in a spreadsheet. Windows-1252, lines end in CR LF.
+class ChannelSheetExport {
+public:
+    /// Forms the sheet: the channels that each panel's model has, and 12 of a panel without one.
+    explicit ChannelSheetExport(const ConfigClass& site);
 
-/// A header, and a line for each channel that the model of each of the 64 panels has, in
-/// Windows-1252.
-QByteArray Export(const ConfigClass& site);
+    /// Puts the sheet in place of a file. Throws RunTimeError like platform::ReplaceFile.
+    void Write(const QString& path) const;
 
-/// What became of an import.
-struct Outcome {
-    /// Channels that were taken over.
-    int channels = 0;
-    /// Line of the text at which the import ended, 1 the first; 0 when it went through.
-    int badLine = 0;
-    /// Header of the column that could not be taken there.
-    QString badColumn;
-    /// The text was not in Windows-1252 but in Unicode, and was taken all the same.
-    bool wasUnicode = false;
+    const QByteArray& Bytes() const { return bytes_; }
+    /// Lines below the headings.
+    int Lines() const { return lines_; }
+    /// The first channel that an import wouldn't give back, since a tab parts one of its texts or a
+    /// sign isn't in Windows-1252; 0 when all come back.
+    int LostPanel() const { return lostPanel_; }
+    int LostChannel() const { return lostChannel_; }
+
+private:
+    QByteArray bytes_;
+    int lines_ = 0;
+    int lostPanel_ = 0;
+    int lostChannel_ = 0;
 };
 
-/// Sets the channels that the lines tell, as far as the first line that can't be taken; that one
-/// changes nothing. Lines that don't begin with a number are passed over. What spreadsheets do to
-/// a text of columns is undone: quotes around fields, lost empty columns at the end, other line
-/// ends, a mark of Unicode ahead.
-Outcome Import(ConfigClass& site, const QByteArray& bytes);
+/// Takes such a sheet into a site, as it was written or as a spreadsheet or an editor has saved it
+/// since: with quotes around texts, without the tabs at a line's end, with other line ends, in
+/// UTF-8 or UTF-16. Lines that don't begin with a number other than 0 are passed over. The first
+/// bad line ends it; the lines before it stay taken.
+class ChannelSheetImport {
+public:
+    explicit ChannelSheetImport(ConfigClass& site)
+        : site_(site) {}
 
-} // namespace ChannelSheet
+    /// Takes a file. Throws RunTimeError like platform::ReadFile, and for the first bad line
+    /// `Subscript` (a column is missing, or there is no such panel or channel), `TypeMismatch` (no
+    /// whole number) or `InvalidPropertyValue` (a number outside the property's range, or a text
+    /// that Windows-1252 doesn't hold).
+    void Read(const QString& path);
+    /// The same for a file's content.
+    void Take(const QByteArray& bytes);
+
+    /// Lines that were taken, and the channels among them that have another setting since.
+    int Lines() const { return lines_; }
+    int Changed() const { return int(changed_.size()); }
+    /// The file came in UTF-8 or UTF-16 and not in Windows-1252.
+    bool IsUnicode() const { return unicode_; }
+    /// Number of the line that was bad, the first line being 1, and the heading of its column; 0
+    /// and empty when none was.
+    int BadLine() const { return badLine_; }
+    QString BadColumn() const { return badColumn_; }
+
+private:
+    void TakeLine(const QStringList& fields);
+    int Address(const QStringList& fields, int column, int count);
+    [[noreturn]] void Refuse(const QString& column, int error);
+
+    ConfigClass& site_;
+    QSet<int> changed_;
+    int lines_ = 0;
+    int line_ = 0;
+    int badLine_ = 0;
+    QString badColumn_;
+    bool unicode_ = false;
+};

@@ -157,10 +157,6 @@ const PanelClass& ConfigClass::Panel(int index) const {
     return *panels_[PanelPlace(index)];
 }
 
-std::shared_ptr<PanelClass> ConfigClass::SharedPanel(int index) const {
-    return panels_[PanelPlace(index)];
-}
-
 void ConfigClass::setPanel(int index, std::shared_ptr<PanelClass> panel) {
     if (!panel)
         throw RunTimeError(errors::InvalidPropertyValue);

@@ -84,8 +84,6 @@ public:
     /// The panel of a bus address, 1 to 64. Throws RunTimeError `Subscript` elsewhere.
     PanelClass& Panel(int index);
     const PanelClass& Panel(int index) const;
-    /// The same for a caller that keeps the panel beyond this configuration.
-    std::shared_ptr<PanelClass> SharedPanel(int index) const;
     /// Another object than the present one marks the whole configuration.
     void setPanel(int index, std::shared_ptr<PanelClass> panel);
     /// The state of the bus is printed after a general reading.

@@ -1,9 +1,9 @@
 #include "model/SiteFile.h"
 
 #include "platform/CodePage.h"
+#include "platform/FileReading.h"
 #include "platform/RunTimeError.h"
 
-#include <QFile>
 #include <QtEndian>
 
 using platform::RunTimeError;
@@ -70,18 +70,7 @@ SiteFileReader::SiteFileReader(QByteArray bytes)
     : bytes_(std::move(bytes)) {}
 
 SiteFileReader SiteFileReader::Open(const QString& path) {
-    QFile file(path);
-    if (!file.exists())
-        throw RunTimeError(errors::FileNotFound);
-    if (!file.open(QIODevice::ReadOnly))
-        throw RunTimeError(errors::PathAccess);
-    // A device has no size and might never end.
-    if (file.isSequential() || file.size() > MaxSize)
-        throw RunTimeError(errors::DeviceIo);
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throw RunTimeError(errors::DeviceIo);
-    return SiteFileReader(std::move(bytes));
+    return SiteFileReader(platform::ReadFile(path));
 }
 
 const char* SiteFileReader::Take(qsizetype count) {

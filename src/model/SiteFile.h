@@ -34,11 +34,8 @@ private:
 /// The reverse of SiteFileWriter. Every reading past the end throws RunTimeError `InputPastEnd`.
 class SiteFileReader {
 public:
-    /// Largest file that is read; a full site file stays far below it.
-    static constexpr qint64 MaxSize = qint64(64) * 1024 * 1024;
-
     explicit SiteFileReader(QByteArray bytes);
-    /// Reads a file in one go. Throws RunTimeError when it can't be opened or isn't plausible.
+    /// Reads a file in one go. Throws RunTimeError like platform::ReadFile.
     static SiteFileReader Open(const QString& path);
 
     quint8 GetByte();

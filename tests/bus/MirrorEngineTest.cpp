@@ -35,6 +35,10 @@ protected:
         return Frames::Said(link->sent);
     }
 
+    Miroirs::Sink Sink() {
+        return [this](const CommandPtr& command) { engine->SendCommand(command); };
+    }
+
     ChannelClass& Lamp(int channel) { return Site().Panel(6).Channel(channel); }
 };
 
@@ -83,7 +87,7 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
         Lines seen;
         for (const qint16 aff : {2, 3}) {
             const qsizetype traced = TraceLines().size();
-            Miroirs::DoMirrors(EventClass(5, from, 1, aff));
+            Miroirs::DoMirrors(EventClass(5, from, 1, aff), Sink());
             if (TraceLines().size() > traced)
                 seen.push_back("traced");
             for (const std::string& frame : Carried())
@@ -104,7 +108,7 @@ TEST_F(MirrorEngine, TakesTheRulesOfTheSourceInTheirOrder) {
     Site().Mirrors().Add(5, 4, 6, 9, MirrorClass::Permanent);
     Site().Mirrors().Add(8, 3, 6, 9, MirrorClass::Permanent);
     Site().Mirrors().Add(5, 3, 6, 1, MirrorClass::Permanent);
-    Miroirs::DoMirrors(EventClass(5, 3, 1, 4));
+    Miroirs::DoMirrors(EventClass(5, 3, 1, 4), Sink());
     EXPECT_EQ(engine->Commands().Item(1)->SendTime(), clock.Now());
     EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
     EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2"}));
@@ -122,7 +126,7 @@ TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
                     value = 3;
                 else if (param == 1 && aff >= 2 && kind != MirrorClass::NoKind)
                     value = kind == MirrorClass::Permanent ? 2 : 3;
-                Miroirs::TraitementV3V3(EventClass(5, 1, param, aff), Rule(4, kind));
+                Miroirs::TraitementV3V3(EventClass(5, 1, param, aff), Rule(4, kind), Sink());
                 EXPECT_EQ(Carried(),
                           value < 0 ? none : Lines{"write 6 20 " + std::to_string(value)})
                     << kind << " " << param << " " << aff;
@@ -161,7 +165,8 @@ TEST_F(MirrorEngine, ChannelToLamp) {
     for (const auto& row : rows) {
         Lamp(20).setState(row.before);
         Lamp(20).setMirrorType(MirrorClass::NoKind);
-        Miroirs::TraitementV3V2(EventClass(5, 1, row.param, row.aff), Rule(20, MirrorClass::Pulse));
+        Miroirs::TraitementV3V2(EventClass(5, 1, row.param, row.aff), Rule(20, MirrorClass::Pulse),
+                                Sink());
         EXPECT_EQ(Lamp(20).State(), row.after) << "at once, ahead of the command";
         EXPECT_EQ(Lamp(20).MirrorType(), row.takesKind ? MirrorClass::Pulse : MirrorClass::NoKind);
         EXPECT_EQ(Carried(), row.expected) << row.param << " " << row.aff << " " << row.before;
@@ -176,7 +181,7 @@ TEST_F(MirrorEngine, PacksTheStatesOfADisplay) {
     Lamp(6).setState(1);
     Lamp(15).setState(4);
     Lamp(24).setState(4);
-    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0));
+    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), Sink());
     EXPECT_EQ(Carried(), Lines{"writes 6 25 12417 1 16384 0 2048"});
 }
 
@@ -193,7 +198,7 @@ TEST_F(MirrorEngine, AnAcknowledgementLeavesOfEachLampWhatItsKindSays) {
         Lamp(channel).setMirrorType(row.kind);
         Lamp(channel--).setState(row.before);
     }
-    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0));
+    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), Sink());
     channel = 24;
     for (const auto& row : rows)
         EXPECT_EQ(Lamp(channel--).State(), row.after) << row.kind << " " << row.before;
@@ -291,7 +296,7 @@ TEST_F(MirrorEngine, ARuleOutOfAllBoundsGoesToTheTrace) {
     Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
     const qsizetype traced = TraceLines().size();
     EventClass event(5, 7, 0, 1);
-    Miroirs::DoMirrors(event);
+    Miroirs::DoMirrors(event, Sink());
     EXPECT_EQ(boxes, QStringList());
     EXPECT_EQ(TraceLines().mid(traced).filter(QStringLiteral("MIRROR ERROR")).size(), 2);
 }

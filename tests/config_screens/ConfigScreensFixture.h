@@ -3,10 +3,23 @@
 #include "config_screens/ConfigScreens.h"
 #include "core/FormNames.h"
 #include "model/CurrentConfig.h"
+#include "platform/SystemClock.h"
 #include "support/ScreensFixture.h"
 #include "support/Script.h"
 
 #include <QListWidget>
+
+/// A machine's clock that nobody may set: no test ever sets that of the machine it runs on.
+class LockedClock : public platform::SystemClock {
+public:
+    LockedClock() { Install(this); }
+    ~LockedClock() override { Install(nullptr); }
+    LockedClock(const LockedClock&) = delete;
+    LockedClock& operator=(const LockedClock&) = delete;
+
+    Result Set(const QDateTime&) override { return {Outcome::Refused, QString()}; }
+    QString TimeZone() const override { return QStringLiteral("UTC"); }
+};
 
 /// A bench with the screens of the configuration and a site of its own.
 class ConfigScreensTest : public ScreensTest {
@@ -39,4 +52,7 @@ protected:
         Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
         RemoveUnloaded();
     }
+
+private:
+    LockedClock lockedClock_;
 };

@@ -159,7 +159,7 @@ TEST_F(ParamPrinterTest, APortThatCannotBeReadIsNotTaken) {
 TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
     TestPrint();
     EXPECT_EQ(paper.Paper(), QByteArray("***** TEST *****\r\n"));
-    EXPECT_EQ(boxes.last(), GetText(430300));
+    EXPECT_EQ(boxes.last(), GetText(430310));
     EXPECT_EQ(styles.last(), 64);
 
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
@@ -173,7 +173,7 @@ TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
     line.truncate(qMax<qsizetype>(read(terminal, line.data(), size_t(line.size())), 0));
     close(terminal);
     EXPECT_EQ(line, QByteArray("***** TEST *****\r\n"));
-    EXPECT_EQ(boxes.last(), GetText(430300));
+    EXPECT_EQ(boxes.last(), GetText(430310));
     EXPECT_EQ(EventPort(), QStringLiteral("LPT1:"));
 
     engine->Paper().Print(QStringLiteral("event"));
@@ -189,7 +189,7 @@ TEST_F(ParamPrinterTest, AStuckPrinterHoldsNothing) {
     clock.Advance(2000);
     engine->Paper().Advance();
     QCoreApplication::processEvents();
-    EXPECT_TRUE(boxes.last().startsWith(GetText(430301).section(u'$', 0, 0)));
+    EXPECT_TRUE(boxes.last().startsWith(GetText(430316).section(u'$', 0, 0)));
     EXPECT_EQ(styles.last(), 16);
     EXPECT_EQ(EventPort(), QStringLiteral("LPT1:"));
 

@@ -46,5 +46,6 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Target{"Exchange", FuzzExchange}, Target{"Panels", FuzzPanels},
                       Target{"Site", FuzzSite}, Target{"Settings", FuzzSettings},
                       Target{"HistoLine", FuzzHistoLine}, Target{"Command", FuzzCommand},
-                      Target{"AlarmList", FuzzAlarmList}, Target{"Printer", FuzzPrinter}),
+                      Target{"AlarmList", FuzzAlarmList}, Target{"Printer", FuzzPrinter},
+                      Target{"Sheet", FuzzSheet}),
     [](const auto& given) { return std::string(given.param.name); });

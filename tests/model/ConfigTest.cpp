@@ -25,10 +25,12 @@ TEST(Configuration, PanelsAreNumberedAndBounded) {
 
 TEST(Configuration, AnotherPanelObjectMarksEverything) {
     ConfigClass config;
-    config.setPanel(5, config.SharedPanel(5));
-    EXPECT_FALSE(config.Modified());
     const auto panel = std::make_shared<PanelClass>();
     config.setPanel(5, panel);
+    config.setModified(false);
+    config.setPanel(5, panel);
+    EXPECT_FALSE(config.Modified()) << "the same object is no change";
+    config.setPanel(6, std::make_shared<PanelClass>());
     EXPECT_EQ(&config.Panel(5), panel.get());
     EXPECT_TRUE(config.Panel(64).Channel(24).Modified());
     EXPECT_NE(ErrorNumberOf([&] { config.setPanel(5, nullptr); }), 0);

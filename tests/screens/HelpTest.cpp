@@ -6,6 +6,7 @@
 
 #include <QRegularExpression>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 
 namespace {
@@ -101,6 +102,17 @@ TEST_F(HelpTest, PageIsTurnedByTouchAndTheWayBackIsKept) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(Screen(QStringLiteral("wRunAlarms"))));
 }
 
+TEST_F(HelpTest, OpensAtTheChapterOfItsScreen) {
+    Provide("en");
+    ScreenForm opener(QStringLiteral("wBusPanneau"));
+    opener.Show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&opener));
+    ShowHelp();
+    QApplication::processEvents();
+    const QTextCursor title = Page().cursorForPosition(QPoint(30, 30));
+    EXPECT_EQ(title.block().text(), QStringLiteral("A panel and its channels"));
+}
+
 TEST_F(HelpTest, PagesHaveTheSameSectionsAndEveryLinkLeadsToOne) {
     const QStringList sections = All(Content("en"), "<a name=\"(\\w+)\">");
     EXPECT_GE(sections.size(), 8);
@@ -120,7 +132,12 @@ TEST_F(HelpTest, PagesHaveTheSameSectionsAndEveryLinkLeadsToOne) {
 // The help speaks of buttons by the words that stand on them.
 TEST_F(HelpTest, PagesNameTheButtonsAsTheScreensDo) {
     const int buttons[] = {710001, 710002, 710003, 710004, 710005, 710007, 710008, 710009, 710010,
-                           712002, 712003, 712012, 610004, 610007, 610008, 610014, 720012};
+                           712002, 712003, 712012, 610004, 610007, 610008, 610014, 720012, 300501,
+                           300502, 300503, 300504, 300601, 300602, 300603, 300604, 300632, 300612,
+                           300613, 300615, 300616, 300617, 300618, 300619, 300620, 300621, 300901,
+                           400301, 400302, 400303, 400304, 400305, 400306, 400307, 430301, 430302,
+                           430303, 430309, 430312, 510301, 510302, 510406, 510407, 510408, 510421,
+                           510422, 630208, 630244, 630245, 630246, 630247, 630259, 630264};
     for (const auto& [language, index] : {std::pair("en", 0), std::pair("fr", 1)}) {
         Global::Get().language = qint16(index);
         const QString page = Content(language);

@@ -186,12 +186,14 @@ TEST_F(wMainFilesTest, AStartFileThatFailsIsToldAndLeavesTheSiteModified) {
 TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     AddPanel(3, 1);
     Exchange(North());
+    const auto former = std::make_shared<PanelClass>();
+    former->setNumero(3);
+    Site().setPanel(3, former);
     AddPanel(3, 1);
     AddPanel(5, 1);
     Site().setModified(false);
     engine->setRun(true);
     engine->RunComm();
-    const auto former = Site().SharedPanel(3);
     EXPECT_GT(former->ErrCptr(0), 0);
     const QList<qint16> errors{former->ErrCptr(0), former->ErrCptr(1), former->ErrCptr(2)};
     const DateTime next = former->NextPoll();

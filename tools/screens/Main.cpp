@@ -155,11 +155,33 @@ void TakePrinter(const Paths& path) {
     }
     site.setPrtSettings(settings);
     if (auto* dialog = dynamic_cast<dlgParamPrinter*>(Forms::Load(FormNames::dlgParamPrinter))) {
-        dialog->setTitle(GetText(430310));
+        dialog->setTitle(GetText(430321));
         dialog->setDefinition(PrinterDefinition(PrinterDefinition::PathOf(site.PrinterName())));
         dialog->setCode(PrinterCode::Of(QStringLiteral("1BU")));
     }
     Take(FormNames::dlgParamPrinter, path("dlgParamPrinter_class"));
+}
+
+/// The list of the panels, with every panel in use and titles of all lengths and colours.
+void TakeFullSite(const Paths& path) {
+    constexpr qint32 Colours[] = {0xFFFF, 0xFF0000, 0xFFFFFF, 0,
+                                  0xFF,   0x00FF00, 0x808080, 0x443A2E};
+    const QString titles[] = {
+        QString(PanelClass::MaxTitle, u'W'), QStringLiteral("Pump room|North basin"),
+        QStringLiteral("Main switchboard of the water treatment"), QStringLiteral("Boiler")};
+    Global::setConfiguration(std::make_unique<ConfigClass>());
+    for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
+        PanelClass& panel = Global::Configuration().Panel(number);
+        panel.setModel(quint8(1 + number % 5));
+        panel.setActive(number % 7 != 0);
+        panel.setTitle(titles[number / 2 % 4]);
+        panel.setTitleColor(Colours[number % 8]);
+    }
+    Take(FormNames::wBusModules, path("wBusModules_full"));
+    Take(FormNames::dlgBusCopy, path("dlgBusCopy_full"));
+    Global::setConfiguration(std::make_unique<ConfigClass>());
+    Take(FormNames::wBusModules, path("wBusModules_empty"));
+    Global::Configuration().Read(CurrentConfigFile());
 }
 
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
@@ -172,6 +194,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     for (const QString& form : Forms::Names())
         if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter)
             Take(form, path(form.toLatin1().constData()));
+    TakeFullSite(path);
 }
 
 } // namespace

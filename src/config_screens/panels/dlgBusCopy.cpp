@@ -1,6 +1,8 @@
 #include "config_screens/panels/dlgBusCopy.h"
 
 #include "config_screens/SiteEdit.h"
+#include "config_screens/panels/PanelTitle.h"
+#include "core/Config.h"
 #include "core/FormNames.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
@@ -16,9 +18,12 @@ enum Ends { Source, Target };
 enum Buttons { Close, Confirm };
 
 const QString Numbers = QStringLiteral("lblPanelNo");
+const QString Modules = QStringLiteral("lblPanelModel");
 const QString Titles = QStringLiteral("lblPanelTitle");
 const QString Arrows = QStringLiteral("imgControl");
 const QString ButtonArray = QStringLiteral("cmdBoutons");
+
+constexpr int CopiedTo = 300516;
 
 } // namespace
 
@@ -31,7 +36,7 @@ dlgBusCopy::dlgBusCopy()
     for (const int end : {Source, Target}) {
         auto* stepper = new Stepper(
             *repeat, Control<ValueLabel>(Numbers, end),
-            {Control<TouchImage>(Arrows, 2 * end), Control<TouchImage>(Arrows, 2 * end + 1)});
+            {Control<TouchImage>(Arrows, 2 * end), Control<TouchImage>(Arrows, 2 * end + 1)}, 2);
         stepper->setBounds(1, ConfigClass::PanelCount);
         connect(stepper, &Stepper::Changed, this, &dlgBusCopy::lblPanelNo_Change);
         panels_[size_t(end)] = stepper;
@@ -47,11 +52,10 @@ dlgBusCopy::~dlgBusCopy() = default;
 void dlgBusCopy::lblPanelNo_Change() {
     for (const int end : {Source, Target}) {
         const PanelClass& panel = Global::Configuration().Panel(panels_[size_t(end)]->Value());
-        auto* title = Control<QLabel>(Titles, end);
-        title->setText(title->fontMetrics().elidedText(
-            ModuleName(panel.Model()) + QStringLiteral("   ") + panel.Title().replace(u'|', u' '),
-            Qt::ElideRight, title->width()));
+        Control<QLabel>(Modules, end)->setText(ModuleName(panel.Model()));
+        Control<PanelTitle>(Titles, end)->setPanel(panel);
     }
+    ui_->lblCopied->clear();
     Control(ButtonArray, Confirm)->setEnabled(panels_[Source]->Value() != panels_[Target]->Value());
 }
 
@@ -69,5 +73,8 @@ void dlgBusCopy::Copy() {
     target.setNumero(quint8(panels_[Target]->Value()));
     SaveSite();
     lblPanelNo_Change();
+    ui_->lblCopied->setText(GetText(CopiedTo)
+                                .replace(QStringLiteral("$1"), ui_->lblPanelNo_0->Caption())
+                                .replace(QStringLiteral("$2"), ui_->lblPanelNo_1->Caption()));
     Q_EMIT Copied();
 }

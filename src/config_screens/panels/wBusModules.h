@@ -4,6 +4,8 @@
 
 #include <memory>
 
+class ChannelSheetImport;
+
 namespace Ui {
 class wBusModules;
 }
@@ -25,8 +27,9 @@ protected:
 
 private:
     void MakeTiles();
-    void ShowTile(int tile);
-    void ShowArrows();
+    /// Turns to the page of a panel.
+    void GoToPanel(int number);
+    void AskPanel();
     void imgNavig_Click(int index);
     void imgPanneau_Click(int index);
     void imgMiroirs_Click();
@@ -34,6 +37,7 @@ private:
     void imgImportExport_Click(int index);
     void Export();
     void Import();
+    static void TellOf(const ChannelSheetImport& sheet);
     void Open(const QString& form);
 
     std::unique_ptr<Ui::wBusModules> ui_;

@@ -43,10 +43,10 @@ enum Texts {
     FirstParity = 100021,
     FirstColor = 430120,
     BeforeStyles = 430126,
-    TestPrinted = 430300,
-    TestNotPrinted = 430301,
-    TestOnOtherLine = 430302,
-    BeforeClasses = 430309,
+    TestPrinted = 430310,
+    TestNotPrinted = 430316,
+    TestOnOtherLine = 430317,
+    BeforeClasses = 430320,
     PortOfTheBus = 714061
 };
 
@@ -428,6 +428,11 @@ void wParamPrinter::Keep() {
     const Edit edit = *edit_;
     devices_.PutBack();
     Kept().edit.Keep(edit_.Original(), edit);
+}
+
+/// Also when nothing differs in the end: a port that isn't chosen any more may have another device.
+void wParamPrinter::Closing() {
+    devices_.PutBack();
 }
 
 void wParamPrinter::imgNavig_Click(int index) {

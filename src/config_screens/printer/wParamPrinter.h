@@ -33,6 +33,7 @@ protected:
     bool Take() override;
     void Drop() override { devices_.PutBack(); }
     void Keep() override;
+    void Closing() override;
 
 private:
     using Sequences = std::array<QString, ClassCount + 1>;

@@ -1,5 +1,6 @@
 // What the operator's touches on the alarm console do.
 
+#include "bus/Registers.h"
 #include "bus/wPolling.h"
 #include "core/FormNames.h"
 #include "core/Global.h"
@@ -24,8 +25,6 @@ namespace {
 constexpr qint64 BounceMs = 300;
 
 /// Register of a panel that takes an acknowledgement, and what is written into it.
-constexpr qint32 AcknowledgeRegister = 67;
-constexpr qint16 AcknowledgeValue = 2;
 
 /// The last channel whose instruction the console looks up. Sites count on it as it is.
 constexpr qint16 LastChannelWithInstruction = 23;
@@ -42,8 +41,8 @@ void AcknowledgeOnBus(qint16 panel) {
     wPolling* comm = Polling();
     if (comm == nullptr)
         return;
-    comm->SendCommand(std::make_shared<CommandClass>(panel, AcknowledgeRegister,
-                                                     Words{AcknowledgeValue}, DateTimes::Now()));
+    comm->SendCommand(std::make_shared<CommandClass>(
+        panel, Registers::PanelCommand, Words{Registers::Acknowledge}, DateTimes::Now()));
     EventClass event(panel, Family::System, 0, SystemEvents::AcknowledgedOnPc);
     comm->SendEvent(event);
 }

@@ -99,8 +99,12 @@ wHelp::wHelp()
     QWidget* back = Control(Navig, Back);
     back->setEnabled(false);
     connect(ui_->txtHelp, &QTextBrowser::backwardAvailable, back, &QWidget::setEnabled);
-    if (const QString page = HelpPage(); !page.isEmpty())
-        ui_->txtHelp->setSource(QUrl::fromLocalFile(page));
+    if (const QString page = HelpPage(); !page.isEmpty()) {
+        // A page may name the chapter of a screen; else it opens at its beginning.
+        QUrl url = QUrl::fromLocalFile(page);
+        url.setFragment(opener_);
+        ui_->txtHelp->setSource(url);
+    }
 }
 
 wHelp::~wHelp() = default;

@@ -1,5 +1,6 @@
 #include "screens/remote/wTeleCmde.h"
 
+#include "bus/Registers.h"
 #include "bus/wPolling.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
@@ -22,7 +23,6 @@ namespace {
 const QString Lamps = QStringLiteral("lblVoyant");
 
 /// Register that takes the order to channel n is this + n.
-constexpr qint32 ForcedRegister = 16;
 /// An order is the button's index times this.
 constexpr int OrderStep = 3;
 
@@ -195,8 +195,8 @@ void wTeleCmde::ImgTcmde_Click(int index) {
         Message(GetText(220100), Messages::Critical);
         return;
     }
-    const auto order = std::make_shared<CommandClass>(panel_->Numero(), ForcedRegister + channel_,
-                                                      Words{qint16(index * OrderStep)});
+    const auto order = std::make_shared<CommandClass>(
+        panel_->Numero(), Registers::ForcedStateBase + channel_, Words{qint16(index * OrderStep)});
     failed_ = false;
     waiting_.append(Queue(*comm, order));
     DropSettled();

@@ -1,11 +1,8 @@
-// Alarms that were acknowledged and stand on come back after the delay of their channel; and some
-// screen is always visible.
-
-#include "bus/wPolling.h"
+#include "bus/Reactivation.h"
 
 #include "bus/AlarmConsole.h"
 #include "bus/ClockSlack.h"
-#include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/SLVfonctions.h"
 #include "events/Decisions.h"
@@ -15,11 +12,7 @@
 #include "model/Models.h"
 #include "platform/RunTimeError.h"
 
-using ErrorHandling::Guard;
-
 namespace {
-
-const QString Console = QStringLiteral("wRunAlarms");
 
 /// Reads a date and a time that must be there. Throws RunTimeError `TypeMismatch`.
 DateTime ReadTime(const QString& date, const QString& time) {
@@ -39,34 +32,14 @@ DateTime DelayOf(int reactTpo) {
 
 } // namespace
 
-void wPolling::tmrReactiv_Timer() {
-    Guard("wPolling.tmr_Reactiv_Timer", [&] {
-        ReopenLostPort();
-        CheckFaults();
-        if (!Forms::AnyVisible())
-            Forms::Show(Console);
-        if (NbInstances(Console) < 1)
-            ReactivateFromSettings();
-        else
-            ReactivateFromConsole();
-    });
+void Reactivation::Work() {
+    if (NbInstances(FormNames::wRunAlarms) < 1)
+        FromSettings();
+    else
+        FromConsole();
 }
 
-/// An adapter that was pulled and comes back, or that the system finds late, must not wait for
-/// somebody to start the bus.
-void wPolling::ReopenLostPort() {
-    if ((!run_ && !waitsForPort_) || closing_ || (run_ && link_->PortOpen()) || !OpenPort())
-        return;
-    if (waitsForPort_) {
-        setRun(true);
-        return;
-    }
-    for (int address = 1; address <= PanelCount; ++address)
-        Global::Configuration().Panel(address).setNextPoll(DateTimes::Now() - platform::OneSecond);
-    TellState();
-}
-
-void wPolling::ReactivateFromSettings() {
+void Reactivation::FromSettings() {
     const QString section = QStringLiteral("LastAlarms");
     QStringList keys;
     IniReadKeys(keys, section);
@@ -81,7 +54,7 @@ void wPolling::ReactivateFromSettings() {
 
 /// The console is asked for anew at each row: an alarm that comes back unloads screens, and one of
 /// them may take the console along.
-void wPolling::ReactivateFromConsole() {
+void Reactivation::FromConsole() {
     for (int row = 0;; ++row) {
         const AlarmConsole* console = AlarmConsole::Loaded();
         if (console == nullptr || row >= console->RowCount())
@@ -93,7 +66,7 @@ void wPolling::ReactivateFromConsole() {
     }
 }
 
-void wPolling::ReactiverAlarme(qint32 id, DateTime time, qint32 number) {
+void Reactivation::ReactiverAlarme(qint32 id, DateTime time, qint32 number) {
     EventClass event;
     event.setID(id);
     event.setGDH(DateTimes::Now());
@@ -108,7 +81,7 @@ void wPolling::ReactiverAlarme(qint32 id, DateTime time, qint32 number) {
     if (event.GDH() <= time + DelayOf(channel.ReactTpo()) && time <= event.GDH() + ClockSlack)
         return;
     event.setAff(ReactivatedAff);
-    ShowConsole();
+    showConsole_();
     if (AlarmConsole* console = AlarmConsole::Loaded())
         console->TakeEvent(event);
     if (IsToKlaxon(event))

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "screens/touch/TouchImage.h"
+
+#include <QRect>
+
+class PanelClass;
+class PanelTitle;
+class QLabel;
+
+/// A panel of the site on a tile: its number, its model and its title, crossed out while it isn't
+/// in service. What lies on the tile is addressed by the tile's index as well, and lets touches
+/// through.
+class PanelTile : public TouchImage {
+    Q_OBJECT
+public:
+    PanelTile(QWidget* parent, int index, const QRect& area);
+
+    void setPanel(int number, const PanelClass& panel);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QLabel* lblNumPan_;
+    QLabel* lblTypePan_;
+    PanelTitle* lblLblPan_;
+    QWidget* imgCroix_;
+};

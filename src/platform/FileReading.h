@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace platform {
+
+/// Largest file that is read in one go; the largest that the program itself writes for reading
+/// stays far below it.
+inline constexpr qint64 MaxFileSize = qint64(64) * 1024 * 1024;
+
+/// The content of a file. Throws RunTimeError `FileNotFound`, `PathAccess` or, for what is no
+/// plain file or isn't plausible, `DeviceIo`.
+QByteArray ReadFile(const QString& path);
+
+} // namespace platform

@@ -1,0 +1,88 @@
+// Copying a panel over another.
+
+#include "ConfigScreensFixture.h"
+#include "support/Script.h"
+
+namespace {
+
+const QString List = FormNames::wBusModules;
+const QString Copy = FormNames::dlgBusCopy;
+const QString Confirm = QStringLiteral("cmdBoutons_1");
+
+class BusCopyTest : public ConfigScreensTest {
+protected:
+    /// Opens the dialog from the list of the panels and does something there, then closes it.
+    void InDialog(const std::function<void()>& act) {
+        Forms::Show(List);
+        script.On(Copy, [act] {
+            act();
+            Tap(Copy, QStringLiteral("cmdBoutons_0"));
+        });
+        Tap(List, QStringLiteral("imgCopyPanel"));
+        EXPECT_EQ(NbInstances(Copy), 0);
+    }
+    static void Arrow(int index, int times = 1) {
+        while (times-- > 0)
+            Tap(Copy, QStringLiteral("imgControl_%1").arg(index));
+    }
+    static QString Shown() {
+        return TextOf(Copy, QStringLiteral("lblPanelNo_0")) + u' ' +
+               TextOf(Copy, QStringLiteral("lblPanelNo_1"));
+    }
+    static bool CanCopy() { return Child(Copy, Confirm)->isEnabled(); }
+
+    Script script;
+};
+
+} // namespace
+
+TEST_F(BusCopyTest, ShowsBothPanelsAndCopiesOnlyOntoAnother) {
+    PanelClass& source = AddPanel(2, 4);
+    source.setTitle(QStringLiteral("Pumps|north"));
+    InDialog([this] {
+        EXPECT_EQ(Shown(), QStringLiteral("01 01"));
+        EXPECT_FALSE(CanCopy());
+        Arrow(0);
+        EXPECT_EQ(Shown(), QStringLiteral("01 01"));
+        Arrow(1);
+        EXPECT_TRUE(CanCopy());
+        EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelModel_0")), QStringLiteral("P5000"));
+        EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelTitle_0")), QStringLiteral("Pumps\nnorth"));
+        EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelModel_1")), QStringLiteral("-----"));
+        Arrow(3);
+        EXPECT_FALSE(CanCopy());
+        Arrow(3, 70);
+        EXPECT_EQ(Shown(), QStringLiteral("02 64"));
+    });
+    EXPECT_EQ(Site().Panel(1).Model(), 0);
+}
+
+TEST_F(BusCopyTest, TheTargetKeepsItsNumberAndWhatThePollingKnows) {
+    PanelClass& source = AddPanel(2, 4);
+    source.setTitle(QStringLiteral("Pumps"));
+    source.Channel(3).setScreenText(QStringLiteral("Pump 3"));
+    source.Channel(3).setState(1);
+    Site().setModified(false);
+    InDialog([this] {
+        Arrow(1);
+        for (const int target : {3, 4}) {
+            Arrow(3, target == 3 ? 2 : 1);
+            Tap(Copy, Confirm);
+            EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelTitle_1")), QStringLiteral("Pumps"));
+            EXPECT_FALSE(TextOf(Copy, QStringLiteral("lblCopied")).isEmpty());
+            const PanelClass& copied = Site().Panel(target);
+            EXPECT_EQ(copied.Numero(), target);
+            EXPECT_EQ(copied.Channel(3).ScreenText(), QStringLiteral("Pump 3"));
+            EXPECT_TRUE(copied.Active());
+            EXPECT_FALSE(copied.Present());
+            EXPECT_EQ(copied.Channel(3).State(), 0);
+        }
+    });
+    EXPECT_TRUE(boxes.isEmpty()) << "nothing is asked";
+    EXPECT_EQ(TextOf(List, QStringLiteral("lblLblPan_2")), QStringLiteral("Pumps"));
+    ConfigClass saved;
+    EXPECT_EQ(saved.Read(CurrentConfigFile()), 0);
+    EXPECT_EQ(saved.Panel(4).Title(), QStringLiteral("Pumps"));
+    EXPECT_EQ(saved.Panel(4).Numero(), 4);
+    EXPECT_TRUE(Site().Modified());
+}

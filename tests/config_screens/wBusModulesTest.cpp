@@ -1,0 +1,232 @@
+// The list of the panels: its tiles and pages, the ways out of it, and the sheet of the channels.
+
+#include "ConfigScreensFixture.h"
+#include "config_screens/panels/PanelTitle.h"
+#include "screens/touch/Colours.h"
+#include "support/Script.h"
+
+#include <QLineEdit>
+#include <QListWidget>
+
+namespace {
+
+const QString List = FormNames::wBusModules;
+const QString Picker = FormNames::dlgFilePicker;
+const QString Keyboard = FormNames::dlgKeyboard;
+const QString Import = QStringLiteral("imgImportExport_0");
+const QString Export = QStringLiteral("imgImportExport_1");
+
+class BusModulesTest : public ConfigScreensTest {
+protected:
+    static QString Part(const char* array, int tile) {
+        return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(tile);
+    }
+    static QString Text(const char* array, int tile) { return TextOf(List, Part(array, tile)); }
+    static bool Crossed(int tile) { return !Child(List, Part("imgCroix", tile))->isHidden(); }
+    static void Turn(int way) { Tap(List, Part("imgNavig", way)); }
+    /// The first number of the page, and which arrows are enabled.
+    static QString Page() {
+        const auto enabled = [](int way) {
+            return Child(List, Part("imgNavig", way))->isEnabled() ? QStringLiteral("+")
+                                                                   : QStringLiteral("-");
+        };
+        return enabled(1) + Text("lblNumPan", 0) + enabled(2);
+    }
+    void Confirm(const QString& name) {
+        script.On(Keyboard, [name] {
+            Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"))->setText(name);
+            Tap(Keyboard, QStringLiteral("imgControl_1"));
+        });
+    }
+    QString InFolder(const char* name) const { return Path(QString::fromLatin1(name)); }
+    /// Takes a file of the run folder that is there, by its name.
+    void Choose(const QString& name) {
+        script.On(Picker, [name] {
+            auto* files = Find<QListWidget>(Picker, QStringLiteral("lstFiles"));
+            const QListWidgetItem* file = files->findItems(name, Qt::MatchExactly).value(0);
+            ASSERT_NE(file, nullptr);
+            files->scrollToItem(file);
+            QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                              files->visualItemRect(file).center());
+            QCoreApplication::processEvents();
+            Tap(Picker, QStringLiteral("imgControl_1"));
+        });
+    }
+    void SaveAs(const QString& name) {
+        script.On(Picker, [this, name] {
+            script.Next(Keyboard, [name] {
+                Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"))->setText(name);
+                Tap(Keyboard, QStringLiteral("imgControl_1"));
+            });
+            Tap(Picker, QStringLiteral("imgName"));
+            Tap(Picker, QStringLiteral("imgControl_1"));
+        });
+    }
+    static QByteArray Content(const QString& path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+    static void Write(const QString& path, const QByteArray& bytes) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    Script script;
+};
+
+} // namespace
+
+TEST_F(BusModulesTest, TilesShowThePanelsOfAPage) {
+    PanelClass& panel = Site().Panel(18);
+    panel.setModel(2);
+    panel.setTitle(QStringLiteral("Pumps|north"));
+    Site().Panel(19).setActive(true);
+    Site().Panel(20).setModel(1);
+    Site().Panel(20).setActive(true);
+    Forms::Show(List);
+    EXPECT_EQ(Page(), QStringLiteral("-01+"));
+    Turn(1);
+    EXPECT_EQ(Page(), QStringLiteral("-01+"));
+    Turn(2);
+    EXPECT_EQ(Page(), QStringLiteral("+17+"));
+    EXPECT_EQ(Text("lblNumPan", 15), QStringLiteral("32"));
+    EXPECT_EQ(Text("lblTypePan", 1), QStringLiteral("Q6200XT"));
+    EXPECT_EQ(Text("lblLblPan", 1), QStringLiteral("Pumps\nnorth"));
+    EXPECT_EQ(Text("lblTypePan", 2), QStringLiteral("-----"));
+    EXPECT_TRUE(Crossed(1)) << "a model that isn't active";
+    EXPECT_TRUE(Crossed(2)) << "active without a model";
+    EXPECT_FALSE(Crossed(3));
+    Turn(2);
+    Turn(2);
+    Turn(2);
+    EXPECT_EQ(Page(), QStringLiteral("+49-"));
+    EXPECT_EQ(Text("lblNumPan", 15), QStringLiteral("64"));
+}
+
+TEST_F(BusModulesTest, BeginsAtThePageOfTheSettings) {
+    const QPair<const char*, const char*> pages[] = {{"33", "+33+"}, {"49", "+49-"}, {"64", "+49-"},
+                                                     {"20", "+17+"}, {"0", "-01+"},  {"x", "-01+"}};
+    for (const auto& [setting, page] : pages) {
+        IniWrite(QStringLiteral("General"), QStringLiteral("PanelPage"),
+                 QString::fromLatin1(setting));
+        Forms::Show(List);
+        EXPECT_EQ(Page(), QString::fromLatin1(page)) << setting;
+        Forms::Unload(List);
+        RemoveUnloaded();
+    }
+}
+
+TEST_F(BusModulesTest, TitlesOfAnyColourAndLengthCanBeRead) {
+    const qint32 colours[] = {0xFFFF, 0xFF0000, 0x808080, 0, 0xFF, 0x44372C, 0xFFFFFF};
+    for (int tile = 0; tile < 7; ++tile) {
+        Site().Panel(tile + 1).setTitle(QString(PanelClass::MaxTitle, u'W'));
+        Site().Panel(tile + 1).setTitleColor(colours[tile]);
+    }
+    Site().Panel(8).setTitle(QStringLiteral("Main switchboard of the water treatment"));
+    Forms::Show(List);
+    for (int tile = 0; tile < 7; ++tile) {
+        const auto* title = Find<PanelTitle>(List, Part("lblLblPan", tile));
+        EXPECT_EQ(title->Ink(), Colours::FromBgr(colours[tile]));
+        EXPECT_GE(Colours::Contrast(title->Ink(), title->Ground()), 4.5) << tile;
+        EXPECT_EQ(title->Lines().size(), 3);
+        EXPECT_TRUE(title->Lines().last().endsWith(QChar(0x2026)));
+    }
+    EXPECT_EQ(Find<PanelTitle>(List, Part("lblLblPan", 7))->Lines().join(u' '),
+              Site().Panel(8).Title());
+}
+
+TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
+    const QPair<const char*, int> parts[] = {{"imgPanneau", 0},
+                                             {"lblNumPan", 3},
+                                             {"lblTypePan", 7},
+                                             {"lblLblPan", 11},
+                                             {"imgCroix", 15}};
+    for (const auto& [array, tile] : parts) {
+        Forms::Show(List);
+        Turn(2);
+        Tap(List, Part(array, tile));
+        EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblNumModule_0")),
+                  QString::number(17 + tile));
+        EXPECT_EQ(NbInstances(List), 0) << array;
+        Forms::Unload(FormNames::wBusPanneau);
+        RemoveUnloaded();
+    }
+    const QPair<const char*, QString> ways[] = {{"imgMiroirs", FormNames::wBusMiroirs},
+                                                {"lblMiroirs", FormNames::wBusMiroirs},
+                                                {"imgNavig_0", FormNames::wMain}};
+    for (const auto& [control, form] : ways) {
+        Forms::Show(List);
+        Tap(List, QString::fromLatin1(control));
+        EXPECT_TRUE(NbInstances(form) == 1 && NbInstances(List) == 0) << control;
+        Forms::Unload(form);
+        RemoveUnloaded();
+    }
+}
+
+TEST_F(BusModulesTest, TheKeyboardTurnsToAPanel) {
+    Forms::Show(List);
+    Confirm(QStringLiteral("50"));
+    QTest::keyClick(Screen(List), Qt::Key_F12);
+    EXPECT_EQ(Page(), QStringLiteral("+49-"));
+    script.On(Keyboard, [] { Tap(Keyboard, QStringLiteral("imgControl_0")); });
+    QTest::keyClick(Screen(List), Qt::Key_F12);
+    EXPECT_EQ(Page(), QStringLiteral("+49-"));
+}
+
+TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
+    Site().Panel(5).Channel(6).setScreenText(QStringLiteral("Pump"));
+    Forms::Show(List);
+    SaveAs(QStringLiteral("channels"));
+    Tap(List, Export);
+    EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', QStringLiteral("768")));
+    QByteArray sheet = Content(InFolder("channels.txt"));
+    EXPECT_TRUE(sheet.contains("Pump\t"));
+    Site().setModified(false);
+    Write(InFolder("channels.txt"), sheet.replace("Pump", "D\xC3\xA9"
+                                                          "bit"));
+    Choose(QStringLiteral("channels.txt"));
+    Tap(List, Import);
+    EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), QStringLiteral("Débit"));
+    EXPECT_TRUE(Site().Modified());
+    EXPECT_FALSE(QFile::exists(CurrentConfigFile()));
+    EXPECT_EQ(boxes.last(), GetText(300511)
+                                    .replace(QStringLiteral("$1"), QStringLiteral("768"))
+                                    .replace(QStringLiteral("$2"), QStringLiteral("1")) +
+                                QStringLiteral("\r\n") + GetText(300513));
+    // A text that the sheet can't give back is told at once.
+    Site().Panel(7).Channel(8).setPrintText(QStringLiteral("a\tb"));
+    SaveAs(QStringLiteral("torn"));
+    Tap(List, Export);
+    EXPECT_TRUE(boxes.last().endsWith(GetText(300514)
+                                          .replace(QStringLiteral("$1"), QStringLiteral("7"))
+                                          .replace(QStringLiteral("$2"), QStringLiteral("8"))));
+    EXPECT_EQ(styles.last(), Messages::Warning);
+}
+
+TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
+    Write(InFolder("bad.txt"), "1\t1\t1\t0\t0\t0\t5\t1\t0\t0\t0\t0\tPump\tPump\n"
+                               "1\t2\t1\t0\t0\t0\t100\t1\t0\t0\t0\t0\tPump\tPump\n");
+    Forms::Show(List);
+    Choose(QStringLiteral("bad.txt"));
+    Tap(List, Import);
+    ASSERT_EQ(boxes.size(), 2);
+    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Error Nr 380")));
+    EXPECT_TRUE(boxes[0].endsWith(QStringLiteral("Object : imgImportExport\r\nEvent : Click")));
+    EXPECT_TRUE(boxes[1].endsWith(GetText(300512)
+                                      .replace(QStringLiteral("$1"), QStringLiteral("2"))
+                                      .replace(QStringLiteral("$2"), QStringLiteral("Prio"))));
+    EXPECT_EQ(Site().Panel(1).Channel(1).AlmPrio(), 5);
+    EXPECT_FALSE(Site().Panel(1).Channel(2).Modified());
+}
+
+TEST_F(BusModulesTest, AnAlarmTakesTheChoiceOfAFileAway) {
+    for (const QString& image : {Import, Export}) {
+        Forms::Show(List);
+        script.On(Picker, [] { AlarmComes(); });
+        Tap(List, image);
+        EXPECT_EQ(NbInstances(List) + NbInstances(Picker), 0);
+        EXPECT_TRUE(boxes.isEmpty());
+    }
+}
