@@ -1,0 +1,267 @@
+// The editors of mirror rules: what a rule may be, and what becomes of the working lists.
+
+#include "ConfigScreensFixture.h"
+#include "config_screens/mirrors/dlgEditMirror.h"
+#include "config_screens/mirrors/wBusMiroirs.h"
+#include "config_screens/mirrors/wBusMirrorOne.h"
+#include "config_screens/panel/wBusPanneau.h"
+#include "screens/touch/TouchTable.h"
+#include "screens/touch/ValueLabel.h"
+
+namespace {
+
+const QString Table = FormNames::wBusMiroirs;
+const QString One = FormNames::wBusMirrorOne;
+const QString Dialog = FormNames::dlgEditMirror;
+const QString Panel = FormNames::wBusPanneau;
+
+enum Arrow { SourceDown, SourceUp, ChannelDown, ChannelUp, TargetDown, TargetUp, ToDown, ToUp };
+enum Answer { Cancel, Confirm };
+
+class MirrorScreensTest : public ConfigScreensTest {
+protected:
+    /// Panels 1 to 5 of models 1 to 5, panel 6 of none.
+    MirrorScreensTest() {
+        for (int model = 1; model <= 5; ++model)
+            AddPanel(model, model);
+        answer = Messages::Ok;
+    }
+    static void Add(int from, int fromChannel, int to, int toChannel, int kind = 1) {
+        Site().Mirrors().Add(qint16(from), qint16(fromChannel), qint16(to), qint16(toChannel),
+                             qint16(kind));
+    }
+    static void Press(int arrow, int times = 1) {
+        while (times-- > 0)
+            Tap(Dialog, QStringLiteral("imgPlusMoins_%1").arg(arrow));
+    }
+    static void Reply(int reply) { Tap(Dialog, QStringLiteral("imgControl_%1").arg(reply)); }
+    /// Source and target as the dialog shows them.
+    static QString Shown() {
+        QStringList texts;
+        for (const char* label : {"lblSrceModNo", "lblSrceChnlNo", "lblDestModNo", "lblDestChnlNo"})
+            texts += TextOf(Dialog, QLatin1String(label));
+        return texts.join(u'/');
+    }
+    static bool IsEnabled(const char* control) {
+        return Child(Dialog, QLatin1String(control))->isEnabled();
+    }
+    /// Goes from an empty dialog, or from one that stands on lower panels, to both ends of a rule.
+    static void Enter(int from, int fromChannel, int to, int toChannel) {
+        const auto number = [](const char* label) {
+            return Find<ValueLabel>(Dialog, QLatin1String(label))->Number();
+        };
+        Press(SourceUp, from - number("lblSrceModNo"));
+        Press(ChannelUp, fromChannel - number("lblSrceChnlNo"));
+        Press(TargetUp, to - number("lblDestModNo"));
+        Press(ToUp, toChannel - number("lblDestChnlNo"));
+    }
+    static TouchTable* Rows() { return Find<TouchTable>(Table, QStringLiteral("lvwMirrors")); }
+    static QString Ids() {
+        QStringList ids;
+        for (const MirrorClass& rule : Site().Mirrors())
+            ids += rule.ID();
+        return ids.join(u' ');
+    }
+    void LeaveTable(int reply) {
+        answer = reply;
+        Tap(Table, QStringLiteral("imgNavig_0"));
+        RemoveUnloaded();
+    }
+    /// Opens the mirrors of a panel from its editor and does something there.
+    void InMirrorsOf(int panel, const std::function<void()>& act) {
+        if (Screen(Panel) == nullptr) {
+            Forms::Load(Panel);
+            dynamic_cast<wBusPanneau*>(Screen(Panel))->setNumModule(qint16(panel));
+            Forms::Show(Panel);
+        }
+        script.On(One, [act] {
+            act();
+            Tap(One, QStringLiteral("imgNavig_5"));
+        });
+        Tap(Panel, QStringLiteral("imgNavig_12"));
+        RemoveUnloaded();
+    }
+    static QStringList Lines(const char* list) {
+        QStringList lines;
+        auto* widget = Find<QListWidget>(One, QLatin1String(list));
+        for (int row = 0; row < widget->count(); ++row)
+            lines += widget->item(row)->text();
+        return lines;
+    }
+
+    Script script;
+};
+
+} // namespace
+
+TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
+    Forms::Show(Table);
+    script.On(Dialog, [&] {
+        Press(ChannelUp);
+        EXPECT_EQ(Shown(), QStringLiteral("///")) << "no panel, no channel";
+        Reply(Confirm);
+        EXPECT_EQ(boxes.last(), GetText(20006));
+        Press(SourceUp);
+        Press(ChannelUp, 30);
+        Press(TargetUp, 2);
+        Press(ToUp, 30);
+        EXPECT_EQ(Shown(), QStringLiteral("1/12/2/24"));
+        Press(ChannelDown, 30);
+        EXPECT_EQ(Shown(), QStringLiteral("1/All/2/"));
+        EXPECT_FALSE(IsEnabled("frmType") || IsEnabled("frmDestChnl"));
+        Press(SourceUp);
+        EXPECT_EQ(Shown(), QStringLiteral("2/All/2/")) << "as a whole only";
+        EXPECT_FALSE(IsEnabled("imgPlusMoins_2") || IsEnabled("imgPlusMoins_3"));
+        Press(SourceUp);
+        Press(ChannelUp);
+        EXPECT_TRUE(IsEnabled("frmType") && IsEnabled("frmDestChnl"));
+        Press(TargetUp, 2);
+        EXPECT_EQ(Shown(), QStringLiteral("3/1/4/---")) << "no channel to address";
+        boxes.clear();
+        Reply(Confirm);
+        EXPECT_EQ(boxes, QStringList{GetText(20006)});
+        for (const int without : {4, 5, 6}) {
+            Press(SourceUp);
+            EXPECT_EQ(Shown(), QStringLiteral("%1//4/---").arg(without));
+            Reply(Confirm);
+        }
+        EXPECT_EQ(boxes.size(), 4) << "no sources";
+        Press(SourceDown, 4);
+        EXPECT_EQ(Shown(), QStringLiteral("2/All/4/---"));
+        Reply(Confirm);
+    });
+    Tap(Table, QStringLiteral("imgNew"));
+    EXPECT_EQ(Rows()->CurrentTag(), QStringLiteral("02000400"));
+    LeaveTable(Messages::Yes);
+    EXPECT_EQ(Ids(), QStringLiteral("02000400"));
+    EXPECT_EQ(Site().Mirrors().Item(1).MirrorType(), MirrorClass::NoKind);
+}
+
+TEST_F(MirrorScreensTest, ARefusedRuleIsAskedForAgain) {
+    Add(1, 1, 2, 1);
+    Add(2, 1, 3, 1);
+    Forms::Show(Table);
+    script.On(Dialog, [&] {
+        Enter(1, 1, 2, 1);
+        Tap(Dialog, QStringLiteral("optType_2"));
+        script.Next(Dialog, [&] {
+            EXPECT_EQ(boxes.takeLast(), GetText(20005)) << "another kind is the same rule";
+            EXPECT_EQ(Shown(), QStringLiteral("1/1/2/1"));
+            Enter(3, 1, 1, 1);
+            Press(TargetDown);
+            Press(ToUp);
+            script.Next(Dialog, [&] {
+                EXPECT_EQ(boxes.takeLast(), GetText(20010)) << "a circle";
+                Press(ToUp);
+                Reply(Confirm);
+            });
+            Reply(Confirm);
+        });
+        Reply(Confirm);
+    });
+    Site().Panel(2).setModel(1);
+    Tap(Table, QStringLiteral("imgNew"));
+    EXPECT_TRUE(boxes.isEmpty());
+    EXPECT_EQ(Rows()->RowCount(), 3);
+    script.On(Dialog, [&] {
+        EXPECT_EQ(Shown(), QStringLiteral("3/1/1/2"));
+        Tap(Dialog, QStringLiteral("optType_2"));
+        Reply(Confirm);
+    });
+    Tap(Table, QStringLiteral("imgModif"));
+    EXPECT_TRUE(boxes.isEmpty()) << "the same end points with another kind, of the rule itself";
+    LeaveTable(Messages::Yes);
+    ASSERT_EQ(Ids(), QStringLiteral("01010201 02010301 03010102"));
+    EXPECT_EQ(Site().Mirrors().Item(3).MirrorType(), MirrorClass::Pulse);
+}
+
+TEST_F(MirrorScreensTest, TheTableIsAWorkingListOfItsOwn) {
+    Add(1, 0, 2, 0, 0);
+    Add(1, 7, 2, 8);
+    Forms::Show(Table);
+    const auto row = [](int number) {
+        QStringList cells;
+        for (int column = 0; column < 7; ++column)
+            cells += Rows()->Cell(number, column);
+        return cells.join(u'/');
+    };
+    EXPECT_EQ(row(0), QStringLiteral("Q7100/1/---/Q6200XT/2//%1").arg(GetText(510300)));
+    EXPECT_EQ(row(1), QStringLiteral("Q7100/1/7/Q6200XT/2/8/%1").arg(GetText(510301)));
+    Tap(Table, QStringLiteral("imgDelete"));
+    EXPECT_EQ(boxes.takeLast(), GetText(30004));
+    Rows()->SelectTag(QStringLiteral("01000200"));
+    EXPECT_FALSE(Child(Table, QStringLiteral("imgNavig_1"))->isEnabled());
+    Tap(Table, QStringLiteral("imgNavig_2"));
+    EXPECT_FALSE(Child(Table, QStringLiteral("imgNavig_2"))->isEnabled());
+    answer = Messages::Cancel;
+    Tap(Table, QStringLiteral("imgDelete"));
+    EXPECT_EQ(Rows()->RowCount(), 2);
+    answer = Messages::Ok;
+    Tap(Table, QStringLiteral("imgDelete"));
+    EXPECT_EQ(Rows()->RowCount(), 1);
+    EXPECT_EQ(Site().Mirrors().Count(), 2);
+    AlarmComes();
+    Forms::Show(Table);
+    EXPECT_EQ(Rows()->RowCount(), 1) << "an alarm loses no edit";
+    EXPECT_FALSE(Child(Table, QStringLiteral("lblKept"))->isHidden());
+    Tap(Table, QStringLiteral("imgCancel"));
+    EXPECT_EQ(Rows()->RowCount(), 2);
+    boxes.clear();
+    LeaveTable(Messages::Cancel);
+    EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
+    EXPECT_EQ(Ids(), QStringLiteral("01000200 01070208"));
+}
+
+TEST_F(MirrorScreensTest, AChannelShowsBothItsSides) {
+    Site().Panel(2).setTitle(QStringLiteral("Display"));
+    Add(1, 1, 2, 9, 2);
+    Add(1, 0, 4, 0, 0);
+    Add(3, 11, 1, 1);
+    InMirrorsOf(1, [&] {
+        EXPECT_EQ(Lines("lstTo"), QStringList{QStringLiteral("I-P02-C09  Display")});
+        EXPECT_EQ(Lines("lstFrom"), QStringList{QStringLiteral("P-P03-C11  ")});
+        Tap(One, QStringLiteral("imgControl_0"));
+        EXPECT_EQ(Lines("lstTo"), QStringList{QStringLiteral("M-P04-All  ")});
+        EXPECT_EQ(TextOf(One, QStringLiteral("lblChannel")), QStringLiteral("All"));
+        Tap(One, QStringLiteral("imgControl_1"));
+        Tap(One, QStringLiteral("imgControl_1"));
+        EXPECT_EQ(TextOf(One, QStringLiteral("lblChannel")), QStringLiteral("2"));
+        EXPECT_TRUE(Lines("lstTo").isEmpty() && Lines("lstFrom").isEmpty());
+    });
+    Forms::Unload(Panel);
+    RemoveUnloaded();
+    InMirrorsOf(2, [&] {
+        EXPECT_EQ(TextOf(One, QStringLiteral("lblChannel")), QStringLiteral("All"));
+        EXPECT_FALSE(Child(One, QStringLiteral("imgControl_1"))->isEnabled());
+    });
+}
+
+TEST_F(MirrorScreensTest, RulesOfAChannelReachTheSiteWithItsPanel) {
+    Add(1, 1, 2, 1);
+    InMirrorsOf(1, [&] {
+        Tap(One, QStringLiteral("imgDelete"));
+        EXPECT_EQ(boxes.takeLast(), GetText(30006).replace(QStringLiteral("$$$"), GetText(520120)));
+        script.On(Dialog, [&] {
+            EXPECT_TRUE(Child(Dialog, QStringLiteral("imgPlusMoins_0"))->isHidden());
+            Enter(1, 1, 2, 1);
+            Reply(Confirm);
+        });
+        Tap(One, QStringLiteral("imgNew"));
+        EXPECT_EQ(boxes.takeLast(), GetText(20005)) << "and the dialog is gone";
+        EXPECT_EQ(Forms::Find(Dialog), nullptr);
+        script.On(Dialog, [&] {
+            Enter(1, 1, 3, 12);
+            Reply(Confirm);
+        });
+        Tap(One, QStringLiteral("imgNew"));
+        ASSERT_EQ(Lines("lstTo").size(), 2);
+        Find<QListWidget>(One, QStringLiteral("lstTo"))->setCurrentRow(0);
+        Tap(One, QStringLiteral("imgDelete"));
+        EXPECT_EQ(Lines("lstTo").size(), 1);
+    });
+    EXPECT_EQ(Ids(), QStringLiteral("01010201")) << "the site's own list waits for the answer";
+    answer = Messages::Yes;
+    Tap(Panel, QStringLiteral("imgNavig_5"));
+    EXPECT_EQ(boxes.last(), GetText(30010));
+    EXPECT_EQ(Ids(), QStringLiteral("01010312"));
+}

@@ -1,0 +1,284 @@
+// The editor of a panel: what it shows and stores, its clipboard, the ways out of it.
+
+#include "config_screens/panel/wBusPanneau.h"
+#include "ConfigScreensFixture.h"
+#include "config_screens/panel/ChannelParameters.h"
+#include "config_screens/panel/dlgColour.h"
+#include "model/Models.h"
+#include "screens/touch/Colours.h"
+#include "screens/touch/ValueLabel.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <set>
+
+using namespace ChannelParameters;
+
+namespace {
+
+const QString Form = FormNames::wBusPanneau;
+const QString Keyboard = FormNames::dlgKeyboard;
+
+enum Place { OnScreen = 2, Kind = 4, Priority = 6, Delay = 11, ScreenText = 12 };
+enum Image { Back, On, Copy, Paste, Cut, Clear };
+
+class BusPanneauTest : public ConfigScreensTest {
+protected:
+    static void Open(int number) {
+        Forms::Load(Form);
+        dynamic_cast<wBusPanneau*>(Screen(Form))->setNumModule(qint16(number));
+        Forms::Show(Form);
+    }
+    static QString Name(const char* array, int index) {
+        return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(index);
+    }
+    static QString Value(int parameter) { return TextOf(Form, Name("lblParamVal", parameter)); }
+    static void Touch(int image) { Tap(Form, Name("imgControl", image)); }
+    static void GoTo(int channel) {
+        const int from = Value(Number).toInt();
+        for (int i = 0; i < qAbs(channel - from); ++i)
+            Touch(channel > from ? On : Back);
+        EXPECT_EQ(Value(Number), QString::number(channel));
+    }
+    /// Changes a parameter by its button, from the list or with the keyboard.
+    void Set(int parameter, const QString& value) {
+        Tap(Form, Name("lblParamVal", parameter));
+        if (All()[parameter].list != nullptr) {
+            Choose(Form, QStringLiteral("imgModif"), value);
+            return;
+        }
+        script.On(Keyboard, [value] {
+            auto* line = Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"));
+            EXPECT_EQ(line->maxLength(), 40);
+            line->setText(value);
+            Tap(Keyboard, QStringLiteral("imgControl_1"));
+        });
+        Tap(Form, QStringLiteral("imgModif"));
+    }
+    void Leave(int reply) {
+        answer = reply;
+        Tap(Form, Name("imgNavig", 5));
+        RemoveUnloaded();
+        Forms::Unload(FormNames::wBusModules);
+        RemoveUnloaded();
+    }
+    static bool Enabled(const char* array, int index) {
+        return Child(Form, Name(array, index))->isEnabled();
+    }
+
+    Script script;
+};
+
+} // namespace
+
+TEST_F(BusPanneauTest, EachParameterIsStoredWhereItBelongs) {
+    AddPanel(3, 1);
+    Site().setBiblio(7, QStringLiteral("Pumps"));
+    Open(3);
+    GoTo(5);
+    const QPair<int, QString> values[] = {{Title, QStringLiteral("Pump|room")},
+                                          {OnScreen, GetText(10002)},
+                                          {3, GetText(10002)},
+                                          {Kind, GetText(300312, true)},
+                                          {5, GetText(10002)},
+                                          {Priority, QStringLiteral("99")},
+                                          {7, GetText(10002)},
+                                          {Library, QStringLiteral("7")},
+                                          {Instruction, QStringLiteral("48")},
+                                          {10, GetText(10002)},
+                                          {Delay, QStringLiteral("36:00")},
+                                          {ScreenText, QStringLiteral("Pump 5")},
+                                          {13, QStringLiteral("Paper 5")}};
+    for (const auto& [parameter, value] : values)
+        Set(parameter, value);
+    GoTo(6);
+    EXPECT_NE(Value(ScreenText), QStringLiteral("Pump 5"));
+    GoTo(5);
+    for (const auto& [parameter, value] : values)
+        EXPECT_EQ(Value(parameter), value) << parameter;
+    const auto* texts = Find<QListWidget>(Form, QStringLiteral("lstBiblio"));
+    EXPECT_EQ(texts->currentItem()->text(), QStringLiteral("Pumps"));
+    EXPECT_EQ(Site().Panel(3).Title(), QString()) << "nothing reaches the site before the answer";
+    Leave(Messages::Yes);
+    const PanelClass& panel = Site().Panel(3);
+    const ChannelClass& channel = panel.Channel(5);
+    EXPECT_EQ(panel.Title(), QStringLiteral("Pump|room"));
+    EXPECT_TRUE(channel.ScrAlm() && channel.PrtAlm() && channel.Klaxon() && channel.Histo() &&
+                channel.React());
+    EXPECT_EQ(channel.TypeImp(), 2);
+    EXPECT_EQ(channel.AlmPrio(), 99);
+    EXPECT_EQ(channel.BibNum(), 7);
+    EXPECT_EQ(channel.HelpNum(), 48);
+    EXPECT_EQ(ReactivTime(channel.ReactTpo()), QStringLiteral("36:00"));
+    EXPECT_EQ(channel.ScreenText(), QStringLiteral("Pump 5"));
+    EXPECT_EQ(channel.PrintText(), QStringLiteral("Paper 5"));
+    ConfigClass saved;
+    EXPECT_EQ(saved.Read(CurrentConfigFile()), 0);
+    EXPECT_EQ(saved.Panel(3).Channel(5).PrintText(), QStringLiteral("Paper 5"));
+}
+
+TEST_F(BusPanneauTest, ThePointerStepsOverTheChannelNumber) {
+    AddPanel(1, 1);
+    Open(1);
+    EXPECT_FALSE(Enabled("imgNavig", 1));
+    Tap(Form, Name("lblParamVal", Number));
+    script.On(Keyboard, [] { Tap(Keyboard, QStringLiteral("imgControl_0")); });
+    Tap(Form, QStringLiteral("imgModif"));
+    const auto pointed = [] {
+        for (int i = 0; i < All().size(); ++i) {
+            if (Find<ValueLabel>(Form, Name("lblParamVal", i))->IsPointed())
+                return i;
+        }
+        return -1;
+    };
+    EXPECT_EQ(pointed(), int(Title));
+    Tap(Form, Name("imgNavig", 2));
+    EXPECT_EQ(pointed(), int(OnScreen));
+    Tap(Form, Name("imgNavig", 1));
+    EXPECT_EQ(pointed(), int(Title));
+    Tap(Form, Name("lblParamVal", 13));
+    EXPECT_FALSE(Enabled("imgNavig", 2));
+}
+
+TEST_F(BusPanneauTest, AChannelIsCarriedToAnotherPanel) {
+    AddPanel(1, 1).Channel(2).setScreenText(QStringLiteral("Carried"));
+    AddPanel(2, 3).Channel(12).setScreenText(QStringLiteral("Old"));
+    Site().Panel(2).Channel(13).setScreenText(QStringLiteral("Beyond"));
+    Open(1);
+    GoTo(2);
+    Touch(Cut);
+    EXPECT_EQ(Value(ScreenText).trimmed(), QString());
+    Leave(Messages::No);
+    EXPECT_EQ(Site().Panel(1).Channel(2).ScreenText(), QStringLiteral("Carried"));
+    Open(2);
+    for (int i = 0; i < 30; ++i)
+        Touch(On);
+    EXPECT_EQ(Value(Number), QString::number(Site().Panel(2).ChannelCount()));
+    GoTo(12);
+    Touch(Paste);
+    EXPECT_EQ(Value(ScreenText), QStringLiteral("Carried"));
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().Panel(2).Channel(12).ScreenText(), QStringLiteral("Carried"));
+    EXPECT_EQ(Site().Panel(2).Channel(13).ScreenText(), QStringLiteral("Beyond"));
+}
+
+TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
+    AddPanel(1, 1);
+    for (const auto& [from, to] : {QPair{1, 2}, QPair{3, 1}, QPair{3, 2}})
+        Site().Mirrors().Add(qint16(from), 1, qint16(to), 1, 1);
+    Open(1);
+    answer = Messages::Cancel;
+    Tap(Form, QStringLiteral("imgModele"));
+    EXPECT_EQ(boxes.last(), GetText(30011));
+    EXPECT_EQ(styles.last(), 49);
+    EXPECT_EQ(Site().Mirrors().Count(), 3);
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModele")), ModuleName(1));
+    answer = Messages::Ok;
+    Tap(Form, QStringLiteral("imgModele"));
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModele")), ModuleName(2));
+    ASSERT_EQ(Site().Mirrors().Count(), 1);
+    EXPECT_EQ(Site().Mirrors().Item(1).FromModule(), 3);
+    const qsizetype asked = boxes.size();
+    const auto wayToMirrors = [] {
+        return Child(Form, QStringLiteral("lblVisuTcde"))->isHidden()
+                   ? QString()
+                   : TextOf(Form, QStringLiteral("lblVisuTcde"));
+    };
+    Tap(Form, QStringLiteral("imgModele"));
+    EXPECT_EQ(wayToMirrors(), GetText(300130));
+    Tap(Form, QStringLiteral("imgModele"));
+    EXPECT_EQ(wayToMirrors(), GetText(300131)) << "a remote-controlled model";
+    Tap(Form, QStringLiteral("imgModele"));
+    Tap(Form, QStringLiteral("imgModele"));
+    EXPECT_EQ(wayToMirrors(), QString()) << "from the last back to none";
+    EXPECT_EQ(boxes.size(), asked) << "in no mirror any more";
+    Leave(Messages::No);
+    EXPECT_EQ(Site().Panel(1).Model(), 1);
+    EXPECT_EQ(Site().Mirrors().Count(), 1);
+}
+
+TEST_F(BusPanneauTest, WhatTheBusFoundOutMeanwhileStays) {
+    PanelClass& panel = AddPanel(1, 1);
+    Open(1);
+    Set(ScreenText, QStringLiteral("Pump"));
+    panel.Channel(1).setState(5);
+    panel.setPresent(false);
+    answer = Messages::Yes;
+    Tap(Form, Name("imgNavPanel", 2));
+    EXPECT_EQ(panel.Channel(1).ScreenText(), QStringLiteral("Pump"));
+    EXPECT_EQ(panel.Channel(1).State(), 5);
+    EXPECT_FALSE(panel.Present());
+    EXPECT_EQ(TextOf(Form, Name("lblNumModule", 0)), QStringLiteral("2"));
+}
+
+TEST_F(BusPanneauTest, ClearAndUndoTouchTheDraftOnly) {
+    AddPanel(64, 2).setTitle(QStringLiteral("Pumps"));
+    Open(64);
+    EXPECT_FALSE(Enabled("imgNavPanel", 2));
+    Tap(Form, QStringLiteral("imgActive"));
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblActive")), GetText(300120));
+    Tap(Form, QStringLiteral("imgCancel"));
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblActive")), GetText(300121));
+    Leave(Messages::Cancel);
+    EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
+    Open(64);
+    Tap(Form, QStringLiteral("imgClear"));
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModele")), ModuleName(0));
+    Leave(Messages::Cancel);
+    EXPECT_EQ(Site().Panel(64).Model(), 2);
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().Panel(64).Model(), 0);
+    EXPECT_EQ(Site().Panel(64).Numero(), 64);
+}
+
+TEST_F(BusPanneauTest, AnEditAnAlarmTookAwayComesBackOnItsPanel) {
+    AddPanel(1, 1);
+    AddPanel(2, 1);
+    Open(1);
+    Set(ScreenText, QStringLiteral("Kept"));
+    AlarmComes();
+    EXPECT_TRUE(boxes.isEmpty());
+    const auto told = [] { return !Child(Form, QStringLiteral("lblKept"))->isHidden(); };
+    Open(2);
+    EXPECT_FALSE(told());
+    Leave(Messages::No);
+    Open(1);
+    EXPECT_TRUE(told());
+    EXPECT_EQ(Value(ScreenText), QStringLiteral("Kept"));
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().Panel(1).Channel(1).ScreenText(), QStringLiteral("Kept"));
+    Open(1);
+    Set(ScreenText, QStringLiteral("Stale"));
+    AlarmComes();
+    Site().Panel(1).Channel(1).setScreenText(QStringLiteral("Changed elsewhere"));
+    Open(1);
+    EXPECT_FALSE(told());
+    EXPECT_EQ(Value(ScreenText), QStringLiteral("Changed elsewhere"));
+}
+
+TEST_F(BusPanneauTest, ATitleTakesAColourOfThePaletteOnWhichItIsRead) {
+    AddPanel(1, 1);
+    Open(1);
+    const QString palette = QStringLiteral("dlgColour");
+    std::set<QRgb> colours;
+    script.On(palette, [&] {
+        for (int cell = 0; cell < dlgColour::ColourCount; ++cell) {
+            auto* button = Find<QPushButton>(palette, Name("cmdColour", cell));
+            const QColor colour = button->grab().toImage().pixelColor(8, 8);
+            colours.insert(colour.rgb());
+            EXPECT_GE(Colours::Contrast(colour, Colours::InkOn(colour)), 4.5) << cell;
+            EXPECT_GE(qMin(button->width(), button->height()), 48);
+        }
+        Tap(palette, Name("cmdColour", 4));
+        Tap(palette, QStringLiteral("imgControl_1"));
+    });
+    Tap(Form, QStringLiteral("lblTitleColor"));
+    EXPECT_GE(colours.size(), 40U);
+    script.On(palette, [palette] {
+        Tap(palette, Name("cmdColour", 1));
+        Tap(palette, QStringLiteral("imgControl_0"));
+    });
+    Tap(Form, QStringLiteral("lblTitleColor"));
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().Panel(1).TitleColor(), 0x0000FF) << "red in the low byte";
+}
