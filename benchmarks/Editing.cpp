@@ -2,19 +2,17 @@
 // seen, and the longest gap between two rounds while somebody taps on them.
 
 #include "Bed.h"
+#include "Touch.h"
 
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
 #include "core/FormNames.h"
-#include "core/Forms.h"
 #include "model/Models.h"
 #include "screens/Screens.h"
 #include "screens/touch/TouchImage.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QMouseEvent>
-#include <QWidget>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <random>
@@ -45,8 +43,7 @@ public:
     }
     ~Bus() {
         engine_->Form_Unload();
-        Forms::UnloadAllBut({});
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        CloseScreens();
     }
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
@@ -66,16 +63,6 @@ private:
     QElapsedTimer since_;
     qint64 longest_ = 0;
 };
-
-void Press(QWidget& control) {
-    const QPointF middle(control.rect().center());
-    const QPointF place = control.mapToGlobal(middle);
-    QMouseEvent press(QEvent::MouseButtonPress, middle, place, Qt::LeftButton, Qt::LeftButton, {});
-    QApplication::sendEvent(&control, &press);
-    QMouseEvent release(QEvent::MouseButtonRelease, middle, place, Qt::LeftButton, Qt::NoButton,
-                        {});
-    QApplication::sendEvent(&control, &release);
-}
 
 /// Whoever waits for an answer gets none: the dialog goes with the next turn of the event loop.
 void CloseDialogs() {
@@ -99,8 +86,7 @@ void GapWhileTapping(benchmark::State& state, const QString& form) {
             auto* screen = dynamic_cast<QWidget*>(Forms::Find(form));
             if (screen == nullptr) {
                 Forms::UnloadAllBut({});
-                Forms::Show(form);
-                screen = dynamic_cast<QWidget*>(Forms::Find(form));
+                screen = OpenScreenOf(form);
             }
             if (screen == nullptr) {
                 state.SkipWithError("the screen isn't there");
