@@ -7,8 +7,6 @@
 #include "core/Trace.h"
 #include "model/CurrentConfig.h"
 
-#include <QStringList>
-
 using ErrorHandling::Guard;
 
 /// A printer that isn't there is told and taken all the same: it may come later. One on the port of
@@ -16,15 +14,16 @@ using ErrorHandling::Guard;
 void wPolling::SetupPrinter() {
     Guard("wPolling.SetupPrinter", [&] {
         const QString settings = Global::Configuration().PrtSettings();
-        const QStringList parts = settings.split(u':');
-        const QString port = parts.value(0);
+        QString port = settings.section(u':', 0, 0);
+        const QString line = settings.section(u':', 1, 1);
         dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };
         dpPrinter_.setAddLF(true);
+        if (port == dpPrinter_.Port() && line == dpPrinter_.Settings())
+            return;
         const bool usable = TestPrintPort(settings);
         if (!usable && (!DirectPrinting::IsPort(port) || IsBusPort(port)))
-            return;
-        dpPrinter_.setPort(port);
-        dpPrinter_.setSettings(parts.value(1));
+            port.clear();
+        paper_.Use(port, line);
     });
 }
 

@@ -84,6 +84,8 @@ public:
     void ConfigurationChanged();
     /// Sets the watch on the operator's input to the site's delay.
     void SetupUserSleep();
+    /// Puts the printer on the site's port, with the line that is to be printed next.
+    void SetupPrinter();
 
     /// Makes PC and modules agree; runs once by itself, with the first start of the bus.
     void SynchroGeneraleBus();
@@ -157,7 +159,6 @@ private:
     void FollowClock();
     void ResetClocks(DateTime now);
     void ReopenLostPort();
-    void SetupPrinter();
     void KeepPrinterOffTheBus();
     void TellPrinterError(const QString& text);
     void UserSleep_UserIsNotHere();

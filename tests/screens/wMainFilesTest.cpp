@@ -185,6 +185,8 @@ TEST_F(wMainFilesTest, AStartFileThatFailsIsToldAndLeavesTheSiteModified) {
 
 TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     AddPanel(3, 1);
+    IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"), QStringLiteral("/dev/null"));
+    Site().setPrtSettings(QStringLiteral("LPT1:"));
     Exchange(North());
     const auto former = std::make_shared<PanelClass>();
     former->setNumero(3);
@@ -208,6 +210,7 @@ TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
     EXPECT_TRUE(engine->UserSleep().Enabled());
     EXPECT_EQ(engine->UserSleep().Count(), 250);
+    EXPECT_EQ(engine->dpPrinter().Port(), QStringLiteral("LPT1"));
     EXPECT_TRUE(engine->Run());
     EXPECT_EQ(TraceLines().filter(QStringLiteral("REINIT")).size(), reinits + 1);
     for (int round = 0; round < 6; ++round) {

@@ -206,6 +206,7 @@ void wMain::ReadSite(const QString& path) {
         polling->ConfigurationChanged();
         polling->ReinitComm();
         polling->SetupUserSleep();
+        polling->SetupPrinter();
     }
 }
 
@@ -218,6 +219,8 @@ void wMain::MakeNewSite() {
     ShowFileName(unnamed);
     setLastUsed(unnamed);
     Global::setConfiguration(std::make_unique<ConfigClass>());
+    if (wPolling* polling = Polling())
+        polling->SetupPrinter();
     SaveCurrent();
     if (IsLoaded(self.data()))
         ShowModified();
