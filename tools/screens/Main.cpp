@@ -2,10 +2,10 @@
 // korvanelle-screens <folder with korvanelle.cfg and korvanelle.dat> <target folder> [<width>
 // <height>]
 
+#include "Shots.h"
+
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
-#include "config_screens/panel/PanelEditor.h"
-#include "config_screens/printer/dlgParamPrinter.h"
 #include "core/Config.h"
 #include "core/Faults.h"
 #include "core/FormNames.h"
@@ -24,11 +24,7 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QWidget>
 #include <cstdio>
-#include <functional>
-#include <utility>
 
 namespace {
 
@@ -51,17 +47,6 @@ void RaiseAlarms(wPolling& engine) {
     }
 }
 
-bool Save(const QString& form, const QString& path) {
-    auto* widget = dynamic_cast<QWidget*>(Forms::Find(form));
-    if (widget == nullptr)
-        return false;
-    // A screen may load what it shows a moment after it stands.
-    QElapsedTimer timer;
-    for (timer.start(); timer.elapsed() < 150;)
-        QApplication::processEvents();
-    return widget->grab().save(path);
-}
-
 /// A day of history for the viewer.
 void WriteHistory() {
     for (int i = 0; i < 40; ++i) {
@@ -72,19 +57,6 @@ void WriteHistory() {
         HistoProcs::HistoEvent(event);
     }
 }
-
-/// One screen, shown, saved and unloaded. The panel editor shows a panel.
-void Take(const QString& form, const QString& path, qint16 panel = 1) {
-    if (auto* editor = dynamic_cast<PanelEditor*>(Forms::Load(form)))
-        editor->setNumModule(panel);
-    Forms::Show(form);
-    if (!Save(form, path))
-        std::fprintf(stderr, "%s: not saved\n", path.toLocal8Bit().constData());
-    Forms::Unload(form);
-    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-using Paths = std::function<QString(const char*)>;
 
 /// The console in each state of the watch and with what can stand on its band.
 void TakeWatch(const Paths& path) {
@@ -139,62 +111,16 @@ void TakeConsole(wPolling& engine, const Paths& path) {
     Forms::Unload(FormNames::wRunAlarms);
 }
 
-/// The printer's screen with each kind of port, and the choice for a class.
-void TakePrinter(const Paths& path) {
-    ConfigClass& site = Global::Configuration();
-    const QString settings = site.PrtSettings();
-    site.setPrinterName(QStringLiteral("escp"));
-    const char* codes[] = {"", "1B", "1", "0", "0B", "2BIU", "2", "3I"};
-    for (int i = 0; i < int(std::size(codes)); ++i)
-        site.setPrinterInitCode(i, QString::fromLatin1(codes[i]));
-    for (const auto& [name, port] :
-         {std::pair{"wParamPrinter_serial", "COM2:9600,N,8,1"},
-          std::pair{"wParamPrinter_parallel", "LPT1:"}, std::pair{"wParamPrinter_none", ""}}) {
-        site.setPrtSettings(QString::fromLatin1(port));
-        Take(FormNames::wParamPrinter, path(name));
-    }
-    site.setPrtSettings(settings);
-    if (auto* dialog = dynamic_cast<dlgParamPrinter*>(Forms::Load(FormNames::dlgParamPrinter))) {
-        dialog->setTitle(GetText(430321));
-        dialog->setDefinition(PrinterDefinition(PrinterDefinition::PathOf(site.PrinterName())));
-        dialog->setCode(PrinterCode::Of(QStringLiteral("1BU")));
-    }
-    Take(FormNames::dlgParamPrinter, path("dlgParamPrinter_class"));
-}
-
-/// The list of the panels, with every panel in use and titles of all lengths and colours.
-void TakeFullSite(const Paths& path) {
-    constexpr qint32 Colours[] = {0xFFFF, 0xFF0000, 0xFFFFFF, 0,
-                                  0xFF,   0x00FF00, 0x808080, 0x443A2E};
-    const QString titles[] = {
-        QString(PanelClass::MaxTitle, u'W'), QStringLiteral("Pump room|North basin"),
-        QStringLiteral("Main switchboard of the water treatment"), QStringLiteral("Boiler")};
-    Global::setConfiguration(std::make_unique<ConfigClass>());
-    for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
-        PanelClass& panel = Global::Configuration().Panel(number);
-        panel.setModel(quint8(1 + number % 5));
-        panel.setActive(number % 7 != 0);
-        panel.setTitle(titles[number / 2 % 4]);
-        panel.setTitleColor(Colours[number % 8]);
-    }
-    Take(FormNames::wBusModules, path("wBusModules_full"));
-    Take(FormNames::dlgBusCopy, path("dlgBusCopy_full"));
-    Global::setConfiguration(std::make_unique<ConfigClass>());
-    Take(FormNames::wBusModules, path("wBusModules_empty"));
-    Global::Configuration().Read(CurrentConfigFile());
-}
-
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     const auto path = [&](const char* name) {
         return target.filePath(QString::fromLatin1(name) + u'_' + language +
                                QStringLiteral(".png"));
     };
     TakeConsole(engine, path);
-    TakePrinter(path);
     for (const QString& form : Forms::Names())
         if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter)
             Take(form, path(form.toLatin1().constData()));
-    TakeFullSite(path);
+    TakeConfiguration(path);
 }
 
 } // namespace
