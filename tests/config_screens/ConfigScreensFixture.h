@@ -46,6 +46,20 @@ protected:
         });
         Tap(form, control);
     }
+    /// Takes a file of the run folder in the file dialog that comes up next.
+    static void TakeFile(Script& script, const QString& name) {
+        script.On(FormNames::dlgFilePicker, [name] {
+            const QString picker = FormNames::dlgFilePicker;
+            auto* files = Find<QListWidget>(picker, QStringLiteral("lstFiles"));
+            const QListWidgetItem* file = files->findItems(name, Qt::MatchExactly).value(0);
+            ASSERT_NE(file, nullptr);
+            files->scrollToItem(file);
+            QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                              files->visualItemRect(file).center());
+            QCoreApplication::processEvents();
+            Tap(picker, QStringLiteral("imgControl_1"));
+        });
+    }
     /// An alarm comes: the console takes the display and unloads what is open.
     static void AlarmComes() {
         Forms::Show(FormNames::wRunAlarms);

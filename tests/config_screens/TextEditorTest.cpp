@@ -20,7 +20,6 @@ namespace {
 const QString Biblio = FormNames::wParamBiblio;
 const QString Consignes = FormNames::wParamConsignes;
 const QString Keyboard = FormNames::dlgKeyboard;
-const QString Picker = FormNames::dlgFilePicker;
 
 enum Image { OneUp = 2, OneDown, StepUp, StepDown, Copy, Paste, Cut, Clear, Edit, FromFile };
 
@@ -48,16 +47,7 @@ protected:
         Touch(form, Edit);
     }
     void Import(const QString& name) {
-        script.On(Picker, [name] {
-            auto* files = Find<QListWidget>(Picker, QStringLiteral("lstFiles"));
-            const QListWidgetItem* file = files->findItems(name, Qt::MatchExactly).value(0);
-            ASSERT_NE(file, nullptr);
-            files->scrollToItem(file);
-            QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
-                              files->visualItemRect(file).center());
-            QCoreApplication::processEvents();
-            Tap(Picker, QStringLiteral("imgControl_1"));
-        });
+        TakeFile(script, name);
         Touch(Consignes, FromFile);
     }
     static void WriteFile(const QString& name, const QByteArray& bytes) {

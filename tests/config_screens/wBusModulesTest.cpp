@@ -39,19 +39,6 @@ protected:
         });
     }
     QString InFolder(const char* name) const { return Path(QString::fromLatin1(name)); }
-    /// Takes a file of the run folder that is there, by its name.
-    void Choose(const QString& name) {
-        script.On(Picker, [name] {
-            auto* files = Find<QListWidget>(Picker, QStringLiteral("lstFiles"));
-            const QListWidgetItem* file = files->findItems(name, Qt::MatchExactly).value(0);
-            ASSERT_NE(file, nullptr);
-            files->scrollToItem(file);
-            QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
-                              files->visualItemRect(file).center());
-            QCoreApplication::processEvents();
-            Tap(Picker, QStringLiteral("imgControl_1"));
-        });
-    }
     void SaveAs(const QString& name) {
         script.On(Picker, [this, name] {
             script.Next(Keyboard, [name] {
@@ -186,7 +173,7 @@ TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
     Site().setModified(false);
     Write(InFolder("channels.txt"), sheet.replace("Pump", "D\xC3\xA9"
                                                           "bit"));
-    Choose(QStringLiteral("channels.txt"));
+    TakeFile(script, QStringLiteral("channels.txt"));
     Tap(List, Import);
     EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), QStringLiteral("Débit"));
     EXPECT_TRUE(Site().Modified());
@@ -209,7 +196,7 @@ TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
     Write(InFolder("bad.txt"), "1\t1\t1\t0\t0\t0\t5\t1\t0\t0\t0\t0\tPump\tPump\n"
                                "1\t2\t1\t0\t0\t0\t100\t1\t0\t0\t0\t0\tPump\tPump\n");
     Forms::Show(List);
-    Choose(QStringLiteral("bad.txt"));
+    TakeFile(script, QStringLiteral("bad.txt"));
     Tap(List, Import);
     ASSERT_EQ(boxes.size(), 2);
     EXPECT_TRUE(boxes[0].contains(QStringLiteral("Error Nr 380")));

@@ -28,14 +28,15 @@ enum Navigation { ToUp = 1, ToDown = 2, Close = 5, FromUp = 101, FromDown = 103 
 enum Images { ChannelDown, ChannelUp };
 
 const QString Navig = QStringLiteral("imgNavig");
-const QString Images_ = QStringLiteral("imgControl");
+const QString ControlImages = QStringLiteral("imgControl");
 
 constexpr int SelectFirst = 30006;
 constexpr int ADestination = 520120;
 constexpr int DeleteIt = 30007;
 
-void AddLine(QListWidget* list, const QString& text, const MirrorClass& rule) {
-    auto* item = new QListWidgetItem(text, list);
+/// A title's line breaks make no second line here.
+void AddLine(QListWidget* list, QString text, const MirrorClass& rule) {
+    auto* item = new QListWidgetItem(text.replace(u'|', u' '), list);
     item->setData(Qt::UserRole, rule.ID().toInt());
 }
 
@@ -59,12 +60,12 @@ wBusMirrorOne::wBusMirrorOne()
     }
     connect(ui_->lblChannel, &ValueLabel::Changed, this, &wBusMirrorOne::lblChannel_Change);
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
-    OnClick(Images_, [this](int index) { imgControl_Click(index); });
+    OnClick(ControlImages, [this](int index) { imgControl_Click(index); });
     OnClick(ui_->imgNew, [this] { imgNew_Click(); });
     OnClick(ui_->imgDelete, [this] { imgDelete_Click(); });
     auto* repeat = new HoldToRepeat(this);
     for (const int index : {ChannelDown, ChannelUp})
-        repeat->Watch(Control(Images_, index), [this, index] { imgControl_Click(index); });
+        repeat->Watch(Control(ControlImages, index), [this, index] { imgControl_Click(index); });
     ShowArrows();
 }
 
@@ -90,7 +91,7 @@ void wBusMirrorOne::setPanel(const PanelClass* panel) {
         ModuleName(panel->Model()) + QStringLiteral("  ") + panel->Title().replace(u'|', u' '),
         Qt::ElideRight, ui_->lblPanelTitle->width()));
     for (const int index : {ChannelDown, ChannelUp})
-        Control(Images_, index)->setEnabled(panel->Model() == Models::Q7100);
+        Control(ControlImages, index)->setEnabled(panel->Model() == Models::Q7100);
 }
 
 void wBusMirrorOne::lblChannel_Change() {

@@ -38,7 +38,7 @@ enum Panels { PanelBack = 1, PanelOn = 2 };
 const QString Values = QStringLiteral("lblParamVal");
 const QString Navig = QStringLiteral("imgNavig");
 const QString NavPanel = QStringLiteral("imgNavPanel");
-const QString Control_ = QStringLiteral("imgControl");
+const QString ControlImages = QStringLiteral("imgControl");
 
 constexpr int WholePanel = 10100;
 constexpr int NotActive = 300120;
@@ -115,7 +115,7 @@ void wBusPanneau::ConnectControls() {
     }
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
     OnClick(NavPanel, [this](int index) { imgNavPanel_Click(index); });
-    OnClick(Control_, [this](int index) { imgControl_Click(index); });
+    OnClick(ControlImages, [this](int index) { imgControl_Click(index); });
     OnClick(ui_->imgModif, [this] { imgModif_Click(); });
     OnClick(ui_->imgModele, [this] { imgModele_Click(); });
     OnClick(ui_->imgActive, [this] { imgActive_Click(); });
@@ -125,7 +125,7 @@ void wBusPanneau::ConnectControls() {
     OnClick(ui_->lblVisuTcde, [this] { EditMirrors(); });
     auto* repeat = new HoldToRepeat(this);
     for (const int index : {ChannelBack, ChannelOn})
-        repeat->Watch(Control(Control_, index), [this, index] { imgControl_Click(index); });
+        repeat->Watch(Control(ControlImages, index), [this, index] { imgControl_Click(index); });
     for (const int index : {ParameterBack, ParameterOn})
         repeat->Watch(Control(Navig, index), [this, index] { imgNavig_Click(index); });
 }
@@ -221,8 +221,8 @@ void wBusPanneau::ShowArrows() {
     Control(Navig, ParameterOn)
         ->setEnabled(pointer_->Place() < pointer_->Count() - 1 &&
                      (pointer_->Place() == 0 || Channel() > 0));
-    EnableByPosition(Control(Control_, ChannelBack), Control(Control_, ChannelOn), Channel() - 1,
-                     draft_.Panel().ChannelCount());
+    EnableByPosition(Control(ControlImages, ChannelBack), Control(ControlImages, ChannelOn),
+                     Channel() - 1, draft_.Panel().ChannelCount());
 }
 
 void wBusPanneau::lblParamVal_Change(int index) {
