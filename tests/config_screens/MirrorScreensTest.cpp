@@ -200,9 +200,19 @@ TEST_F(MirrorScreensTest, TheTableIsAWorkingListOfItsOwn) {
     Tap(Table, QStringLiteral("imgDelete"));
     EXPECT_EQ(Rows()->RowCount(), 1);
     EXPECT_EQ(Site().Mirrors().Count(), 2);
-    AlarmComes();
+    script.On(Dialog, [&] {
+        Enter(1, 3, 2, 4);
+        AlarmComes();
+    });
+    Tap(Table, QStringLiteral("imgNew"));
+    RemoveUnloaded();
     Forms::Show(Table);
     EXPECT_EQ(Rows()->RowCount(), 1) << "an alarm loses no edit";
+    script.On(Dialog, [&] {
+        EXPECT_EQ(Shown(), QStringLiteral("1/3/2/4")) << "nor what was being entered";
+        Reply(Cancel);
+    });
+    Tap(Table, QStringLiteral("imgNew"));
     EXPECT_FALSE(Child(Table, QStringLiteral("lblKept"))->isHidden());
     Tap(Table, QStringLiteral("imgCancel"));
     EXPECT_EQ(Rows()->RowCount(), 2);

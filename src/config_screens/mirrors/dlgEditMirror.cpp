@@ -8,6 +8,7 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "screens/touch/HoldToRepeat.h"
+#include "screens/touch/Interrupted.h"
 #include "screens/touch/ValueLabel.h"
 #include "ui_dlgEditMirror.h"
 
@@ -31,6 +32,10 @@ enum Arrows {
 const QString ArrowImages = QStringLiteral("imgPlusMoins");
 const QString NoChannel = QStringLiteral("---");
 constexpr int Incomplete = 20006;
+constexpr QChar Separator = u'|';
+
+/// A rule that was being entered when an event took the dialog away.
+Interrupted interrupted;
 
 QString WholePanel() {
     return Global::Get().text10100;
@@ -84,13 +89,9 @@ qint16 dlgEditMirror::MirrorType() const {
 
 /// A panel shown first: it decides what the channel may be.
 void dlgEditMirror::setRule(const MirrorClass& rule) {
-    ui_->lblSrceModNo->setCaption(QString::number(rule.FromModule()));
-    ui_->lblSrceChnlNo->setCaption(QString::number(rule.FromChannel()));
-    ui_->lblDestModNo->setCaption(QString::number(rule.ToModule()));
-    ui_->lblDestChnlNo->setCaption(QString::number(rule.ToChannel()));
-    if (rule.MirrorType() == MirrorClass::Pulse)
-        ui_->optType_2->setChecked(true);
-    ShowPanels();
+    setCaptions({QString::number(rule.FromModule()), QString::number(rule.FromChannel()),
+                 QString::number(rule.ToModule()), QString::number(rule.ToChannel()),
+                 QString::number(rule.MirrorType())});
 }
 
 void dlgEditMirror::FixSource(int module, const QString& channel) {
@@ -111,8 +112,36 @@ MirrorClass dlgEditMirror::Rule() const {
 }
 
 void dlgEditMirror::Ask() {
+    if (question_.isEmpty()) {
+        question_ = Captions();
+        if (const auto kept = interrupted.Take(question_))
+            setCaptions(kept->split(Separator));
+    }
     ok_ = false;
+    answered_ = false;
     ShowModal();
+}
+
+void dlgEditMirror::Form_Unload() {
+    if (!answered_ && !question_.isEmpty() && Captions() != question_)
+        interrupted.Keep(question_, Captions().join(Separator));
+}
+
+QStringList dlgEditMirror::Captions() const {
+    return {
+        ui_->lblSrceModNo->Caption(), ui_->lblSrceChnlNo->Caption(), ui_->lblDestModNo->Caption(),
+        ui_->lblDestChnlNo->Caption(),
+        QString::number(ui_->optType_2->isChecked() ? MirrorClass::Pulse : MirrorClass::Permanent)};
+}
+
+void dlgEditMirror::setCaptions(const QStringList& captions) {
+    ui_->lblSrceModNo->setCaption(captions.value(0));
+    ui_->lblSrceChnlNo->setCaption(captions.value(1));
+    ui_->lblDestModNo->setCaption(captions.value(2));
+    ui_->lblDestChnlNo->setCaption(captions.value(3));
+    const bool pulse = captions.value(4).toInt() == MirrorClass::Pulse;
+    (pulse ? ui_->optType_2 : ui_->optType_1)->setChecked(true);
+    ShowPanels();
 }
 
 const PanelClass* dlgEditMirror::PanelOf(int number) const {
@@ -226,5 +255,6 @@ void dlgEditMirror::imgControl_Click(int index) {
         return;
     }
     ok_ = index == Confirm;
+    answered_ = true;
     Hide();
 }

@@ -3,6 +3,7 @@
 #include "model/MirrorClass.h"
 #include "screens/touch/ScreenForm.h"
 
+#include <QStringList>
 #include <memory>
 
 class PanelClass;
@@ -31,11 +32,13 @@ public:
     void FixSource(int module, const QString& channel);
     /// The rule as it is shown.
     MirrorClass Rule() const;
-    /// Shows the dialog until it is left, again if it was before.
+    /// Shows the dialog until it is left, again if it was before. What an alarm took away stands
+    /// there again when the same rule is asked for.
     void Ask();
 
 protected:
     void CloseRequested() override { imgControl_Click(Cancel); }
+    void Form_Unload() override;
 
 private:
     enum Image { Cancel, Confirm };
@@ -50,8 +53,14 @@ private:
     void lblDestModNo_Change();
     void ShowPanels();
     bool IsComplete() const;
+    /// The values of the dialog in the order in which they depend on each other.
+    QStringList Captions() const;
+    void setCaptions(const QStringList& captions);
 
     std::unique_ptr<Ui::dlgEditMirror> ui_;
     const PanelClass* panel_ = nullptr;
     bool ok_ = false;
+    bool answered_ = false;
+    /// What the dialog began with, empty before it is shown.
+    QStringList question_;
 };
