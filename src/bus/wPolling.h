@@ -93,6 +93,8 @@ public:
     void StartUpdate() { synchro_.StartUpdate(); }
     /// The day's record of each panel, and the release of mirrored states that nothing holds.
     void MidnightSynchro() { synchro_.MidnightSynchro(); }
+    /// The same with a notice of a text that tells how far it is.
+    void MidnightSynchro(const QString& notice);
 
     platform::SerialLink& CommBus() { return *link_; }
     DirectPrinting& dpPrinter() { return dpPrinter_; }
