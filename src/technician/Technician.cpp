@@ -2,5 +2,8 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechnician.h"
 
-void RegisterTechnician() {}
+void RegisterTechnician() {
+    Forms::Register(FormNames::wTechnician, [] { return new wTechnician; });
+}
