@@ -320,7 +320,7 @@ void wTechnician::cmdCopyTraces_Click() {
 
 void wTechnician::ShowCopy() {
     const TraceCopy* copy = Copying();
-    ui_->frmCopy->setVisible(copy != nullptr);
+    ui_->frmFrames_1->setVisible(copy != nullptr);
     ui_->lblCopy->setVisible(copy != nullptr);
     ui_->cmdStopCopy->setVisible(copy != nullptr && copy->Outcome() == TraceCopy::State::Running);
     if (copy == nullptr)
