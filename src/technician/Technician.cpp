@@ -2,5 +2,8 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechEtatModule.h"
 
-void RegisterTechnician() {}
+void RegisterTechnician() {
+    Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
+}
