@@ -185,11 +185,11 @@ bool wTechEtatModule::ReadUntilSettled(qint32 registerNo, int count,
     return false;
 }
 
-/// False when the form is closed, was taken away by an event, or may not read any more.
+/// False when the form is closed or hidden, was taken away by an event, or may not read any more.
 bool wTechEtatModule::LetEventsRun() {
     const QPointer<wTechEtatModule> self(this);
     Yield();
-    return self && !closing_ && IsLoaded(this) && MayRead();
+    return self && !closing_ && IsLoaded(this) && isVisible() && MayRead();
 }
 
 void wTechEtatModule::ShowResult(int text) {
@@ -233,7 +233,7 @@ void wTechEtatModule::ShowCommand() {
     const int text = state == TechCommand::State::Sent     ? SentText
                      : state == TechCommand::State::Obeyed ? ObeyedText
                                                            : GivenUpText;
-    ui_->lblCommand->setText(labels[button_ - 1]->text() + QStringLiteral(": ") + GetText(text));
+    ui_->lblCommand->setText(GetText(text).replace(u'$', labels[button_ - 1]->text()));
     ui_->lblCommand->repaint();
 }
 
