@@ -57,6 +57,8 @@ public:
     /// Starts the bus now, or as soon as its port is there; it is tried each 10 s.
     void RunWhenPortComes();
     bool IsClosing() const { return closing_; }
+    /// The polling is at work on the line and lets events run: whoever reads by himself waits.
+    bool InRound() const { return inRound_ || synchronising_; }
 
     BusState State() const;
     /// Addresses of the active panels that don't answer, upwards. One that wasn't asked since the

@@ -2,8 +2,10 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechEtatModule.h"
 #include "technician/wTechnician.h"
 
 void RegisterTechnician() {
     Forms::Register(FormNames::wTechnician, [] { return new wTechnician; });
+    Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
 }
