@@ -141,6 +141,9 @@ TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
     EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
     table.MoveBy(1);
     EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
+    table.setCells(QStringLiteral("z"), {QStringLiteral("1"), QStringLiteral("d")});
+    EXPECT_EQ(table.Cell(2, 1), QStringLiteral("d")) << "unsorted";
+    EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
     rows.removeLast();
     table.setRows(rows);
     EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";

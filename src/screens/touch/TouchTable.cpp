@@ -66,6 +66,10 @@ public:
         return found == rows_.cend() ? -1 : int(found - rows_.cbegin());
     }
     const Row& At(int row) const { return rows_[row]; }
+    void setCells(int row, const QStringList& cells) {
+        rows_[row].cells = cells;
+        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
 
 private:
     /// Numbers stand by their value and before words; equal rows stand by their tag.
@@ -154,6 +158,16 @@ void TouchTable::setRows(QList<Row> rows) {
     model_->setRows(std::move(rows));
     verticalScrollBar()->setValue(view);
     SelectTag(tag);
+}
+
+void TouchTable::setCells(const QString& tag, const QStringList& cells) {
+    const int row = model_->Find(tag);
+    if (row >= 0)
+        model_->setCells(row, cells);
+}
+
+void TouchTable::setSortable(bool on) {
+    horizontalHeader()->setSectionsClickable(on);
 }
 
 void TouchTable::SortBy(int column) {
