@@ -2,5 +2,8 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechFindPanels.h"
 
-void RegisterTechnician() {}
+void RegisterTechnician() {
+    Forms::Register(FormNames::wTechFindPanels, [] { return new wTechFindPanels; });
+}
