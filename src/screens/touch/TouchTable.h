@@ -29,6 +29,9 @@ public:
     /// Shows other rows, sorted as before. The row selected before stays so if its tag is still
     /// there, and the view stays where it is as far as there are rows.
     void setRows(QList<Row> rows);
+    /// Other cells in the row of a tag, which stays where it is until rows are sorted anew: a
+    /// finger that aims at it finds it.
+    void setCells(const QString& tag, const QStringList& cells);
     int RowCount() const;
     /// Place of the selected row in the order shown, -1 for none.
     int CurrentRow() const { return currentIndex().row(); }
