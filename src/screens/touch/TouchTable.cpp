@@ -52,6 +52,10 @@ public:
         Order();
         endResetModel();
     }
+    void setCells(int row, const QStringList& cells) {
+        rows_[row].cells = cells;
+        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
     /// By a column; a second time turns the order round.
     void SortBy(int column) {
         beginResetModel();
@@ -66,10 +70,6 @@ public:
         return found == rows_.cend() ? -1 : int(found - rows_.cbegin());
     }
     const Row& At(int row) const { return rows_[row]; }
-    void setCells(int row, const QStringList& cells) {
-        rows_[row].cells = cells;
-        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
-    }
 
 private:
     /// Numbers stand by their value and before words; equal rows stand by their tag.

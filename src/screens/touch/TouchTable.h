@@ -29,8 +29,8 @@ public:
     /// Shows other rows, sorted as before. The row selected before stays so if its tag is still
     /// there, and the view stays where it is as far as there are rows.
     void setRows(QList<Row> rows);
-    /// Other cells for the row of a tag. It stays where it is until the next sort, and so do
-    /// selection and view.
+    /// Other cells in the row of a tag, which stays where it is until rows are sorted anew: a
+    /// finger that aims at it finds it.
     void setCells(const QString& tag, const QStringList& cells);
     /// A touch on the head of a column sorts, or the rows stay as they were given.
     void setSortable(bool on);
