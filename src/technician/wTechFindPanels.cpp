@@ -1,5 +1,6 @@
 #include "technician/wTechFindPanels.h"
 
+#include "bus/BusDiagnosis.h"
 #include "bus/CommFunctions.h"
 #include "bus/wPolling.h"
 #include "config_screens/panels/wBusModules.h"
@@ -42,8 +43,9 @@ constexpr int FirstColumn = 820001;
 constexpr int AddressOf = 820040;
 constexpr int TimeLeft = 820041;
 constexpr int Result = 820042;
-constexpr int NoAnswer = 820050;
-constexpr int PortClosed = 820055;
+/// Why nothing was found: one text for each outcome of an exchange, in their order.
+constexpr int FirstReason = 820050;
+constexpr int PortClosed = FirstReason + BusDiagnosis::OutcomeCount;
 
 constexpr int FirstArrow = 4;
 constexpr Qt::Key ArrowKeys[] = {Qt::Key_PageUp, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageDown};
@@ -66,6 +68,12 @@ Edit OfSite() {
         edit += {of.Model(), of.Active()};
     }
     return edit;
+}
+
+/// The exchange behind a model that is none is the last one with the panel.
+int ReasonOf(int panel) {
+    const auto outcome = Polling()->Diagnosis().LastOf(panel);
+    return outcome ? FirstReason + int(*outcome) : PortClosed;
 }
 
 QString MinutesAndSeconds(qint64 ms) {
@@ -293,12 +301,11 @@ void wTechFindPanels::Ask(int panel) {
     ShowRow(panel);
     ShowProgress(panel);
     repaint();
-    platform::SerialLink& link = Polling()->CommBus();
-    const int found = GetModuleType(link, quint8(panel));
+    const int found = GetModuleType(Polling()->CommBus(), quint8(panel));
     asked_ = panel;
     found_[size_t(panel)] = found;
     results_[size_t(panel)] = ModuleName(found);
-    reasons_[size_t(panel)] = found != Models::None ? 0 : link.PortOpen() ? NoAnswer : PortClosed;
+    reasons_[size_t(panel)] = found == Models::None ? ReasonOf(panel) : 0;
     ShowRow(panel);
     if (panel == CurrentPanel())
         grdPanels_RowColChange();

@@ -95,11 +95,42 @@ TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
     EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 64")) << "the selection went along";
     EXPECT_EQ(Text("lblProgress"), QStringLiteral("64 of 64 addresses asked, modules found: 4"));
     EXPECT_TRUE(Shown("imgFind_1"));
-    Grid()->SelectTag(QStringLiteral("1"));
-    EXPECT_EQ(Text("lblReason"), QStringLiteral("Panel 1: no answer"));
+}
+
+TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
+    modules[6][132] = 7;
+    link->answer = [this](const QByteArray& frame) -> QByteArray {
+        switch (frame[0]) {
+        case 2:
+            return QByteArray::fromHex("02030200010000");
+        case 3:
+            return WithCrc(QByteArray::fromHex("038302"));
+        case 4:
+            return WithCrc(QByteArray::fromHex("0503020001"));
+        default:
+            link->setPortOpen(frame[0] != 7);
+            return modules.Answer(frame);
+        }
+    };
+    Forms::Show(Form);
+    Search();
+    const char* reasons[] = {"Panel 1: no answer",
+                             "Panel 2: answer with a bad CRC",
+                             "Panel 3: answer is a Modbus exception",
+                             "Panel 4: answer from another address",
+                             "Panel 5: no answer",
+                             "Panel 6: answers, but as no known model",
+                             "Panel 7: the bus port is closed",
+                             "Panel 8: the bus port is closed"};
+    for (int panel = 1; panel <= 8; ++panel) {
+        Grid()->SelectTag(QString::number(panel));
+        EXPECT_EQ(Text("lblReason"), QString::fromLatin1(reasons[panel - 1]));
+        EXPECT_EQ(Found(panel), QStringLiteral("-----"));
+    }
 }
 
 TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
+    Site().Panel(2).setActive(false); // its loss would take the screen away
     engine->setRun(true);
     Forms::Show(Form);
     While(9, [this] {
