@@ -17,6 +17,7 @@
 #include <array>
 #include <memory>
 
+class BusDiagnosis;
 class BusWatch;
 class PanelClass;
 
@@ -99,6 +100,8 @@ public:
     void MidnightSynchro(const QString& notice);
 
     platform::SerialLink& CommBus() { return *link_; }
+    /// Counters of the exchanges and the frames of late.
+    const BusDiagnosis& Diagnosis() const { return *diagnosis_; }
     DirectPrinting& dpPrinter() { return dpPrinter_; }
     EventPrinter& Paper() { return paper_; }
     const CommandClasses& Commands() const { return queue_.Commands(); }
@@ -177,6 +180,7 @@ private:
     qint32 IncEvtNum() override;
 
     std::unique_ptr<platform::SerialLink> link_;
+    std::unique_ptr<BusDiagnosis> diagnosis_;
     platform::ActivityDetection userSleep_;
     DirectPrinting dpPrinter_;
     EventPrinter paper_{dpPrinter_};

@@ -3,9 +3,11 @@
 #include "core/FormNames.h"
 #include "core/Forms.h"
 #include "technician/wTechEtatModule.h"
+#include "technician/wTechFindPanels.h"
 #include "technician/wTechnician.h"
 
 void RegisterTechnician() {
     Forms::Register(FormNames::wTechnician, [] { return new wTechnician; });
+    Forms::Register(FormNames::wTechFindPanels, [] { return new wTechFindPanels; });
     Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
 }

@@ -52,6 +52,10 @@ public:
         Order();
         endResetModel();
     }
+    void setCells(int row, const QStringList& cells) {
+        rows_[row].cells = cells;
+        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
     /// By a column; a second time turns the order round.
     void SortBy(int column) {
         beginResetModel();
@@ -154,6 +158,16 @@ void TouchTable::setRows(QList<Row> rows) {
     model_->setRows(std::move(rows));
     verticalScrollBar()->setValue(view);
     SelectTag(tag);
+}
+
+void TouchTable::setCells(const QString& tag, const QStringList& cells) {
+    const int row = model_->Find(tag);
+    if (row >= 0)
+        model_->setCells(row, cells);
+}
+
+void TouchTable::setSortable(bool on) {
+    horizontalHeader()->setSectionsClickable(on);
 }
 
 void TouchTable::SortBy(int column) {
