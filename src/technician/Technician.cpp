@@ -2,5 +2,8 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechDiagnosis.h"
 
-void RegisterTechnician() {}
+void RegisterTechnician() {
+    Forms::Register(FormNames::wTechDiagnosis, [] { return new wTechDiagnosis; });
+}
