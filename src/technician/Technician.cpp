@@ -2,6 +2,7 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechDiagnosis.h"
 #include "technician/wTechEtatModule.h"
 #include "technician/wTechFindPanels.h"
 #include "technician/wTechnician.h"
@@ -10,4 +11,5 @@ void RegisterTechnician() {
     Forms::Register(FormNames::wTechnician, [] { return new wTechnician; });
     Forms::Register(FormNames::wTechFindPanels, [] { return new wTechFindPanels; });
     Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
+    Forms::Register(FormNames::wTechDiagnosis, [] { return new wTechDiagnosis; });
 }
