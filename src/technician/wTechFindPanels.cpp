@@ -5,6 +5,7 @@
 #include "bus/wPolling.h"
 #include "config_screens/panels/wBusModules.h"
 #include "core/Config.h"
+#include "core/ErrorHandling.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Yield.h"
@@ -24,6 +25,7 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScrollBar>
+#include <QTimer>
 #include <algorithm>
 
 namespace {
@@ -197,7 +199,7 @@ bool wTechFindPanels::eventFilter(QObject* watched, QEvent* event) {
 
 void wTechFindPanels::imgFind_Click(int index) {
     if (index == StartFind) {
-        Scan();
+        StartScan();
         return;
     }
     abort_ = true;
@@ -238,6 +240,17 @@ void wTechFindPanels::imgNavig_Click(int index) {
     abort_ = true;
     ShowScanning();
     LeaveModal();
+}
+
+/// A touch that comes in the middle of a round waits for its end: the search would hold it up.
+void wTechFindPanels::StartScan() {
+    constexpr int RoundPause = 20;
+    ErrorHandling::Guard("wTechFindPanels.imgFind_Click", [&] {
+        if (Polling() != nullptr && Polling()->InRound())
+            QTimer::singleShot(RoundPause, this, &wTechFindPanels::StartScan);
+        else
+            Scan();
+    });
 }
 
 /// The thread is the one of the polling: each address is one exchange or two, and rounds and

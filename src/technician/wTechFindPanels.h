@@ -48,6 +48,7 @@ private:
     void imgControl_Click(int index);
     void imgNavig_Click(int index);
 
+    void StartScan();
     void Scan();
     void BeginScan();
     void EndScan();
