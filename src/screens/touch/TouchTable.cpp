@@ -12,6 +12,7 @@
 
 namespace {
 constexpr int RowPixels = 48;
+constexpr int PicturePixels = 36;
 } // namespace
 
 /// Rows in the order shown.
@@ -28,6 +29,8 @@ public:
     QVariant data(const QModelIndex& index, int role) const override {
         if (role == Qt::DisplayRole)
             return rows_[index.row()].cells.value(index.column());
+        if (role == Qt::DecorationRole && index.column() == 0)
+            return PictureOf(rows_[index.row()]);
         if (role == Qt::TextAlignmentRole)
             return QVariant::fromValue(columns_[index.column()].alignment);
         return {};
@@ -66,8 +69,16 @@ public:
         return found == rows_.cend() ? -1 : int(found - rows_.cbegin());
     }
     const Row& At(int row) const { return rows_[row]; }
+    void setPictureSize(int pixels) { pictureSize_ = pixels; }
 
 private:
+    QVariant PictureOf(const Row& row) const {
+        return row.picture.isEmpty() ? QVariant() : Theme::Picture(row.picture, pictureSize_);
+    }
+    QString SortedBy(const Row& row) const {
+        const QString order = row.order.value(sorted_);
+        return order.isEmpty() ? row.cells.value(sorted_) : order;
+    }
     /// Numbers stand by their value and before words; equal rows stand by their tag.
     void Order() {
         struct Key {
@@ -82,8 +93,8 @@ private:
         std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& one, const Row& other) {
             const Row& first = falling_ ? other : one;
             const Row& second = falling_ ? one : other;
-            const QString& left = first.cells[sorted_];
-            const QString& right = second.cells[sorted_];
+            const QString left = SortedBy(first);
+            const QString right = SortedBy(second);
             const Key a = keyOf(left);
             const Key b = keyOf(right);
             if (a.word != b.word)
@@ -98,6 +109,7 @@ private:
     QList<Row> rows_;
     int sorted_ = 0;
     bool falling_ = false;
+    int pictureSize_ = PicturePixels;
 };
 
 TouchTable::TouchTable(QWidget* parent)
@@ -127,6 +139,7 @@ void TouchTable::setColumns(const QList<Column>& columns, double scale) {
     columns_ = columns;
     model_->setColumns(columns);
     const int finger = qRound(RowPixels * scale);
+    model_->setPictureSize(qRound(PicturePixels * scale));
     verticalHeader()->setDefaultSectionSize(finger);
     horizontalHeader()->setFixedHeight(finger);
     horizontalHeader()->setFont(font());
