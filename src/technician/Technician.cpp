@@ -2,5 +2,8 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechConsignations.h"
 
-void RegisterTechnician() {}
+void RegisterTechnician() {
+    Forms::Register(FormNames::wTechConsignations, [] { return new wTechConsignations; });
+}
