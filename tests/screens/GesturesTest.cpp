@@ -141,6 +141,9 @@ TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
     EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
     table.MoveBy(1);
     EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
+    rows[0].order = {QString(), QStringLiteral("d")};
+    table.setRows(rows);
+    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("b")) << "sorted by more than its text";
     rows.removeLast();
     table.setRows(rows);
     EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";

@@ -6,6 +6,7 @@
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
+#include <QIcon>
 #include <QScrollBar>
 #include <algorithm>
 #include <utility>
@@ -73,7 +74,13 @@ public:
 
 private:
     QVariant PictureOf(const Row& row) const {
-        return row.picture.isEmpty() ? QVariant() : Theme::Picture(row.picture, pictureSize_);
+        if (row.picture.isEmpty())
+            return {};
+        const QPixmap picture = Theme::Picture(row.picture, pictureSize_);
+        QIcon icon(picture);
+        // The style would dim it in a selected row.
+        icon.addPixmap(picture, QIcon::Selected);
+        return icon;
     }
     QString SortedBy(const Row& row) const {
         const QString order = row.order.value(sorted_);
@@ -139,7 +146,9 @@ void TouchTable::setColumns(const QList<Column>& columns, double scale) {
     columns_ = columns;
     model_->setColumns(columns);
     const int finger = qRound(RowPixels * scale);
-    model_->setPictureSize(qRound(PicturePixels * scale));
+    const int picture = qRound(PicturePixels * scale);
+    model_->setPictureSize(picture);
+    setIconSize(QSize(picture, picture));
     verticalHeader()->setDefaultSectionSize(finger);
     horizontalHeader()->setFixedHeight(finger);
     horizontalHeader()->setFont(font());
