@@ -16,6 +16,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QSignalBlocker>
 #include <algorithm>
 
 using ErrorHandling::Guard;
@@ -109,8 +110,8 @@ void wTechConsignations::MakeTables() {
                                  {GetText(FirstColumn + 2), 158}},
                                 scale);
     ui_->lvwNew->setColumns({{GetText(FirstColumn), 124}, {GetText(FirstColumn + 1), 142}}, scale);
-    connect(ui_->lvwPresent, &TouchTable::RowChanged, this, &wTechConsignations::lvwPresent_Click);
-    connect(ui_->lvwNew, &TouchTable::RowChanged, this, &wTechConsignations::RefreshNavigation);
+    for (const List* list : {&present_, &new_})
+        connect(list->table, &TouchTable::RowChanged, this, [this, list] { Choose(*list); });
 }
 
 void wTechConsignations::Form_Load() {
@@ -158,6 +159,8 @@ void wTechConsignations::Fill(const List& list) {
     rows.reserve(list.entries.size());
     for (const Entry& entry : list.entries)
         rows += RowOf(entry, list.withTime);
+    // Only a touch chooses another thing.
+    const QSignalBlocker blocker(list.table);
     list.table->setRows(rows);
     RefreshNavigation();
 }
@@ -227,10 +230,10 @@ void wTechConsignations::lblChannel_Change() {
     ui_->imgControl_3->setEnabled(isOut);
 }
 
-/// What is touched in the list is what the buttons work on.
-void wTechConsignations::lvwPresent_Click() {
+/// What is touched in a list is what the buttons work on.
+void wTechConsignations::Choose(const List& list) {
     RefreshNavigation();
-    if (const Entry* entry = GetItem(present_, ui_->lvwPresent->CurrentTag())) {
+    if (const Entry* entry = GetItem(list, list.table->CurrentTag())) {
         module_->setValue(entry->thing.panel);
         channel_->setValue(entry->thing.channel);
     }

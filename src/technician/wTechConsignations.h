@@ -62,7 +62,7 @@ private:
     void imgDelete_Click();
     void lblModule_Click();
     void lblChannel_Change();
-    void lvwPresent_Click();
+    void Choose(const List& list);
     void Request(int channel, bool out);
     void Move(List& list, int by);
     void Close();

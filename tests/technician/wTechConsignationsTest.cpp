@@ -69,7 +69,6 @@ protected:
         Image(7);
     }
     static inline const QString Form = FormNames::wTechConsignations;
-    platform::TestClock clock;
 };
 
 } // namespace
@@ -105,6 +104,8 @@ TEST_F(OutOfServiceTest, ASecondRequestUndoesAndWhatChangesNothingIsRefused) {
     answer = Messages::Cancel;
     Press(QStringLiteral("imgDelete"));
     EXPECT_EQ(styles.last(), 33);
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModule")), QStringLiteral("40"))
+        << "what is selected is chosen";
     answer = Messages::Ok;
     Press(QStringLiteral("imgDelete"));
     EXPECT_EQ(New(), QStringLiteral("P03"));
