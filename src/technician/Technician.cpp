@@ -2,6 +2,7 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wTechConsignations.h"
 #include "technician/wTechDiagnosis.h"
 #include "technician/wTechEtatModule.h"
 #include "technician/wTechFindPanels.h"
@@ -11,5 +12,6 @@ void RegisterTechnician() {
     Forms::Register(FormNames::wTechnician, [] { return new wTechnician; });
     Forms::Register(FormNames::wTechFindPanels, [] { return new wTechFindPanels; });
     Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
+    Forms::Register(FormNames::wTechConsignations, [] { return new wTechConsignations; });
     Forms::Register(FormNames::wTechDiagnosis, [] { return new wTechDiagnosis; });
 }

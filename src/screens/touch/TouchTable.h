@@ -19,6 +19,10 @@ public:
     struct Row {
         QStringList cells;
         QString tag;
+        /// Name of the drawing ahead of the first cell, empty for none.
+        QString picture = {};
+        /// What the columns are sorted by where that isn't the text; empty for the text.
+        QStringList order = {};
     };
 
     explicit TouchTable(QWidget* parent = nullptr);
