@@ -39,7 +39,7 @@ protected:
 TEST_F(BusCopyTest, ShowsBothPanelsAndCopiesOnlyOntoAnother) {
     PanelClass& source = AddPanel(2, 4);
     source.setTitle(QStringLiteral("Pumps|north"));
-    InDialog([this] {
+    InDialog([] {
         EXPECT_EQ(Shown(), QStringLiteral("01 01"));
         EXPECT_FALSE(CanCopy());
         Arrow(0);
@@ -63,7 +63,7 @@ TEST_F(BusCopyTest, TheTargetKeepsItsNumberAndWhatThePollingKnows) {
     source.Channel(3).setScreenText(QStringLiteral("Pump 3"));
     source.Channel(3).setState(1);
     Site().setModified(false);
-    InDialog([this] {
+    InDialog([] {
         Arrow(1);
         for (const int target : {3, 4}) {
             Arrow(3, target == 3 ? 2 : 1);

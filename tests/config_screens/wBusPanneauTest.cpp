@@ -164,7 +164,7 @@ TEST_F(BusPanneauTest, AChannelIsCarriedToAnotherPanel) {
 
 TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
     AddPanel(1, 1);
-    for (const auto& [from, to] : {QPair{1, 2}, QPair{3, 1}, QPair{3, 2}})
+    for (const auto& [from, to] : {std::pair{1, 2}, std::pair{3, 1}, std::pair{3, 2}})
         Site().Mirrors().Add(qint16(from), 1, qint16(to), 1, 1);
     Open(1);
     answer = Messages::Cancel;

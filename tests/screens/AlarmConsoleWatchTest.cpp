@@ -166,6 +166,7 @@ TEST_F(ConsoleWatchTest, EveryFaultHasItsPictureAndItsWordsFit) {
 
 TEST_F(ConsoleWatchTest, StatesDifferByShapeOrColourForEveryEye) {
     std::vector<QImage> shapes;
+    shapes.reserve(RowStateCount);
     for (int state = 0; state < RowStateCount; ++state)
         shapes.push_back(ShapeOf(RowState(state)));
     for (int one = 0; one < RowStateCount; ++one) {

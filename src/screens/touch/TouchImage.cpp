@@ -66,10 +66,10 @@ int TouchImage::CaptionFlags() const {
 }
 
 QFont TouchImage::CaptionFont() const {
-    constexpr double Smallest = 0.6;
+    constexpr double SmallestShare = 0.6;
     const QRect area = CaptionArea();
     QFont fitted = font();
-    const int smallest = qMax(1, int(fitted.pixelSize() * Smallest));
+    const int smallest = qMax(1, int(fitted.pixelSize() * SmallestShare));
     const auto fits = [&] {
         return area.size().expandedTo(
                    QFontMetrics(fitted).boundingRect(area, CaptionFlags(), text()).size()) ==
