@@ -10,6 +10,7 @@
 #include "core/FormNames.h"
 #include "screens/Screens.h"
 #include "support/FakeLink.h"
+#include "technician/Technician.h"
 
 #include <benchmark/benchmark.h>
 #include <utility>
@@ -22,6 +23,7 @@ public:
         : engine_(std::make_unique<FakeLink>()) {
         RegisterScreens();
         RegisterConfigScreens();
+        RegisterTechnician();
         engine_.Form_Load();
         ConfigClass& site = Global::Configuration();
         for (int number = 1; number <= ConfigClass::PanelCount; ++number) {

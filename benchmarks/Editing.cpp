@@ -10,6 +10,7 @@
 #include "model/Models.h"
 #include "screens/Screens.h"
 #include "screens/touch/TouchImage.h"
+#include "technician/Technician.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -27,6 +28,7 @@ public:
         : simulator_(bed_.Path(QStringLiteral("bus"))) {
         RegisterScreens();
         RegisterConfigScreens();
+        RegisterTechnician();
         Messages::Install([](const QString&, int, bool) { return int(Messages::No); });
         engine_ = std::make_unique<wPolling>(
             platform::MakeSerialPort([this](int) { return bed_.Path(QStringLiteral("bus")); }));

@@ -9,6 +9,7 @@
 #include "platform/DiskFlush.h"
 #include "screens/Screens.h"
 #include "support/FakeLink.h"
+#include "technician/Technician.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -20,6 +21,7 @@ void OpenScreen(benchmark::State& state, const QString& form) {
     const Bed bed;
     RegisterScreens();
     RegisterConfigScreens();
+    RegisterTechnician();
     wPolling engine(std::make_unique<FakeLink>());
     engine.Form_Load();
     for (auto step : state) {

@@ -46,16 +46,22 @@ public:
     /// Called for each write that at least one module receives.
     void setWriteListener(WriteListener listener) { listener_ = std::move(listener); }
 
+    /// The two wires of the master's adapter are swapped: its bits arrive inverted, so no module
+    /// hears a frame and none answers.
+    void setSwapped(bool swapped) { swapped_ = swapped; }
+
     /// Lets the modules obey a request; gives the reply, if one is due.
     std::optional<Reply> Handle(const Request& request);
 
 private:
+    std::optional<Reply> Noise();
     void Broadcast(const Request& request);
 
     TimeSource now_;
     std::mt19937 random_;
     std::map<int, Station> stations_;
     WriteListener listener_;
+    bool swapped_ = false;
 };
 
 } // namespace Sim

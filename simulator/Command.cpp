@@ -13,7 +13,7 @@ namespace {
 constexpr int MostCorrupt = 1'000'000;
 constexpr int LongestDelay = 600'000; // ms
 
-enum class Argument { None, Channel, Kind, Count, Time };
+enum class Argument { None, Channel, Kind, Count, Time, Switch };
 
 struct Form {
     std::string_view word;
@@ -22,7 +22,7 @@ struct Form {
     std::string_view usage;
 };
 
-constexpr std::array<Form, 15> Forms{{
+constexpr std::array<Form, 18> Forms{{
     {"active", Verb::Active, Argument::Channel, "active MODULE CHANNEL"},
     {"normal", Verb::Normal, Argument::Channel, "normal MODULE CHANNEL"},
     {"fault", Verb::Fault, Argument::Kind, "fault MODULE CHANNEL first|second|cable"},
@@ -35,6 +35,9 @@ constexpr std::array<Form, 15> Forms{{
     {"surplus", Verb::Surplus, Argument::None, "surplus MODULE"},
     {"short", Verb::Short, Argument::None, "short MODULE"},
     {"alien", Verb::Alien, Argument::None, "alien MODULE"},
+    {"terminator", Verb::Terminator, Argument::Switch, "terminator MODULE on|off"},
+    {"twin", Verb::Twin, Argument::Switch, "twin MODULE on|off"},
+    {"swap", Verb::Swap, Argument::Switch, "swap on|off"},
     {"odd", Verb::Odd, Argument::None, "odd MODULE"},
     {"show", Verb::Show, Argument::None, "show MODULE"},
     {"quit", Verb::Quit, Argument::None, "quit"},
@@ -73,6 +76,13 @@ Contact FaultKind(const std::string& word) {
     throw CommandError("a fault is first, second or cable, not '" + word + "'");
 }
 
+int Switch(const std::string& word) {
+    if (word != "on" && word != "off") {
+        throw CommandError("a switch is on or off, not '" + word + "'");
+    }
+    return word == "on" ? 1 : 0;
+}
+
 const Form& FindForm(const std::string& word) {
     for (const auto& form : Forms) {
         if (form.word == word) {
@@ -82,17 +92,19 @@ const Form& FindForm(const std::string& word) {
     throw CommandError("unknown command '" + word + "'");
 }
 
+bool HasModule(Verb verb) {
+    return verb != Verb::Quit && verb != Verb::Swap;
+}
+
 std::size_t WordCount(const Form& form) {
-    if (form.verb == Verb::Quit) {
-        return 1;
-    }
+    const std::size_t head = HasModule(form.verb) ? 2 : 1;
     switch (form.argument) {
     case Argument::None:
-        return 2;
+        return head;
     case Argument::Kind:
-        return 4;
+        return head + 2;
     default:
-        return 3;
+        return head + 1;
     }
 }
 
@@ -109,10 +121,9 @@ Command ParseCommand(const std::string& text) {
     }
     Command command;
     command.verb = form.verb;
-    if (form.verb == Verb::Quit) {
-        return command;
+    if (HasModule(form.verb)) {
+        command.address = Number(words[1], 1, LastAddress, "the module");
     }
-    command.address = Number(words[1], 1, LastAddress, "the module");
     switch (form.argument) {
     case Argument::None:
         break;
@@ -128,6 +139,9 @@ Command ParseCommand(const std::string& text) {
     case Argument::Time:
         command.argument = Number(words[2], 0, LongestDelay, "the delay");
         break;
+    case Argument::Switch:
+        command.argument = Switch(words.back());
+        break;
     }
     if (form.verb == Verb::Active) {
         command.contact = Contact::Active;
@@ -136,7 +150,7 @@ Command ParseCommand(const std::string& text) {
 }
 
 void CheckCommand(const Command& command, const Bus& bus) {
-    if (command.verb == Verb::Quit) {
+    if (!HasModule(command.verb)) {
         return;
     }
     const auto* station = bus.Find(command.address);
@@ -153,7 +167,10 @@ void CheckCommand(const Command& command, const Bus& bus) {
 }
 
 void RunCommand(const Command& command, Bus& bus, std::ostream& out) {
-    if (command.verb == Verb::Quit) {
+    if (command.verb == Verb::Swap) {
+        bus.setSwapped(command.argument != 0);
+    }
+    if (!HasModule(command.verb)) {
         return;
     }
     auto& station = *bus.Find(command.address);
@@ -188,6 +205,12 @@ void RunCommand(const Command& command, Bus& bus, std::ostream& out) {
     case Verb::Alien:
         station.faults.alien = true;
         break;
+    case Verb::Terminator:
+        station.faults.ringing = command.argument == 0;
+        break;
+    case Verb::Twin:
+        station.faults.twin = command.argument != 0;
+        break;
     case Verb::Odd:
         station.module->ReportOdd();
         break;
@@ -195,6 +218,7 @@ void RunCommand(const Command& command, Bus& bus, std::ostream& out) {
         out << "show " << command.address << ' ' << station.module->Describe()
             << (station.faults.muted ? " muted" : "") << " title=" << station.title << std::endl;
         break;
+    case Verb::Swap:
     case Verb::Quit:
         break;
     }

@@ -26,6 +26,9 @@ enum class Verb {
     Surplus,
     Short,
     Alien,
+    Terminator,
+    Twin,
+    Swap,
     Odd,
     Show,
     Quit
@@ -35,7 +38,7 @@ enum class Verb {
 struct Command {
     Verb verb = Verb::Quit;
     int address = 0;
-    int argument = 0;                  ///< Channel, number of replies, or milliseconds.
+    int argument = 0;                  ///< Channel, number of replies, milliseconds, or 1 for on.
     Contact contact = Contact::Normal; ///< For `Active`, `Normal` and `Fault`.
 };
 
@@ -44,6 +47,9 @@ struct Command {
 ///   ack M                                                    the key on the module's front
 ///   odd M                                                    an event with a code of no list
 ///   mute M, unmute M, corrupt M N, delay M MS, surplus M, short M, alien M     the link
+///   terminator M on|off    without it the replies of M are hit by reflections
+///   twin M on|off          a second module answers to the address of M at the same time
+///   swap on|off            the wires of the master's adapter, for all modules
 ///   show M, quit
 /// Throws `CommandError`.
 Command ParseCommand(const std::string& text);

@@ -14,6 +14,8 @@ struct LineFaults {
     bool surplus = false;  ///< The next reply gets a byte too many.
     bool cut = false;      ///< The next reply loses its last byte.
     bool alien = false;    ///< The next reply bears another address, with a right CRC.
+    bool ringing = false;  ///< No terminator: reflections hit bits, the more the longer the reply.
+    bool twin = false;     ///< A second module of the same address answers a few bits later.
 
     /// Does to a reply what is due, and counts it off.
     void Spoil(Bytes& reply, std::mt19937& random);

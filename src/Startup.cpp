@@ -19,6 +19,7 @@
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
 #include "screens/Screens.h"
+#include "technician/Technician.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -119,6 +120,7 @@ bool Startup::Main() {
         connect(shutdownWatch_.get(), &platform::ShutdownWatch::Requested, this, &Startup::End);
         RegisterScreens();
         RegisterConfigScreens();
+        RegisterTechnician();
         if (!ClaimInstance())
             return;
         // A trace that can't be opened is told; the alarms go their way without it.

@@ -68,16 +68,35 @@ bool IsStale(int address, int number) {
 } // namespace
 
 void BusSynchro::Agree() {
-    const QualifierTable qualifiers = FirstPass();
-    for (int address = 1; address <= PanelCount && !engine_.EndWanted(); ++address)
-        ResetModule(address);
+    constexpr int Passes = 3;
+    QualifierTable qualifiers{};
+    Walk(1, Passes, [&](int address) { MeetPanel(address, qualifiers[size_t(address)]); });
+    Walk(2, Passes, [this](int address) { ResetModule(address); });
     if (engine_.EndWanted())
         return;
     // Each step is worth as much without the one before.
     Guard("wPolling.SynchroGeneraleBus", [] { EmptyConsole(); });
-    for (int address = 1; address <= PanelCount && !engine_.EndWanted(); ++address)
+    Walk(3, Passes, [&](int address) {
         Guard("wPolling.SynchroGeneraleBus",
               [&] { ReportStanding(address, qualifiers[size_t(address)]); });
+    });
+}
+
+/// Goes through all panels until the program is to end, and tells how far it is: those that have a
+/// model are counted.
+void BusSynchro::Walk(int pass, int passes, const std::function<void(int address)>& work) {
+    ConfigClass& site = Global::Configuration();
+    BusStep step{0, 0, pass, passes};
+    for (int address = 1; address <= PanelCount; ++address)
+        step.panels += site.Panel(address).Model() != 0 ? 1 : 0;
+    for (int address = 1; address <= PanelCount && !engine_.EndWanted(); ++address) {
+        if (site.Panel(address).Model() != 0) {
+            ++step.panel;
+            if (onStep)
+                onStep(step);
+        }
+        work(address);
+    }
 }
 
 /// `GetModuleType` until it gives a model, at most three times.
@@ -88,28 +107,24 @@ int BusSynchro::AskModuleType(int address) {
     return type;
 }
 
-/// Who is there, and what the standing states mean.
-BusSynchro::QualifierTable BusSynchro::FirstPass() {
-    QualifierTable qualifiers{};
-    for (int address = 1; address <= PanelCount && !engine_.EndWanted(); ++address) {
-        PanelClass& panel = Global::Configuration().Panel(address);
-        if (panel.Model() == 0)
-            continue;
-        panel.setErrCptr(1, 0);
-        panel.setErrCptr(2, 0);
-        const int type = AskModuleType(address);
-        panel.setActualModel(quint8(type));
-        panel.setPresent(type > 0);
-        // The list of alarms is emptied: the polls tell a loss, even one that was told before.
-        panel.setLossUntold(type <= 0);
-        panel.setLossTold(false);
-        if (!Models::IsQFamily(type))
-            continue;
-        Words words(panel.ChannelCount());
-        if (LitMots(link_, quint8(address), Registers::Qualifier, words))
-            std::copy(words.cbegin(), words.cend(), qualifiers[size_t(address)].begin() + 1);
-    }
-    return qualifiers;
+/// Is the panel there, and what do its standing states mean?
+void BusSynchro::MeetPanel(int address, ChannelWords& qualifiers) {
+    PanelClass& panel = Global::Configuration().Panel(address);
+    if (panel.Model() == 0)
+        return;
+    panel.setErrCptr(1, 0);
+    panel.setErrCptr(2, 0);
+    const int type = AskModuleType(address);
+    panel.setActualModel(quint8(type));
+    panel.setPresent(type > 0);
+    // The list of alarms is emptied: the polls tell a loss, even one that was told before.
+    panel.setLossUntold(type <= 0);
+    panel.setLossTold(false);
+    if (!Models::IsQFamily(type))
+        return;
+    Words words(panel.ChannelCount());
+    if (LitMots(link_, quint8(address), Registers::Qualifier, words))
+        std::copy(words.cbegin(), words.cend(), qualifiers.begin() + 1);
 }
 
 /// A module that doesn't answer costs the time of the exchanges and no more.
@@ -251,24 +266,28 @@ void BusSynchro::PrintBusState() {}
 void BusSynchro::MidnightSynchro() {
     Guard("wPolling.MidnightSynchro", [&] {
         ConfigClass& site = Global::Configuration();
-        for (int address = 1; address <= PanelCount; ++address) {
-            PanelClass& panel = site.Panel(address);
-            if (panel.Model() == 0)
-                continue;
-            UpdatePanel(address, true);
-            if (engine_.EndWanted())
-                return;
-            EventClass event(panel.Numero(), Family::System, 0, SystemEvents::MidnightState);
-            event.setNum(engine_.IncEvtNum());
-            event.setGDH(DateTimes::Now());
-            // Straight to the history: no option can stop the day's record.
-            HistoProcs::HistoEvent(event);
-        }
+        Walk(1, 1, [this](int address) { RecordDay(address); });
+        if (engine_.EndWanted())
+            return;
         for (int address = 1; address <= PanelCount; ++address)
             for (int number = 1;
                  !engine_.EndWanted() && number <= site.Panel(address).ChannelCount(); ++number)
                 ReleaseStale(address, number);
     });
+}
+
+void BusSynchro::RecordDay(int address) {
+    if (Global::Configuration().Panel(address).Model() == 0)
+        return;
+    UpdatePanel(address, true);
+    if (engine_.EndWanted())
+        return;
+    EventClass event(Global::Configuration().Panel(address).Numero(), Family::System, 0,
+                     SystemEvents::MidnightState);
+    event.setNum(engine_.IncEvtNum());
+    event.setGDH(DateTimes::Now());
+    // Straight to the history: no option can stop the day's record.
+    HistoProcs::HistoEvent(event);
 }
 
 void BusSynchro::ReleaseStale(int address, int number) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "bus/BusProgress.h"
 #include "bus/CommFunctions.h"
 
 #include <array>
+#include <functional>
 
 class BusEngine;
 class CommandQueue;
@@ -18,6 +20,9 @@ public:
         : engine_(engine)
         , link_(link)
         , queue_(queue) {}
+
+    /// How far the work is, ahead of each panel.
+    std::function<void(const BusStep& step)> onStep;
 
     /// Throws forced states and event memories away and makes the list of alarms anew of what the
     /// channels show. Stops when the program is to end.
@@ -37,8 +42,10 @@ private:
     using ChannelWords = std::array<qint16, 25>;
     using QualifierTable = std::array<ChannelWords, PanelCount + 1>;
 
+    void Walk(int pass, int passes, const std::function<void(int address)>& work);
     int AskModuleType(int address);
-    QualifierTable FirstPass();
+    void MeetPanel(int address, ChannelWords& qualifiers);
+    void RecordDay(int address);
     void ResetModule(int address);
     static void EmptyConsole();
     void ReportStanding(int address, const ChannelWords& qualifiers);

@@ -1,5 +1,6 @@
 #include "bus/CommFunctions.h"
 
+#include "bus/BusDiagnosis.h"
 #include "bus/Registers.h"
 
 #include "core/Bytes.h"
@@ -7,12 +8,17 @@
 #include "platform/Clock.h"
 
 #include <QStringList>
+#include <array>
 
 namespace CommFunctions {
 
 using ErrorHandling::Guard;
 
 namespace {
+
+using Outcome = BusDiagnosis::Outcome;
+
+BusDiagnosis* listener = nullptr;
 
 void AppendWord(QByteArray& frame, quint16 word) {
     frame += char(Bytes::HighByte(word));
@@ -27,9 +33,23 @@ QByteArray FrameHead(quint8 module, quint8 function, qint32 registerNo) {
     return frame;
 }
 
-/// The CRC of all of a frame that has none yet; CRC16 itself refuses the last two lengths.
-quint16 CrcOf(const QByteArray& frame) {
-    return quint16(CRC16(frame + QByteArray(2, '\0'), int(frame.size())));
+constexpr std::array<quint16, 256> MakeCrcTable() {
+    std::array<quint16, 256> table{};
+    for (unsigned byte = 0; byte < table.size(); ++byte) {
+        unsigned crc = byte;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 1) != 0 ? (crc >> 1) ^ 0xA001 : crc >> 1;
+        table[byte] = quint16(crc);
+    }
+    return table;
+}
+
+quint16 CrcOf(QByteArrayView bytes) {
+    static constexpr std::array<quint16, 256> Table = MakeCrcTable();
+    unsigned crc = 0xFFFF;
+    for (const char byte : bytes)
+        crc = (crc >> 8) ^ Table[(crc ^ quint8(byte)) & 0xFF];
+    return quint16(crc);
 }
 
 void AppendCrc(QByteArray& frame) {
@@ -48,29 +68,61 @@ void Send(platform::SerialLink& link, const QByteArray& frame) {
     platform::Clock::Current().Sleep(FrameGap);
     link.setRTSEnable(true);
     link.ClearBuffers();
-    if (link.PortOpen())
+    if (link.PortOpen()) {
         link.Output(frame);
-}
-
-/// The reply to a frame; empty when the line has fewer or more bytes than expected.
-QByteArray Receive(platform::SerialLink& link, int expected, int deadline) {
-    if (!link.PortOpen())
-        return {};
-    link.WaitForInput(expected, platform::Clock::Current().MonotonicMs() + deadline);
-    if (link.InBufferCount() != expected)
-        return {};
-    const QByteArray reply = link.Input();
-    return reply.size() == expected ? reply : QByteArray();
-}
-
-bool IsReplyTo(const QByteArray& frame, const QByteArray& reply) {
-    return !reply.isEmpty() && reply[1] == frame[1] && reply[0] == frame[0];
+        if (listener != nullptr)
+            listener->Sent(frame);
+    } else if (listener != nullptr) {
+        listener->NotSent(quint8(frame[0]));
+    }
 }
 
 bool CrcIsRight(const QByteArray& reply) {
     const int length = int(reply.size()) - 2;
     const quint16 received = Bytes::MakeWord(quint8(reply[length + 1]), quint8(reply[length]));
-    return received == CrcOf(reply.left(length));
+    return received == CrcOf(QByteArrayView(reply).first(length));
+}
+
+struct Reply {
+    QByteArray bytes;   // all that came
+    bool whole = false; // as many as expected
+    Outcome outcome = Outcome::NoAnswer;
+
+    /// Address and function are those of the frame.
+    bool IsTo(const QByteArray& frame) const {
+        return whole && bytes[1] == frame[1] && bytes[0] == frame[0];
+    }
+};
+
+Outcome OutcomeOf(const QByteArray& frame, const Reply& reply) {
+    constexpr int ShortestFrame = 4;
+    constexpr int ExceptionLength = 5;
+    constexpr quint8 ExceptionBit = 0x80;
+    const QByteArray& bytes = reply.bytes;
+    if (bytes.isEmpty())
+        return Outcome::NoAnswer;
+    if (bytes.size() < ShortestFrame || !CrcIsRight(bytes))
+        return Outcome::BadCrc;
+    if (bytes[0] != frame[0])
+        return Outcome::OtherAddress;
+    if (bytes.size() == ExceptionLength && quint8(bytes[1]) == (quint8(frame[1]) | ExceptionBit))
+        return Outcome::Exception;
+    return reply.IsTo(frame) ? Outcome::Answered : Outcome::BadCrc;
+}
+
+/// The reply to a frame. Of one that isn't whole the bytes are taken only to tell what came.
+Reply Receive(platform::SerialLink& link, const QByteArray& frame, int expected, int deadline) {
+    Reply reply;
+    if (!link.PortOpen())
+        return reply;
+    link.WaitForInput(expected, platform::Clock::Current().MonotonicMs() + deadline);
+    const bool whole = link.InBufferCount() == expected;
+    reply.bytes = link.Input();
+    reply.whole = whole && reply.bytes.size() == expected;
+    reply.outcome = OutcomeOf(frame, reply);
+    if (listener != nullptr)
+        listener->Replied(reply.outcome, reply.bytes);
+    return reply;
 }
 
 /// A write and its reply of eight bytes, of which only address and function count.
@@ -80,10 +132,14 @@ bool Write(platform::SerialLink& link, QByteArray frame) {
     Send(link, frame);
     if (frame[0] == 0)
         return true;
-    return IsReplyTo(frame, Receive(link, ReplyLength, WriteDeadline));
+    return Receive(link, frame, ReplyLength, WriteDeadline).IsTo(frame);
 }
 
 } // namespace
+
+void ReportTo(BusDiagnosis* diagnosis) {
+    listener = diagnosis;
+}
 
 int ReadDeadline(int words, int speed) {
     return int(1000 + double(words) * speed * 0.003);
@@ -92,13 +148,7 @@ int ReadDeadline(int words, int speed) {
 qint16 CRC16(const QByteArray& buffer, int length) {
     if (length >= buffer.size() - 1)
         return 1;
-    quint16 crc = 0xFFFF;
-    for (int i = 0; i < length; ++i) {
-        crc ^= quint8(buffer[i]);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = quint16((crc & 1) != 0 ? (crc >> 1) ^ 0xA001 : crc >> 1);
-    }
-    return qint16(crc);
+    return qint16(CrcOf(QByteArrayView(buffer).first(qMax(0, length))));
 }
 
 void WaitForSilence(platform::SerialLink& link) {
@@ -126,11 +176,11 @@ bool LitMots(platform::SerialLink& link, quint8 module, qint32 registerNo, Words
         AppendCrc(frame);
         Send(link, frame);
         const int speed = Bytes::LongVal(link.Settings().section(u',', 0, 0));
-        const QByteArray reply = Receive(link, 5 + 2 * count, ReadDeadline(count, speed));
-        if (!IsReplyTo(frame, reply) || !CrcIsRight(reply))
+        const Reply reply = Receive(link, frame, 5 + 2 * count, ReadDeadline(count, speed));
+        if (reply.outcome != Outcome::Answered)
             return;
         for (int i = 0; i < count; ++i)
-            values[i] = qint16(WordAt(reply, 3 + 2 * i));
+            values[i] = qint16(WordAt(reply.bytes, 3 + 2 * i));
         done = true;
     });
     return done;

@@ -8,6 +8,8 @@
 /// A register's value as the rest of the program sees it.
 using Words = QList<qint16>;
 
+class BusDiagnosis;
+
 /// The synchronous exchanges of the bus, Modbus RTU with the functions 3, 6 and 16. Each waits
 /// 25 ms ahead of its frame, blocks until the reply or the deadline and gives false for any
 /// reply that isn't right, with no reason given. None is repeated here.
@@ -30,6 +32,10 @@ bool EcritUnMot(platform::SerialLink& link, quint8 module, qint32 registerNo, qi
 /// Model code that the module at an address reports: 0 nothing answers, 1 `Q7100` (and `P5000`,
 /// which can't be told from it), 2 `Q6200XT`, 3 `Q7000`, 5 `P5500`.
 int GetModuleType(platform::SerialLink& link, quint8 module);
+
+/// Who is told of each exchange, for as long as it lives; a null pointer is nobody. The reply to a
+/// write that is taken in spite of its CRC is told as one with a bad CRC.
+void ReportTo(BusDiagnosis* diagnosis);
 
 /// Waits until nothing more comes from the line, at most 3 s, and drops what came: the rest of a
 /// reply that is longer than its deadline.

@@ -2,6 +2,7 @@
 
 #include "bus/wPolling.h"
 
+#include "bus/BusProgress.h"
 #include "bus/BusWatch.h"
 #include "bus/Registers.h"
 #include "core/Boxes.h"
@@ -14,6 +15,7 @@
 #include "events/HistoProcs.h"
 #include "platform/DiskFlush.h"
 
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <optional>
 
@@ -29,8 +31,13 @@ void wPolling::SynchroGeneraleBus() {
     const Boxes::Held held;
     Guard("wPolling.SynchroGeneraleBus", [&] {
         Pointer::Hourglass();
-        std::optional<Messages::Notice> notice;
+        std::optional<BusProgress> notice;
         Guard("wPolling.SynchroGeneraleBus", [&] { notice.emplace(GetText(30015)); });
+        synchro_.onStep = [&](const BusStep& step) {
+            if (notice)
+                notice->Tell(step);
+        };
+        const auto untold = qScopeGuard([this] { synchro_.onStep = nullptr; });
         Yield();
         if (closing_)
             return;
@@ -53,6 +60,16 @@ void wPolling::SynchroGeneraleBus() {
     watch_->PollingBegins();
     Q_EMIT Synchronising(false);
     Pointer::Default();
+}
+
+void wPolling::MidnightSynchro(const QString& notice) {
+    Guard("wPolling.MidnightSynchro", [&] {
+        BusProgress progress(notice);
+        synchro_.onStep = [&](const BusStep& step) { progress.Tell(step); };
+        const auto untold = qScopeGuard([this] { synchro_.onStep = nullptr; });
+        MidnightSynchro();
+        watch_->PollingBegins();
+    });
 }
 
 /// A day of the month that differs from the last second's is a midnight; the first tick differs

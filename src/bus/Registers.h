@@ -16,6 +16,8 @@ inline constexpr qint32 AllStates = 25;
 /// What the standing states mean, from channel 1 on.
 inline constexpr qint32 Qualifier = 49;
 inline constexpr qint32 Function = 64;
+/// Lights all LEDs of a module for a test.
+inline constexpr qint32 TestLeds = 66;
 /// Acknowledges the panel as a whole.
 inline constexpr qint32 PanelCommand = 67;
 /// Of a `Q6200XT`: it was acknowledged.

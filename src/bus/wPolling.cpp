@@ -1,6 +1,8 @@
 #include "bus/wPolling.h"
 
+#include "bus/BusDiagnosis.h"
 #include "bus/BusWatch.h"
+#include "bus/CommFunctions.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -41,11 +43,13 @@ wPolling* Polling() {
 
 wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
     : link_(std::move(link))
+    , diagnosis_(std::make_unique<BusDiagnosis>())
     , watch_(std::make_unique<BusWatch>())
     , queue_(*link_, *watch_)
     , synchro_(*this, *link_, queue_)
     , reactivation_([this] { ShowConsole(); }) {
     engine = this;
+    CommFunctions::ReportTo(diagnosis_.get());
     queue_.onGivenUp = [this](const CommandClass& command) { Q_EMIT WriteError(command); };
     tmrPoll_.setSingleShot(true);
     tmrPoll_.setInterval(1);
@@ -59,8 +63,10 @@ wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
 }
 
 wPolling::~wPolling() {
-    if (engine == this)
-        engine = nullptr;
+    if (engine != this)
+        return;
+    engine = nullptr;
+    CommFunctions::ReportTo(nullptr);
 }
 
 void wPolling::Form_Load(DateTime started) {

@@ -17,6 +17,7 @@
 #include <array>
 #include <memory>
 
+class BusDiagnosis;
 class BusWatch;
 class PanelClass;
 
@@ -57,6 +58,8 @@ public:
     /// Starts the bus now, or as soon as its port is there; it is tried each 10 s.
     void RunWhenPortComes();
     bool IsClosing() const { return closing_; }
+    /// The polling is at work on the line and lets events run: whoever reads by himself waits.
+    bool InRound() const { return inRound_ || synchronising_; }
 
     BusState State() const;
     /// Addresses of the active panels that don't answer, upwards. One that wasn't asked since the
@@ -93,8 +96,12 @@ public:
     void StartUpdate() { synchro_.StartUpdate(); }
     /// The day's record of each panel, and the release of mirrored states that nothing holds.
     void MidnightSynchro() { synchro_.MidnightSynchro(); }
+    /// The same with a notice of a text that tells how far it is.
+    void MidnightSynchro(const QString& notice);
 
     platform::SerialLink& CommBus() { return *link_; }
+    /// Counters of the exchanges and the frames of late.
+    const BusDiagnosis& Diagnosis() const { return *diagnosis_; }
     DirectPrinting& dpPrinter() { return dpPrinter_; }
     EventPrinter& Paper() { return paper_; }
     const CommandClasses& Commands() const { return queue_.Commands(); }
@@ -173,6 +180,7 @@ private:
     qint32 IncEvtNum() override;
 
     std::unique_ptr<platform::SerialLink> link_;
+    std::unique_ptr<BusDiagnosis> diagnosis_;
     platform::ActivityDetection userSleep_;
     DirectPrinting dpPrinter_;
     EventPrinter paper_{dpPrinter_};

@@ -15,11 +15,15 @@ namespace {
 constexpr int KeepTheChanges = 30010;
 } // namespace
 
+int ConfigForm::Question() const {
+    return KeepTheChanges;
+}
+
 bool ConfigForm::AskForClose() {
     if (!Differs())
         return true;
     const QPointer<ConfigForm> self(this);
-    const int answer = Message(GetText(KeepTheChanges), Messages::Question | Messages::YesNoCancel);
+    const int answer = Message(GetText(Question()), Messages::Question | Messages::YesNoCancel);
     if (!IsLoaded(self.data()))
         return false;
     if (answer == Messages::Yes)
@@ -44,6 +48,14 @@ bool ConfigForm::LeaveToMenu(int tile) {
         return false;
     left_ = true;
     ReturnToMenu(*this, tile);
+    return true;
+}
+
+bool ConfigForm::LeaveModal() {
+    if (!AskForClose())
+        return false;
+    left_ = true;
+    Unload();
     return true;
 }
 

@@ -22,6 +22,8 @@ protected:
     virtual bool Differs() const = 0;
     /// Takes the edit over. False when that was refused and told: the screen stays.
     virtual bool Take() = 0;
+    /// Number of the text that asks whether to take what is edited.
+    virtual int Question() const;
     /// Undoes what was done ahead of an answer, when the edit is dropped.
     virtual void Drop() {}
     /// Keeps the edit, which differs, for the next visit.
@@ -36,6 +38,8 @@ protected:
     bool Leave(const QString& form = FormNames::wMain);
     /// The same, back into a submenu of the main menu.
     bool LeaveToMenu(int tile);
+    /// The same for a form that was shown modally: back to what showed it.
+    bool LeaveModal();
     /// Tells that the edit is one that was kept.
     void ShowKept(bool kept);
 

@@ -3,6 +3,7 @@
 #include "core/Config.h"
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
+#include "model/OutOfService.h"
 
 #include <QPair>
 #include <array>
@@ -11,6 +12,7 @@ void SaveSite() {
     ConfigClass& site = Global::Configuration();
     if (!site.Modified())
         return;
+    OutOfService::DropPast();
     const qint32 result = SaveCurrentConfig();
     // Its own file doesn't hold the change, and saving lowers the marks of the panels.
     site.setModified(true);

@@ -21,12 +21,17 @@ void Messages::InstallNotice(NoticePresenter newPresenter) {
 
 Messages::Notice::Notice(const QString& text) {
     if (noticePresenter)
-        close_ = noticePresenter(text);
+        shown_ = noticePresenter(text);
 }
 
 Messages::Notice::~Notice() {
-    if (close_)
-        close_();
+    if (shown_.close)
+        shown_.close();
+}
+
+void Messages::Notice::setText(const QString& text) {
+    if (shown_.change)
+        shown_.change(text);
 }
 
 int Message(const QString& text, int buttons, bool noWait) {

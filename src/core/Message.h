@@ -26,6 +26,13 @@ enum Result { Closed = -1, Ok = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5,
 
 using Presenter = std::function<int(const QString& text, int buttons, bool noWait)>;
 
+/// What a presenter gives of a notice that it shows.
+struct ShownNotice {
+    std::function<void()> close;
+    /// Puts another text in its place and paints it, without the event loop. May be empty.
+    std::function<void(const QString& text)> change;
+};
+
 /// A notice that stands on the screen without a button while something takes long; it goes with
 /// the object.
 class Notice {
@@ -35,12 +42,15 @@ public:
     Notice(const Notice&) = delete;
     Notice& operator=(const Notice&) = delete;
 
+    /// Shows another text at once; nothing yields.
+    void setText(const QString& text);
+
 private:
-    std::function<void()> close_;
+    ShownNotice shown_;
 };
 
-/// Shows a notice and gives what takes it away.
-using NoticePresenter = std::function<std::function<void()>(const QString& text)>;
+/// Shows a notice.
+using NoticePresenter = std::function<ShownNotice(const QString& text)>;
 void InstallNotice(NoticePresenter presenter);
 
 /// Says who shows the box, and that nobody keeps unread boxes. Without a presenter `Message` writes

@@ -47,6 +47,21 @@ bool IsReady(const QString& folder) {
     return storage.isReady() && (!IsRemovable(path) || IsRemovable(storage.rootPath()));
 }
 
+Medium MediumOf(const QString& path) {
+    if (!IsRemovable(path))
+        return Medium::There;
+    QString there = path;
+    while (!QFileInfo::exists(there))
+        there = QFileInfo(there).path();
+    const QStorageInfo storage(there);
+    if (IsRemovable(storage.rootPath()))
+        return storage.isReady() && !storage.isReadOnly() ? Medium::There : Medium::NotReady;
+    static const QStringList areas{QStringLiteral("/media"), QStringLiteral("/run/media"),
+                                   QStringLiteral("/mnt"), QStringLiteral("/run"),
+                                   QStringLiteral("/")};
+    return areas.contains(there) ? Medium::Missing : Medium::NotReady;
+}
+
 std::optional<Space> SpaceOf(const QString& folder) {
     if (overriddenSpace)
         return overriddenSpace;

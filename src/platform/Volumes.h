@@ -21,6 +21,14 @@ QList<Volume> RemovableVolumes();
 /// well: what is written under an empty mount lands on the machine's own disk and is hidden later.
 bool IsReady(const QString& folder);
 
+/// Is the volume there on which a path lies or would lie?
+enum class Medium {
+    There,
+    Missing,  ///< there is no place for it
+    NotReady, ///< its place is there and nothing is mounted at it
+};
+Medium MediumOf(const QString& path);
+
 /// Room on a volume, bytes.
 struct Space {
     qint64 free = 0;

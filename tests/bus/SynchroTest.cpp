@@ -282,7 +282,7 @@ TEST_F(Synchro, ANoticeAndTheMarksStandMeanwhile) {
     QStringList steps;
     Messages::InstallNotice([&](const QString& text) {
         steps += text;
-        return [&] { steps += QStringLiteral("gone"); };
+        return Messages::ShownNotice{[&] { steps += QStringLiteral("gone"); }, nullptr};
     });
     QObject::connect(engine.get(), &wPolling::Synchronising,
                      [&](bool on) { steps += on ? QStringLiteral("on") : QStringLiteral("off"); });

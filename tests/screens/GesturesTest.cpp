@@ -141,6 +141,11 @@ TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
     EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
     table.MoveBy(1);
     EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
+    table.setCells(QStringLiteral("y"), {QStringLiteral("9"), QStringLiteral("A")});
+    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("A")) << "in its place";
+    rows[0].order = {QString(), QStringLiteral("d")};
+    table.setRows(rows);
+    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("b")) << "sorted by more than its text";
     rows.removeLast();
     table.setRows(rows);
     EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";

@@ -42,7 +42,8 @@ struct Design {
 /// Arrays of which one control is shown at a time, and controls that stand in for another one.
 bool ShareAPlace(const Control& a, const Control& b) {
     static const QStringList oneOf{QStringLiteral("imgStopRun"), QStringLiteral("imgIcons"),
-                                   QStringLiteral("imgComm"), QStringLiteral("PicPort")};
+                                   QStringLiteral("imgComm"), QStringLiteral("PicPort"),
+                                   QStringLiteral("imgFind")};
     static const QList<QPair<QString, QString>> standIns{
         {QStringLiteral("grdAlarms"), QStringLiteral("txtNoAlarm")},
         {QStringLiteral("grdAlarms"), QStringLiteral("imgNoAlarm")},

@@ -53,9 +53,10 @@ TEST_F(CommandTest, WiringAndShow) {
 }
 
 TEST_F(CommandTest, RefusedCommands) {
-    for (const auto* text : {"", "dance 3", "active", "active 3", "active 3 7 8", "active 3 0",
-                             "active 3 x", "active 0 1", "active 65 1", "active -3 1",
-                             "fault 3 7 third", "delay 3 -1", "corrupt 3", "quit 3", "mute"}) {
+    for (const auto* text :
+         {"", "dance 3", "active", "active 3", "active 3 7 8", "active 3 0", "active 3 x",
+          "active 0 1", "active 65 1", "active -3 1", "fault 3 7 third", "delay 3 -1", "corrupt 3",
+          "quit 3", "mute", "twin 3", "twin 3 yes", "swap", "swap 3 on"}) {
         EXPECT_THROW(ParseCommand(text), CommandError) << text;
     }
     for (const auto* text : {"active 9 1", "show 9", "active 3 15", "active 5 13", "normal 4 1"}) {

@@ -13,6 +13,7 @@
 #include "model/Models.h"
 #include "screens/Screens.h"
 #include "system/Processes.h"
+#include "technician/Technician.h"
 
 #include <QCoreApplication>
 #include <QTest>
@@ -34,6 +35,7 @@ protected:
             AddPanel(module.section(u'=', 0, 0).toInt(), module.section(u'=', 1));
         RegisterScreens();
         RegisterConfigScreens();
+        RegisterTechnician();
         Messages::Install([this](const QString& text, int, bool) {
             boxes += text;
             return int(Messages::Ok);

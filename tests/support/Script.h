@@ -40,6 +40,8 @@ public:
 
 private:
     static constexpr qint64 Patience = 5000;
+    /// While a step is at work, which may take its time.
+    static constexpr qint64 LongPatience = 60000;
 
     void Begin() {
         since_.start();
@@ -69,7 +71,7 @@ private:
             busy_.removeLast();
         } else if (steps_.isEmpty() && QApplication::activeModalWidget() == nullptr) {
             return;
-        } else if (since_.elapsed() > Patience) {
+        } else if (since_.elapsed() > (busy_.isEmpty() ? Patience : LongPatience)) {
             ADD_FAILURE() << "waits for " << Waiting();
             steps_.clear();
             Forms::UnloadAllBut({QStringLiteral("wPolling"), QStringLiteral("wMain")});

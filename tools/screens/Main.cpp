@@ -21,6 +21,7 @@
 #include "screens/Screens.h"
 #include "screens/console/ConsoleHead.h"
 #include "screens/touch/ResizeForm.h"
+#include "technician/Technician.h"
 
 #include <QApplication>
 #include <QDir>
@@ -138,6 +139,7 @@ int main(int argc, char** argv) {
         return 1;
     RegisterScreens();
     RegisterConfigScreens();
+    RegisterTechnician();
     Messages::Install([](const QString&, int, bool) { return int(Messages::Ok); });
     if (argc == 5) {
         Global::Get().noResize = false;

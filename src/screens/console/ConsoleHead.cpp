@@ -4,6 +4,7 @@
 #include "core/DateTimes.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "model/OutOfService.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -115,6 +116,13 @@ Verdict Judge(const Watch& watch) {
 QString CountText(int row, int rows, int waiting) {
     return Filled(GetText(714076),
                   {QString::number(row), QString::number(rows), QString::number(waiting)});
+}
+
+QString OutOfServiceText() {
+    const qsizetype count = OutOfService::Present().size();
+    return count == 0 ? QString()
+                      : Filled(GetText(840020), QStringList(QString::number(count))) +
+                            QStringLiteral(" \u203A");
 }
 
 QString TextOf(const Faults::Fault& fault) {

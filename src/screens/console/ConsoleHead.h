@@ -42,6 +42,9 @@ Verdict Judge(const Watch& watch);
 /// "row of rows, so many not acknowledged". `row` counts from 1.
 QString CountText(int row, int rows, int waiting);
 
+/// How many things are out of service, empty when none is.
+QString OutOfServiceText();
+
 /// What stands, one paragraph a fault, with the time since when.
 QString StandingList();
 /// Words of a fault with what is known of it.

@@ -117,6 +117,8 @@ void wRunAlarms::ConnectControls() {
     OnClick(QStringLiteral("imgNavig"), [this](int) { imgNavig_Click(); });
     OnClick(QStringLiteral("lblLogin"), [this](int) { lblLogin_Click(); });
     OnClick(lblFaults_, [this] { lblFaults_Click(); });
+    for (QLabel* label : {lblOutOfService_, ui_->lblFileName})
+        OnClick(label, [this] { lblOutOfService_Click(); });
     connect(ui_->grdAlarms, &AlarmGrid::RowColChange, this, &wRunAlarms::RecaleCurseur);
     connect(&tmrDateTime_, &QTimer::timeout, this, &wRunAlarms::tmrDateTime_Timer);
 }

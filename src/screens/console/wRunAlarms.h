@@ -65,6 +65,7 @@ private:
     void imgCommWatch_Click();
     void lblLogin_Click();
     void lblFaults_Click();
+    void lblOutOfService_Click();
     void tmrDateTime_Timer();
 
     /// The selected alarm is known to the operator; what of it goes to the panel goes.
@@ -81,6 +82,7 @@ private:
     void ShowWatch();
     void ShowCount();
     void ShowFaults();
+    void ShowOutOfService();
     void ShowRunState();
     void ShowSiteName();
     void ShowBeat(Beat beat);
@@ -90,6 +92,7 @@ private:
     std::unique_ptr<TouchGuard> guard_;
     QLabel* lblWatch_ = nullptr;
     FaultBand* lblFaults_ = nullptr;
+    QLabel* lblOutOfService_ = nullptr;
     QList<int> missing_;
     /// Left end of the missing panels, which stand behind the words of the watch.
     int missingFrom_ = 0;

@@ -4,13 +4,18 @@
 #include "core/Boxes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Message.h"
+#include "model/Access.h"
 #include "platform/Clock.h"
 #include "screens/console/ConsoleHead.h"
 #include "screens/console/FaultBand.h"
 #include "screens/console/wRunAlarms.h"
+#include "screens/touch/Navigation.h"
 #include "screens/touch/Theme.h"
 #include "ui_wRunAlarms.h"
+
+#include <QPointer>
 
 using ErrorHandling::Guard;
 
@@ -25,6 +30,7 @@ constexpr int WatchMargin = 12;
 constexpr int BandGap = 4;
 constexpr QRect WatchPlace(8, 58, 190, 26);
 constexpr int WatchPixels = 15;
+constexpr QRect NotePlace(12, 33, 290, 21);
 constexpr QRect BandPlace(8, 88, 784, 48);
 constexpr int BandPixels = 17;
 
@@ -61,6 +67,13 @@ void wRunAlarms::MakeHead() {
     lblFaults_->setGeometry(BandPlace);
     lblFaults_->setFont(Theme::Text(BandPixels));
     lblFaults_->hide();
+    lblOutOfService_ = new QLabel(this);
+    lblOutOfService_->setObjectName(QStringLiteral("lblOutOfService"));
+    lblOutOfService_->setGeometry(NotePlace);
+    lblOutOfService_->setFont(Theme::Text(WatchPixels));
+    lblOutOfService_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    lblOutOfService_->setProperty("quiet", true);
+    lblOutOfService_->hide();
 }
 
 void wRunAlarms::tmrDateTime_Timer() {
@@ -139,6 +152,7 @@ void wRunAlarms::ShowWatch() {
         words.resize(words.fontMetrics().horizontalAdvance(verdict.chip) + 2 * WatchMargin,
                      words.height());
         FindMissingPanels();
+        ShowOutOfService();
         ShowRunState();
     });
 }
@@ -173,6 +187,26 @@ void wRunAlarms::ShowFaults() {
         ShowWatch();
         RecaleCurseur();
     });
+}
+
+/// The name of the site makes room for the note, and has all its place without one.
+void wRunAlarms::ShowOutOfService() {
+    const QString note = ConsoleHead::OutOfServiceText();
+    lblOutOfService_->setText(note);
+    lblOutOfService_->setVisible(!note.isEmpty());
+    const QRect place = lblOutOfService_->geometry();
+    QLabel& name = *ui_->lblFileName;
+    name.resize(name.width(), (note.isEmpty() ? place.bottom() + 1 : place.top()) - name.y());
+}
+
+/// The note alone is lower than a finger: the name above it leads to the list as well.
+void wRunAlarms::lblOutOfService_Click() {
+    const QPointer<wRunAlarms> self(this);
+    if (lblOutOfService_->isHidden() || !InsistOnLevel(*this, Levels::Technician))
+        return;
+    OpenDialog(FormNames::wTechConsignations);
+    if (IsLoaded(self.data()))
+        ShowWatch();
 }
 
 /// Somebody's unread box first; else all that stands, with the time since when.

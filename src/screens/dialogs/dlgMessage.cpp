@@ -157,7 +157,7 @@ static void WaitUntilSeen(const QPointer<dlgMessage>& notice) {
         notice->repaint();
 }
 
-std::function<void()> dlgMessage::PresentNotice(const QString& text) {
+Messages::ShownNotice dlgMessage::PresentNotice(const QString& text) {
     const QPointer<dlgMessage> notice(new dlgMessage);
     notice->setMessage(text);
     notice->setButtons(Messages::Warning);
@@ -165,10 +165,16 @@ std::function<void()> dlgMessage::PresentNotice(const QString& text) {
     notice->HideButtons();
     notice->Show();
     WaitUntilSeen(notice);
-    return [notice] {
-        if (notice)
-            notice->Unload();
-    };
+    return {[notice] {
+                if (notice)
+                    notice->Unload();
+            },
+            [notice](const QString& changed) {
+                if (!notice)
+                    return;
+                notice->setMessage(changed);
+                notice->repaint();
+            }};
 }
 
 void dlgMessage::setButtons(int style) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Message.h"
 #include "screens/touch/ScreenForm.h"
 
 #include <functional>
@@ -29,8 +30,8 @@ public:
     /// Shows the one box that no touch has called, or gives the one that stands another text. Its
     /// button tells that it was read.
     static void PresentUnread(const QString& text, int buttons);
-    /// Shows a box without buttons that tells of work going on; gives what takes it away.
-    static std::function<void()> PresentNotice(const QString& text);
+    /// Shows a box without buttons that tells of work going on.
+    static Messages::ShownNotice PresentNotice(const QString& text);
 
 protected:
     /// The texts come from the style word.

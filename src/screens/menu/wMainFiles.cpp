@@ -11,6 +11,7 @@
 #include "core/Yield.h"
 #include "model/Access.h"
 #include "model/CurrentConfig.h"
+#include "model/OutOfService.h"
 #include "platform/Processes.h"
 #include "screens/dialogs/FilePicker.h"
 #include "screens/dialogs/wHelp.h"
@@ -188,6 +189,7 @@ void wMain::OpenSite() {
 /// in, and a box in the middle of it is modal.
 void wMain::ReadSite(const QString& path) {
     Global::setConfiguration(std::make_unique<ConfigClass>());
+    OutOfService::Forget();
     ConfigClass& site = Global::Configuration();
     Pointer::Hourglass();
     const qint32 result = site.Read(path);
@@ -219,6 +221,7 @@ void wMain::MakeNewSite() {
     ShowFileName(unnamed);
     setLastUsed(unnamed);
     Global::setConfiguration(std::make_unique<ConfigClass>());
+    OutOfService::Forget();
     if (wPolling* polling = Polling())
         polling->SetupPrinter();
     SaveCurrent();

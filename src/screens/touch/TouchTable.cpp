@@ -6,12 +6,14 @@
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
+#include <QIcon>
 #include <QScrollBar>
 #include <algorithm>
 #include <utility>
 
 namespace {
 constexpr int RowPixels = 48;
+constexpr int PicturePixels = 36;
 } // namespace
 
 /// Rows in the order shown.
@@ -28,6 +30,8 @@ public:
     QVariant data(const QModelIndex& index, int role) const override {
         if (role == Qt::DisplayRole)
             return rows_[index.row()].cells.value(index.column());
+        if (role == Qt::DecorationRole && index.column() == 0)
+            return PictureOf(rows_[index.row()]);
         if (role == Qt::TextAlignmentRole)
             return QVariant::fromValue(columns_[index.column()].alignment);
         return {};
@@ -52,6 +56,10 @@ public:
         Order();
         endResetModel();
     }
+    void setCells(int row, const QStringList& cells) {
+        rows_[row].cells = cells;
+        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
     /// By a column; a second time turns the order round.
     void SortBy(int column) {
         beginResetModel();
@@ -66,8 +74,22 @@ public:
         return found == rows_.cend() ? -1 : int(found - rows_.cbegin());
     }
     const Row& At(int row) const { return rows_[row]; }
+    void setPictureSize(int pixels) { pictureSize_ = pixels; }
 
 private:
+    QVariant PictureOf(const Row& row) const {
+        if (row.picture.isEmpty())
+            return {};
+        const QPixmap picture = Theme::Picture(row.picture, pictureSize_);
+        QIcon icon(picture);
+        // The style would dim it in a selected row.
+        icon.addPixmap(picture, QIcon::Selected);
+        return icon;
+    }
+    QString SortedBy(const Row& row) const {
+        const QString order = row.order.value(sorted_);
+        return order.isEmpty() ? row.cells.value(sorted_) : order;
+    }
     /// Numbers stand by their value and before words; equal rows stand by their tag.
     void Order() {
         struct Key {
@@ -82,8 +104,8 @@ private:
         std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& one, const Row& other) {
             const Row& first = falling_ ? other : one;
             const Row& second = falling_ ? one : other;
-            const QString& left = first.cells[sorted_];
-            const QString& right = second.cells[sorted_];
+            const QString left = SortedBy(first);
+            const QString right = SortedBy(second);
             const Key a = keyOf(left);
             const Key b = keyOf(right);
             if (a.word != b.word)
@@ -98,6 +120,7 @@ private:
     QList<Row> rows_;
     int sorted_ = 0;
     bool falling_ = false;
+    int pictureSize_ = PicturePixels;
 };
 
 TouchTable::TouchTable(QWidget* parent)
@@ -127,6 +150,9 @@ void TouchTable::setColumns(const QList<Column>& columns, double scale) {
     columns_ = columns;
     model_->setColumns(columns);
     const int finger = qRound(RowPixels * scale);
+    const int picture = qRound(PicturePixels * scale);
+    model_->setPictureSize(picture);
+    setIconSize(QSize(picture, picture));
     verticalHeader()->setDefaultSectionSize(finger);
     horizontalHeader()->setFixedHeight(finger);
     horizontalHeader()->setFont(font());
@@ -154,6 +180,16 @@ void TouchTable::setRows(QList<Row> rows) {
     model_->setRows(std::move(rows));
     verticalScrollBar()->setValue(view);
     SelectTag(tag);
+}
+
+void TouchTable::setCells(const QString& tag, const QStringList& cells) {
+    const int row = model_->Find(tag);
+    if (row >= 0)
+        model_->setCells(row, cells);
+}
+
+void TouchTable::setSortable(bool on) {
+    horizontalHeader()->setSectionsClickable(on);
 }
 
 void TouchTable::SortBy(int column) {

@@ -19,6 +19,10 @@ public:
     struct Row {
         QStringList cells;
         QString tag;
+        /// Name of the drawing ahead of the first cell, empty for none.
+        QString picture = {};
+        /// What the columns are sorted by where that isn't the text; empty for the text.
+        QStringList order = {};
     };
 
     explicit TouchTable(QWidget* parent = nullptr);
@@ -29,6 +33,11 @@ public:
     /// Shows other rows, sorted as before. The row selected before stays so if its tag is still
     /// there, and the view stays where it is as far as there are rows.
     void setRows(QList<Row> rows);
+    /// Other cells in the row of a tag, which stays where it is until rows are sorted anew: a
+    /// finger that aims at it finds it.
+    void setCells(const QString& tag, const QStringList& cells);
+    /// A touch on the head of a column sorts, or the rows stay as they were given.
+    void setSortable(bool on);
     int RowCount() const;
     /// Place of the selected row in the order shown, -1 for none.
     int CurrentRow() const { return currentIndex().row(); }

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Makes the technician's screens known under their names.
+void RegisterTechnician();

@@ -1,0 +1,296 @@
+#include "technician/wTechConsignations.h"
+
+#include "core/Config.h"
+#include "core/ErrorHandling.h"
+#include "core/Global.h"
+#include "core/Message.h"
+#include "model/CurrentConfig.h"
+#include "model/Models.h"
+#include "screens/dialogs/wHelp.h"
+#include "screens/touch/KeptEdit.h"
+#include "screens/touch/Position.h"
+#include "screens/touch/ResizeForm.h"
+#include "screens/touch/Stepper.h"
+#include "screens/touch/TouchTable.h"
+#include "ui_wTechConsignations.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QSignalBlocker>
+#include <algorithm>
+
+using ErrorHandling::Guard;
+using OutOfService::Thing;
+
+namespace {
+
+enum Navigation {
+    NewUp = 1,
+    NewDown = 2,
+    CloseScreen = 5,
+    HelpOnScreen = 7,
+    PresentUp = 101,
+    PresentDown = 103
+};
+
+const QString Navig = QStringLiteral("imgNavig");
+const QString Images = QStringLiteral("imgControl");
+
+constexpr int DeleteIt = 30007;
+constexpr int FirstColumn = 840010;
+constexpr int MinuteLetters = 5;
+
+/// What an alarm interrupted, tied to what was out of service then.
+KeptEdit<QList<OutOfService::Change>> keptEdit;
+
+const PanelClass* PanelOf(int number) {
+    return number < 1 ? nullptr : &Global::Configuration().Panel(number);
+}
+
+QString NameOf(const Thing& thing) {
+    const PanelClass& panel = *PanelOf(thing.panel);
+    return thing.channel > 0 ? panel.Channel(thing.channel).ScreenText() : panel.Title();
+}
+
+QString IconOf(const OutOfService::Change& entry) {
+    if (entry.thing.channel > 0)
+        return entry.out ? QStringLiteral("channel_out") : QStringLiteral("channel_on");
+    return entry.out ? QStringLiteral("panel_out") : QStringLiteral("panel_ok");
+}
+
+QString TwoDigits(int number) {
+    return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
+}
+
+TouchTable::Row RowOf(const OutOfService::Change& entry, bool withTime) {
+    const auto [panel, channel] = entry.thing;
+    const QString key = wTechConsignations::FormatKey(panel, channel);
+    TouchTable::Row row{{key, NameOf(entry.thing), QString()}, key, IconOf(entry)};
+    const auto since = withTime ? OutOfService::Since(entry.thing) : std::nullopt;
+    if (since) {
+        const QString time = DateTimes::LongTime(*since);
+        row.cells[2] = DateTimes::ShortDate(*since) + u' ' + time.left(MinuteLetters);
+        row.order = {{}, {}, DateTimes::FileDate(*since) + u' ' + time};
+    }
+    return row;
+}
+
+} // namespace
+
+wTechConsignations::wTechConsignations()
+    : ConfigForm(FormNames::wTechConsignations)
+    , ui_(std::make_unique<Ui::wTechConsignations>())
+    , repeat_(this) {
+    ui_->setupUi(this);
+    Prepare();
+    MakeTables();
+    module_ = new Stepper(repeat_, ui_->lblModule, {ui_->imgControl_4, ui_->imgControl_5});
+    channel_ = new Stepper(repeat_, ui_->lblChannel, {ui_->imgControl_0, ui_->imgControl_1});
+    module_->setBounds(0, ConfigClass::PanelCount);
+    module_->setValue(0);
+    channel_->setBounds(0, 0);
+    connect(module_, &Stepper::Changed, this, &wTechConsignations::lblModule_Click);
+    connect(channel_, &Stepper::Changed, this, &wTechConsignations::lblChannel_Change);
+    OnClick(Images, [this](int index) { imgControl_Click(index); });
+    OnClick(Navig, [this](int index) { imgNavig_Click(index); });
+    OnClick(ui_->imgDelete, [this] { imgDelete_Click(); });
+    for (const int index : {NewUp, NewDown, PresentUp, PresentDown})
+        repeat_.Watch(Control(Navig, index), [this, index] { imgNavig_Click(index); });
+    Form_Load();
+}
+
+wTechConsignations::~wTechConsignations() = default;
+
+void wTechConsignations::MakeTables() {
+    present_ = {ui_->lvwPresent, true};
+    new_ = {ui_->lvwNew, false};
+    const double scale = IsScaled() ? CurrentScreenFactors().vertical : 1;
+    ui_->lvwPresent->setColumns({{GetText(FirstColumn), 124},
+                                 {GetText(FirstColumn + 1), 148},
+                                 {GetText(FirstColumn + 2), 158}},
+                                scale);
+    ui_->lvwNew->setColumns({{GetText(FirstColumn), 124}, {GetText(FirstColumn + 1), 142}}, scale);
+    for (const List* list : {&present_, &new_})
+        connect(list->table, &TouchTable::RowChanged, this, [this, list] { Choose(*list); });
+}
+
+void wTechConsignations::Form_Load() {
+    Guard("wTechConsignations.Form_Load", [&] {
+        OutOfService::DropPast();
+        for (const Thing& thing : OutOfService::Present())
+            present_.entries.append({thing, true});
+        const auto kept = keptEdit.Take(present_.entries);
+        new_.entries = kept.value_or(QList<Entry>());
+        ShowKept(kept.has_value());
+        Fill(present_);
+        Fill(new_);
+        lblModule_Click();
+    });
+}
+
+QString wTechConsignations::FormatKey(int panel, int channel) {
+    const QString key = Global::Get().panelMark + TwoDigits(panel);
+    return channel > 0 ? key + Global::Get().channelMark + TwoDigits(channel) : key;
+}
+
+void wTechConsignations::AjouteItem(List& list, const Entry& entry) {
+    Guard("wTechConsignations.AjouteItem", [&] {
+        list.entries.append(entry);
+        Fill(list);
+    });
+}
+
+const wTechConsignations::Entry* wTechConsignations::GetItem(const List& list, const QString& key) {
+    const auto found =
+        std::find_if(list.entries.cbegin(), list.entries.cend(), [&](const Entry& entry) {
+            return FormatKey(entry.thing.panel, entry.thing.channel) == key;
+        });
+    return found == list.entries.cend() ? nullptr : &*found;
+}
+
+void wTechConsignations::Remove(List& list, const QString& key) {
+    if (const Entry* entry = GetItem(list, key))
+        list.entries.removeOne(Entry(*entry));
+    Fill(list);
+}
+
+void wTechConsignations::Fill(const List& list) {
+    QList<TouchTable::Row> rows;
+    rows.reserve(list.entries.size());
+    for (const Entry& entry : list.entries)
+        rows += RowOf(entry, list.withTime);
+    // Only a touch chooses another thing.
+    const QSignalBlocker blocker(list.table);
+    list.table->setRows(rows);
+    RefreshNavigation();
+}
+
+/// Without a selected row the arrow down takes the first one.
+void wTechConsignations::RefreshNavigation() {
+    const auto refresh = [this](const TouchTable& table, int up, int down) {
+        const int row = table.CurrentRow();
+        EnableByPosition(Control(Navig, up), Control(Navig, down), row, table.RowCount());
+        if (row < 0)
+            Control(Navig, down)->setEnabled(table.RowCount() > 0);
+    };
+    refresh(*ui_->lvwPresent, PresentUp, PresentDown);
+    refresh(*ui_->lvwNew, NewUp, NewDown);
+}
+
+void wTechConsignations::imgControl_Click(int index) {
+    switch (index) {
+    case ChannelDown:
+    case ChannelUp:
+        channel_->StepBy(index == ChannelUp ? 1 : -1);
+        break;
+    case ModuleDown:
+    case ModuleUp:
+        module_->StepBy(index == ModuleUp ? 1 : -1);
+        break;
+    case ChannelOut:
+    case ChannelBack:
+        if (channel_->Value() == 0)
+            QApplication::beep();
+        else
+            Request(channel_->Value(), index == ChannelOut);
+        break;
+    default:
+        Request(0, index == PanelOut);
+    }
+}
+
+/// A second request for the same thing undoes the first.
+void wTechConsignations::Request(int channel, bool out) {
+    const Thing thing{module_->Value(), channel};
+    const QString key = FormatKey(thing.panel, channel);
+    if (GetItem(new_, key) != nullptr)
+        Remove(new_, key);
+    else if (thing.panel == 0 || OutOfService::IsOut(thing) == out)
+        QApplication::beep();
+    else
+        AjouteItem(new_, {thing, out});
+}
+
+void wTechConsignations::lblModule_Click() {
+    const PanelClass* panel = PanelOf(module_->Value());
+    channel_->setBounds(0, panel == nullptr ? 0 : panel->ChannelCount());
+    ui_->lblTitle_0->setText(panel == nullptr ? QString() : panel->Title());
+    ui_->imgControl_6->setEnabled(panel != nullptr);
+    ui_->imgControl_7->setEnabled(panel != nullptr);
+    lblChannel_Change();
+}
+
+void wTechConsignations::lblChannel_Change() {
+    const Thing thing{module_->Value(), channel_->Value()};
+    const PanelClass* panel = PanelOf(thing.panel);
+    const bool isThere = panel != nullptr && panel->Model() != Models::None && thing.channel >= 1;
+    ui_->lblTitle_1->setText(isThere ? NameOf(thing) : QString());
+    const bool isOut = isThere && OutOfService::IsOut(thing);
+    ui_->imgControl_2->setEnabled(isThere && !isOut);
+    ui_->imgControl_3->setEnabled(isOut);
+}
+
+/// What is touched in a list is what the buttons work on.
+void wTechConsignations::Choose(const List& list) {
+    RefreshNavigation();
+    if (const Entry* entry = GetItem(list, list.table->CurrentTag())) {
+        module_->setValue(entry->thing.panel);
+        channel_->setValue(entry->thing.channel);
+    }
+}
+
+void wTechConsignations::imgNavig_Click(int index) {
+    switch (index) {
+    case NewUp:
+    case NewDown:
+        Move(new_, index == NewDown ? 1 : -1);
+        break;
+    case PresentUp:
+    case PresentDown:
+        Move(present_, index == PresentDown ? 1 : -1);
+        break;
+    case HelpOnScreen:
+        ShowHelp();
+        break;
+    case CloseScreen:
+        Close();
+        break;
+    default:
+        break;
+    }
+}
+
+void wTechConsignations::Move(List& list, int by) {
+    TouchTable& table = *list.table;
+    if (table.CurrentRow() >= 0)
+        table.MoveBy(by);
+    else if (table.RowCount() > 0)
+        table.SelectTag(table.Cell(0, 0));
+}
+
+void wTechConsignations::imgDelete_Click() {
+    const QString key = ui_->lvwNew->CurrentTag();
+    if (key.isEmpty()) {
+        QApplication::beep();
+        return;
+    }
+    const QPointer<wTechConsignations> self(this);
+    const int answer = Message(GetText(DeleteIt), Messages::Question | Messages::OkCancel);
+    if (IsLoaded(self.data()) && answer == Messages::Ok)
+        Remove(new_, key);
+}
+
+bool wTechConsignations::Take() {
+    OutOfService::Apply(new_.entries);
+    new_.entries.clear();
+    return true;
+}
+
+void wTechConsignations::Keep() {
+    keptEdit.Keep(present_.entries, new_.entries);
+}
+
+void wTechConsignations::Close() {
+    if (AskForClose())
+        Unload();
+}

@@ -1,0 +1,139 @@
+#include "bus/BusDiagnosis.h"
+
+#include "bus/CommFunctions.h"
+#include "support/Bench.h"
+#include "support/FakeLink.h"
+#include "support/FakeModules.h"
+
+namespace {
+
+using Outcome = BusDiagnosis::Outcome;
+
+QByteArray Bytes(const char* hex) {
+    return QByteArray::fromHex(hex);
+}
+
+/// A line on which replies take their time.
+class SlowLink : public FakeLink {
+public:
+    int delay = 0;
+    void WaitForInput(int count, qint64 deadlineMs) override {
+        platform::Clock::Current().Sleep(delay);
+        FakeLink::WaitForInput(count, deadlineMs);
+    }
+};
+
+class Diagnosis : public Bench {
+protected:
+    Diagnosis() {
+        link.setPortOpen(true);
+        CommFunctions::ReportTo(&diagnosis);
+    }
+    ~Diagnosis() override { CommFunctions::ReportTo(nullptr); }
+
+    /// Reads one word of a panel; the reply comes after some time.
+    bool Read(int panel, const QByteArray& reply, int milliseconds = 0) {
+        link.answer = [&](const QByteArray&) { return reply; };
+        link.delay = milliseconds;
+        Words words(1);
+        return LitMots(link, quint8(panel), 144, words);
+    }
+    bool Write(int panel, const QByteArray& reply) {
+        link.answer = [&](const QByteArray&) { return reply; };
+        return EcritUnMot(link, quint8(panel), 1, 3);
+    }
+
+    SlowLink link;
+    BusDiagnosis diagnosis;
+};
+
+TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
+    const QByteArray good = WithCrc(Bytes("1103020007"));
+    struct {
+        const char* what;
+        QByteArray reply;
+        Outcome outcome;
+    } const reads[] = {
+        {"a reply", good, Outcome::Answered},
+        {"silence", {}, Outcome::NoAnswer},
+        {"one byte", good.left(1), Outcome::BadCrc},
+        {"short by one", good.chopped(1), Outcome::BadCrc},
+        {"a surplus byte", good + '\0', Outcome::BadCrc},
+        {"two replies", good + good, Outcome::BadCrc},
+        {"a flipped bit", good.left(4) + '\6' + good.mid(5), Outcome::BadCrc},
+        {"the echo", WithCrc(Bytes("110300900001")), Outcome::BadCrc},
+        {"another function", WithCrc(Bytes("1104020007")), Outcome::BadCrc},
+        {"an exception", WithCrc(Bytes("118302")), Outcome::Exception},
+        {"a damaged exception", Bytes("1183020000"), Outcome::BadCrc},
+        {"another address", WithCrc(Bytes("1203020007")), Outcome::OtherAddress},
+        {"an exception of another", WithCrc(Bytes("128302")), Outcome::OtherAddress},
+        {"another, at its own length", WithCrc(Bytes("12030400070008")), Outcome::OtherAddress},
+    };
+    for (const auto& read : reads) {
+        EXPECT_EQ(Read(0x11, read.reply), read.outcome == Outcome::Answered) << read.what;
+        EXPECT_EQ(diagnosis.LastOf(0x11), read.outcome) << read.what;
+    }
+    EXPECT_FALSE(Write(0x11, WithCrc(Bytes("118604"))));
+    EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::Exception);
+    EXPECT_TRUE(Write(0x11, Bytes("1106000100030000"))) << "its CRC doesn't count";
+    EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::BadCrc) << "but is told";
+
+    const BusDiagnosis::Counters counters = diagnosis.SinceStart(0x11);
+    EXPECT_EQ(counters.exchanges, std::size(reads) + 2);
+    EXPECT_EQ(counters.outcomes, (std::array<quint32, 5>{1, 1, 9, 2, 3}));
+    EXPECT_EQ(diagnosis.SinceStart(0x12), BusDiagnosis::Counters()) << "it wasn't asked";
+
+    link.setPortOpen(false);
+    Read(0x11, good);
+    EXPECT_EQ(diagnosis.LastOf(0x11), std::nullopt);
+    EXPECT_EQ(diagnosis.SinceStart(0x11), counters);
+}
+
+TEST_F(Diagnosis, MeasuresTheRepliesOfTheHour) {
+    const QByteArray good = WithCrc(Bytes("0503020007"));
+    const auto told = [](const BusDiagnosis::Counters& counters) {
+        return std::array<double, 4>{double(counters.exchanges), double(counters.shortest),
+                                     counters.Mean(), double(counters.longest)};
+    };
+    Read(5, good, 40);
+    Read(5, {});
+    EXPECT_EQ(told(diagnosis.SinceStart(5)), (std::array<double, 4>{2, 40, 40, 40}))
+        << "a time-out is no time of reply";
+    clock.Advance(30 * 60000);
+    Read(5, good, 20);
+    Read(5, good, 90);
+    EXPECT_EQ(told(diagnosis.LastHour(5)), (std::array<double, 4>{4, 20, 50, 90}));
+    clock.Advance(30 * 60000);
+    EXPECT_EQ(told(diagnosis.LastHour(5)), (std::array<double, 4>{2, 20, 55, 90}));
+    clock.Advance(24 * 60 * 60000);
+    EXPECT_EQ(diagnosis.LastHour(5), BusDiagnosis::Counters());
+    EXPECT_EQ(told(diagnosis.SinceStart(5)), (std::array<double, 4>{4, 20, 50, 90}));
+}
+
+TEST_F(Diagnosis, KeepsTheFramesOfLate) {
+    const platform::DateTime sent = clock.Now() + 25 / 86400000.0;
+    Read(7, WithCrc(Bytes("0803020007")), 12);
+    EcritUnMot(link, 0, 289, 0);
+    Read(9, {});
+    ASSERT_EQ(diagnosis.EndFrame(), 4U) << "silence is no frame";
+    const BusDiagnosis::Frame& reply = diagnosis.FrameAt(1);
+    EXPECT_EQ(diagnosis.FrameAt(0).Bytes(), link.sent.value(0));
+    EXPECT_EQ(reply.panel, 7) << "whoever replies";
+    EXPECT_EQ(reply.Bytes(), WithCrc(Bytes("0803020007")));
+    EXPECT_EQ(reply.direction, BusDiagnosis::Direction::Received);
+    EXPECT_EQ(diagnosis.FrameAt(2).panel, 0);
+    constexpr double HalfMs = 0.5 / 86400000.0;
+    EXPECT_NEAR(diagnosis.TimeOf(diagnosis.FrameAt(0)), sent, HalfMs);
+    EXPECT_NEAR(diagnosis.TimeOf(reply), sent + 12 / 86400000.0, HalfMs);
+
+    Read(10, QByteArray(1000, 'x'));
+    EXPECT_EQ(diagnosis.FrameAt(5).length, 1000);
+    EXPECT_EQ(diagnosis.FrameAt(5).Bytes(), QByteArray(BusDiagnosis::FrameSize, 'x'));
+    for (int i = 0; i < BusDiagnosis::FrameRing; ++i)
+        Write(1 + i % 64, {});
+    EXPECT_EQ(diagnosis.FirstFrame(), 6U);
+    EXPECT_EQ(diagnosis.FrameAt(6).panel, 1);
+    EXPECT_EQ(diagnosis.FrameAt(diagnosis.EndFrame() - 1).panel, 1 + 999 % 64);
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+// A technician with the screen alone: what hangs on the bus is found, taken into the site and
+// watched.
+
+#include "bus/BusDiagnosis.h"
+#include "core/FormNames.h"
+#include "screens/touch/ScreenForm.h"
+#include "screens/touch/TouchTable.h"
+#include "support/Road.h"
+#include "support/Script.h"
+
+namespace {
+
+const QString Console = FormNames::wTechnician;
+const QString Finder = FormNames::wTechFindPanels;
+
+/// Ten addresses are silent.
+bool IsSilent(int address) {
+    return address % 7 == 3 || address == 64;
+}
+
+/// The models by turns. What the search reports of a `P5000` is a `Q7100`.
+quint8 ModelAt(int address) {
+    constexpr quint8 Turn[] = {Models::Q7100, Models::Q6200XT, Models::Q7000, Models::P5000,
+                               Models::P5500};
+    return Turn[address % 5];
+}
+int FoundAt(int address) {
+    if (IsSilent(address))
+        return Models::None;
+    return ModelAt(address) == Models::P5000 ? int(Models::Q7100) : int(ModelAt(address));
+}
+
+QStringList ModulesOnTheBus() {
+    QStringList modules;
+    for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
+        if (!IsSilent(address))
+            modules += QString::number(address) + u'=' + ModuleName(ModelAt(address));
+    }
+    return modules;
+}
+
+class TechnicianRoad : public Road {
+protected:
+    TechnicianRoad()
+        : Road(ModulesOnTheBus(), false) {
+        Messages::Install([this](const QString& text, int style, bool) {
+            boxes += text;
+            return int((style & Messages::ButtonSet) == Messages::YesNoCancel ? Messages::Yes
+                                                                              : Messages::Ok);
+        });
+        Forms::Show(Console);
+    }
+
+    static void Tap(const QString& form, const QString& name) {
+        auto* window = dynamic_cast<ScreenForm*>(Forms::Find(form));
+        ASSERT_NE(window, nullptr) << form.toStdString();
+        auto* control = window->findChild<QWidget*>(name);
+        ASSERT_NE(control, nullptr) << name.toStdString();
+        EXPECT_TRUE(control->isVisible() && control->isEnabled()) << name.toStdString();
+        QTest::mouseClick(control, Qt::LeftButton);
+    }
+    static TouchTable* Grid() {
+        auto* window = dynamic_cast<ScreenForm*>(Forms::Find(Finder));
+        return window == nullptr ? nullptr
+                                 : window->findChild<TouchTable*>(QStringLiteral("grdPanels"));
+    }
+    static void TakeAll() {
+        for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
+            Grid()->SelectTag(QString::number(address));
+            Tap(Finder, QStringLiteral("imgCommand_2"));
+            if (FoundAt(address) != Models::None)
+                Tap(Finder, QStringLiteral("imgCommand_1"));
+        }
+    }
+
+    Script script;
+};
+
+} // namespace
+
+TEST_F(TechnicianRoad, ABusOf64AddressesIsFoundTakenOverAndWatched) {
+    // What the papers say is wrong three times.
+    for (const int address : {1, 12, 40})
+        Site().Panel(address).setModel(Models::P5500);
+    script.On(Finder, [&] {
+        Tap(Finder, QStringLiteral("imgFind_1"));
+        for (int address = 1; address <= ConfigClass::PanelCount; ++address)
+            EXPECT_EQ(Grid()->Cell(address - 1, 4), ModuleName(FoundAt(address))) << address;
+        TakeAll();
+        Tap(Finder, QStringLiteral("imgNavig_5"));
+    });
+    Tap(Console, QStringLiteral("cmdFindPanels"));
+    int watched = 0;
+    for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
+        const PanelClass& panel = Site().Panel(address);
+        EXPECT_EQ(panel.Model(), FoundAt(address)) << address;
+        EXPECT_EQ(panel.Active(), FoundAt(address) != Models::None) << address;
+        watched += panel.Active() ? 1 : 0;
+    }
+    EXPECT_EQ(watched, 54);
+    EXPECT_EQ(engine->Diagnosis().LastOf(3), BusDiagnosis::Outcome::NoAnswer);
+
+    // The first start makes PC and modules agree.
+    Tap(Console, QStringLiteral("imgStopRun_1"));
+    EXPECT_TRUE(Until([&] { return engine->State() == BusState::Running; }));
+    EXPECT_TRUE(Until([&] {
+        for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
+            if (Site().Panel(address).Active() && !Site().Panel(address).Present())
+                return false;
+        }
+        return true;
+    }));
+    for (int address = 1; address <= ConfigClass::PanelCount; ++address)
+        EXPECT_EQ(Site().Panel(address).ActualModel(), FoundAt(address)) << address;
+    EXPECT_TRUE(engine->MissingPanels().isEmpty());
+}

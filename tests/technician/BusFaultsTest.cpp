@@ -1,0 +1,110 @@
+// Faults of the wiring as the simulator plays them: each shows a picture of its own in the
+// counters.
+
+#include "TechnicianFixture.h"
+#include "bus/BusDiagnosis.h"
+#include "bus/CommFunctions.h"
+#include "simulator/Command.h"
+
+#include <sstream>
+
+namespace {
+
+using Outcome = BusDiagnosis::Outcome;
+
+constexpr int Panels = 4;
+constexpr int Faulty = 2;
+constexpr quint32 Reads = 60;
+
+class BusFaultsTest : public TechnicianTest {
+protected:
+    BusFaultsTest() {
+        for (int panel = 1; panel <= Panels; ++panel)
+            bus.Add(panel, Sim::Model::Q7100, {});
+        link->setPortOpen(true);
+        link->answer = [this](const QByteArray& frame) {
+            reader.Feed(Sim::Bytes(frame.cbegin(), frame.cend()), Time());
+            const auto request = reader.Next();
+            const auto reply = request ? bus.Handle(*request) : std::nullopt;
+            return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
+                                      qsizetype(reply->frame.size()))
+                         : QByteArray();
+        };
+    }
+    static Sim::Milliseconds Time() {
+        return Sim::Milliseconds(platform::Clock::Current().MonotonicMs());
+    }
+    void Do(const std::string& text) {
+        std::ostringstream out;
+        Sim::RunCommand(Sim::ParseCommand(text), bus, out);
+    }
+    /// Reads so many words of each panel in turn; gives what that adds to the counters of each.
+    QList<BusDiagnosis::Counters> Poll(int words) {
+        QList<BusDiagnosis::Counters> before = Counters();
+        for (quint32 i = 0; i < Reads * Panels; ++i) {
+            Words values(words);
+            LitMots(*link, quint8(1 + i % Panels), 1, values);
+        }
+        QList<BusDiagnosis::Counters> after = Counters();
+        for (int i = 0; i < Panels; ++i)
+            for (int outcome = 0; outcome < BusDiagnosis::OutcomeCount; ++outcome)
+                after[i].outcomes[size_t(outcome)] -= before[i].outcomes[size_t(outcome)];
+        return after;
+    }
+    QList<BusDiagnosis::Counters> Counters() const {
+        QList<BusDiagnosis::Counters> all;
+        for (int panel = 1; panel <= Panels; ++panel)
+            all += engine->Diagnosis().SinceStart(panel);
+        return all;
+    }
+    static void ExpectTheOthersAreWell(const QList<BusDiagnosis::Counters>& all) {
+        for (int panel = 1; panel <= Panels; ++panel) {
+            if (panel != Faulty) {
+                EXPECT_EQ(all[panel - 1].Answers(), Reads) << panel;
+            }
+        }
+    }
+
+    Sim::Bus bus{Time};
+    Sim::FrameReader reader;
+};
+
+} // namespace
+
+TEST_F(BusFaultsTest, AMissingTerminatorSpoilsSomeRepliesAndLongOnesMore) {
+    Do("terminator 2 off");
+    const auto brief = Poll(1);
+    const auto lengthy = Poll(12);
+    for (const auto& all : {brief, lengthy}) {
+        ExpectTheOthersAreWell(all);
+        const BusDiagnosis::Counters& faulty = all[Faulty - 1];
+        EXPECT_GT(faulty.Answers(), 0U);
+        EXPECT_GT(faulty.Of(Outcome::BadCrc), Reads / 5);
+        EXPECT_EQ(faulty.Answers() + faulty.Of(Outcome::BadCrc), Reads) << "it is never silent";
+    }
+    EXPECT_LT(lengthy[Faulty - 1].Answers() * 2, brief[Faulty - 1].Answers());
+    Do("terminator 2 on");
+    EXPECT_EQ(Poll(1)[Faulty - 1].Answers(), Reads);
+}
+
+TEST_F(BusFaultsTest, TwoModulesOfOneAddressNeverGiveAGoodReply) {
+    Do("twin 2 on");
+    for (const int words : {1, 12}) {
+        const auto all = Poll(words);
+        ExpectTheOthersAreWell(all);
+        EXPECT_EQ(all[Faulty - 1].Of(Outcome::BadCrc), Reads) << words;
+    }
+    Do("twin 2 off");
+    EXPECT_EQ(Poll(1)[Faulty - 1].Answers(), Reads);
+}
+
+TEST_F(BusFaultsTest, SwappedWiresSilenceAllPanelsButForNoise) {
+    Do("swap on");
+    for (const BusDiagnosis::Counters& panel : Poll(1)) {
+        EXPECT_GT(panel.Of(Outcome::NoAnswer), Reads * 3 / 4);
+        EXPECT_EQ(panel.Of(Outcome::NoAnswer) + panel.Of(Outcome::BadCrc), Reads);
+    }
+    Do("swap off");
+    for (const BusDiagnosis::Counters& panel : Poll(1))
+        EXPECT_EQ(panel.Answers(), Reads);
+}

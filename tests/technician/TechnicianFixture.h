@@ -1,0 +1,22 @@
+#pragma once
+
+#include "core/FormNames.h"
+#include "model/CurrentConfig.h"
+#include "support/ScreensFixture.h"
+#include "support/Script.h"
+#include "technician/Technician.h"
+
+/// A bench with the technician's screens and a site of its own.
+class TechnicianTest : public ScreensTest {
+protected:
+    TechnicianTest() {
+        RegisterTechnician();
+        Global::setConfiguration(nullptr);
+    }
+
+    static ConfigClass& Site() { return Global::Configuration(); }
+    /// A control of a form by its class.
+    template <class W> static W* Find(const QString& form, const QString& name) {
+        return qobject_cast<W*>(Child(form, name));
+    }
+};

@@ -1,0 +1,151 @@
+// The diagnosis of the bus on its screen: counters, the frames that go by, and what is saved.
+
+#include "technician/wTechDiagnosis.h"
+#include "TechnicianFixture.h"
+#include "bus/CommFunctions.h"
+#include "support/FakeModules.h"
+#include "technician/TraceGrid.h"
+
+#include "screens/touch/TouchTable.h"
+
+namespace {
+
+const QString Form = FormNames::wTechDiagnosis;
+const QString Picker = FormNames::dlgFilePicker;
+const QString Hold = QStringLiteral("imgHold");
+const QString ThisPanel = QStringLiteral("imgFilter_0");
+const QString AllPanels = QStringLiteral("imgFilter_1");
+
+class TechDiagnosisTest : public TechnicianTest {
+protected:
+    TechDiagnosisTest() {
+        modules[5][144] = 7;
+        modules[5][145] = 0xFFFF;
+        modules[9];
+        link->setPortOpen(true);
+        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
+        Site().Panel(3).setActive(true);
+        Site().Panel(3).setModel(1);
+        Read(5);
+        Forms::Show(Form);
+    }
+    void Read(int panel) {
+        Words words(2);
+        LitMots(*link, quint8(panel), 144, words);
+    }
+    static void Refresh() { dynamic_cast<wTechDiagnosis*>(Forms::Find(Form))->Refresh(); }
+    static TouchTable& Table() { return *Find<TouchTable>(Form, QStringLiteral("tblPanels")); }
+    static TraceGrid& Trace() { return *Find<TraceGrid>(Form, QStringLiteral("grdTrace")); }
+    static QString Row(int row, int columns = 7) {
+        QStringList cells;
+        for (int column = 0; column < columns; ++column)
+            cells += Table().Cell(row, column);
+        return cells.join(u' ');
+    }
+    /// The last frame without its time.
+    static QString Newest() { return Trace().Lines().value(Trace().Count() - 1).mid(13); }
+
+    FakeModules modules;
+    Script script;
+};
+
+} // namespace
+
+TEST_F(TechDiagnosisTest, ARowStandsForEachPanelOfTheSiteAndOfTheBus) {
+    EXPECT_EQ(Table().RowCount(), 2);
+    EXPECT_EQ(Row(0), "3 Q7100 0 0 0 0 0") << "active, never asked";
+    EXPECT_EQ(Row(1, 10), "5 ----- 1 0 0 0 0 0 0.0 0");
+    Read(5);
+    Read(3);
+    Read(9);
+    Refresh();
+    EXPECT_EQ(Table().RowCount(), 3);
+    EXPECT_EQ(Row(0, 10), "3 Q7100 1 1 0 0 0   ") << "no time without a reply";
+    EXPECT_EQ(Row(1), "5 ----- 2 0 0 0 0");
+    // The counters of the hour are those of the start until an hour is over.
+    clock.Advance(3'600'000);
+    Read(9);
+    Tap(Form, QStringLiteral("imgSpan_1"));
+    EXPECT_EQ(Row(1), "5 ----- 0 0 0 0 0");
+    EXPECT_EQ(Row(2), "9 ----- 1 0 0 0 0");
+    Tap(Form, QStringLiteral("imgSpan_0"));
+    EXPECT_EQ(Row(2), "9 ----- 2 0 0 0 0");
+}
+
+TEST_F(TechDiagnosisTest, FramesAreDecoded) {
+    EXPECT_EQ(Trace().Lines().value(0).left(16), "12:00:00.025\tTX\t");
+    EXPECT_EQ(Newest(), "RX\t05 03 04 00 07 FF FF 0F 82\taddr 5  func 3  reg 144  = 7 65535");
+    EcritMots(*link, 5, 25, {1, -1});
+    Refresh();
+    EXPECT_EQ(Trace().Lines().value(2).section(u'\t', 3),
+              "addr 5  func 16  reg 25  words 2  = 1 65535");
+    EXPECT_TRUE(Newest().endsWith("addr 5  func 16  reg 25  words 2"));
+    // What comes from elsewhere has any form; none may harm.
+    const QPair<QByteArray, QString> replies[] = {
+        {WithCrc(QByteArray::fromHex("058302")), "addr 5  func 3  exception 2"},
+        {WithCrc(QByteArray::fromHex("0A030200FF")), "addr 10  func 3  reg 144  = 255"},
+        {WithCrc(QByteArray::fromHex("0503")), "addr 5  func 3"},
+        {WithCrc(QByteArray::fromHex("050300900002")), "addr 5  func 3"},
+        {QByteArray::fromHex("FF"), "not a frame, or bad CRC"},
+        {QByteArray(900, 'x'), "not a frame, or bad CRC"},
+    };
+    for (const auto& [reply, text] : replies) {
+        link->answer = [bytes = reply](const QByteArray&) { return bytes; };
+        Read(5);
+        Refresh();
+        EXPECT_EQ(Newest().section(u'\t', 2), text);
+    }
+    Screen(Form)->grab();
+}
+
+TEST_F(TechDiagnosisTest, TheTraceIsFilteredAndHeld) {
+    EXPECT_FALSE(Child(Form, ThisPanel)->isEnabled()) << "none is chosen";
+    Read(9);
+    Read(5);
+    Refresh();
+    EXPECT_EQ(Trace().Count(), 6);
+    Table().SelectTag(QStringLiteral("9"));
+    Tap(Form, ThisPanel);
+    EXPECT_EQ(Trace().Count(), 2);
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTrace")), "Frames of panel 9");
+    Table().SelectTag(QStringLiteral("5"));
+    EXPECT_EQ(Trace().Count(), 4) << "goes along";
+
+    Tap(Form, Hold);
+    for (int i = 0; i < BusDiagnosis::FrameRing; ++i)
+        Read(9);
+    Refresh();
+    EXPECT_EQ(Trace().Count(), 4);
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTrace")), "Frames of panel 5 - held");
+    Tap(Form, AllPanels);
+    EXPECT_EQ(Trace().Count(), 6) << "what was held, whatever is kept by now";
+    Tap(Form, Hold);
+    EXPECT_EQ(Trace().Count(), BusDiagnosis::FrameRing);
+    EXPECT_EQ(Trace().Position().First() + Trace().Position().Page(), Trace().Count());
+    // A look back stays where it is while frames come.
+    QTest::keyClick(&Trace(), Qt::Key_Home);
+    for (int page = 0; page < 3; ++page)
+        QTest::keyClick(&Trace(), Qt::Key_PageDown);
+    const int first = Trace().Position().First();
+    Read(5);
+    Refresh();
+    EXPECT_EQ(Trace().Position().First(), first - 2) << "on its rows";
+}
+
+TEST_F(TechDiagnosisTest, CountersAndFramesAreSavedAsTheyWere) {
+    script.On(Picker, [this] {
+        Read(9);
+        Refresh();
+        Tap(Picker, QStringLiteral("imgControl_1"));
+    });
+    Tap(Form, QStringLiteral("imgSave"));
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTold")), "2 frames saved");
+    QFile file(Path(QStringLiteral("Bus20240315.txt")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll();
+    EXPECT_TRUE(text.startsWith("Bus diagnosis\t2024-03-15 12:00:00\r\n")) << text.constData();
+    EXPECT_EQ(text.count("\r\n5\t-----\t1\t0\t0\t0\t0\t0\t0.0\t0\r\n"), 2) << text.constData();
+    EXPECT_TRUE(text.endsWith("\taddr 5  func 3  reg 144  = 7 65535\r\n"));
+    EXPECT_FALSE(text.contains("addr 9"));
+}

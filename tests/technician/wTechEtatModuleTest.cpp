@@ -1,0 +1,285 @@
+// The live front of a module: what it reads, how it blinks, what its buttons write, and that it
+// leaves nothing behind.
+
+#include "technician/wTechEtatModule.h"
+#include "TechnicianFixture.h"
+#include "model/Models.h"
+#include "support/FakeModules.h"
+#include "technician/FrontTiles.h"
+
+namespace {
+
+const QString Front = QStringLiteral("wTechEtatModule");
+constexpr int Address = 9;
+constexpr int HornRegister = 64;
+
+class wTechEtatModuleTest : public TechnicianTest {
+protected:
+    wTechEtatModuleTest() {
+        SetOptions(0, 0, 0, 0);
+        AddPanel(Address, Models::Q7100).setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
+        link->setPortOpen(true);
+        link->answer = [this](const QByteArray& frame) { return Answer(frame); };
+        modules[Address];
+    }
+
+    virtual QByteArray Answer(const QByteArray& frame) {
+        if (onFrame)
+            onFrame(int(link->sent.size()));
+        return silent.contains(int(link->sent.size())) ? QByteArray() : modules.Answer(frame);
+    }
+    wTechEtatModule& Open(int model = Models::Q7100) {
+        Site().Panel(Address).setModel(quint8(model));
+        auto* form = dynamic_cast<wTechEtatModule*>(Forms::Load(Front));
+        form->MiseEnFormeModule(Site().Panel(Address));
+        form->EnableTimers(true);
+        form->Show();
+        return *form;
+    }
+    /// First registers of the frames sent, a write as "register=value".
+    QString Sent() const {
+        QStringList sent;
+        for (const QByteArray& frame : link->sent) {
+            const QString first = QString::number(FakeModules::WordAt(frame, 2));
+            sent += frame[1] == 6 ? first + u'=' + QString::number(FakeModules::WordAt(frame, 4))
+                                  : first;
+        }
+        return sent.join(u' ');
+    }
+    /// Letter of a lamp's colour.
+    static QChar Lamp(const QString& name) {
+        switch (Find<FrontLamp>(Front, name)->FillColor()) {
+        case LampColours::Grey:
+            return u'.';
+        case LampColours::Red:
+            return u'R';
+        default:
+            return u'?';
+        }
+    }
+    static QString Lamps(int count = 12) {
+        QString lamps;
+        for (int channel = 1; channel <= count; ++channel)
+            lamps += Lamp(QStringLiteral("shpVoyant_%1").arg(channel));
+        return lamps;
+    }
+    static QChar Horn() { return Lamp(QStringLiteral("shpKlaxon")); }
+    static QString Text(const char* name) { return TextOf(Front, QString::fromLatin1(name)); }
+
+    FakeModules modules;
+    QSet<int> silent;                 // frames that get no reply, from 1 on
+    std::function<void(int)> onFrame; // a frame leaves
+};
+
+} // namespace
+
+TEST_F(wTechEtatModuleTest, LampsBlinkAsTheWordsSayWithThePollingStopped) {
+    const quint16 words[] = {0, 1, 2, 3, 4, 5, 0xFFFF};
+    for (int i = 0; i < 7; ++i)
+        modules[Address][1 + i] = words[i];
+    modules[Address][HornRegister] = 7;
+    wTechEtatModule& form = Open();
+    EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
+    EXPECT_EQ(Text("lblCommResult"), QString());
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Sent(), "1 64");
+    EXPECT_EQ(FakeModules::WordAt(link->sent[0], 4), 12);
+    EXPECT_EQ(Text("lblCommResult"), GetText(830102));
+    EXPECT_EQ(Horn(), u'R');
+    const char* ticks[] = {".R...??", ".R.R.??", ".R.R.??", ".RR.R??", ".R..R??",
+                           ".R.RR??", ".R.RR??", ".RR..??", ".R...??"};
+    for (const char* tick : ticks) {
+        form.tmrClign_Timer();
+        EXPECT_EQ(Lamps(7), QString::fromLatin1(tick));
+    }
+    modules[Address][HornRegister] = 0;
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Horn(), u'.');
+}
+
+TEST_F(wTechEtatModuleTest, NothingIsKnownAfterThreeFailures) {
+    wTechEtatModule& form = Open();
+    form.tmrPoll_Timer();
+    form.tmrClign_Timer();
+    EXPECT_EQ(Lamps() + Horn(), QString(13, u'.'));
+    link->sent.clear();
+    modules.Remove(Address);
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Sent(), "1 1 1 64 64 64");
+    EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
+    EXPECT_EQ(Text("lblCommResult"), GetText(830103));
+    form.tmrClign_Timer();
+    EXPECT_EQ(Lamps(), QString(12, u'?'));
+    modules[Address];
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Horn(), u'.');
+}
+
+TEST_F(wTechEtatModuleTest, AfterAFailureTheRegisterIsReadUntilTheCountHasComeRound) {
+    silent = {1, 5, 6, 7, 10, 11};
+    modules[Address][1] = 1;
+    wTechEtatModule& form = Open();
+    QStringList lamp;
+    onFrame = [&](int) {
+        form.tmrClign_Timer();
+        lamp += Lamp(QStringLiteral("shpVoyant_1"));
+    };
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Sent(), "1 1 1 1 1 1 64 64 64 64 64");
+    EXPECT_EQ(lamp.join(QString()), "??RRRR?????");
+    EXPECT_EQ(Horn(), u'?');
+}
+
+// A tap and an event at each exchange of a tick, of a module that answers and of one that doesn't,
+// and where one failure has the form read without end.
+TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
+    const auto noneAnswers = [this] { modules.Remove(Address); };
+    const auto oneFails = [this] { silent = {1}; };
+    const std::function<void()> lines[] = {[] {}, noneAnswers, oneFails};
+    const int exchanges[] = {2, 6, 8};
+    const std::function<void()> ends[] = {[] { Tap(Front, QStringLiteral("imgClose")); },
+                                          [] {
+                                              Forms::GiveWayTo({});
+                                              RemoveUnloaded();
+                                          },
+                                          [this] { engine->Form_Unload(); }};
+    for (int line = 0; line < 3; ++line) {
+        for (int end = 0; end < 3; ++end) {
+            for (int exchange = 1; exchange <= exchanges[line]; ++exchange) {
+                if (engine->IsClosing())
+                    engine->Form_Load();
+                link->setPortOpen(true);
+                link->sent.clear();
+                silent.clear();
+                modules[Address];
+                lines[line]();
+                onFrame = [&](int frame) {
+                    if (frame == exchange)
+                        QTimer::singleShot(0, qApp, ends[end]);
+                };
+                Script script;
+                script.On(Front, [] {
+                    auto* form = dynamic_cast<wTechEtatModule*>(Forms::Find(Front));
+                    form->tmrPoll_Timer();
+                    Forms::Unload(Front);
+                });
+                dynamic_cast<ModuleFront*>(Forms::Load(Front))->Present(Site().Panel(Address));
+                EXPECT_EQ(link->sent.size(), exchange) << line << " " << end;
+                EXPECT_EQ(Forms::Find(Front), nullptr);
+                RemoveUnloaded();
+            }
+        }
+    }
+    onFrame = {};
+    silent.clear();
+    modules[Address];
+    engine->Form_Load();
+    link->setPortOpen(true);
+    link->sent.clear();
+    Open().tmrPoll_Timer();
+    EXPECT_EQ(Sent(), "1 64");
+}
+
+TEST_F(wTechEtatModuleTest, ReadsKeepOutOfARoundAndOutOfEachOther) {
+    wTechEtatModule& form = Open();
+    onFrame = [&](int) { QTimer::singleShot(0, &form, &wTechEtatModule::tmrPoll_Timer); };
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Sent(), "1 64");
+    engine->setRun(true);
+    link->sent.clear();
+    for (const qint16 value : {1, 2})
+        engine->SendCommand(std::make_shared<CommandClass>(Address, 200, Words{value}));
+    engine->RunComm();
+    EXPECT_EQ(Sent(), "200=1 200=2 144");
+    onFrame = {};
+    // The tick that was put off comes again long before a second is over.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Sent().endsWith(QStringLiteral("1 64")); }, 900));
+}
+
+TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
+    wTechEtatModule& form = Open();
+    const char* labels[] = {"lblTestLeds", "lblAckCL", "lbAckKL",
+                            "lblKlOn",     "lblKlOff", "lblEffDEf"};
+    const auto tells = [&](int text, int button) {
+        return Text("lblCommand") == GetText(text).replace(u'$', Text(labels[button - 1]));
+    };
+    for (int button = 1; button <= 6; ++button) {
+        Tap(Front, QStringLiteral("cmdBoutons_%1").arg(button));
+        EXPECT_TRUE(tells(830012, button));
+    }
+    Tap(Front, QStringLiteral("lblKlOff"));
+    EXPECT_EQ(Sent(), "66=1 67=2 67=1 64=1 64=0 67=3 64=0");
+    link->sent.clear();
+    modules.Remove(Address);
+    Tap(Front, QStringLiteral("cmdBoutons_1"));
+    EXPECT_EQ(Sent(), "66=1 66=1 66=1 66=1");
+    EXPECT_TRUE(tells(830013, 1));
+    modules[Address];
+    engine->setRun(true);
+    link->sent.clear();
+    // Held off while a command is sent, as it was behind it.
+    Tap(Front, QStringLiteral("cmdBoutons_4"));
+    EXPECT_TRUE(tells(830011, 4));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tells(830012, 4); }, 2000));
+    EXPECT_TRUE(Sent().startsWith(QStringLiteral("64=1")));
+    link->sent.clear();
+    form.tmrPoll_Timer();
+    EXPECT_TRUE(Sent().contains(QStringLiteral("1 64")));
+    form.EnableTimers(false);
+    Tap(Front, QStringLiteral("cmdBoutons_1"));
+    link->sent.clear();
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Sent(), QString());
+}
+
+// A large module has two columns of tall tiles, the others one column of low ones, and all texts
+// are readable at both sizes of display.
+TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
+    Site().setBiblio(1, QStringLiteral("Circuit breaker"));
+    for (int i = 1; i <= 24; ++i) {
+        Site().Panel(Address).Channel(i).setBibNum(1);
+        Site().Panel(Address).Channel(i).setScreenText(QStringLiteral("Transformer north"));
+    }
+    Site().Panel(Address).Channel(2).setScreenText(QString(40, u'W'));
+    Site().Panel(Address).Channel(3).setScreenText(QString());
+    for (const QSize display : {QSize(800, 600), QSize(1280, 1024)}) {
+        Global::Get().noResize = false;
+        OverrideScreenSize(display);
+        int height[2] = {};
+        for (const int model : {Models::Q6200XT, Models::Q7100}) {
+            Open(model);
+            const int count = Site().Panel(Address).ChannelCount();
+            QSet<int> columns;
+            QList<QRect> tiles;
+            for (int i = 1; i <= count; ++i) {
+                const auto of = [i](const char* array) {
+                    return Child(Front, QString::fromLatin1(array) + u'_' + QString::number(i))
+                        ->geometry();
+                };
+                const auto* text = Find<QLabel>(Front, QStringLiteral("lblVoyant_%1").arg(i));
+                const QRect tile = of("shpBkLed") | of("shpBkTxt");
+                EXPECT_TRUE(Child(Front, QStringLiteral("fraVoyants"))->rect().contains(tile));
+                EXPECT_TRUE(of("shpBkLed").contains(of("shpVoyant")));
+                EXPECT_TRUE(of("shpBkTxt").contains(of("lblNum") | of("lblVoyant")));
+                EXPECT_FALSE(of("lblNum").intersects(of("lblVoyant")));
+                const QSize needed = text->fontMetrics().size(0, text->text());
+                EXPECT_EQ(needed.boundedTo(text->size()), needed) << i;
+                EXPECT_GE(text->font().pixelSize() * 600, 15 * display.height());
+                for (const QRect& other : std::as_const(tiles))
+                    EXPECT_FALSE(tile.intersects(other));
+                tiles += tile;
+                columns += tile.left();
+            }
+            EXPECT_EQ(columns.size(), count == 24 ? 2 : 1);
+            EXPECT_EQ(Screen(Front)->findChild<QWidget*>(QStringLiteral("shpVoyant_25")), nullptr);
+            height[count == 24] = tiles[0].height();
+            EXPECT_EQ(Text("lblVoyant_1"), count == 24 ? "Circuit breaker -\nTransformer north"
+                                                       : "Circuit breaker - Transformer north");
+            EXPECT_TRUE(Text("lblVoyant_2").endsWith(QChar(0x2026)));
+            EXPECT_EQ(Text("lblVoyant_3"), "Circuit breaker");
+            Forms::Unload(Front);
+            RemoveUnloaded();
+        }
+        EXPECT_GT(height[1], height[0]);
+    }
+}

@@ -1,0 +1,273 @@
+// The search for panels: what it finds and why not, whom it lets through, and what is taken of it.
+
+#include "TechnicianFixture.h"
+#include "config_screens/ConfigScreens.h"
+#include "screens/touch/TouchTable.h"
+#include "support/FakeModules.h"
+
+#include <QScrollBar>
+
+namespace {
+
+const QString Form = FormNames::wTechFindPanels;
+const QString Unasked = QStringLiteral("?????");
+
+class TechFindPanelsTest : public TechnicianTest {
+protected:
+    TechFindPanelsTest() {
+        link->setPortOpen(true);
+        link->answer = [this](const QByteArray& frame) {
+            asked = quint8(frame[0]);
+            if (during)
+                during();
+            return modules.Answer(frame);
+        };
+        AddPanel(2, 3).setTitle(QStringLiteral("Pumps|north"));
+        Site().Panel(5).setActive(true);
+        Site().setModified(false);
+    }
+
+    static TouchTable* Grid() { return Find<TouchTable>(Form, QStringLiteral("grdPanels")); }
+    static QString Found(int panel) { return Grid()->Cell(panel - 1, 4); }
+    static QString Row(int panel) {
+        QStringList cells;
+        for (int column = 0; column < 4; ++column)
+            cells += Grid()->Cell(panel - 1, column);
+        return cells.join(u'/');
+    }
+    static void Press(const char* name) { Tap(Form, QString::fromLatin1(name)); }
+    static QString Text(const char* name) { return TextOf(Form, QString::fromLatin1(name)); }
+    static bool Shown(const char* name) { return Child(Form, QLatin1String(name))->isVisible(); }
+    static void Search() { Press("imgFind_1"); }
+    static void Touch(int panel) {
+        QTest::mouseClick(Grid()->viewport(), Qt::LeftButton, {},
+                          QPoint(20, Grid()->rowViewportPosition(panel - 1) + 10));
+    }
+    /// A touch that comes while an address is asked and so is let through before the next one.
+    void While(int panel, std::function<void()> touch) {
+        during = [this, panel, touch = std::move(touch)] {
+            if (asked != panel)
+                return;
+            QTimer::singleShot(0, engine.get(), touch);
+            during = nullptr;
+        };
+    }
+    void Leave(int reply) {
+        answer = reply;
+        Press("imgNavig_5");
+        RemoveUnloaded();
+    }
+    static void AlarmComes() {
+        Forms::Show(FormNames::wRunAlarms);
+        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
+        RemoveUnloaded();
+    }
+
+    FakeModules modules;
+    std::function<void()> during;
+    int asked = 0;
+};
+
+} // namespace
+
+TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
+    modules[2][132] = 2;
+    modules[3][132] = 1;
+    modules[4] = {{132, 1}, {133, 2}};
+    modules[6][132] = 7;
+    modules[64][132] = 1;
+    // A module without its second register.
+    link->answer = [this](const QByteArray& frame) {
+        const bool refused = frame[0] == 64 && FakeModules::WordAt(frame, 2) == 133;
+        return refused ? WithCrc("\x40\x83\x02") : modules.Answer(frame);
+    };
+    Forms::Show(Form);
+    EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/Yes"));
+    EXPECT_EQ(Found(2), Unasked);
+    EXPECT_EQ(Text("lblBusConfig_5") + Text("lblBusConfig_6") + Text("lblBusConfig_7") +
+                  Text("lblBusConfig_8") + Text("lblBusConfig_9"),
+              QStringLiteral("19600None81"));
+    Search();
+    const QPair<int, const char*> results[] = {{1, "-----"}, {2, "Q6200XT"}, {3, "Q7100"},
+                                               {4, "P5500"}, {6, "-----"},   {64, "Q7000"}};
+    for (const auto& [panel, model] : results)
+        EXPECT_EQ(Found(panel), QString::fromLatin1(model)) << panel;
+    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 64")) << "the selection went along";
+    EXPECT_EQ(Text("lblProgress"), QStringLiteral("64 of 64 addresses asked, modules found: 4"));
+    EXPECT_TRUE(Shown("imgFind_1"));
+}
+
+TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
+    modules[6][132] = 7;
+    link->answer = [this](const QByteArray& frame) -> QByteArray {
+        switch (frame[0]) {
+        case 2:
+            return QByteArray::fromHex("02030200010000");
+        case 3:
+            return WithCrc(QByteArray::fromHex("038302"));
+        case 4:
+            return WithCrc(QByteArray::fromHex("0503020001"));
+        default:
+            link->setPortOpen(frame[0] != 7);
+            return modules.Answer(frame);
+        }
+    };
+    Forms::Show(Form);
+    Search();
+    const char* reasons[] = {"Panel 1: no answer",
+                             "Panel 2: answer with a bad CRC",
+                             "Panel 3: answer is a Modbus exception",
+                             "Panel 4: answer from another address",
+                             "Panel 5: no answer",
+                             "Panel 6: answers, but as no known model",
+                             "Panel 7: the bus port is closed",
+                             "Panel 8: the bus port is closed"};
+    for (int panel = 1; panel <= 8; ++panel) {
+        Grid()->SelectTag(QString::number(panel));
+        EXPECT_EQ(Text("lblReason"), QString::fromLatin1(reasons[panel - 1]));
+        EXPECT_EQ(Found(panel), QStringLiteral("-----"));
+    }
+}
+
+TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
+    Site().Panel(2).setActive(false); // its loss would take the screen away
+    engine->setRun(true);
+    Forms::Show(Form);
+    While(9, [this] {
+        EXPECT_EQ(Found(9), QStringLiteral("-----"));
+        EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
+        // Eight absent ones took a second each.
+        EXPECT_TRUE(Text("lblProgress").startsWith(QStringLiteral("Address 9 of 64, about 0:5")) ||
+                    Text("lblProgress").startsWith(QStringLiteral("Address 9 of 64, about 1:")))
+            << Text("lblProgress").toStdString();
+        EXPECT_TRUE(Shown("frmWarning"));
+        EXPECT_FALSE(Shown("imgFind_1"));
+        Press("imgFind_0");
+        EXPECT_FALSE(Shown("frmWarning"));
+        // A start from inside the search must not nest.
+        QTest::mouseClick(Child(Form, QStringLiteral("imgFind_1")), Qt::LeftButton);
+    });
+    Search();
+    EXPECT_EQ(Found(9), QStringLiteral("-----"));
+    EXPECT_EQ(Found(10), Unasked);
+    Touch(10);
+    Press("imgCommand_2");
+    EXPECT_EQ(Grid()->Cell(9, 2), QStringLiteral("-----")) << "nothing to take over";
+    engine->setRun(false);
+    Search();
+    EXPECT_NE(Found(64), Unasked) << "a search after a stop goes through";
+    EXPECT_FALSE(Shown("frmWarning"));
+}
+
+TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
+    for (int panel = 1; panel <= 20; ++panel)
+        modules[panel][132] = 2;
+    Forms::Show(Form);
+    const int inSight = Grid()->viewport()->height() / Grid()->rowHeight(0);
+    // The search is about to turn the page.
+    While(inSight, [] {
+        Touch(3);
+        Press("imgCommand_2");
+    });
+    Search();
+    EXPECT_EQ(Row(3), QStringLiteral("3//Q6200XT/No"));
+    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 3"));
+    EXPECT_EQ(Grid()->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(Found(64), QStringLiteral("-----")) << "the search went on";
+    // Left alone, the next search takes the selection along again, until the arrows are touched.
+    While(10, [] { Press("imgControl_5"); });
+    Search();
+    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
+}
+
+TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
+    modules[7][132] = 1;
+    Forms::Show(Form);
+    Search();
+    Touch(64);
+    Press("imgControl_4");
+    EXPECT_NE(Text("lblFrames_1"), QStringLiteral("Panel 64"));
+    const auto on = [](int panel, const char* command) {
+        Grid()->SelectTag(QString::number(panel));
+        Press(command);
+        return Row(panel);
+    };
+    EXPECT_EQ(on(5, "lblCommand_1"), QStringLiteral("5//-----/Yes")) << "active, without a model";
+    EXPECT_EQ(on(5, "lblCommand_0"), QStringLiteral("5//-----/No"));
+    EXPECT_EQ(on(5, "imgCommand_1"), QStringLiteral("5//-----/No"));
+    EXPECT_EQ(on(7, "lblCommand_2"), QStringLiteral("7//Q7100/No"));
+    EXPECT_EQ(on(7, "imgCommand_1"), QStringLiteral("7//Q7100/Yes"));
+    EXPECT_EQ(on(2, "imgCommand_2"), QStringLiteral("2/Pumps north/-----/Yes")) << "no answer";
+    EXPECT_EQ(Site().Panel(7).Model(), 0);
+    EXPECT_FALSE(Site().Modified());
+    // What the bus finds out meanwhile stays.
+    Site().Panel(2).setPresent(false);
+    Site().Panel(2).Channel(4).setState(1);
+    Leave(Messages::Cancel);
+    EXPECT_NE(Screen(Form), nullptr);
+    EXPECT_EQ(boxes.last(), GetText(50003));
+    EXPECT_EQ(styles.last(), 35);
+    RegisterConfigScreens();
+    Forms::Show(FormNames::wBusModules);
+    Leave(Messages::Yes);
+    EXPECT_EQ(Screen(Form), nullptr);
+    EXPECT_EQ(TextOf(FormNames::wBusModules, QStringLiteral("lblTypePan_6")),
+              QStringLiteral("Q7100"));
+    EXPECT_TRUE(Site().Panel(7).Active());
+    EXPECT_FALSE(Site().Panel(2).Present());
+    EXPECT_EQ(Site().Panel(2).Channel(4).State(), 1);
+    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
+}
+
+TEST_F(TechFindPanelsTest, AsksForAnyPanelButTheLast) {
+    for (const int panel : {64, 63}) {
+        AddPanel(panel, 1);
+        boxes.clear();
+        Forms::Show(Form);
+        Grid()->SelectTag(QString::number(panel));
+        Press("imgCommand_0");
+        Leave(Messages::No);
+        EXPECT_EQ(boxes.size(), panel == 64 ? 0 : 1);
+        EXPECT_TRUE(Site().Panel(panel).Active());
+        EXPECT_EQ(Screen(Form), nullptr);
+    }
+}
+
+TEST_F(TechFindPanelsTest, LeavingEndsTheSearch) {
+    Forms::Show(Form);
+    While(4, [this] { Leave(Messages::No); });
+    Search();
+    EXPECT_EQ(asked, 4);
+    EXPECT_EQ(Screen(Form), nullptr);
+    RemoveUnloaded();
+
+    Forms::Show(Form);
+    While(4, [this] {
+        Grid()->SelectTag(QStringLiteral("2"));
+        Press("imgCommand_0");
+        Leave(Messages::Cancel);
+    });
+    Search();
+    EXPECT_EQ(asked, 4) << "staying has ended the search all the same";
+    EXPECT_TRUE(Shown("imgFind_1"));
+    Search();
+    EXPECT_EQ(asked, 64);
+}
+
+TEST_F(TechFindPanelsTest, AnAlarmEndsTheSearchAndKeepsTheEdit) {
+    Forms::Show(Form);
+    Press("imgControl_6");
+    Press("imgCommand_0");
+    While(4, [] { AlarmComes(); });
+    Search();
+    EXPECT_EQ(asked, 4);
+    EXPECT_EQ(Screen(Form), nullptr);
+    EXPECT_TRUE(boxes.isEmpty());
+    EXPECT_TRUE(Site().Panel(2).Active());
+    Forms::Show(Form);
+    EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/No"));
+    EXPECT_TRUE(Shown("lblKept"));
+    Leave(Messages::No);
+    Forms::Show(Form);
+    EXPECT_FALSE(Shown("lblKept"));
+}
