@@ -21,6 +21,8 @@
 #include "screens/Screens.h"
 #include "screens/console/ConsoleHead.h"
 #include "screens/touch/ResizeForm.h"
+#include "support/FakeLink.h"
+#include "support/FakeModules.h"
 #include "technician/Technician.h"
 
 #include <QApplication>
@@ -45,6 +47,23 @@ void RaiseAlarms(wPolling& engine) {
         event.setGDH(DateTimes::Now());
         event.setNum(124300 + qint32(&alarm - Alarms));
         Q_EMIT engine.BusEvent(event);
+    }
+}
+
+/// A line on which silence takes no time.
+class PromptLink : public FakeLink {
+public:
+    void WaitForInput(int, qint64) override {}
+};
+
+/// The modules of the demonstration site and one more; panel 8 is silent. Their lamps are in every
+/// state.
+void PutModules(FakeModules& modules) {
+    for (int address : {1, 2, 3, 4, 5, 6, 7, 12}) {
+        modules[address][132] = address == 4 ? 2 : 1;
+        modules[address][133] = address == 6 ? 2 : 1;
+        for (int channel = 1; channel <= 24; ++channel)
+            modules[address][channel] = quint16(channel % 7 % 6);
     }
 }
 
@@ -118,6 +137,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
                                QStringLiteral(".png"));
     };
     TakeConsole(engine, path);
+    TakeTechnician(engine, path);
     for (const QString& form : Forms::Names())
         if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter)
             Take(form, path(form.toLatin1().constData()));
@@ -150,7 +170,8 @@ int main(int argc, char** argv) {
     Global::Configuration().Read(CurrentConfigFile());
     IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"),
              QStringLiteral("/sites/Waterworks.kv2"));
-    wPolling engine(platform::MakeSerialPort([](int) { return QString(); }));
+    FakeModules modules;
+    PutModules(modules);
     Global::ReadMarks();
     Trace::OpenToday();
     WriteHistory();
@@ -159,6 +180,10 @@ int main(int argc, char** argv) {
     for (int language = 0; !GetLanguage(language).isEmpty(); ++language) {
         Global::Get().language = qint16(language);
         Global::ReadMarks();
+        // One for each language: the engine ends with its screen.
+        auto line = std::make_unique<PromptLink>();
+        line->answer = [&](const QByteArray& frame) { return modules.Answer(frame); };
+        wPolling engine(std::move(line));
         TakeAll(engine, target, GetLanguage(language).left(2).toLower());
     }
     return 0;

@@ -11,6 +11,10 @@ bool Save(const QString& form, const QString& path);
 /// One screen, shown, saved and unloaded. The panel editor shows a panel.
 void Take(const QString& form, const QString& path, int panel = 1);
 
+class wPolling;
+/// The technician's screens with modules that answer.
+void TakeTechnician(wPolling& engine, const Paths& path);
+
 /// The screens of the configuration in the states that the demo site doesn't bring them into: with
 /// everything filled, with nothing, with each kind of printer. The site is read again afterwards.
 void TakeConfiguration(const Paths& path);

@@ -1,0 +1,111 @@
+// The technician's screens at work: modules answer on a line of the tool's own.
+
+#include "Shots.h"
+
+#include "bus/wPolling.h"
+#include "core/FormNames.h"
+#include "core/Forms.h"
+#include "core/SLVfonctions.h"
+#include "model/ConfigClass.h"
+#include "model/CurrentConfig.h"
+#include "screens/console/ConsoleHead.h"
+#include "screens/touch/TouchTable.h"
+#include "technician/ModuleFront.h"
+#include "technician/wTechnician.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QTimer>
+
+namespace {
+
+QWidget* Child(const QString& form, const char* name) {
+    auto* screen = dynamic_cast<QWidget*>(Forms::Find(form));
+    return screen == nullptr ? nullptr : screen->findChild<QWidget*>(QLatin1String(name));
+}
+
+void Click(const QString& form, const char* name) {
+    if (auto* button = qobject_cast<QAbstractButton*>(Child(form, name)))
+        button->click();
+}
+
+void SelectRow(const QString& form, const char* table, int row) {
+    if (auto* rows = qobject_cast<TouchTable*>(Child(form, table)))
+        rows->SelectTag(QString::number(row));
+}
+
+void Done(const QString& form, const QString& path) {
+    Save(form, path);
+    Forms::Unload(form);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/// The form is modal: its picture is taken when it has read its module.
+void TakeFront(int panel, const QString& path) {
+    auto* front = dynamic_cast<ModuleFront*>(Forms::Load(FormNames::wTechEtatModule));
+    if (front == nullptr)
+        return;
+    constexpr int FirstReading = 1300;
+    QTimer::singleShot(FirstReading, qApp, [path] { Done(FormNames::wTechEtatModule, path); });
+    front->Present(Global::Configuration().Panel(panel));
+}
+
+void TakeSearch(const Paths& path) {
+    const QString form = FormNames::wTechFindPanels;
+    Forms::Show(form);
+    Click(form, "imgFind_1");
+    SelectRow(form, "grdPanels", 9);
+    Done(form, path("wTechFindPanels_searched"));
+}
+
+void TakeConsole(const Paths& path) {
+    const QString form = FormNames::wTechnician;
+    IniWrite(QStringLiteral("Files"), QStringLiteral("Histo"),
+             QDir::tempPath() + QStringLiteral("/korvanelle-pictures"));
+    Forms::Show(form);
+    if (auto* console = dynamic_cast<wTechnician*>(Forms::Find(form)))
+        console->setNumero(1);
+    Click(form, "cmdTestLeds");
+    Click(form, "cmdCopyTraces");
+    Done(form, path("wTechnician_at_work"));
+    QDir(QDir::tempPath() + QStringLiteral("/korvanelle-pictures")).removeRecursively();
+}
+
+/// Panels and channels with long names out of service, on their list and on the console.
+void TakeOutOfService(const Paths& path) {
+    ConfigClass& site = Global::Configuration();
+    const QString widest(PanelClass::MaxTitle, u'W');
+    site.Panel(3).setActive(false);
+    site.Panel(5).setTitle(widest);
+    site.Panel(5).setActive(false);
+    for (const int channel : {1, 4, 12}) {
+        site.Panel(1).Channel(channel).setOutOfOrder(true);
+        site.Panel(1).Channel(channel).setScreenText(channel == 4 ? widest
+                                                                  : QStringLiteral("Pump"));
+    }
+    const QString form = FormNames::wTechConsignations;
+    Forms::Show(form);
+    for (int step = 0; step < 6; ++step)
+        Click(form, "imgControl_5");
+    Click(form, "imgControl_6");
+    Done(form, path("wTechConsignations_full"));
+    ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {}, false});
+    Take(FormNames::wRunAlarms, path("console_out_of_service"));
+    ConsoleHead::OverrideWatch(std::nullopt);
+    site.Read(CurrentConfigFile());
+}
+
+} // namespace
+
+void TakeTechnician(wPolling& engine, const Paths& path) {
+    engine.CommBus().setPortOpen(true);
+    TakeSearch(path);
+    TakeFront(1, path("wTechEtatModule_12"));
+    TakeFront(4, path("wTechEtatModule_24"));
+    Forms::Show(FormNames::wTechDiagnosis);
+    Done(FormNames::wTechDiagnosis, path("wTechDiagnosis_full"));
+    TakeConsole(path);
+    TakeOutOfService(path);
+    engine.CommBus().setPortOpen(false);
+}
