@@ -33,13 +33,13 @@ protected:
 
     /// Reads one word of a panel; the reply comes after some time.
     bool Read(int panel, const QByteArray& reply, int milliseconds = 0) {
-        link.answer = [&](const QByteArray&) { return reply; };
+        link.answer = [reply](const QByteArray&) { return reply; };
         link.delay = milliseconds;
         Words words(1);
         return LitMots(link, quint8(panel), 144, words);
     }
     bool Write(int panel, const QByteArray& reply) {
-        link.answer = [&](const QByteArray&) { return reply; };
+        link.answer = [reply](const QByteArray&) { return reply; };
         return EcritUnMot(link, quint8(panel), 1, 3);
     }
 
