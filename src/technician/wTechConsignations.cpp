@@ -1,5 +1,6 @@
 #include "technician/wTechConsignations.h"
 
+#include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
@@ -56,10 +57,6 @@ QString IconOf(const OutOfService::Change& entry) {
     if (entry.thing.channel > 0)
         return entry.out ? QStringLiteral("channel_out") : QStringLiteral("channel_on");
     return entry.out ? QStringLiteral("panel_out") : QStringLiteral("panel_ok");
-}
-
-QString TwoDigits(int number) {
-    return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
 }
 
 TouchTable::Row RowOf(const OutOfService::Change& entry, bool withTime) {
@@ -129,8 +126,8 @@ void wTechConsignations::Form_Load() {
 }
 
 QString wTechConsignations::FormatKey(int panel, int channel) {
-    const QString key = Global::Get().panelMark + TwoDigits(panel);
-    return channel > 0 ? key + Global::Get().channelMark + TwoDigits(channel) : key;
+    const QString key = Global::Get().panelMark + Bytes::Padded(panel, 2);
+    return channel > 0 ? key + Global::Get().channelMark + Bytes::Padded(channel, 2) : key;
 }
 
 void wTechConsignations::AjouteItem(List& list, const Entry& entry) {

@@ -24,7 +24,6 @@ constexpr int RoundPeriod = 50;
 /// Failed reads until nothing is known any more.
 constexpr int MaxFailures = 3;
 
-constexpr qint32 LampTest = 66;
 constexpr qint32 Horn = 64;
 
 /// What each button writes, from the first on.
@@ -32,7 +31,7 @@ struct Key {
     qint32 registerNo;
     qint16 value;
 };
-constexpr Key Keys[] = {{LampTest, 1},
+constexpr Key Keys[] = {{Registers::TestLeds, 1},
                         {Registers::PanelCommand, Registers::Acknowledge},
                         {Registers::PanelCommand, 1},
                         {Horn, 1},
