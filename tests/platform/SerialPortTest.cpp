@@ -23,20 +23,23 @@ namespace {
 /// Far end of a line: the master side of a pseudo-terminal, reached under a link's name.
 class FarEnd {
 public:
-    explicit FarEnd(const QString& link)
-        : handle_(posix_openpt(O_RDWR | O_NOCTTY)) {
+    explicit FarEnd(QString link)
+        : link_(std::move(link))
+        , handle_(posix_openpt(O_RDWR | O_NOCTTY)) {
         grantpt(handle_);
         unlockpt(handle_);
-        QFile::remove(link);
-        QFile::link(QFile::decodeName(ptsname(handle_)), link);
+        QFile::link(QFile::decodeName(ptsname(handle_)), link_);
     }
     ~FarEnd() { Vanish(); }
     FarEnd(const FarEnd&) = delete;
     FarEnd& operator=(const FarEnd&) = delete;
 
+    /// The name goes first: the system gives the terminal's number to the next that asks.
     void Vanish() {
-        if (handle_ >= 0)
-            close(handle_);
+        if (handle_ < 0)
+            return;
+        QFile::remove(link_);
+        close(handle_);
         handle_ = -1;
     }
     void Send(const QByteArray& bytes) const {
@@ -56,6 +59,7 @@ public:
     }
 
 private:
+    QString link_;
     int handle_;
 };
 
