@@ -37,6 +37,9 @@ function(korvanelle_tests folder)
         KORVANELLE_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
         KORVANELLE_BUILD_DIR="${CMAKE_BINARY_DIR}")
     target_link_libraries(test_${folder} PRIVATE korvanelle_options ${ARGN} GTest::gmock)
+    # Tests run once; what they test is optimized, they are not.
+    target_compile_options(test_${folder} PRIVATE $<$<CONFIG:Release>:-O0>)
+    korvanelle_precompiled(tests test_${folder})
     gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES TIMEOUT 300
