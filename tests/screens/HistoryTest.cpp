@@ -121,7 +121,7 @@ TEST_F(HistoryTest, GoesToTheEndsAndOnWhileAnArrowIsHeld) {
     QTest::mousePress(Child(History, "imgControl_5"), Qt::LeftButton);
     EXPECT_EQ(timer->interval(), 1000);
     timer->setInterval(1);
-    EXPECT_TRUE(QTest::qWaitFor([] { return Current() < QStringLiteral("000199"); }, 5000));
+    EXPECT_TRUE(Comes([] { return Current() < QStringLiteral("000199"); }));
     EXPECT_EQ(timer->interval(), 100);
     QTest::mouseRelease(Child(History, "imgControl_5"), Qt::LeftButton);
     EXPECT_FALSE(timer->isActive());

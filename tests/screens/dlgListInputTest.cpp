@@ -195,12 +195,14 @@ TEST_F(dlgListInputTest, AnArrowThatIsHeldRepeatsUntilItIsLetGo) {
 
 TEST_F(dlgListInputTest, OnlyTheLeftButtonAloneRepeatsAndOnlyOnTheArrows) {
     Ask(QStringLiteral("*|1|9"), QStringLiteral("1"), [&] {
+        const auto* timer =
+            Screen(FormNames::dlgListInput)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
         QTest::mousePress(ImageOf(Down), Qt::LeftButton, Qt::ShiftModifier);
-        QTest::qWait(1200);
+        EXPECT_FALSE(timer->isActive());
         EXPECT_EQ(Value(), QStringLiteral("1"));
         QTest::mouseRelease(ImageOf(Down), Qt::LeftButton, {}, QPoint(-5, -5));
         QTest::mousePress(ImageOf(Confirm), Qt::LeftButton);
-        QTest::qWait(1200);
+        EXPECT_FALSE(timer->isActive());
         EXPECT_TRUE(Screen(FormNames::dlgListInput)->Visible());
         QTest::mouseRelease(ImageOf(Confirm), Qt::LeftButton, {}, QPoint(-5, -5));
     });
