@@ -129,11 +129,11 @@ bool Startup::Main() {
         RegisterTechnician();
         if (!ClaimInstance())
             return;
+        // What fails is told over the first screen, when the bus runs.
+        const Boxes::Held held;
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
         DropFormerAlarms();
-        // What fails is told over the first screen, when the bus runs.
-        const Boxes::Held held;
         if (!Config::OpenConfigBase()) {
             TellTheEnd(QStringLiteral("Unable to open configuration file."));
             return;

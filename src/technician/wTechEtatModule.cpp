@@ -62,6 +62,7 @@ wTechEtatModule::~wTechEtatModule() = default;
 void wTechEtatModule::Form_Load() {
     Guard("wTechEtatModule.Form_Load", [&] {
         ui_->lblCommResult->clear();
+        tmrPoll_.setObjectName(QStringLiteral("tmrPoll"));
         tmrPoll_.setInterval(PollPeriod);
         tmrClign_.setInterval(BlinkPeriod);
         tmrClign_.setTimerType(Qt::PreciseTimer);

@@ -281,14 +281,14 @@ TEST_F(Cycle, TheTimerDrivesTheRoundsUntilTheStop) {
         while (timer.elapsed() < milliseconds && rounds < enough)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     };
-    wait(5000, 3);
+    wait(60000, 3);
     EXPECT_GE(rounds, 3);
     engine->setRun(false);
     rounds = 0;
     wait(120, 1);
     EXPECT_EQ(rounds, 0);
     engine->setRun(true);
-    wait(5000, 2);
+    wait(60000, 2);
     EXPECT_GE(rounds, 2);
 }
 

@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <functional>
 
 /// A bench with the screens and an engine on a silent line. The message box is a recorder with a
 /// prepared answer unless the test installs the real one.
@@ -40,6 +41,10 @@ protected:
 
     static void RemoveUnloaded() {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    /// Lets the event loop run until a condition holds; a machine under load is slow.
+    static bool Comes(const std::function<bool()>& condition) {
+        return QTest::qWaitFor(condition, 60000);
     }
     static ScreenForm* Screen(const QString& name) {
         return dynamic_cast<ScreenForm*>(Forms::Find(name));
