@@ -15,6 +15,7 @@
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "events/Klaxon.h"
+#include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
@@ -95,8 +96,13 @@ qint32 Startup::ReadConfiguration() {
 }
 
 void Startup::LoadPolling() {
+    platform::SerialSetup setup;
+    setup.isRs485 = [](int number) {
+        return SLVfonctions::PortOf(BusSettings::PortName(number)).rs485;
+    };
     polling_ = std::make_unique<wPolling>(platform::MakeSerialPort(
-        [](int number) { return SLVfonctions::DevicePath(QStringLiteral("COM%1").arg(number)); }));
+        [](int number) { return SLVfonctions::DevicePath(BusSettings::PortName(number)); },
+        std::move(setup)));
     polling_->Form_Load(started_);
     Forms::Load(FormNames::wPolling);
 }

@@ -231,6 +231,22 @@ TEST_F(Cycle, DamagedSettingsAreToldAndLeaveTheBusSilent) {
     EXPECT_TRUE(panel.Present());
 }
 
+TEST_F(Cycle, TheTraceTellsWhatTheLineTookWhenItWasOpened) {
+    using Answer = platform::LineFeatures::Answer;
+    const auto notes = [this] {
+        Forget();
+        engine->ConfigCommPort();
+        return TraceLines().filter(QRegularExpression(QStringLiteral("LATENCY|RS485"))).join(u'|');
+    };
+    EXPECT_EQ(notes(), QString());
+    link->features = {Answer::Taken, Answer::Refused};
+    const QString told = notes();
+    EXPECT_TRUE(told.contains(QStringLiteral(" COM1 LOW LATENCY ON|"))) << told.toStdString();
+    EXPECT_TRUE(told.endsWith(QStringLiteral(" COM1 RS485 REFUSED"))) << told.toStdString();
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_TRUE(link->PortOpen());
+}
+
 TEST_F(Cycle, RunNeedsThePort) {
     engine->setRun(false);
     link->setPortOpen(false);

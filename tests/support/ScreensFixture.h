@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bus/wPolling.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "screens/Screens.h"
 #include "screens/touch/ResizeForm.h"
@@ -55,6 +56,10 @@ protected:
         EXPECT_NE(child, nullptr) << form.toStdString() << "." << name.toStdString();
         return child;
     }
+    /// A control of a form by its class.
+    template <class W> static W* Find(const QString& form, const QString& name) {
+        return qobject_cast<W*>(Child(form, name));
+    }
     static QString TextOf(const QString& form, const QString& name) {
         const auto* label = qobject_cast<QLabel*>(Child(form, name));
         return label ? label->text() : QString();
@@ -67,6 +72,12 @@ protected:
         }
         if (QWidget* child = Child(form, name))
             QTest::mouseClick(child, Qt::LeftButton);
+    }
+    /// An alarm comes: the console takes the display and unloads what is open.
+    static void AlarmComes() {
+        Forms::Show(FormNames::wRunAlarms);
+        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
+        RemoveUnloaded();
     }
 
     FakeLink* link = nullptr;
