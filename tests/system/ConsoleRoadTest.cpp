@@ -22,10 +22,9 @@ protected:
         Forms::Show(FormNames::wRunAlarms);
     }
 
-    template <typename Control> static const Control* Child(const QString& form, const char* name) {
+    template <typename Control> static Control* Child(const QString& form, const char* name) {
         const auto* screen = dynamic_cast<const QWidget*>(Forms::Find(form));
-        return screen != nullptr ? screen->findChild<const Control*>(QString::fromLatin1(name))
-                                 : nullptr;
+        return screen != nullptr ? screen->findChild<Control*>(QString::fromLatin1(name)) : nullptr;
     }
     static bool IsCalm() {
         return Child<AlarmMark>(FormNames::wRunAlarms, "imgNoAlarm")->Picture() ==
@@ -33,7 +32,7 @@ protected:
     }
     static QString Words() { return Child<QLabel>(FormNames::wRunAlarms, "txtNoAlarm")->text(); }
     static void Touch(const QString& form, const char* name) {
-        auto* control = const_cast<QWidget*>(Child<QWidget>(form, name));
+        auto* control = Child<QWidget>(form, name);
         ASSERT_NE(control, nullptr) << name;
         QTest::mouseClick(control, Qt::LeftButton);
     }
