@@ -43,7 +43,7 @@ QString PageStyle(int margin) {
 }
 
 QString PageOf(const QString& language) {
-    const QString path = Global::InApplicationFolder(
+    const QString path = platform::ProgramFile(
         platform::ExecutableName() + u'-' + language.left(2).toLower() + QStringLiteral(".html"));
     return QFileInfo::exists(path) ? path : QString();
 }
