@@ -33,7 +33,7 @@ QStringList ProgramFolders() {
 QString ProgramFile(const QString& name) {
     const QStringList folders = ProgramFolders();
     for (const QString& folder : folders) {
-        const QString path = folder + u'/' + name;
+        QString path = folder + u'/' + name;
         if (QFileInfo::exists(path))
             return path;
     }
