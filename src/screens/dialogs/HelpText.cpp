@@ -29,8 +29,7 @@ QString Word(const QString& name) {
     if (!isNumber)
         return QStringLiteral("<img src=\"%1:%2\" style=\"vertical-align: middle\">")
             .arg(HelpText::PictureScheme, name);
-    return QStringLiteral("<b>%1</b>")
-        .arg(GetText(number).simplified().replace(u' ', QChar::Nbsp).toHtmlEscaped());
+    return QStringLiteral("<b>%1</b>").arg(GetText(number).replace(u'\n', u' ').toHtmlEscaped());
 }
 
 } // namespace

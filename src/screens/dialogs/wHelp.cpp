@@ -39,7 +39,8 @@ QString PageStyle(int margin) {
     return QStringLiteral(
                "a { color: #9CC3F0; text-decoration: none; }"
                "p.contents { margin-top: %1px; margin-bottom: %1px; }"
-               "table { border-collapse: collapse; border-color: #4A5868; border-style: solid; }")
+               "table { border-collapse: collapse; border-color: #4A5868; border-style: solid; "
+               "margin-top: 8px; margin-bottom: 8px; }")
         .arg(margin);
 }
 
