@@ -25,6 +25,6 @@ build/release/tools/screens/korvanelle-screens "$site" "$target/1280x1024" 1280 
 [ -n "$help" ] || exit 0
 mkdir -p data/help/pictures
 grep -oh 'pictures/[^"]*\.png' data/help/*.html | sort -u | while read -r picture; do
-    convert "$target/800x600/${picture#pictures/}" -resize 400x300 +dither -colors 24 -strip \
+    convert "$target/800x600/${picture#pictures/}" -resize 400x300 +dither -colors 48 -strip \
         -define png:compression-level=9 "PNG8:data/help/$picture"
 done

@@ -15,6 +15,7 @@
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "events/Klaxon.h"
+#include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
@@ -95,8 +96,13 @@ qint32 Startup::ReadConfiguration() {
 }
 
 void Startup::LoadPolling() {
+    platform::SerialSetup setup;
+    setup.isRs485 = [](int number) {
+        return SLVfonctions::PortOf(BusSettings::PortName(number)).rs485;
+    };
     polling_ = std::make_unique<wPolling>(platform::MakeSerialPort(
-        [](int number) { return SLVfonctions::DevicePath(QStringLiteral("COM%1").arg(number)); }));
+        [](int number) { return SLVfonctions::DevicePath(BusSettings::PortName(number)); },
+        std::move(setup)));
     polling_->Form_Load(started_);
     Forms::Load(FormNames::wPolling);
 }
@@ -123,11 +129,11 @@ bool Startup::Main() {
         RegisterTechnician();
         if (!ClaimInstance())
             return;
+        // What fails is told over the first screen, when the bus runs.
+        const Boxes::Held held;
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
         DropFormerAlarms();
-        // What fails is told over the first screen, when the bus runs.
-        const Boxes::Held held;
         if (!Config::OpenConfigBase()) {
             TellTheEnd(QStringLiteral("Unable to open configuration file."));
             return;

@@ -116,9 +116,8 @@ Reply Receive(platform::SerialLink& link, const QByteArray& frame, int expected,
     if (!link.PortOpen())
         return reply;
     link.WaitForInput(expected, platform::Clock::Current().MonotonicMs() + deadline);
-    const bool whole = link.InBufferCount() == expected;
     reply.bytes = link.Input();
-    reply.whole = whole && reply.bytes.size() == expected;
+    reply.whole = reply.bytes.size() == expected;
     reply.outcome = OutcomeOf(frame, reply);
     if (listener != nullptr)
         listener->Replied(reply.outcome, reply.bytes);

@@ -231,6 +231,22 @@ TEST_F(Cycle, DamagedSettingsAreToldAndLeaveTheBusSilent) {
     EXPECT_TRUE(panel.Present());
 }
 
+TEST_F(Cycle, TheTraceTellsWhatTheLineTookWhenItWasOpened) {
+    using Answer = platform::LineFeatures::Answer;
+    const auto notes = [this] {
+        Forget();
+        engine->ConfigCommPort();
+        return TraceLines().filter(QRegularExpression(QStringLiteral("LATENCY|RS485"))).join(u'|');
+    };
+    EXPECT_EQ(notes(), QString());
+    link->features = {Answer::Taken, Answer::Refused};
+    const QString told = notes();
+    EXPECT_TRUE(told.contains(QStringLiteral(" COM1 LOW LATENCY ON|"))) << told.toStdString();
+    EXPECT_TRUE(told.endsWith(QStringLiteral(" COM1 RS485 REFUSED"))) << told.toStdString();
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_TRUE(link->PortOpen());
+}
+
 TEST_F(Cycle, RunNeedsThePort) {
     engine->setRun(false);
     link->setPortOpen(false);
@@ -265,14 +281,14 @@ TEST_F(Cycle, TheTimerDrivesTheRoundsUntilTheStop) {
         while (timer.elapsed() < milliseconds && rounds < enough)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     };
-    wait(5000, 3);
+    wait(60000, 3);
     EXPECT_GE(rounds, 3);
     engine->setRun(false);
     rounds = 0;
     wait(120, 1);
     EXPECT_EQ(rounds, 0);
     engine->setRun(true);
-    wait(5000, 2);
+    wait(60000, 2);
     EXPECT_GE(rounds, 2);
 }
 

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int ShortTimeout = 150;
 /// Room for a busy machine, ms.
-constexpr int Slack = 600;
+constexpr int Slack = 4000;
 
 /// A file number that closes itself.
 class Handle {

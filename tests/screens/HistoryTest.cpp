@@ -37,7 +37,15 @@ protected:
         Forms::Show(History);
         WaitForLoad();
     }
-    static void WaitForLoad() { QTest::qWait(80); }
+    /// A file is read a moment after it was chosen, by the one timer that fires once.
+    static void WaitForLoad() {
+        EXPECT_TRUE(Comes([] {
+            const QList<QTimer*> timers = Screen(History)->findChildren<QTimer*>();
+            return std::none_of(timers.cbegin(), timers.cend(), [](const QTimer* timer) {
+                return timer->isSingleShot() && timer->isActive();
+            });
+        }));
+    }
     static QListWidget& Files() { return *qobject_cast<QListWidget*>(Child(History, "lstFiles")); }
     static QString Chosen() {
         return Files().currentItem() ? Files().currentItem()->text() : QString();
