@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 
 scripts/packages.sh lintian dpkg-dev systemd
 cmake --preset release >/dev/null
-cmake --build --preset release --target korvanelle korvanelle_base
+cmake --build --preset release --target korvanelle korvanelle_base korvanelle_manuals
 rm -rf build/packages
 cpack --config build/release/CPackConfig.cmake -B build/packages
 rm -rf build/packages/_CPack_Packages
