@@ -19,11 +19,13 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
+#include "platform/ServiceManager.h"
 #include "screens/Screens.h"
 #include "technician/Technician.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <utility>
 
 using ErrorHandling::Guard;
 
@@ -46,13 +48,16 @@ void TellStandIn(const QString& file, const QString& standIn) {
 /// Tells why the program can't go on and waits for the answer: without it the screen would stay
 /// black and nobody would know.
 void TellTheEnd(const QString& text) {
+    platform::ServiceManager::Current().Log(platform::ServiceManager::Priority::Error, text);
     const Operator::Acting acting;
     Message(text, Messages::Critical);
 }
 
 } // namespace
 
-Startup::Startup() = default;
+Startup::Startup() {
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &Startup::TellStop);
+}
 // The thread of the horn ends before what it reports to.
 Startup::~Startup() {
     Global::Get().sound.reset();
@@ -168,6 +173,25 @@ void Startup::ComeUp() {
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(FormNames::wMain);
+    if (!HasEnded())
+        TellStart();
+}
+
+/// The first screen stands: whoever started the program is told.
+void Startup::TellStart() {
+    platform::ServiceManager& manager = platform::ServiceManager::Current();
+    manager.Ready();
+    manager.Log(platform::ServiceManager::Priority::Notice,
+                Global::Title + u' ' + QCoreApplication::applicationVersion() +
+                    QStringLiteral(" started in ") + platform::ApplicationFolder());
+}
+
+void Startup::TellStop() {
+    platform::ServiceManager& manager = platform::ServiceManager::Current();
+    if (!std::exchange(stopTold_, true))
+        manager.Log(platform::ServiceManager::Priority::Notice,
+                    Global::Title + QStringLiteral(" stops"));
+    manager.Stopping();
 }
 
 bool Startup::HasEnded() const {
@@ -177,6 +201,7 @@ bool Startup::HasEnded() const {
 void Startup::End(platform::UnloadMode mode) {
     Guard("Startup.End", [&] {
         ended_ = true;
+        TellStop();
         // Nobody answers any more: an error on the way out must not hold up what follows it.
         Messages::Install({});
         if (polling_) {

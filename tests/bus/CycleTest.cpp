@@ -1,9 +1,11 @@
 #include "bus/Engine.h"
 
+#include "platform/ServiceManager.h"
 #include "support/Rows.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 
 namespace {
 
@@ -290,6 +292,28 @@ TEST_F(Cycle, TheTimerDrivesTheRoundsUntilTheStop) {
     engine->setRun(true);
     wait(60000, 2);
     EXPECT_GE(rounds, 2);
+}
+
+// A bus that runs shows its life by its rounds alone: with these gone the second's tick is silent.
+TEST_F(Cycle, SignsOfLifeComeFromTheRoundsAndOfAStoppedBusFromTheTick) {
+    int beats = 0;
+    platform::ServiceManager manager(
+        {[&](const QByteArray& line) { beats += line == "WATCHDOG=1" ? 1 : 0; }, {}, 1000});
+    platform::ServiceManager::Install(&manager);
+    const auto back = qScopeGuard([] { platform::ServiceManager::Install(nullptr); });
+    manager.Ready();
+    const auto beatsOf = [&](auto&& work) {
+        clock.Advance(60000);
+        beats = 0;
+        work();
+        return beats;
+    };
+    EXPECT_EQ(beatsOf([&] { engine->tmrMidnight_Timer(); }), 0);
+    EXPECT_EQ(beatsOf([&] { Rounds(1); }), 1) << "nobody is due";
+    // Exchanges without a round, as of a synchronisation.
+    EXPECT_EQ(beatsOf([&] { GetModuleType(*link, 9); }) > 0, true);
+    engine->setRun(false);
+    EXPECT_EQ(beatsOf([&] { engine->tmrMidnight_Timer(); }), 1);
 }
 
 TEST_F(Cycle, AClockSetBackSilencesNobody) {

@@ -10,6 +10,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
@@ -106,9 +107,12 @@ private:
 /// The installed program, offscreen.
 class ProgramProcess {
 public:
-    explicit ProgramProcess(const RunFolder& folder) {
+    /// `variables` are further ones of its environment.
+    explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        for (const auto& [name, value] : variables.asKeyValueRange())
+            environment.insert(name, value);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process_.start(folder.Path(QStringLiteral("korvanelle")), QStringList());
