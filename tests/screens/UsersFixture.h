@@ -27,12 +27,12 @@ protected:
     UsersTest& operator=(const UsersTest&) = delete;
 
     static void SetUser(int number, const char* name, const char* code, int level) {
-        Site().setUserName(number, QString::fromLatin1(name));
-        Site().setUserPwd(number, QString::fromLatin1(code));
+        Site().setUserName(number, name);
+        Site().setUserPwd(number, code);
         Site().setUserLevel(number, level);
     }
 
-    static QString Codes() { return QStringLiteral("dlgUserCodes"); }
+    static QString Codes() { return "dlgUserCodes"; }
     static QLineEdit* Box(int index) {
         return qobject_cast<QLineEdit*>(Child(Codes(), QStringLiteral("txtPwd_%1").arg(index)));
     }
@@ -47,7 +47,7 @@ protected:
     /// Answers the next prompt with a code.
     void Enter(const char* code) {
         script.On(Codes(), [code] {
-            QTest::keyClicks(Box(1), QString::fromLatin1(code));
+            QTest::keyClicks(Box(1), code);
             Confirm();
         });
     }

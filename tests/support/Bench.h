@@ -51,6 +51,7 @@ protected:
     }
     ~Bench() override {
         platform::OverrideSpace(std::nullopt);
+        platform::OverrideVolumes({});
         Messages::Install(nullptr);
         Boxes::Forget();
         Faults::Forget();

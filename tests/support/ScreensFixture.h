@@ -73,6 +73,23 @@ protected:
         if (QWidget* child = Child(form, name))
             QTest::mouseClick(child, Qt::LeftButton);
     }
+    /// Asks by a dialog that waits, and does something while it is up. What then still stands is
+    /// hidden, so that nothing hangs.
+    template <class Ask>
+    static auto AskAt(const QString& dialog, const Ask& ask, const std::function<void()>& act) {
+        bool acted = false;
+        QTimer::singleShot(0, [&] {
+            acted = true;
+            act();
+            if (ScreenForm* left = Screen(dialog); left != nullptr && left->Visible())
+                left->Hide();
+        });
+        auto given = ask();
+        EXPECT_TRUE(acted);
+        EXPECT_EQ(NbInstances(dialog), 0);
+        RemoveUnloaded();
+        return given;
+    }
     /// An alarm comes: the console takes the display and unloads what is open.
     static void AlarmComes() {
         Forms::Show(FormNames::wRunAlarms);
