@@ -10,7 +10,7 @@ class ConsigneTest : public ScreensTest {
 protected:
     void Show(const QString& text) {
         auto* dialog = new dlgConsigne;
-        dialog->setAlarm(QStringLiteral("    12 2024-03-15 12:00:00 P01-C07 Trip"));
+        dialog->setAlarm("    12 2024-03-15 12:00:00 P01-C07 Trip");
         dialog->setConsigne(text);
         dialog->Show();
     }
@@ -38,7 +38,7 @@ protected:
 } // namespace
 
 TEST_F(ConsigneTest, ShortTextNeedsNoButtons) {
-    Show(QStringLiteral("Close the valve.\r\nCall <b>the team</b>."));
+    Show("Close the valve.\r\nCall <b>the team</b>.");
     EXPECT_EQ(TextOf(FormNames::dlgConsigne, "lblConsigne"),
               "Close the valve.\nCall <b>the team</b>.");
     EXPECT_FALSE(TextOf(FormNames::dlgConsigne, "lblAlarm").contains(u' '));

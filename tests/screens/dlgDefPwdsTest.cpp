@@ -1,12 +1,11 @@
 #include "core/ErrorHandling.h"
 #include "screens/UsersFixture.h"
 
-#include <QScrollBar>
 #include <QTableWidget>
 
 namespace {
 
-const QString Table = QStringLiteral("dlgDefPwds");
+const QString Table = "dlgDefPwds";
 
 } // namespace
 
@@ -20,9 +19,11 @@ protected:
         Site().setModified(false);
     }
 
-    static QTableWidget& Grid() {
-        return *qobject_cast<QTableWidget*>(Child(Table, QStringLiteral("grdUsers")));
+    static void Open(int level) {
+        Global::Get().userLevel = level;
+        Forms::Show(Table);
     }
+    static QTableWidget& Grid() { return *Find<QTableWidget>(Table, "grdUsers"); }
     static QStringList Names() {
         QStringList names;
         for (int row = 0; row < Grid().rowCount(); ++row)
@@ -35,7 +36,7 @@ protected:
     static bool Offers(Action action) {
         return Child(Table, QStringLiteral("imgControl_%1").arg(int(action)))->isVisible();
     }
-    static void Save() { Tap(Table, QStringLiteral("cmdBoutons_1")); }
+    static void Save() { Tap(Table, "cmdBoutons_1"); }
     static void TapRow(int row) {
         QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {},
                           Grid().visualItemRect(Grid().item(row, 0)).center());
@@ -53,24 +54,11 @@ protected:
     }
 };
 
-TEST_F(DefPwdsTest, AFingerPushesTheUsers) {
-    Site().setUserCount(30);
-    Forms::Show(Table);
-    const int chosen = Grid().currentRow();
-    QWidget* rows = Grid().viewport();
-    QTest::mousePress(rows, Qt::LeftButton, {}, {60, 250});
-    QTest::mouseMove(rows, {60, 150});
-    QTest::mouseRelease(rows, Qt::LeftButton, {}, {60, 150});
-    EXPECT_EQ(Grid().verticalScrollBar()->value(), 100);
-    EXPECT_EQ(Grid().currentRow(), chosen) << "a push chooses nobody";
-}
-
 TEST_F(DefPwdsTest, UsersAboveTheOwnLevelAreHiddenAndKept) {
-    Global::Get().userLevel = 2;
-    Forms::Show(Table);
+    Open(2);
     EXPECT_EQ(Names(), (QStringList{"OPERATOR", "MANAGER", "TECHNICIAN"}));
-    EXPECT_EQ(Grid().item(1, 1)->text(), QStringLiteral("SAME"));
-    EXPECT_EQ(Grid().item(1, 2)->text(), QStringLiteral("2"));
+    EXPECT_EQ(Grid().item(1, 1)->text(), "SAME");
+    EXPECT_EQ(Grid().item(1, 2)->text(), "2");
     EXPECT_TRUE(Grid().isRowHidden(2));
     EXPECT_FALSE(Grid().isRowHidden(1));
     EXPECT_TRUE(Offers(Change) && Offers(Delete));
@@ -87,62 +75,57 @@ TEST_F(DefPwdsTest, UsersAboveTheOwnLevelAreHiddenAndKept) {
     Press(Delete);
     Save();
     EXPECT_EQ(Site().UserCount(), 2);
-    EXPECT_EQ(Site().UserName(2), QStringLiteral("TECHNICIAN"));
-    EXPECT_EQ(Site().UserPwd(2), QStringLiteral("TECH"));
+    EXPECT_EQ(Site().UserName(2), "TECHNICIAN");
+    EXPECT_EQ(Site().UserPwd(2), "TECH");
     EXPECT_EQ(Site().UserLevel(2), 3);
     EXPECT_TRUE(Site().Modified());
     EXPECT_EQ(NbInstances(Table), 0);
-}
 
-TEST_F(DefPwdsTest, AnOpenSiteHidesNobody) {
     Site().setUserLevel(1, 2);
     Forms::Show(Table);
-    for (int row = 0; row < 3; ++row)
-        EXPECT_FALSE(Grid().isRowHidden(row));
+    EXPECT_FALSE(Grid().isRowHidden(1)) << "an open site hides nobody";
 }
 
 TEST_F(DefPwdsTest, DoublesOfStoredUsersAreRefused) {
-    Global::Get().userLevel = 3;
-    Forms::Show(Table);
-    Fill("manager", "NEW");
-    Press(Add);
-    Fill("NEW", "tech");
-    Press(Add);
+    Open(3);
+    const auto add = [this](const char* name, const char* code) {
+        Fill(name, code);
+        Press(Add);
+    };
+    add("manager", "NEW");
+    add("NEW", "tech");
     EXPECT_EQ(boxes, (QStringList{GetText(640100), GetText(640101)}));
     EXPECT_EQ(styles, (QList<int>{16, 16}));
     EXPECT_EQ(Grid().rowCount(), 3);
     // Two new ones aren't compared with each other.
-    Fill("NEW", "1234");
-    Press(Add);
-    Fill("NEW", "1234");
-    Press(Add);
+    add("NEW", "1234");
+    add("NEW", "1234");
     EXPECT_EQ(boxes.size(), 2);
     EXPECT_EQ(Grid().rowCount(), 5);
     EXPECT_EQ(Site().UserCount(), 3) << "not before it is saved";
-    Tap(Table, QStringLiteral("cmdBoutons_0"));
+    Tap(Table, "cmdBoutons_0");
     EXPECT_EQ(Site().UserCount(), 3);
     EXPECT_FALSE(Site().Modified());
 }
 
 TEST_F(DefPwdsTest, AUserMayKeepTheOwnNameAndCode) {
-    Global::Get().userLevel = 3;
-    Forms::Show(Table);
+    Open(3);
     TapRow(1);
     script.On(Codes(), [] {
-        EXPECT_EQ(Box(0)->text(), QStringLiteral("MANAGER"));
-        EXPECT_EQ(Box(1)->text(), QStringLiteral("SAME"));
-        EXPECT_EQ(TextOf(Codes(), QStringLiteral("lblPwdLevel")), QStringLiteral("2"));
+        EXPECT_EQ(Box(0)->text(), "MANAGER");
+        EXPECT_EQ(Box(1)->text(), "SAME");
+        EXPECT_EQ(TextOf(Codes(), "lblPwdLevel"), "2");
         TapImage(3);
         Confirm();
     });
     Press(Change);
-    EXPECT_EQ(Grid().item(1, 2)->text(), QStringLiteral("3"));
+    EXPECT_EQ(Grid().item(1, 2)->text(), "3");
     script.On(Codes(), [] {
         TapKeys("X");
         Cancel();
     });
     Press(Change);
-    EXPECT_EQ(Grid().item(1, 0)->text(), QStringLiteral("MANAGER"));
+    EXPECT_EQ(Grid().item(1, 0)->text(), "MANAGER");
     // The row above goes: the user is still the second one of the site.
     TapRow(0);
     Press(Delete);
@@ -152,15 +135,14 @@ TEST_F(DefPwdsTest, AUserMayKeepTheOwnNameAndCode) {
     EXPECT_EQ(boxes.last(), GetText(640101)) << "the deleted user is in the site until it is saved";
     Fill("MANAGER", "SAME2");
     Press(Change);
-    EXPECT_EQ(Grid().item(0, 1)->text(), QStringLiteral("SAME2"));
+    EXPECT_EQ(Grid().item(0, 1)->text(), "SAME2");
     Save();
-    EXPECT_EQ(Site().UserName(1), QStringLiteral("MANAGER"));
+    EXPECT_EQ(Site().UserName(1), "MANAGER");
     EXPECT_EQ(Site().UserLevel(1), 3);
 }
 
 TEST_F(DefPwdsTest, DeletingAsksAndATableOfNobodyCantBeSaved) {
-    Global::Get().userLevel = 3;
-    Forms::Show(Table);
+    Open(3);
     answer = Messages::Cancel;
     Press(Delete);
     EXPECT_EQ(boxes, QStringList{GetText(30007)});
@@ -176,23 +158,7 @@ TEST_F(DefPwdsTest, DeletingAsksAndATableOfNobodyCantBeSaved) {
     EXPECT_EQ(boxes.size(), asked);
     EXPECT_EQ(NbInstances(Codes()), 0);
     Save();
-    EXPECT_EQ(boxes.last(),
-              ErrorHandling::ErrorText(QStringLiteral("dlgDefPwds.cmdBoutons_Click"), 9));
+    EXPECT_EQ(boxes.last(), ErrorHandling::ErrorText("dlgDefPwds.cmdBoutons_Click", 9));
     EXPECT_EQ(Site().UserCount(), 3);
     EXPECT_EQ(NbInstances(Table), 1);
-}
-
-TEST_F(DefPwdsTest, NobodyThereTakesBothDialogsAway) {
-    Global::Get().userLevel = 3;
-    Forms::Load(QStringLiteral("wPolling"));
-    script.On(Table, [] { Press(Add); });
-    script.On(Codes(), [this] {
-        TapKeys("A");
-        NobodyIsThere();
-    });
-    Forms::Load(Table);
-    Screen(Table)->ShowModal();
-    EXPECT_EQ(NbInstances(Table) + NbInstances(Codes()), 0);
-    EXPECT_TRUE(Screen(QStringLiteral("wRunAlarms"))->Visible());
-    EXPECT_EQ(Site().UserCount(), 3);
 }

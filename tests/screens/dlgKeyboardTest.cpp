@@ -7,96 +7,73 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-namespace {} // namespace
-
 class dlgKeyboardTest : public ScreensTest {
 protected:
     enum Ctrl { Home, Left, Right, End, Back, Del, Clear, Space };
-    enum Image { Cancel, Confirm };
+    using Act = std::function<void()>;
 
     static QString Name(const char* array, int index) {
-        return QString::fromLatin1(array) + u'_' + QString::number(index);
+        return QString(array) + u'_' + QString::number(index);
     }
     static QPushButton* Button(const char* array, int index) {
-        return qobject_cast<QPushButton*>(Child(FormNames::dlgKeyboard, Name(array, index)));
+        return Find<QPushButton>(FormNames::dlgKeyboard, Name(array, index));
     }
-    static QLineEdit* Line() {
-        return qobject_cast<QLineEdit*>(Child(FormNames::dlgKeyboard, Name("txtValue", 0)));
-    }
+    static QLineEdit* Line() { return Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0"); }
     static QPlainTextEdit* Lines() {
-        return qobject_cast<QPlainTextEdit*>(Child(FormNames::dlgKeyboard, Name("txtValue", 1)));
+        return Find<QPlainTextEdit>(FormNames::dlgKeyboard, "txtValue_1");
     }
+    static void TapKey(const QString& name) { Tap(FormNames::dlgKeyboard, name); }
     static void Ctrls(const QList<int>& keys) {
         for (const int key : keys)
-            Tap(FormNames::dlgKeyboard, Name("cmdCtrl", key));
+            TapKey(Name("cmdCtrl", key));
     }
     static dlgKeyboard* Keyboard() {
         return qobject_cast<dlgKeyboard*>(Screen(FormNames::dlgKeyboard));
     }
-    static void LineBreak() { Tap(FormNames::dlgKeyboard, QStringLiteral("imgCRLF")); }
+    static void LineBreak() { TapKey("imgCRLF"); }
+    static void Cancel() { TapKey("imgControl_0"); }
+    static void Confirm() { TapKey("imgControl_1"); }
     /// Types characters of the printable ranges with the keys.
     static void Type(const QString& text) {
-        const QByteArray codes = platform::ToCodePage(text);
-        for (const char code : codes) {
-            const int number = uchar(code);
-            Tap(FormNames::dlgKeyboard, Name("cmdRange", number / 32 - 1));
-            Tap(FormNames::dlgKeyboard, Name("cmdKey", number % 32));
+        for (const char code : platform::ToCodePage(text)) {
+            TapKey(Name("cmdRange", uchar(code) / 32 - 1));
+            TapKey(Name("cmdKey", uchar(code) % 32));
         }
     }
 
-    std::optional<QString> Ask(const std::function<void()>& act, const QString& present = {},
-                               int maxLength = 0, bool multiLine = false) {
-        bool acted = false;
-        QTimer::singleShot(0, [&] {
-            acted = true;
-            act();
-            if (ScreenForm* left = Screen(FormNames::dlgKeyboard);
-                left != nullptr && left->Visible())
-                left->Hide();
-        });
-        auto text = AskText(QStringLiteral("Title"), present, maxLength, multiLine);
-        EXPECT_TRUE(acted);
-        EXPECT_EQ(NbInstances(FormNames::dlgKeyboard), 0);
-        RemoveUnloaded();
-        return text;
-    }
-    std::optional<QString> AskLines(const std::function<void()>& act, const QString& present = {},
-                                    int maxLength = 1024) {
-        return Ask(act, present, maxLength, true);
+    static std::optional<QString> Ask(const QString& present, const Act& act, int maxLength = 0,
+                                      bool multiLine = false) {
+        const auto ask = [&] { return AskText("Title", present, maxLength, multiLine); };
+        return AskAt(FormNames::dlgKeyboard, ask, act);
     }
 };
 
 TEST_F(dlgKeyboardTest, EveryRangeShowsItsCharactersOfTheCodePage) {
-    Ask([&] {
-        EXPECT_EQ(Button("cmdKey", 0)->text(), QStringLiteral("@")) << "begins with the capitals";
+    Ask({}, [] {
+        EXPECT_EQ(Button("cmdKey", 0)->text(), "@") << "begins with the capitals";
         for (int range = 0; range < 7; ++range) {
-            Tap(FormNames::dlgKeyboard, Name("cmdRange", range));
+            TapKey(Name("cmdRange", range));
             for (int key = 0; key < 32; ++key) {
                 QString wanted =
                     platform::FromCodePage(QByteArray(1, char((range + 1) * 32 + key)));
                 const bool isFree = wanted[0].category() == QChar::Other_Control;
                 EXPECT_EQ(Button("cmdKey", key)->isEnabled(), !isFree);
-                if (isFree)
-                    wanted.clear();
-                else if (wanted == QLatin1String("&"))
-                    wanted = QStringLiteral("&&");
+                wanted = isFree ? QString() : wanted.replace(u'&', "&&");
                 EXPECT_EQ(Button("cmdKey", key)->text(), wanted) << range << " " << key;
             }
         }
-        const QStringList captions{QStringLiteral("HOME"), QStringLiteral("<--"),
-                                   QStringLiteral("-->"),  QStringLiteral("END"),
-                                   QStringLiteral("<==X"), QStringLiteral("DEL"),
-                                   QStringLiteral("CLR"),  QString()};
+        const QStringList captions{"HOME", "<--", "-->", "END", "<==X", "DEL", "CLR", QString()};
         for (int i = 0; i < captions.size(); ++i)
             EXPECT_EQ(Button("cmdCtrl", i)->text(), captions[i]);
+        EXPECT_FALSE(Child(FormNames::dlgKeyboard, "imgCRLF")->isVisible());
     });
 }
 
 TEST_F(dlgKeyboardTest, KeysLieInTheirGridAndAreLargeEnoughAtEverySize) {
     for (const QSize& display : {QSize(), QSize(1280, 800)}) {
         OverrideScreenSize(display);
-        Ask([&] {
-            const QWidget* box = Child(FormNames::dlgKeyboard, QStringLiteral("picKeyboard"));
+        Ask({}, [&] {
+            const QWidget* box = Child(FormNames::dlgKeyboard, "picKeyboard");
             EXPECT_TRUE(Screen(FormNames::dlgKeyboard)->rect().contains(box->geometry()));
             EXPECT_EQ(box->geometry().right() + 1 + box->x(),
                       Screen(FormNames::dlgKeyboard)->width());
@@ -122,129 +99,91 @@ TEST_F(dlgKeyboardTest, KeysLieInTheirGridAndAreLargeEnoughAtEverySize) {
     }
 }
 
-TEST_F(dlgKeyboardTest, TypesAtTheCaretAndKeepsTheFocusInTheBox) {
-    const auto text = Ask(
-        [&] {
-            Type(QStringLiteral("K&é€"));
-            Ctrls({Left, Left});
-            Type(QStringLiteral("x"));
-            Ctrls({Space});
-            EXPECT_EQ(Line()->cursorPosition(), 6);
-            EXPECT_EQ(Keyboard()->focusWidget(), Line());
-            Ctrls({Home});
-            Type(QStringLiteral("1"));
-            Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm));
-        },
-        QStringLiteral("ab"));
-    EXPECT_EQ(text, QStringLiteral("1abK&x é€"));
-}
-
 TEST_F(dlgKeyboardTest, EditsOneLine) {
-    const auto text = Ask(
-        [&] {
-            Ctrls({Home, Left, Del});
-            EXPECT_EQ(Line()->text(), QStringLiteral("bcd"));
-            Ctrls({Back, Right, Right, Back});
-            EXPECT_EQ(Line()->text(), QStringLiteral("bd"));
-            EXPECT_EQ(Line()->cursorPosition(), 1);
-            Ctrls({End, Right, Del});
-            EXPECT_EQ(Line()->text(), QStringLiteral("bd"));
-            // The caret is where a selection begins.
-            Line()->setSelection(0, 2);
-            Type(QStringLiteral("Z"));
-            EXPECT_EQ(Line()->text(), QStringLiteral("Zbd"));
-            Ctrls({Clear, Clear, Back, Del, Left, Right});
-            EXPECT_EQ(Line()->text(), QString());
-            Type(QStringLiteral("q"));
-            Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm));
-        },
-        QStringLiteral("abcd"));
-    EXPECT_EQ(text, QStringLiteral("q"));
+    const auto text = Ask("abcd", [] {
+        Ctrls({Home, Left, Del});
+        EXPECT_EQ(Line()->text(), "bcd");
+        Ctrls({Back, Right, Right, Back});
+        EXPECT_EQ(Line()->text(), "bd");
+        EXPECT_EQ(Line()->cursorPosition(), 1);
+        Ctrls({End, Right, Del});
+        EXPECT_EQ(Line()->text(), "bd");
+        // The caret is where a selection begins.
+        Line()->setSelection(0, 2);
+        Type("Z");
+        EXPECT_EQ(Line()->text(), "Zbd");
+        Ctrls({Clear, Clear, Back, Del, Left, Right});
+        EXPECT_EQ(Line()->text(), QString());
+        Type("K&é€");
+        Ctrls({Left, Left});
+        Type("x");
+        Ctrls({Space});
+        EXPECT_EQ(Line()->cursorPosition(), 4);
+        EXPECT_EQ(Keyboard()->focusWidget(), Line());
+        Ctrls({Home});
+        Type("1");
+        Confirm();
+    });
+    EXPECT_EQ(text, "1K&x é€");
 }
 
 TEST_F(dlgKeyboardTest, ALineBreakIsOneStep) {
-    const QString before = QStringLiteral("ab\r\n\r\ncd");
-    const auto text = AskLines(
-        [&] {
-            EXPECT_TRUE(Lines()->isVisible() && !Line()->isVisible());
-            Ctrls({Left, Left, Left, Left});
-            Type(QStringLiteral("1"));
-            EXPECT_EQ(Keyboard()->Text(), QStringLiteral("ab1\r\n\r\ncd"));
-            Ctrls({Right, Right, Back});
-            EXPECT_EQ(Keyboard()->Text(), QStringLiteral("ab1\r\ncd"));
-            Ctrls({Left, Del});
-            EXPECT_EQ(Keyboard()->Text(), QStringLiteral("ab1cd"));
-            LineBreak();
-            Type(QStringLiteral("2"));
-            EXPECT_EQ(Keyboard()->Text(), QStringLiteral("ab1\r\n2cd"));
-            Ctrls({Home, Del, End, Back});
-            EXPECT_EQ(Keyboard()->focusWidget(), Lines());
-            Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm));
-        },
-        before);
-    EXPECT_EQ(text, QStringLiteral("b1\r\n2c"));
-    EXPECT_EQ(AskLines([&] { Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm)); }, before),
-              before);
-    Ask([&] {
-        EXPECT_FALSE(Child(FormNames::dlgKeyboard, QStringLiteral("imgCRLF"))->isVisible());
-    });
+    const QString before = "ab\r\n\r\ncd";
+    const auto edit = [] {
+        EXPECT_TRUE(Lines()->isVisible() && !Line()->isVisible());
+        Ctrls({Left, Left, Left, Left});
+        Type("1");
+        EXPECT_EQ(Keyboard()->Text(), "ab1\r\n\r\ncd");
+        Ctrls({Right, Right, Back});
+        EXPECT_EQ(Keyboard()->Text(), "ab1\r\ncd");
+        Ctrls({Left, Del});
+        EXPECT_EQ(Keyboard()->Text(), "ab1cd");
+        LineBreak();
+        Type("2");
+        EXPECT_EQ(Keyboard()->Text(), "ab1\r\n2cd");
+        Ctrls({Home, Del, End, Back});
+        EXPECT_EQ(Keyboard()->focusWidget(), Lines());
+        Confirm();
+    };
+    EXPECT_EQ(Ask(before, edit, 1024, true), "b1\r\n2c");
+    EXPECT_EQ(Ask(before, Confirm, 1024, true), before);
 }
 
 TEST_F(dlgKeyboardTest, AFullBoxTakesNothingMore) {
-    const auto confirm = [&] { Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm)); };
-    EXPECT_EQ(Ask(
-                  [&] {
-                      Type(QStringLiteral("xyz"));
-                      Ctrls({Home, Space});
-                      confirm();
-                  },
-                  QStringLiteral("ab"), 3),
-              QStringLiteral("abx"));
-    EXPECT_EQ(Ask(confirm, QStringLiteral("abcdef"), 3), QStringLiteral("abc"));
+    const auto typeOn = [] {
+        Type("xyz");
+        Ctrls({Home, Space});
+        Confirm();
+    };
+    EXPECT_EQ(Ask("ab", typeOn, 3), "abx");
+    EXPECT_EQ(Ask("abcdef", Confirm, 3), "abc");
     // A line break counts two and is never halved.
-    EXPECT_EQ(AskLines(confirm, QStringLiteral("abc\r\nd"), 4), QStringLiteral("abc"));
-    EXPECT_EQ(AskLines(
-                  [&] {
-                      LineBreak();
-                      Type(QStringLiteral("d"));
-                      LineBreak();
-                      QTest::keyClicks(Lines(), QStringLiteral("efg"));
-                      confirm();
-                  },
-                  QStringLiteral("abc"), 7),
-              QStringLiteral("abc\r\nde"));
+    EXPECT_EQ(Ask("abc\r\nd", Confirm, 4, true), "abc");
+    const auto breakOn = [] {
+        LineBreak();
+        Type("d");
+        LineBreak();
+        QTest::keyClicks(Lines(), "efg");
+        Confirm();
+    };
+    EXPECT_EQ(Ask("abc", breakOn, 7, true), "abc\r\nde");
 }
 
 TEST_F(dlgKeyboardTest, EnterConfirmsAndEscapeCancelsOnARealKeyboard) {
+    using Given = std::optional<QString>;
     for (const bool multiLine : {false, true}) {
-        const auto box = [&]() -> QWidget* {
-            if (multiLine)
-                return Lines();
-            return Line();
-        };
-        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
-            EXPECT_EQ(Ask(
-                          [&] {
-                              QTest::keyClicks(box(), QStringLiteral("b"));
-                              QTest::keyClick(box(), key);
-                          },
-                          QStringLiteral("a"), 40, multiLine),
-                      QStringLiteral("ab"));
+        for (const auto& [key, given] :
+             {std::pair(Qt::Key_Return, Given("ab")), std::pair(Qt::Key_Enter, Given("ab")),
+              std::pair(Qt::Key_Escape, Given())}) {
+            const auto type = [multiLine, key = key] {
+                QWidget* box = Line();
+                if (multiLine)
+                    box = Lines();
+                QTest::keyClicks(box, "b");
+                QTest::keyClick(box, key);
+            };
+            EXPECT_EQ(Ask("a", type, 40, multiLine), given) << multiLine << key;
         }
-        EXPECT_EQ(Ask([&] { QTest::keyClick(box(), Qt::Key_Escape); }, QStringLiteral("a"), 40,
-                      multiLine),
-                  std::nullopt);
     }
-    EXPECT_EQ(Ask([&] { Tap(FormNames::dlgKeyboard, Name("imgControl", Cancel)); }), std::nullopt);
-}
-
-TEST_F(dlgKeyboardTest, GoesWithTheScreensThatAnAlarmUnloads) {
-    EXPECT_EQ(Ask(
-                  [&] {
-                      Type(QStringLiteral("x"));
-                      Forms::UnloadAllBut({});
-                      RemoveUnloaded();
-                  },
-                  QStringLiteral("a")),
-              std::nullopt);
+    EXPECT_EQ(Ask("a", Cancel), std::nullopt);
 }

@@ -5,7 +5,6 @@
 
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPointer>
 
 namespace {
 
@@ -13,7 +12,7 @@ namespace {
 class FakeEditor : public ScreenForm, public PreviewLists {
 public:
     FakeEditor()
-        : ScreenForm(QStringLiteral("wBusPanneau")) {
+        : ScreenForm("wBusPanneau") {
         setFixedSize(100, 100);
         Prepare();
     }
@@ -24,7 +23,7 @@ public:
     int Index(int list) const { return index_.value(list, -99); }
 
     int parameter = 9;
-    QString held = QStringLiteral("2");
+    QString held = "2";
 
 private:
     QHash<int, int> index_;
@@ -34,223 +33,183 @@ private:
 
 class dlgListInputTest : public ScreensTest {
 protected:
-    enum Image { Up, Down, Confirm, Cancel };
+    using Act = std::function<void()>;
 
-    static QListWidget* List() {
-        return qobject_cast<QListWidget*>(
-            Child(FormNames::dlgListInput, QStringLiteral("lstValue")));
-    }
-    static QStringList Items() {
-        QStringList items;
-        for (int i = 0; i < List()->count(); ++i)
-            items += List()->item(i)->text();
-        return items;
-    }
-    static QString Value() {
-        return qobject_cast<QLineEdit*>(Child(FormNames::dlgListInput, QStringLiteral("txtValue")))
-            ->text();
-    }
-    static QWidget* ImageOf(int index) {
+    static QListWidget* List() { return Find<QListWidget>(FormNames::dlgListInput, "lstValue"); }
+    static QString Value() { return Find<QLineEdit>(FormNames::dlgListInput, "txtValue")->text(); }
+    static QWidget* Image(int index) {
         return Child(FormNames::dlgListInput, QStringLiteral("imgControl_%1").arg(index));
     }
-    static void TapImage(int index) { QTest::mouseClick(ImageOf(index), Qt::LeftButton); }
+    static void Up() { QTest::mouseClick(Image(0), Qt::LeftButton); }
+    static void Down() { QTest::mouseClick(Image(1), Qt::LeftButton); }
+    static void Confirm() { QTest::mouseClick(Image(2), Qt::LeftButton); }
+    static void Cancel() { QTest::mouseClick(Image(3), Qt::LeftButton); }
+    static void PressKey(Qt::Key key) { QTest::keyClick(Screen(FormNames::dlgListInput), key); }
     static void TapRow(int row) {
         const QRect area = List()->visualItemRect(List()->item(row));
         EXPECT_GE(area.height(), 48);
         QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, area.center());
     }
+    static QTimer* Repeat() {
+        return Screen(FormNames::dlgListInput)->findChild<QTimer*>("tmrRepeat");
+    }
 
     /// Asks for a value and does something while the dialog is up.
-    std::optional<QString> Ask(const QString& descriptor, const QString& present,
-                               const std::function<void()>& act, ScreenForm* parent = nullptr) {
-        bool acted = false;
-        QTimer::singleShot(0, [&] {
-            acted = true;
-            act();
-            if (ScreenForm* left = Screen(FormNames::dlgListInput);
-                left != nullptr && left->Visible())
-                left->Hide();
-        });
-        auto value = AskValue(parent, descriptor, present);
-        EXPECT_TRUE(acted);
-        EXPECT_EQ(NbInstances(FormNames::dlgListInput), 0);
-        RemoveUnloaded();
-        return value;
+    static std::optional<QString> Ask(const QString& descriptor, const QString& present,
+                                      const Act& act, ScreenForm* parent = nullptr) {
+        const auto ask = [&] { return AskValue(parent, descriptor, present); };
+        return AskAt(FormNames::dlgListInput, ask, act);
     }
-    /// The list of a descriptor and the row that is selected in it.
-    QPair<QStringList, int> ListOf(const QString& descriptor, const QString& present = {}) {
-        QPair<QStringList, int> shown;
-        Ask(descriptor, present, [&] { shown = {Items(), List()->currentRow()}; });
-        return shown;
+    static QStringList ListOf(const QString& descriptor) {
+        QStringList items;
+        Ask(descriptor, {}, [&] {
+            for (int i = 0; i < List()->count(); ++i)
+                items += List()->item(i)->text();
+        });
+        return items;
+    }
+    static int RowOf(const QString& descriptor, const QString& present) {
+        int row = -99;
+        Ask(descriptor, present, [&] { row = List()->currentRow(); });
+        return row;
     }
 };
 
 TEST_F(dlgListInputTest, EveryDescriptorMakesItsList) {
-    EXPECT_EQ(ListOf(QStringLiteral("$"), QStringLiteral("Yes")).first,
-              (QStringList{GetText(10001), GetText(10002)}));
-    EXPECT_EQ(ListOf(QStringLiteral("*|-1|2")).first,
-              (QStringList{QStringLiteral("-1"), QStringLiteral("0"), QStringLiteral("1"),
-                           QStringLiteral("2")}));
-    EXPECT_EQ(ListOf(QStringLiteral("*|7|7")).first, QStringList{QStringLiteral("7")});
-    EXPECT_EQ(ListOf(QStringLiteral("*|5|4")).first, QStringList());
-    EXPECT_EQ(ListOf(QStringLiteral("@|a||00:05")).first,
-              (QStringList{QStringLiteral("a"), QString(), QStringLiteral("00:05")}));
-    for (const auto& none :
-         {QStringLiteral("@"), QStringLiteral(""), QStringLiteral("?|1|2"), QStringLiteral("$$|x")})
-        EXPECT_EQ(ListOf(none).first, QStringList()) << none.toStdString();
-    const auto longest = ListOf(QStringLiteral("*|-32768|32767"), QStringLiteral("32767"));
-    EXPECT_EQ(longest.first.size(), 65536);
-    EXPECT_EQ(longest.second, 65535);
+    const std::pair<const char*, QStringList> lists[] = {
+        {"$", {GetText(10001), GetText(10002)}},
+        {"*|-1|2", {"-1", "0", "1", "2"}},
+        {"*|7|7", {"7"}},
+        {"@|a||00:05", {"a", "", "00:05"}},
+        {"*|5|4", {}},
+        {"@", {}},
+        {"", {}},
+        {"?|1|2", {}},
+        {"$$|x", {}},
+    };
+    for (const auto& [descriptor, items] : lists)
+        EXPECT_EQ(ListOf(descriptor), items) << descriptor;
+    EXPECT_EQ(ListOf("*|-32768|32767").size(), 65536);
     EXPECT_TRUE(boxes.isEmpty());
-}
-
-TEST_F(dlgListInputTest, BoundsThatAreMissingOrTooLargeAreReported) {
-    EXPECT_EQ(ListOf(QStringLiteral("*|1")).first, QStringList());
-    EXPECT_EQ(ListOf(QStringLiteral("*|1|40000")).first, QStringList());
-    const QString source = QStringLiteral("dlgListInput.ValuesList");
+    // Bounds that are missing or too large.
+    for (const char* wrong : {"*|1", "*|1|40000"})
+        EXPECT_EQ(ListOf(wrong), QStringList()) << wrong;
+    const QString source = "dlgListInput.ValuesList";
     EXPECT_EQ(boxes, (QStringList{ErrorHandling::ErrorText(source, 9),
                                   ErrorHandling::ErrorText(source, 6)}));
 }
 
 TEST_F(dlgListInputTest, TheLastItemEqualToTheValueIsSelected) {
-    EXPECT_EQ(ListOf(QStringLiteral("@|a|b|a|c"), QStringLiteral("a")).second, 2);
-    EXPECT_EQ(ListOf(QStringLiteral("@|a|b"), QStringLiteral("A")).second, -1);
-    EXPECT_EQ(ListOf(QStringLiteral("*|1|730"), QStringLiteral("700")).second, 699);
-    // A value that the list doesn't hold comes back as it was.
-    EXPECT_EQ(Ask(QStringLiteral("*|1|3"), QStringLiteral("99"),
-                  [&] {
-                      EXPECT_EQ(List()->currentRow(), -1);
-                      TapImage(Confirm);
-                  }),
-              QStringLiteral("99"));
+    EXPECT_EQ(RowOf("@|a|b|a|c", "a"), 2);
+    EXPECT_EQ(RowOf("@|a|b", "A"), -1);
+    EXPECT_EQ(RowOf("*|1|730", "700"), 699);
+    EXPECT_EQ(Ask("*|1|3", "99", Confirm), "99") << "what the list doesn't hold comes back";
 }
 
-TEST_F(dlgListInputTest, TapsAndArrowsMoveWithoutWrapping) {
-    const auto chosen = Ask(QStringLiteral("*|1|4"), QStringLiteral("2"), [&] {
-        TapImage(Up);
-        TapImage(Up);
-        EXPECT_EQ(Value(), QStringLiteral("1"));
+TEST_F(dlgListInputTest, TapsArrowsAndKeysMoveWithoutWrapping) {
+    const auto chosen = Ask("*|1|4", "2", [] {
+        Up();
+        Up();
+        EXPECT_EQ(Value(), "1");
         // What a double tap sends.
-        TapImage(Down);
-        QTest::mouseDClick(ImageOf(Down), Qt::LeftButton);
-        QTest::mouseRelease(ImageOf(Down), Qt::LeftButton);
-        EXPECT_EQ(Value(), QStringLiteral("3"));
+        Down();
+        QTest::mouseDClick(Image(1), Qt::LeftButton);
+        QTest::mouseRelease(Image(1), Qt::LeftButton);
+        EXPECT_EQ(Value(), "3");
         for (int i = 0; i < 5; ++i)
-            TapImage(Down);
-        EXPECT_EQ(Value(), QStringLiteral("4"));
+            Down();
+        EXPECT_EQ(Value(), "4");
         TapRow(1);
-        EXPECT_EQ(Value(), QStringLiteral("2"));
-        TapImage(Confirm);
+        EXPECT_EQ(Value(), "2");
+        Confirm();
         EXPECT_FALSE(Screen(FormNames::dlgListInput)->Visible());
     });
-    EXPECT_EQ(chosen, QStringLiteral("2"));
-    EXPECT_EQ(Ask(QStringLiteral("*|1|4"), QStringLiteral("2"),
-                  [&] {
-                      TapImage(Down);
-                      TapImage(Cancel);
-                  }),
-              std::nullopt);
-    // Nothing selected: the first step goes to the first item, and up goes nowhere.
-    Ask(QStringLiteral("@|a|b"), QStringLiteral("z"), [&] {
-        TapImage(Up);
-        EXPECT_EQ(Value(), QStringLiteral("z"));
-        TapImage(Down);
-        EXPECT_EQ(Value(), QStringLiteral("a"));
+    EXPECT_EQ(chosen, "2");
+    const auto cancelled = Ask("*|1|4", "2", [] {
+        Down();
+        Cancel();
     });
-}
-
-TEST_F(dlgListInputTest, KeysOfARealKeyboardDoTheSame) {
-    EXPECT_EQ(Ask(QStringLiteral("*|1|4"), QStringLiteral("2"),
-                  [&] {
-                      QTest::keyClick(Screen(FormNames::dlgListInput), Qt::Key_Down);
-                      QTest::keyClick(Screen(FormNames::dlgListInput), Qt::Key_Return);
-                  }),
-              QStringLiteral("3"));
-    EXPECT_EQ(Ask(QStringLiteral("*|1|4"), QStringLiteral("2"),
-                  [&] { QTest::keyClick(Screen(FormNames::dlgListInput), Qt::Key_Escape); }),
-              std::nullopt);
+    EXPECT_EQ(cancelled, std::nullopt);
+    const auto typed = Ask("*|1|4", "2", [] {
+        PressKey(Qt::Key_Down);
+        PressKey(Qt::Key_Return);
+    });
+    EXPECT_EQ(typed, "3");
+    EXPECT_EQ(Ask("*|1|4", "2", [] { PressKey(Qt::Key_Escape); }), std::nullopt);
+    // Nothing selected: the first step goes to the first item, and up goes nowhere.
+    Ask("@|a|b", "z", [] {
+        Up();
+        EXPECT_EQ(Value(), "z");
+        Down();
+        EXPECT_EQ(Value(), "a");
+    });
 }
 
 TEST_F(dlgListInputTest, AnArrowThatIsHeldRepeatsUntilItIsLetGo) {
-    Ask(QStringLiteral("*|1|6"), QStringLiteral("1"), [&] {
-        auto* timer =
-            Screen(FormNames::dlgListInput)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
-        QTest::mousePress(ImageOf(Down), Qt::LeftButton);
-        EXPECT_TRUE(timer->isActive());
-        EXPECT_EQ(timer->interval(), 1000) << "ahead of the first step";
-        EXPECT_EQ(Value(), QStringLiteral("1"));
-        timer->setInterval(1);
-        EXPECT_TRUE(Comes([&] { return Value() != QStringLiteral("1"); }));
-        EXPECT_EQ(timer->interval(), 100) << "ten steps a second";
-        EXPECT_TRUE(Comes([&] { return Value() == QStringLiteral("6"); }));
-        QTest::qWait(250);
-        EXPECT_EQ(Value(), QStringLiteral("6")) << "no further than the end";
-        QTest::mouseRelease(ImageOf(Down), Qt::LeftButton);
-        EXPECT_FALSE(timer->isActive()) << "the finger is off";
-        TapImage(Up);
-        TapImage(Up);
-        EXPECT_EQ(Value(), QStringLiteral("4"));
-    });
-}
-
-TEST_F(dlgListInputTest, OnlyTheLeftButtonAloneRepeatsAndOnlyOnTheArrows) {
-    Ask(QStringLiteral("*|1|9"), QStringLiteral("1"), [&] {
-        const auto* timer =
-            Screen(FormNames::dlgListInput)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
-        QTest::mousePress(ImageOf(Down), Qt::LeftButton, Qt::ShiftModifier);
-        EXPECT_FALSE(timer->isActive());
-        EXPECT_EQ(Value(), QStringLiteral("1"));
-        QTest::mouseRelease(ImageOf(Down), Qt::LeftButton, {}, QPoint(-5, -5));
-        QTest::mousePress(ImageOf(Confirm), Qt::LeftButton);
-        EXPECT_FALSE(timer->isActive());
+    Ask("*|1|6", "1", [] {
+        // The left button alone repeats, and only on the arrows.
+        QTest::mousePress(Image(1), Qt::LeftButton, Qt::ShiftModifier);
+        EXPECT_FALSE(Repeat()->isActive());
+        QTest::mouseRelease(Image(1), Qt::LeftButton, {}, QPoint(-5, -5));
+        QTest::mousePress(Image(2), Qt::LeftButton);
+        EXPECT_FALSE(Repeat()->isActive());
         EXPECT_TRUE(Screen(FormNames::dlgListInput)->Visible());
-        QTest::mouseRelease(ImageOf(Confirm), Qt::LeftButton, {}, QPoint(-5, -5));
+        QTest::mouseRelease(Image(2), Qt::LeftButton, {}, QPoint(-5, -5));
+
+        QTest::mousePress(Image(1), Qt::LeftButton);
+        EXPECT_TRUE(Repeat()->isActive());
+        EXPECT_EQ(Repeat()->interval(), 1000) << "ahead of the first step";
+        EXPECT_EQ(Value(), "1");
+        Repeat()->setInterval(1);
+        EXPECT_TRUE(Comes([] { return Value() != "1"; }));
+        EXPECT_EQ(Repeat()->interval(), 100) << "ten steps a second";
+        EXPECT_TRUE(Comes([] { return Value() == "6"; }));
+        QTest::qWait(250);
+        EXPECT_EQ(Value(), "6") << "no further than the end";
+        QTest::mouseRelease(Image(1), Qt::LeftButton);
+        EXPECT_FALSE(Repeat()->isActive()) << "the finger is off";
+        Up();
+        Up();
+        EXPECT_EQ(Value(), "4");
     });
 }
 
 TEST_F(dlgListInputTest, TheListsOfThePanelEditorFollowTheValue) {
     auto* editor = new FakeEditor;
-    const auto run = [&](const QString& present, const std::function<void()>& act) {
-        return Ask(QStringLiteral("*|0|9"), present, act, editor);
+    const auto run = [&](const char* present, const Act& act) {
+        return Ask("*|0|9", present, act, editor);
     };
-    run(QStringLiteral("2"), [&] {
+    run("2", [&] {
         EXPECT_EQ(editor->Index(9), 1);
-        TapImage(Down);
+        Down();
         EXPECT_EQ(editor->Index(9), 2);
-        TapImage(Down);
+        Down();
         EXPECT_EQ(editor->Index(9), 2) << "a number behind the end of the list shows nothing new";
         TapRow(1);
-        TapImage(Cancel);
+        Cancel();
     });
     EXPECT_EQ(editor->Index(9), 1) << "the preview isn't undone";
-    run(QStringLiteral("2"), [&] {
-        TapImage(Up);
-        TapImage(Up);
+    run("2", [&] {
+        Up();
+        Up();
         EXPECT_EQ(editor->Index(9), -1);
-        TapImage(Confirm);
+        Confirm();
     });
     EXPECT_EQ(editor->Index(9), -1);
     EXPECT_EQ(editor->Index(8), -99);
 
     editor->parameter = 8;
-    run(QStringLiteral("5"), [] {});
+    run("5", [] {});
     EXPECT_EQ(editor->Index(8), 4);
     editor->parameter = 7;
-    run(QStringLiteral("1"), [] {});
+    run("1", [] {});
     EXPECT_EQ(editor->Index(7), -99);
-    editor->Unload();
-}
-
-TEST_F(dlgListInputTest, GoesWithTheScreensThatAnAlarmUnloads) {
-    const QPointer<ScreenForm> editor(new FakeEditor);
-    EXPECT_EQ(Ask(
-                  QStringLiteral("*|1|4"), QStringLiteral("2"),
-                  [&] {
-                      QTest::mousePress(ImageOf(Down), Qt::LeftButton);
-                      Forms::UnloadAllBut({});
-                      RemoveUnloaded();
-                  },
-                  editor),
-              std::nullopt);
+    // An alarm takes both away under the finger.
+    const auto taken = run("2", [] {
+        QTest::mousePress(Image(1), Qt::LeftButton);
+        Forms::UnloadAllBut({});
+        RemoveUnloaded();
+    });
+    EXPECT_EQ(taken, std::nullopt);
     EXPECT_TRUE(boxes.isEmpty());
 }

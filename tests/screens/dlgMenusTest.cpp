@@ -2,44 +2,29 @@
 
 #include "core/FormNames.h"
 #include "screens/UsersFixture.h"
-#include "screens/menu/wMain.h"
 #include "screens/touch/Navigation.h"
-#include "support/FakeForm.h"
+
+#include <QScopeGuard>
 
 namespace {
 
-const QString Parameters = QStringLiteral("dlgMenuParams");
-const QString System = QStringLiteral("dlgMenuSystem");
-const QString Users = QStringLiteral("dlgDefPwds");
-
-class EmptyScreen : public ScreenForm {
-public:
-    explicit EmptyScreen(const QString& name, Kind kind = Kind::Screen)
-        : ScreenForm(name, kind) {
-        resize(200, 100);
-        Prepare();
-    }
-};
+const QString Parameters = "dlgMenuParams";
+const QString System = "dlgMenuSystem";
+const QString Users = "dlgDefPwds";
 
 } // namespace
 
 class MenusTest : public UsersTest {
 protected:
     MenusTest() {
-        Forms::Load(QStringLiteral("wPolling"));
+        Forms::Load("wPolling");
         Global::Get().userLevel = 3;
         Forms::Show(FormNames::wMain);
     }
-    ~MenusTest() override {
-        for (const QString& name : added)
-            Forms::Register(name, nullptr);
-    }
-    MenusTest(const MenusTest&) = delete;
-    MenusTest& operator=(const MenusTest&) = delete;
 
     /// Puts a screen of that name into the program.
     void AddScreen(const QString& name, ScreenForm::Kind kind = ScreenForm::Kind::Screen) {
-        Forms::Register(name, [name, kind] { return new EmptyScreen(name, kind); });
+        Forms::Register(name, [name, kind] { return new ScreenForm(name, kind); });
         added += name;
     }
     static void TapTile(int tile) { Tap(FormNames::wMain, QStringLiteral("imgMenu_%1").arg(tile)); }
@@ -54,6 +39,10 @@ protected:
     }
 
     QStringList added;
+    QScopeGuard<std::function<void()>> removal{[this] {
+        for (const QString& name : added)
+            Forms::Register(name, nullptr);
+    }};
 };
 
 TEST_F(MenusTest, EveryTileAndButtonLeadsToItsScreenOrTellsThatThereIsNone) {
@@ -63,18 +52,16 @@ TEST_F(MenusTest, EveryTileAndButtonLeadsToItsScreenOrTellsThatThereIsNone) {
         int button;
         const char* screen;
     };
-    const QList<Way> ways{
-        {0, QString(), 0, "wBusModules"},
-        {4, QString(), 0, "wTechnician"},
-        {1, Parameters, 1, "wParamConsignes"},
-        {1, Parameters, 2, "wParamBiblio"},
-        {1, Parameters, 3, "wParamEcran"},
-        {1, Parameters, 4, "wParamPrinter"},
-        {2, System, 1, "wSysComm"},
-        {2, System, 2, "wSysConfSon"},
-    };
+    const QList<Way> ways{{0, {}, 0, "wBusModules"},
+                          {4, {}, 0, "wTechnician"},
+                          {1, Parameters, 1, "wParamConsignes"},
+                          {1, Parameters, 2, "wParamBiblio"},
+                          {1, Parameters, 3, "wParamEcran"},
+                          {1, Parameters, 4, "wParamPrinter"},
+                          {2, System, 1, "wSysComm"},
+                          {2, System, 2, "wSysConfSon"}};
     for (const Way& way : ways) {
-        const QString name = QString::fromLatin1(way.screen);
+        const QString name = way.screen;
         SCOPED_TRACE(way.screen);
         Forms::Register(name, nullptr);
         for (const bool there : {false, true}) {
@@ -99,15 +86,14 @@ TEST_F(MenusTest, AMenuThatIsLeftDoesNothing) {
     TapTile(1);
     script.On(System, [] { QTest::keyClick(Screen(System), Qt::Key_Escape); });
     TapTile(2);
-    EXPECT_EQ(NbInstances(Parameters) + NbInstances(System), 0);
-    EXPECT_EQ(NbInstances(FormNames::wMain), 1);
-    EXPECT_TRUE(boxes.isEmpty());
     TapTile(5);
+    EXPECT_EQ(NbInstances(Parameters) + NbInstances(System), 0);
     EXPECT_EQ(NbInstances(FormNames::wMain), 1);
     EXPECT_TRUE(boxes.isEmpty());
 }
 
 TEST_F(MenusTest, TilesAskForTheirLevelUntilItIsReached) {
+    const auto level = [] { return TextOf(FormNames::wMain, "lblLogin_0"); };
     for (const auto& [tile, code] :
          {std::pair(0, "SAME"), std::pair(1, "abc"), std::pair(2, "SAME")}) {
         Global::Get().userLevel = 1;
@@ -117,34 +103,27 @@ TEST_F(MenusTest, TilesAskForTheirLevelUntilItIsReached) {
         EXPECT_EQ(NbInstances(Parameters) + NbInstances(System), 0);
         Enter("OP-1");
         Enter(code);
-        if (tile == 1)
-            Choose(Parameters, 0);
-        if (tile == 2)
-            Choose(System, 0);
+        if (tile != 0)
+            Choose(tile == 1 ? Parameters : System, 0);
         TapTile(tile);
         EXPECT_EQ(Global::Get().userLevel, 2);
-        EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("2"));
+        EXPECT_EQ(level(), "2");
         EXPECT_EQ(boxes.size(), tile == 0 ? 1 : 0);
         boxes.clear();
     }
     // The level that stays is the one that is shown, whatever the entry was good for.
     Global::Get().userLevel = 1;
-    Enter("");
-    GiveUp();
-    TapTile(0);
-    EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
-    Enter("OP-1");
-    GiveUp();
-    TapTile(0);
-    EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
-    Enter("SAME");
+    for (const auto& [code, stays] : {std::pair("", "0"), std::pair("OP-1", "1")}) {
+        Enter(code);
+        GiveUp();
+        TapTile(0);
+        EXPECT_EQ(level(), stays);
+    }
     Enter("SAME");
     GiveUp();
     TapTile(4);
     EXPECT_TRUE(boxes.isEmpty()) << "level 2 is no technician";
-}
-
-TEST_F(MenusTest, ASiteWithoutOperatorIsOpen) {
+    // A site without an operator is open.
     Global::Get().userLevel = 0;
     Site().setUserLevel(1, 2);
     TapTile(4);
@@ -154,8 +133,8 @@ TEST_F(MenusTest, ASiteWithoutOperatorIsOpen) {
     EXPECT_EQ(boxes.size(), 2);
 }
 
-TEST_F(MenusTest, TheTimeDialogLeavesTheMenuAndComesBackToItsSubmenu) {
-    const QString time = QStringLiteral("dlgSysTime");
+TEST_F(MenusTest, AScreenAndTheTimeDialogLeaveForTheirSubmenu) {
+    const QString time = "dlgSysTime";
     AddScreen(time, ScreenForm::Kind::Dialog);
     Choose(System, 3);
     script.On(time, [time] { ReturnToMenu(*Screen(time), 2); });
@@ -163,60 +142,56 @@ TEST_F(MenusTest, TheTimeDialogLeavesTheMenuAndComesBackToItsSubmenu) {
     TapTile(2);
     EXPECT_EQ(NbInstances(time) + NbInstances(System), 0);
     EXPECT_TRUE(Screen(FormNames::wMain)->Visible());
+
+    const QString library = "wParamBiblio";
+    AddScreen(library);
+    Choose(Parameters, 2);
+    TapTile(1);
+    ASSERT_EQ(NbInstances(FormNames::wMain), 0);
+    Choose(Parameters, 0);
+    ReturnToMenu(*Screen(library), 1);
+    EXPECT_EQ(NbInstances(library) + NbInstances(Parameters), 0);
+    EXPECT_TRUE(Screen(FormNames::wMain)->Visible());
 }
 
 TEST_F(MenusTest, UsersAreSavedWithTheCurrentSiteBeforeTheSubmenuComesBack) {
     Site().setModified(false);
     Choose(System, 4);
-    script.On(Users, [] { Tap(Users, QStringLiteral("cmdBoutons_0")); });
+    script.On(Users, [] { Tap(Users, "cmdBoutons_0"); });
     Choose(System, 4);
     script.On(Users, [] {
         EXPECT_FALSE(QFile::exists(CurrentConfigFile())) << "nothing was changed";
-        Tap(Users, QStringLiteral("imgControl_2"));
-        Tap(Users, QStringLiteral("cmdBoutons_1"));
+        Tap(Users, "imgControl_2");
+        Tap(Users, "cmdBoutons_1");
     });
     script.On(System, [] {
         EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
         EXPECT_EQ(Site().UserCount(), 3);
-        Tap(System, QStringLiteral("cmdButtons_0"));
+        Tap(System, "cmdButtons_0");
     });
     TapTile(2);
     EXPECT_EQ(NbInstances(Users) + NbInstances(System), 0);
-    EXPECT_TRUE(Child(FormNames::wMain, QStringLiteral("lblModified"))->isVisible());
-}
-
-TEST_F(MenusTest, AScreenLeavesForTheSubmenuThatItBelongsTo) {
-    const QString name = QStringLiteral("wParamBiblio");
-    AddScreen(name);
-    Choose(Parameters, 2);
-    TapTile(1);
-    ASSERT_EQ(NbInstances(FormNames::wMain), 0);
-    Choose(Parameters, 0);
-    ReturnToMenu(*Screen(name), 1);
-    EXPECT_EQ(NbInstances(name), 0);
-    EXPECT_EQ(NbInstances(Parameters), 0);
-    EXPECT_TRUE(Screen(FormNames::wMain)->Visible());
+    EXPECT_TRUE(Child(FormNames::wMain, "lblModified")->isVisible());
 }
 
 TEST_F(MenusTest, NobodyThereEndsWhateverTheMenuAsks) {
-    const auto leave = [this] { NobodyIsThere(); };
-    Global::Get().userLevel = 2;
-    script.On(Codes(), leave);
-    TapTile(4);
-    EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(Codes()), 0);
-    for (const QString& dialog : {System, Parameters}) {
-        BackToMenu();
+    const auto leaves = [this](int tile, const QString& dialog) {
         Global::Get().userLevel = 2;
-        script.On(dialog, leave);
-        TapTile(dialog == System ? 2 : 1);
-        EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(dialog), 0);
-    }
-    BackToMenu();
-    Global::Get().userLevel = 2;
+        script.On(dialog, [this] { NobodyIsThere(); });
+        TapTile(tile);
+        EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(dialog) + NbInstances(System), 0);
+        EXPECT_TRUE(Screen("wRunAlarms")->Visible());
+        BackToMenu();
+    };
+    leaves(4, Codes());
+    leaves(2, System);
+    leaves(1, Parameters);
     Choose(System, 4);
-    script.On(Users, leave);
-    TapTile(2);
-    EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(Users) + NbInstances(System), 0);
-    EXPECT_TRUE(Screen(QStringLiteral("wRunAlarms"))->Visible());
+    leaves(2, Users);
+    Choose(System, 4);
+    script.On(Users, [] { Tap(Users, "imgControl_0"); });
+    leaves(2, Codes());
+    EXPECT_EQ(NbInstances(Users), 0);
+    EXPECT_EQ(Site().UserCount(), 4);
     EXPECT_TRUE(boxes.isEmpty());
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-const QString Box = QStringLiteral("dlgMessage");
+const QString Box = "dlgMessage";
 
 QPushButton* ButtonOf(ScreenForm* box, int index) {
     return box->findChild<QPushButton*>(QStringLiteral("cmdButton_%1").arg(index));
@@ -24,7 +24,7 @@ protected:
     /// Shows a box that waits for whoever touched the screen and does something with it once it is
     /// up.
     int Ask(int style, const std::function<void(ScreenForm*)>& act,
-            const QString& text = QStringLiteral("Question?")) {
+            const QString& text = "Question?") {
         bool acted = false;
         QTimer::singleShot(0, [&] {
             acted = true;
@@ -37,10 +37,16 @@ protected:
         EXPECT_EQ(NbInstances(Box), 0);
         return result;
     }
-    int Press(int style, int index) {
-        return Ask(style, [index](ScreenForm* box) {
-            QTest::mouseClick(ButtonOf(box, index), Qt::LeftButton);
-        });
+    /// The box that stands beside this one.
+    static ScreenForm* Beside(const ScreenForm* box) {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window != box && window->objectName() == Box && window->isVisible())
+                return static_cast<ScreenForm*>(window);
+        }
+        throw std::out_of_range("no other box");
+    }
+    static void Touch(ScreenForm* box, int index) {
+        QTest::mouseClick(ButtonOf(box, index), Qt::LeftButton);
     }
     int Key(int style, Qt::Key key) {
         return Ask(style, [key](ScreenForm* box) {
@@ -51,7 +57,7 @@ protected:
     }
 };
 
-TEST_F(dlgMessageTest, EveryButtonOfEverySetHasItsNumberAndWord) {
+TEST_F(dlgMessageTest, EveryButtonOfEverySetHasItsNumberWordAndPlace) {
     const QList<QList<QPair<int, int>>> sets{
         {{Messages::Ok, 10004}},
         {{Messages::Ok, 10004}, {Messages::Cancel, 10005}},
@@ -59,150 +65,105 @@ TEST_F(dlgMessageTest, EveryButtonOfEverySetHasItsNumberAndWord) {
         {{Messages::Yes, 10002}, {Messages::No, 10001}, {Messages::Cancel, 10005}},
         {{Messages::Yes, 10002}, {Messages::No, 10001}},
     };
+    const QList<QList<double>> edges{{-0.5}, {-1.25, 0.25}, {-1.75, -0.5, 0.75}};
     for (int set = 0; set < sets.size(); ++set) {
-        for (int index = 0; index < sets[set].size(); ++index) {
+        const auto count = sets[set].size();
+        for (int index = 0; index < count; ++index) {
             SCOPED_TRACE(testing::Message() << "set " << set << " button " << index);
-            EXPECT_EQ(Press(set, index), sets[set][index].first);
-            Ask(set, [&](ScreenForm* box) {
-                EXPECT_EQ(ButtonOf(box, index)->text(), u'&' + GetText(sets[set][index].second));
+            const int style = set + 16 * int(count);
+            const int pressed = Ask(style, [&](ScreenForm* box) {
+                QPushButton* button = ButtonOf(box, index);
+                EXPECT_EQ(button->text(), u'&' + GetText(sets[set][index].second));
+                EXPECT_NEAR(button->x(),
+                            box->width() / 2.0 + edges[count - 1][index] * button->width(), 1);
+                EXPECT_TRUE(box->rect().contains(button->geometry()));
                 for (int other = 0; other < 3; ++other)
-                    EXPECT_EQ(ButtonOf(box, other)->isVisible(), other < sets[set].size());
-                box->Hide();
+                    EXPECT_EQ(ButtonOf(box, other)->isVisible(), other < count);
+                for (int picture = 0; picture < 5; ++picture) {
+                    const auto* icon =
+                        box->findChild<QWidget*>(QStringLiteral("imgIcons_%1").arg(picture));
+                    EXPECT_EQ(icon->isVisible(), picture == count) << "picture " << picture;
+                }
+                Touch(box, index);
             });
+            EXPECT_EQ(pressed, sets[set][index].first);
         }
     }
 }
 
 TEST_F(dlgMessageTest, KeysPressTheDefaultAndTheCancelButton) {
-    EXPECT_EQ(Key(0, Qt::Key_Return), Messages::Ok);
-    EXPECT_EQ(Key(51, Qt::Key_Enter), Messages::Yes);
-    EXPECT_EQ(Key(51 + 256, Qt::Key_Return), Messages::No);
-    EXPECT_EQ(Key(51 + 512, Qt::Key_Return), Messages::Cancel);
-    EXPECT_EQ(Key(0, Qt::Key_Escape), Messages::Closed);
-    EXPECT_EQ(Key(1, Qt::Key_Escape), Messages::Cancel);
-    EXPECT_EQ(Key(2, Qt::Key_Escape), Messages::Abort);
-    EXPECT_EQ(Key(3, Qt::Key_Escape), Messages::Cancel);
-    EXPECT_EQ(Key(4, Qt::Key_Escape), Messages::No);
-}
-
-TEST_F(dlgMessageTest, ButtonsStandInTheirPlacesWithThePictureOfTheStyle) {
-    const QList<QList<double>> edges{{-0.5}, {-1.25, 0.25}, {-1.75, -0.5, 0.75}};
-    const QList<int> byCount{16, 33, 51};
-    for (int count = 1; count <= 3; ++count) {
-        Ask(byCount[count - 1], [&](ScreenForm* box) {
-            for (int i = 0; i < count; ++i) {
-                const double left =
-                    box->width() / 2.0 + edges[count - 1][i] * ButtonOf(box, i)->width();
-                EXPECT_NEAR(ButtonOf(box, i)->x(), left, 1);
-                EXPECT_TRUE(box->rect().contains(ButtonOf(box, i)->geometry()));
-            }
-            for (int picture = 0; picture < 5; ++picture) {
-                const auto* icon =
-                    box->findChild<QWidget*>(QStringLiteral("imgIcons_%1").arg(picture));
-                EXPECT_EQ(icon->isVisible(), picture == count) << "picture " << picture;
-            }
-            box->Hide();
-        });
-    }
+    const struct {
+        int style;
+        Qt::Key key;
+        int answer;
+    } cases[] = {
+        {0, Qt::Key_Return, Messages::Ok},        {51, Qt::Key_Enter, Messages::Yes},
+        {51 + 256, Qt::Key_Return, Messages::No}, {51 + 512, Qt::Key_Return, Messages::Cancel},
+        {0, Qt::Key_Escape, Messages::Closed},    {1, Qt::Key_Escape, Messages::Cancel},
+        {2, Qt::Key_Escape, Messages::Abort},     {3, Qt::Key_Escape, Messages::Cancel},
+        {4, Qt::Key_Escape, Messages::No},
+    };
+    for (const auto& [style, key, wanted] : cases)
+        EXPECT_EQ(Key(style, key), wanted) << style << ' ' << key;
 }
 
 TEST_F(dlgMessageTest, GrowsWithItsTextAndStaysOnTheDisplay) {
-    int shortHeight = 0;
-    int longHeight = 0;
-    Ask(16, [&](ScreenForm* box) {
-        shortHeight = box->height();
-        box->Hide();
-    });
-    const QString text = QStringLiteral("A text of many lines. ").repeated(30);
-    Ask(
-        16,
-        [&](ScreenForm* box) {
-            longHeight = box->height();
-            const auto* shown = box->findChild<QTextEdit*>(QStringLiteral("txtMsg"));
-            EXPECT_GE(shown->height(), shown->document()->size().height());
+    QList<int> heights;
+    const QString text = QStringLiteral("A text of many lines. ");
+    for (const int lines : {1, 30, 600}) {
+        const auto read = [&](ScreenForm* box) {
+            heights += box->height();
+            const auto* shown = box->findChild<QTextEdit*>("txtMsg");
+            EXPECT_TRUE(lines == 600 || shown->height() >= shown->document()->size().height());
             EXPECT_LE(shown->geometry().bottom(), ButtonOf(box, 0)->y());
             EXPECT_LE(ButtonOf(box, 0)->geometry().bottom(), box->height());
-            box->Hide();
-        },
-        text);
-    EXPECT_GT(longHeight, shortHeight + 100);
-    Ask(
-        16,
-        [](ScreenForm* box) {
             EXPECT_LE(box->height(), box->screen()->geometry().height());
-            QTest::mouseClick(ButtonOf(box, 0), Qt::LeftButton);
-        },
-        text.repeated(20));
+            Touch(box, 0);
+        };
+        Ask(16, read, text.repeated(lines));
+    }
+    EXPECT_GT(heights[1], heights[0] + 100);
 }
 
 TEST_F(dlgMessageTest, EndsWithoutAnAnswerWhenItIsClosedOrUnloaded) {
-    EXPECT_EQ(Ask(51,
-                  [](ScreenForm* box) {
-                      QCloseEvent close;
-                      QSpontaneKeyEvent::setSpontaneous(&close);
-                      qApp->notify(box, &close);
-                  }),
-              Messages::Closed);
+    const auto close = [](ScreenForm* box) {
+        QCloseEvent closing;
+        QSpontaneKeyEvent::setSpontaneous(&closing);
+        qApp->notify(box, &closing);
+    };
+    EXPECT_EQ(Ask(51, close), Messages::Closed);
     EXPECT_EQ(Ask(51, [](ScreenForm*) { Forms::UnloadAllBut({}); }), Messages::Closed);
 }
 
 TEST_F(dlgMessageTest, ABoxThatDoesNotWaitGoesByItself) {
-    EXPECT_EQ(Message(QStringLiteral("First"), 64, true), 0);
-    EXPECT_EQ(Message(QStringLiteral("Second"), 16, true), 0);
-    EXPECT_EQ(NbInstances(Box), 2);
-    QTest::mouseClick(ButtonOf(Screen(Box), 0), Qt::LeftButton);
-    EXPECT_EQ(NbInstances(Box), 1);
-    QTest::mouseClick(ButtonOf(Screen(Box), 0), Qt::LeftButton);
+    EXPECT_EQ(Message("First", 64, true), 0);
+    EXPECT_EQ(Message("Second", 16, true), 0);
+    for (const int left : {2, 1}) {
+        EXPECT_EQ(NbInstances(Box), left);
+        Touch(Screen(Box), 0);
+    }
     EXPECT_EQ(NbInstances(Box), 0);
 }
 
 TEST_F(dlgMessageTest, TwoThatWaitAreAnsweredOneAfterTheOther) {
     int inner = 0;
     const int outer = Ask(4, [&](ScreenForm* box) {
-        QTimer::singleShot(0, [&] {
-            for (QWidget* window : QApplication::topLevelWidgets()) {
-                if (window != box && window->objectName() == Box && window->isVisible())
-                    QTest::mouseClick(ButtonOf(static_cast<ScreenForm*>(window), 1),
-                                      Qt::LeftButton);
-            }
-        });
-        inner = Message(QStringLiteral("Inner"), 4);
-        QTest::mouseClick(ButtonOf(box, 0), Qt::LeftButton);
+        QTimer::singleShot(0, [box] { Touch(Beside(box), 1); });
+        inner = Message("Inner", 4);
+        Touch(box, 0);
     });
     EXPECT_EQ(inner, Messages::No);
     EXPECT_EQ(outer, Messages::Yes);
 }
 
-TEST_F(dlgMessageTest, ABoxAboveOneThatWaitsTakesTouchesBesideIt) {
-    // Through the window, where the touch of a blocked form is thrown away.
-    const auto touch = [](ScreenForm* box) {
-        QTest::mouseClick(box->windowHandle(), Qt::LeftButton, Qt::NoModifier,
-                          ButtonOf(box, 0)->geometry().center());
-    };
-    EXPECT_EQ(Ask(4,
-                  [&](ScreenForm* waiting) {
-                      Message(QStringLiteral("Notice"), 64, true);
-                      for (QWidget* window : QApplication::topLevelWidgets()) {
-                          if (window != waiting && window->objectName() == Box &&
-                              window->isVisible())
-                              touch(static_cast<ScreenForm*>(window));
-                      }
-                      EXPECT_EQ(NbInstances(Box), 1);
-                      touch(waiting);
-                  }),
-              Messages::Yes);
-}
-
 TEST_F(dlgMessageTest, ANoticeStandsWithoutAButtonUntilItGoes) {
-    const QString box = QStringLiteral("dlgMessage");
     Messages::InstallNotice(&dlgMessage::PresentNotice);
     {
-        const Messages::Notice notice(QStringLiteral("Reading"));
-        ASSERT_EQ(NbInstances(box), 1);
-        EXPECT_TRUE(Forms::Find(box)->Visible());
-        const auto* shown = dynamic_cast<QWidget*>(Forms::Find(box));
-        EXPECT_FALSE(shown->findChild<QWidget*>(QStringLiteral("cmdButton_0"))->isVisible());
+        const Messages::Notice notice("Reading");
+        ASSERT_EQ(NbInstances(Box), 1);
+        EXPECT_TRUE(Screen(Box)->Visible());
+        EXPECT_FALSE(ButtonOf(Screen(Box), 0)->isVisible());
     }
-    EXPECT_EQ(NbInstances(box), 0);
+    EXPECT_EQ(NbInstances(Box), 0);
     Messages::InstallNotice(nullptr);
 }

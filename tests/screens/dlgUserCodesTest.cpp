@@ -1,5 +1,4 @@
 #include "screens/dialogs/dlgUserCodes.h"
-#include "bus/AlarmConsole.h"
 #include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 
@@ -7,13 +6,9 @@
 #include <QDirIterator>
 #include <sqlite3.h>
 
-namespace {} // namespace
-
 class UserCodesTest : public UsersTest {
 protected:
-    static bool Shows(const char* name) {
-        return Child(Codes(), QString::fromLatin1(name))->isVisible();
-    }
+    static bool Shows(const char* name) { return Child(Codes(), name)->isVisible(); }
     static bool IsActive(int index) {
         return Box(index)->styleSheet().contains(QColor(Qt::yellow).name());
     }
@@ -22,9 +17,19 @@ protected:
         dynamic_cast<dlgUserCodes*>(Screen(Codes()))->setUserLevel(level);
         Screen(Codes())->Show();
     }
+    static void Connected(int level, const char* name) {
+        Global::Get().userLevel = level;
+        Global::Get().userName = name;
+    }
+    static QTimer* AutoClose() { return Screen(Codes())->findChild<QTimer*>("tmrAutoClose"); }
+    static QString Level() { return TextOf(Codes(), "lblPwdLevel"); }
+    QStringList UserLines() const { return TraceLines().filter("USER :"); }
+    static QString UserLine(const QString& name, const char* level) {
+        return ("2024-03-15 12:00:00 USER : " + name + u' ').leftJustified(58, u'*') + level;
+    }
     /// The base with a service code, for the time of `test`.
     void WithServiceCode(const QString& code, const std::function<void()>& test) {
-        const QString path = Path(QStringLiteral("korvanelle.cfg"));
+        const QString path = Path("korvanelle.cfg");
         ASSERT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"), path));
         sqlite3* base = nullptr;
         ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &base), SQLITE_OK);
@@ -48,34 +53,33 @@ protected:
 
 TEST_F(UserCodesTest, KeysWriteIntoTheActiveBoxAndNowhereWithoutOne) {
     Forms::Load(Codes());
-    qobject_cast<QPushButton*>(Child(Codes(), QStringLiteral("cmdChar_65")))->click();
+    qobject_cast<QPushButton*>(Child(Codes(), "cmdChar_65"))->click();
     EXPECT_TRUE(Box(0)->text().isEmpty() && Box(1)->text().isEmpty());
     Screen(Codes())->Show();
     EXPECT_TRUE(IsActive(0));
     TapKeys("AZ-09<");
-    EXPECT_EQ(Box(0)->text(), QStringLiteral("AZ-0"));
+    EXPECT_EQ(Box(0)->text(), "AZ-0");
     QTest::mouseClick(Box(1), Qt::LeftButton);
     EXPECT_TRUE(IsActive(1));
     EXPECT_FALSE(IsActive(0));
     TapKeys("<K<<ABCDEFGHIJKLMNOPQ");
-    EXPECT_EQ(Box(1)->text(), QStringLiteral("ABCDEFGHIJKLMNOP")) << "sixteen characters";
-    EXPECT_EQ(Box(0)->text(), QStringLiteral("AZ-0"));
+    EXPECT_EQ(Box(1)->text(), "ABCDEFGHIJKLMNOP") << "sixteen characters";
+    EXPECT_EQ(Box(0)->text(), "AZ-0");
     // Wherever the cursor stands, the keys work at the end.
     Box(1)->setCursorPosition(0);
     TapKeys("<<Z");
-    EXPECT_EQ(Box(1)->text(), QStringLiteral("ABCDEFGHIJKLMNZ"));
+    EXPECT_EQ(Box(1)->text(), "ABCDEFGHIJKLMNZ");
 }
 
 TEST_F(UserCodesTest, EnterAndEscapeOfARealKeyboardConfirmAndCancel) {
-    for (const auto& [key, ok] : {std::pair(Qt::Key_Return, true), std::pair(Qt::Key_Enter, true),
-                                  std::pair(Qt::Key_Escape, false)}) {
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
         ShowForm();
-        QTest::keyClicks(Box(0), QStringLiteral("Zoe"));
+        QTest::keyClicks(Box(0), "Zoe");
         QTest::keyClick(Box(0), key);
         const auto* form = dynamic_cast<dlgUserCodes*>(Screen(Codes()));
         EXPECT_FALSE(form->Visible());
-        EXPECT_EQ(form->Ok(), ok);
-        EXPECT_EQ(form->UserName(), QStringLiteral("Zoe"));
+        EXPECT_EQ(form->Ok(), key != Qt::Key_Escape);
+        EXPECT_EQ(form->UserName(), "Zoe");
         Forms::Unload(Codes());
     }
 }
@@ -84,25 +88,30 @@ TEST_F(UserCodesTest, LevelsEndAtThreeAndOnAGuardedSiteAtTheOwnOne) {
     const auto climb = [](int times) {
         for (int i = 0; i < times; ++i)
             TapImage(3);
-        return TextOf(Codes(), QStringLiteral("lblPwdLevel"));
+        return Level();
     };
     Global::Get().userLevel = 2;
     ShowForm();
     TapImage(2);
-    EXPECT_EQ(TextOf(Codes(), QStringLiteral("lblPwdLevel")), QStringLiteral("0"));
-    EXPECT_EQ(climb(5), QStringLiteral("2"));
+    EXPECT_EQ(Level(), "0");
+    EXPECT_EQ(climb(5), "2");
     TapImage(2);
-    EXPECT_EQ(TextOf(Codes(), QStringLiteral("lblPwdLevel")), QStringLiteral("1"));
+    EXPECT_EQ(Level(), "1");
     Forms::Unload(Codes());
 
     Global::Get().userLevel = 0;
     Site().setUserLevel(1, 2);
     ShowForm();
-    EXPECT_EQ(climb(5), QStringLiteral("3")) << "nobody of level 1: the site is open";
+    EXPECT_EQ(climb(5), "3") << "nobody of level 1: the site is open";
 }
 
 TEST_F(UserCodesTest, ThePromptHasTheCodeAloneBehindStars) {
+    ShowForm();
+    EXPECT_FALSE(AutoClose()->isActive()) << "the form for a user stays";
+    Forms::Unload(Codes());
     script.On(Codes(), [] {
+        EXPECT_TRUE(AutoClose()->isActive());
+        EXPECT_EQ(AutoClose()->interval(), 60000);
         for (const char* name : {"lblPwdLevel", "lblLabels_0", "lblLabels_2", "imgControl_2",
                                  "imgControl_3", "txtPwd_0"})
             EXPECT_FALSE(Shows(name)) << name;
@@ -110,9 +119,9 @@ TEST_F(UserCodesTest, ThePromptHasTheCodeAloneBehindStars) {
             EXPECT_TRUE(Shows(name)) << name;
         EXPECT_TRUE(IsActive(1));
         TapKeys("OP-1");
-        EXPECT_EQ(Box(1)->displayText(), QStringLiteral("****"));
+        EXPECT_EQ(Box(1)->displayText(), "****");
         QAccessibleInterface* told = QAccessible::queryAccessibleInterface(Box(1));
-        EXPECT_FALSE(told->text(QAccessible::Value).contains(QStringLiteral("OP-1")));
+        EXPECT_FALSE(told->text(QAccessible::Value).contains("OP-1"));
         EXPECT_TRUE(Box(1)->toolTip().isEmpty());
         const QRect form = Screen(Codes())->rect();
         for (const QWidget* child :
@@ -128,16 +137,14 @@ TEST_F(UserCodesTest, TheCodeConnectsItsUserAndTheTraceTellsIt) {
     Enter("OP-1");
     EXPECT_TRUE(AskPassword());
     EXPECT_EQ(Global::Get().userLevel, 1);
-    EXPECT_EQ(Global::Get().userName, QStringLiteral("OPERATOR"));
+    EXPECT_EQ(Global::Get().userName, "OPERATOR");
     EXPECT_EQ(events, QList<int>{SystemEvents::UserChanged});
-    const QString head = QStringLiteral("2024-03-15 12:00:00 USER : OPERATOR ");
-    const QString line = head + QString(58 - head.size(), u'*') + QStringLiteral(" LEVEL1");
-    EXPECT_EQ(TraceLines().filter(QStringLiteral("USER :")), QStringList{line});
-    Site().setUserName(1, QString(70, u'N'));
+    EXPECT_EQ(UserLines(), QStringList(UserLine("OPERATOR", " LEVEL1")));
+    const QString longName(70, u'N');
+    Site().setUserName(1, longName);
     Enter("OP-1");
     EXPECT_TRUE(AskPassword());
-    const QString longName = QStringLiteral("2024-03-15 12:00:00 USER : ") + QString(70, u'N');
-    EXPECT_EQ(TraceLines().filter(QStringLiteral("USER :")).last(), longName.left(80));
+    EXPECT_EQ(UserLines().last(), UserLine(longName, "").left(80));
 
     // No file of the program holds what was typed.
     QDirIterator files(Path(QString()), QDir::Files, QDirIterator::Subdirectories);
@@ -151,92 +158,64 @@ TEST_F(UserCodesTest, TheCodeConnectsItsUserAndTheTraceTellsIt) {
     EXPECT_GT(searched, 0);
 }
 
-TEST_F(UserCodesTest, AnEmptyCodeDisconnectsAndCancelLeavesAllAsItWas) {
-    Global::Get().userLevel = 2;
-    Global::Get().userName = QStringLiteral("MANAGER");
+TEST_F(UserCodesTest, AWrongCodeAndCancelLeaveTheUserAndAnEmptyCodeDisconnects) {
+    Connected(2, "MANAGER");
     GiveUp();
     EXPECT_FALSE(AskPassword());
-    EXPECT_EQ(Global::Get().userLevel, 2);
     EXPECT_TRUE(events.isEmpty());
-    Enter("");
-    EXPECT_TRUE(AskPassword());
-    EXPECT_EQ(Global::Get().userLevel, 0);
-    EXPECT_TRUE(Global::Get().userName.isEmpty());
-    EXPECT_EQ(events, QList<int>{SystemEvents::UserChanged});
-    const QString head = QStringLiteral("2024-03-15 12:00:00 USER : DISCONNECT ");
-    EXPECT_EQ(TraceLines().filter(QStringLiteral("USER :")),
-              QStringList{head + QString(58 - head.size(), u'*') + QStringLiteral(" LEVEL0")});
-}
-
-TEST_F(UserCodesTest, AWrongCodeLeavesTheUserAndIsTold) {
-    Global::Get().userLevel = 2;
-    Global::Get().userName = QStringLiteral("MANAGER");
     // Capitals count.
     for (const char* code : {"op-1", "ABC", "WRONG"}) {
         Enter(code);
         GiveUp();
         EXPECT_FALSE(AskPassword()) << code;
-        EXPECT_EQ(Global::Get().userLevel, 2);
     }
-    EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER"));
+    EXPECT_EQ(Global::Get().userLevel, 2);
+    EXPECT_EQ(Global::Get().userName, "MANAGER");
     EXPECT_EQ(events, QList<int>(3, SystemEvents::UserChanged));
-    EXPECT_TRUE(TraceLines().filter(QStringLiteral("USER :")).isEmpty());
+    EXPECT_TRUE(UserLines().isEmpty());
     EXPECT_TRUE(boxes.isEmpty());
     Enter("abc");
     EXPECT_TRUE(AskPassword());
-    EXPECT_EQ(Global::Get().userName, QStringLiteral("Keyboard"));
+    EXPECT_EQ(Global::Get().userName, "Keyboard");
+    Enter("");
+    EXPECT_TRUE(AskPassword());
+    EXPECT_EQ(Global::Get().userLevel, 0);
+    EXPECT_TRUE(Global::Get().userName.isEmpty());
+    EXPECT_EQ(events, QList<int>(5, SystemEvents::UserChanged));
+    EXPECT_EQ(UserLines().last(), UserLine("DISCONNECT", " LEVEL0"));
 }
 
 TEST_F(UserCodesTest, TheFirstUserOfACodeWinsAndTheServiceCodeComesBeforeAll) {
     Enter("SAME");
     AskPassword();
-    EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER"));
-    WithServiceCode(QStringLiteral("SAME"), [this] {
+    EXPECT_EQ(Global::Get().userName, "MANAGER");
+    WithServiceCode("SAME", [this] {
         Enter("SAME");
         EXPECT_TRUE(AskPassword());
         EXPECT_EQ(Global::Get().userLevel, 4);
-        EXPECT_EQ(Global::Get().userName, QStringLiteral("D.R.V."));
+        EXPECT_EQ(Global::Get().userName, "D.R.V.");
     });
     EXPECT_EQ(events, QList<int>(2, SystemEvents::UserChanged));
-    EXPECT_EQ(TraceLines().filter(QStringLiteral("USER :")).size(), 1) << "no record of level 4";
-}
-
-TEST_F(UserCodesTest, AnUnattendedPromptGoesAwayAndTheEditFormStays) {
-    ShowForm();
-    const auto* timer = Screen(Codes())->findChild<QTimer*>(QStringLiteral("tmrAutoClose"));
-    EXPECT_EQ(timer->interval(), 60000);
-    EXPECT_FALSE(timer->isActive());
-    Forms::Unload(Codes());
-    Global::Get().userLevel = 1;
-    script.On(Codes(), [] {
-        TapKeys("SAME");
-        auto* running = Screen(Codes())->findChild<QTimer*>(QStringLiteral("tmrAutoClose"));
-        EXPECT_TRUE(running->isActive());
-        running->setInterval(1);
-    });
-    EXPECT_FALSE(AskPassword());
-    EXPECT_EQ(Global::Get().userLevel, 1);
-    EXPECT_TRUE(events.isEmpty());
+    EXPECT_EQ(UserLines().size(), 1) << "no record of level 4";
 }
 
 TEST_F(UserCodesTest, NobodyThereTakesThePromptAwayAndBringsTheConsole) {
-    Forms::Load(QStringLiteral("wPolling"));
+    Forms::Load("wPolling");
     for (const int level : {2, 4}) {
-        Global::Get().userLevel = level;
-        Global::Get().userName = QStringLiteral("MANAGER");
+        Connected(level, "MANAGER");
         script.On(Codes(), [this] {
             TapKeys("OP-1");
             NobodyIsThere();
         });
         EXPECT_FALSE(AskPassword());
         EXPECT_EQ(Global::Get().userLevel, 0);
-        EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER")) << "kept";
+        EXPECT_EQ(Global::Get().userName, "MANAGER") << "kept";
         EXPECT_EQ(NbInstances(Codes()), 0);
         EXPECT_TRUE(Screen(FormNames::wRunAlarms)->Visible());
-        EXPECT_EQ(TextOf(FormNames::wRunAlarms, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
+        EXPECT_EQ(TextOf(FormNames::wRunAlarms, "lblLogin_0"), "0");
     }
     EXPECT_TRUE(events.isEmpty());
-    EXPECT_TRUE(TraceLines().filter(QStringLiteral("USER :")).isEmpty());
+    EXPECT_TRUE(UserLines().isEmpty());
     // An operator may always acknowledge.
     Global::Get().userLevel = 1;
     script.On(Codes(), [this] {
@@ -246,24 +225,4 @@ TEST_F(UserCodesTest, NobodyThereTakesThePromptAwayAndBringsTheConsole) {
     });
     EXPECT_FALSE(AskPassword());
     EXPECT_EQ(Global::Get().userLevel, 1);
-}
-
-TEST_F(UserCodesTest, TheConsoleInsistsUntilTheLevelIsReachedOrGivenUp) {
-    SetOptions(255, 0, 0, 0);
-    AddPanel(1, 1).Channel(3).setScrAlm(true);
-    Forms::Show(FormNames::wRunAlarms);
-    EventClass alarm(1, 3, 0, 1);
-    alarm.setGDH(clock.Now());
-    AlarmConsole::Loaded()->TakeEvent(alarm);
-    ASSERT_EQ(AlarmConsole::Loaded()->RowCount(), 1);
-    Enter("WRONG");
-    GiveUp();
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgAcquit"));
-    EXPECT_EQ(AlarmConsole::Loaded()->RowCount(), 1);
-    Enter("WRONG");
-    Enter("");
-    Enter("OP-1");
-    Tap(FormNames::wRunAlarms, QStringLiteral("imgAcquit"));
-    EXPECT_EQ(AlarmConsole::Loaded()->RowCount(), 0);
-    EXPECT_EQ(TextOf(FormNames::wRunAlarms, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
 }
