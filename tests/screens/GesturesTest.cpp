@@ -70,7 +70,7 @@ TEST(GesturesTest, AStepperStopsAtItsBoundsAndTellsWhoStepped) {
     stepper.StepBy(1);
     stepper.StepBy(7);
     stepper.StepBy(1);
-    EXPECT_EQ(shown.Caption(), QStringLiteral("03"));
+    EXPECT_EQ(shown.Caption(), "03");
     EXPECT_FALSE(up.isEnabled());
     EXPECT_TRUE(down.isEnabled());
     ASSERT_EQ(changes.size(), 2) << "what changes nothing tells nothing";
@@ -82,38 +82,38 @@ TEST(GesturesTest, AStepperStopsAtItsBoundsAndTellsWhoStepped) {
 
 TEST(GesturesTest, TheClipboardOutlivesTheEntryItWasCopiedFrom) {
     EntryClipboard<QString> clipboard;
-    QString entry = QStringLiteral("first");
+    QString entry = "first";
     EXPECT_FALSE(clipboard.Act(EntryAction::Paste, entry)) << "nothing to paste";
-    EXPECT_EQ(entry, QStringLiteral("first"));
+    EXPECT_EQ(entry, "first");
     EXPECT_FALSE(clipboard.Act(EntryAction::Copy, entry));
-    entry = QStringLiteral("second");
+    entry = "second";
     EXPECT_TRUE(clipboard.Act(EntryAction::Paste, entry));
-    EXPECT_EQ(entry, QStringLiteral("first"));
-    entry = QStringLiteral("third");
+    EXPECT_EQ(entry, "first");
+    entry = "third";
     EXPECT_TRUE(clipboard.Act(EntryAction::Cut, entry));
     EXPECT_TRUE(entry.isEmpty());
     EXPECT_TRUE(clipboard.Act(EntryAction::Clear, entry));
     EXPECT_TRUE(clipboard.Act(EntryAction::Paste, entry));
-    EXPECT_EQ(entry, QStringLiteral("third"));
+    EXPECT_EQ(entry, "third");
 }
 
 TEST(GesturesTest, AListAndItsNumberFollowEachOther) {
     QWidget form;
     auto* list = new QListWidget(&form);
     auto* number = new ValueLabel(&form);
-    QStringList texts{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
+    QStringList texts{"a", "b", "c"};
     NumberedList entries(list, number, 1, [&](int entry) { return texts[entry - 1]; });
     entries.Fill(3);
     QSignalSpy changes(&entries, &NumberedList::Changed);
     list->setCurrentRow(2);
-    EXPECT_EQ(number->Caption(), QStringLiteral("3"));
+    EXPECT_EQ(number->Caption(), "3");
     entries.setNumber(-4);
     EXPECT_EQ(list->currentRow(), 0);
     EXPECT_EQ(changes.size(), 2);
     entries.setNumber(2);
-    texts[1] = QStringLiteral("new");
+    texts[1] = "new";
     entries.Renew(2);
-    EXPECT_EQ(list->item(1)->text(), QStringLiteral("new"));
+    EXPECT_EQ(list->item(1)->text(), "new");
     entries.Fill(3);
     EXPECT_EQ(entries.Number(), 2) << "the place stays over a change of all";
     EXPECT_EQ(changes.size(), 3);
@@ -122,30 +122,27 @@ TEST(GesturesTest, AListAndItsNumberFollowEachOther) {
 TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
     TouchTable table;
     table.resize(400, 300);
-    table.setColumns({{QStringLiteral("No"), 1}, {QStringLiteral("Word"), 2}}, 1);
-    QList<TouchTable::Row> rows{
-        Line(QStringLiteral("x"), QStringLiteral("10"), QStringLiteral("b")),
-        Line(QStringLiteral("y"), QStringLiteral("9"), QStringLiteral("c")),
-        Line(QStringLiteral("z"), QStringLiteral("all"), QStringLiteral("a"))};
+    table.setColumns({{"No", 1}, {"Word", 2}}, 1);
+    QList<TouchTable::Row> rows{Line("x", "10", "b"), Line("y", "9", "c"), Line("z", "all", "a")};
     QSignalSpy changes(&table, &TouchTable::RowChanged);
     table.setRows(rows);
-    EXPECT_EQ(table.Cell(0, 0), QStringLiteral("9")) << "numbers by value, before words";
-    EXPECT_EQ(table.Cell(2, 0), QStringLiteral("all"));
-    table.SelectTag(QStringLiteral("x"));
+    EXPECT_EQ(table.Cell(0, 0), "9") << "numbers by value, before words";
+    EXPECT_EQ(table.Cell(2, 0), "all");
+    table.SelectTag("x");
     Q_EMIT table.horizontalHeader()->sectionClicked(1);
-    EXPECT_EQ(table.CurrentTag(), QStringLiteral("x"));
+    EXPECT_EQ(table.CurrentTag(), "x");
     EXPECT_EQ(table.CurrentRow(), 1);
     Q_EMIT table.horizontalHeader()->sectionClicked(1);
-    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("c"));
+    EXPECT_EQ(table.Cell(0, 1), "c");
     table.MoveBy(1);
-    EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
+    EXPECT_EQ(table.CurrentTag(), "z");
     table.MoveBy(1);
-    EXPECT_EQ(table.CurrentTag(), QStringLiteral("z"));
-    table.setCells(QStringLiteral("y"), {QStringLiteral("9"), QStringLiteral("A")});
-    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("A")) << "in its place";
-    rows[0].order = {QString(), QStringLiteral("d")};
+    EXPECT_EQ(table.CurrentTag(), "z");
+    table.setCells("y", {"9", "A"});
+    EXPECT_EQ(table.Cell(0, 1), "A") << "in its place";
+    rows[0].order = {QString(), "d"};
     table.setRows(rows);
-    EXPECT_EQ(table.Cell(0, 1), QStringLiteral("b")) << "sorted by more than its text";
+    EXPECT_EQ(table.Cell(0, 1), "b") << "sorted by more than its text";
     rows.removeLast();
     table.setRows(rows);
     EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";
@@ -155,7 +152,7 @@ TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
 TEST(GesturesTest, ASwipeScrollsAndATouchSelects) {
     TouchTable table;
     table.resize(400, 300);
-    table.setColumns({{QStringLiteral("No"), 1}}, 1);
+    table.setColumns({{"No", 1}}, 1);
     QList<TouchTable::Row> rows;
     for (int i = 0; i < 100; ++i)
         rows += Line(QString::number(i), QString::number(i), QString());

@@ -14,33 +14,29 @@
 
 namespace {
 
-const QString Help = QStringLiteral("wHelp");
-const QString Console = QStringLiteral("wRunAlarms");
+const QString Help = "wHelp";
+const QString Console = "wRunAlarms";
 constexpr const char* Languages[] = {"en", "fr", "de", "es"};
 const QString Pages = QStringLiteral(KORVANELLE_SOURCE_DIR "/data/help/korvanelle-%1.html");
 
 class HelpTest : public ScreensTest {
 protected:
     void Provide(const char* language) {
-        const QString letters = QString::fromLatin1(language);
+        const QString letters = language;
         ASSERT_TRUE(QFile::copy(Pages.arg(letters),
                                 Path(QStringLiteral("korvanelle-%1.html").arg(letters))));
     }
-    static QTextBrowser& Page() {
-        return dynamic_cast<QTextBrowser&>(*Child(Help, QStringLiteral("txtHelp")));
-    }
+    static QTextBrowser& Page() { return *Find<QTextBrowser>(Help, "txtHelp"); }
     static int Place() { return Page().verticalScrollBar()->value(); }
     static QString ChapterShown() {
         return Page().cursorForPosition(QPoint(30, 30)).block().text();
     }
-    static QString Content(const char* language) {
-        return HelpText::Read(Pages.arg(QString::fromLatin1(language)));
-    }
+    static QString Content(const char* language) { return HelpText::Read(Pages.arg(language)); }
 };
 
 QStringList All(const QString& text, const char* pattern) {
     QStringList found;
-    auto matches = QRegularExpression(QString::fromLatin1(pattern)).globalMatch(text);
+    auto matches = QRegularExpression(pattern).globalMatch(text);
     while (matches.hasNext())
         found += matches.next().captured(1);
     return found;
@@ -49,14 +45,14 @@ QStringList All(const QString& text, const char* pattern) {
 /// What the help must name of each design, as its source names it, by the design.
 QHash<QString, QStringList> ButtonsOfDesigns() {
     QHash<QString, QStringList> designs;
-    QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"), {QStringLiteral("*.ui")},
-                       QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"), {"*.ui"}, QDir::Files,
+                       QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString design = HelpText::Read(files.next());
         QStringList& buttons = designs[files.fileInfo().completeBaseName()];
-        for (const QString& control : design.split(QStringLiteral("<widget "))) {
-            if (!control.startsWith(QLatin1String("class=\"TouchImage\"")) &&
-                !control.startsWith(QLatin1String("class=\"QPushButton\"")))
+        for (const QString& control : design.split("<widget ")) {
+            if (!control.startsWith("class=\"TouchImage\"") &&
+                !control.startsWith("class=\"QPushButton\""))
                 continue;
             const QStringList names =
                 All(control, "name=\"Tag\"[^>]*>\\s*<string[^>]*>(\\w+)<") +
@@ -77,17 +73,17 @@ TEST_F(HelpTest, PageOfTheLanguageElseOfTheFirstElseAWord) {
     EXPECT_EQ(NbInstances(Help), 0);
     Provide("en");
     Provide("fr");
-    const QString english = Path(QStringLiteral("korvanelle-en.html"));
-    const QString french = Path(QStringLiteral("korvanelle-fr.html"));
+    const QString english = Path("korvanelle-en.html");
+    const QString french = Path("korvanelle-fr.html");
     const QString pages[] = {english, french, english, english};
     for (qint16 language = 0; language < 4; ++language) {
         Global::Get().language = language;
         EXPECT_EQ(HelpPage(), pages[language]) << language;
     }
     Global::Get().language = 0;
-    Global::Get().helpFile = Path(QStringLiteral("korvanelle-fr.chm"));
+    Global::Get().helpFile = Path("korvanelle-fr.chm");
     EXPECT_EQ(HelpPage(), french) << "the page that lies beside the help file found";
-    Global::Get().helpFile = Path(QStringLiteral("korvanelle-es.chm"));
+    Global::Get().helpFile = Path("korvanelle-es.chm");
     EXPECT_EQ(HelpPage(), english);
 }
 
@@ -100,55 +96,54 @@ TEST_F(HelpTest, PageIsTurnedByTouchAndTheWayBackIsKept) {
     QApplication::processEvents();
     const int page = Page().verticalScrollBar()->pageStep();
     EXPECT_GT(Place(), page);
-    Tap(Help, QStringLiteral("imgNavig_0"));
+    Tap(Help, "imgNavig_0");
     EXPECT_GT(Page().verticalScrollBar()->maximum(), 2 * page);
-    Tap(Help, QStringLiteral("imgControl_7"));
+    Tap(Help, "imgControl_7");
     EXPECT_EQ(Place(), page);
-    Tap(Help, QStringLiteral("imgControl_6"));
+    Tap(Help, "imgControl_6");
     const int line = Place() - page;
     EXPECT_GT(line, 20);
     EXPECT_LT(line, page / 3);
-    Tap(Help, QStringLiteral("imgControl_5"));
-    Tap(Help, QStringLiteral("imgControl_4"));
+    Tap(Help, "imgControl_5");
+    Tap(Help, "imgControl_4");
     EXPECT_EQ(Place(), 0);
-    Tap(Help, QStringLiteral("imgControl_7"));
-    Tap(Help, QStringLiteral("imgNavig_0"));
+    Tap(Help, "imgControl_7");
+    Tap(Help, "imgNavig_0");
     EXPECT_EQ(Place(), 0);
 
-    QWidget* back = Child(Help, QStringLiteral("imgNavig_1"));
+    QWidget* back = Child(Help, "imgNavig_1");
     EXPECT_FALSE(back->isEnabled());
     // The place of a line is looked for by its words, and touched far right of them.
-    const QTextCursor title = Page().document()->find(QStringLiteral("The horn sounds"));
+    const QTextCursor title = Page().document()->find("The horn sounds");
     const QPoint place(Page().viewport()->width() - 20, Page().cursorRect(title).center().y() + 15);
     QTest::mouseClick(Page().viewport(), Qt::LeftButton, {}, place);
     EXPECT_GT(Place(), page) << "a touch anywhere on the line of a link follows it";
     ASSERT_TRUE(back->isEnabled());
-    Tap(Help, QStringLiteral("imgNavig_1"));
+    Tap(Help, "imgNavig_1");
     EXPECT_EQ(Place(), 0);
     EXPECT_FALSE(back->isEnabled());
 
-    Tap(Help, QStringLiteral("imgClose"));
+    Tap(Help, "imgClose");
     EXPECT_EQ(NbInstances(Help), 0);
     EXPECT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
 }
 
-TEST_F(HelpTest, OpensAtTheChapterOfItsScreen) {
+TEST_F(HelpTest, OpensAtTheChapterOfItsScreenAndGivesWayToAnAlarm) {
     Provide("en");
-    ScreenForm opener(QStringLiteral("wBusPanneau"));
-    opener.Show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&opener));
-    ShowHelp();
-    QApplication::processEvents();
-    EXPECT_EQ(ChapterShown(), QStringLiteral("A panel and its channels"));
-}
-
-TEST_F(HelpTest, OpensOverTheConsoleAndGivesWayToAnAlarm) {
-    Provide("en");
+    {
+        ScreenForm opener("wBusPanneau");
+        opener.Show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&opener));
+        ShowHelp();
+        QApplication::processEvents();
+        EXPECT_EQ(ChapterShown(), "A panel and its channels");
+        Tap(Help, "imgClose");
+    }
     Forms::Show(Console);
     ASSERT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
-    Tap(Console, QStringLiteral("imgHelp"));
+    Tap(Console, "imgHelp");
     QApplication::processEvents();
-    EXPECT_EQ(ChapterShown(), QStringLiteral("The alarm screen"));
+    EXPECT_EQ(ChapterShown(), "The alarm screen");
     EventClass lost(1, 255, 1, 0);
     engine->SendEvent(lost);
     EXPECT_EQ(NbInstances(Help), 0);
@@ -184,13 +179,13 @@ TEST_F(HelpTest, EveryScreenAndEveryButtonIsInEachLanguage) {
         Global::Get().language = language;
         QHash<QString, QString> chapters;
         const QString page = HelpText::Filled(Content(Languages[language]));
-        for (const QString& part : page.split(QStringLiteral("<h2>")))
+        for (const QString& part : page.split("<h2>"))
             for (const QString& anchor : All(part, "<a name=\"(\\w+)\">"))
                 chapters.insert(anchor, part);
         for (auto design = designs.begin(); design != designs.end(); ++design) {
             SCOPED_TRACE((Languages[language] + (' ' + design.key())).toStdString());
             ASSERT_TRUE(chapters.contains(design.key()));
-            const QString text = chapters[design.key()] + chapters[QStringLiteral("common")];
+            const QString text = chapters[design.key()] + chapters["common"];
             for (const QString& button : design.value())
                 EXPECT_TRUE(text.contains(HelpText::Filled(button))) << qPrintable(button);
         }

@@ -29,7 +29,7 @@ protected:
             const QString line = file.ScreenLine(row);
             EXPECT_EQ(line.size(), 162);
             const QString date = line.mid(53, 10);
-            if (date.count(QRegularExpression(QStringLiteral("[0-9]"))) == 8)
+            if (date.count(QRegularExpression("[0-9]")) == 8)
                 rows += date + u' ' + line.mid(69, 8).trimmed() + u' ' + line.left(7).trimmed();
             else
                 rows += (line.left(80) + line.mid(82)).trimmed();
@@ -42,7 +42,7 @@ protected:
         return Rows();
     }
 
-    QString path = Path(QStringLiteral("Histo202403.his"));
+    QString path = Path("Histo202403.his");
     HistoryFile file;
 };
 
@@ -52,16 +52,16 @@ QByteArray Line(int number) {
 }
 
 QString Row(int number) {
-    return QStringLiteral("2024-03-15 12:00:00 ") + QString::number(number).rightJustified(6, u'0');
+    return "2024-03-15 12:00:00 " + QString::number(number).rightJustified(6, u'0');
 }
 
 } // namespace
 
 TEST_F(HistoryFileTest, LinesAsTheSystemWritesThem) {
     PanelClass& panel = AddPanel(12, Models::Q7100);
-    Site().setBiblio(3, QStringLiteral("Überdruck"));
+    Site().setBiblio(3, "Überdruck");
     panel.Channel(7).setBibNum(3);
-    panel.Channel(7).setScreenText(QStringLiteral("Kessel"));
+    panel.Channel(7).setScreenText("Kessel");
     EventClass event(12, 7, 0, 1);
     event.setGDH(clock.Now());
     event.setNum(12345);
@@ -70,7 +70,7 @@ TEST_F(HistoryFileTest, LinesAsTheSystemWritesThem) {
     ASSERT_TRUE(file.Load(HistoProcs::HistoFileName()));
     ASSERT_EQ(file.Count(), 1) << "the heading isn't a line";
     QString expected = TextProcs::FormateHistoScreen(event);
-    expected.replace(6, 1, u' ').replace(QLatin1String("\r\n"), QLatin1String("  "));
+    expected.replace(6, 1, u' ').replace("\r\n", "  ");
     EXPECT_EQ(file.ScreenLine(0), expected) << "the last digit of the number is gone";
 
     // The file grows and goes while its lines are shown.
@@ -88,22 +88,23 @@ TEST_F(HistoryFileTest, LinesAsTheSystemWritesThem) {
 }
 
 TEST_F(HistoryFileTest, DamagedFiles) {
-    EXPECT_EQ(Load(""), QStringList());
-    EXPECT_EQ(Load("Date       Time\r\n"), QStringList("Date       Time"));
-    EXPECT_EQ(Load("Date       Time     Evt\r\n"), QStringList());
-    EXPECT_EQ(Load("\r\n\r\n\n"), QStringList());
-    EXPECT_EQ(Load("2024-03-1"), QStringList("2024-03-1"));
-    EXPECT_EQ(Load("2024-03-15"), QStringList("2024-03-15  "));
-    EXPECT_EQ(Load("2024-03-15\r\n2024-03-15\n"), QStringList({"2024-03-15  ", "2024-03-15  "}));
-    EXPECT_EQ(Load(Line(1) + "\r\n" + Line(2) + '\n' + Line(3)),
-              QStringList({Row(1), Row(2), Row(3)}));
-    EXPECT_EQ(
-        Load("torn " + Line(1) + "\r\n" + QByteArray(500, '\x01') + Line(2) + "\r\n" + Line(3) +
-             QByteArray(3'000'000, 'x') + "\r\n" + Line(4) + "\r\n"),
-        QStringList({QStringLiteral("torn ") + Row(1), QString(160, u'\x01'), Row(3), Row(4)}));
+    const std::pair<QByteArray, QStringList> files[] = {
+        {"", {}},
+        {"Date       Time\r\n", {"Date       Time"}},
+        {"Date       Time     Evt\r\n", {}},
+        {"\r\n\r\n\n", {}},
+        {"2024-03-1", {"2024-03-1"}},
+        {"2024-03-15", {"2024-03-15  "}},
+        {"2024-03-15\r\n2024-03-15\n", {"2024-03-15  ", "2024-03-15  "}},
+        {Line(1) + "\r\n" + Line(2) + '\n' + Line(3), {Row(1), Row(2), Row(3)}},
+        {QByteArray(3'000'000, 'y'), {QString(160, u'y')}},
+        {"torn " + Line(1) + "\r\n" + QByteArray(500, '\x01') + Line(2) + "\r\n" + Line(3) +
+             QByteArray(3'000'000, 'x') + "\r\n" + Line(4) + "\r\n",
+         {"torn " + Row(1), QString(160, u'\x01'), Row(3), Row(4)}}};
+    for (const auto& [bytes, rows] : files)
+        EXPECT_EQ(Load(bytes), rows) << bytes.left(40).constData();
     EXPECT_EQ(file.ScreenLine(2), QString(file.ScreenLine(3)).replace(5, 1, u'3'))
         << "a line has 138 characters";
-    EXPECT_EQ(Load(QByteArray(3'000'000, 'y')), QStringList(QString(160, u'y')));
 
     QByteArray garbage(2'000'000, Qt::Uninitialized);
     std::mt19937 random(7);
@@ -117,9 +118,9 @@ TEST_F(HistoryFileTest, DamagedFiles) {
         expected += Row(int(expected.size()));
     }
     EXPECT_EQ(Load(garbage).filter(Row(0).left(19)), expected);
-    EXPECT_FALSE(file.Load(Path(QStringLiteral("none.his"))));
-    QDir().mkdir(Path(QStringLiteral("folder.his")));
-    EXPECT_THROW(file.Load(Path(QStringLiteral("folder.his"))), platform::RunTimeError);
+    EXPECT_FALSE(file.Load(Path("none.his")));
+    QDir().mkdir(Path("folder.his"));
+    EXPECT_THROW(file.Load(Path("folder.his")), platform::RunTimeError);
 }
 
 /// Lines begin at every place of the pieces in which a file is read.
@@ -140,7 +141,7 @@ TEST_F(HistoryFileTest, ADateIsOneInWhateverForm) {
     QByteArray all;
     QStringList expected;
     for (const char* locale : {"C", "de_DE", "fr_FR", "en_US", "sv_SE", "hu_HU", "fa_IR"}) {
-        DateTimes::ReadLocale(QLocale(QString::fromLatin1(locale)));
+        DateTimes::ReadLocale(QLocale(locale));
         for (int i = 0; i < 300; ++i) {
             const QString date = DateTimes::ShortDate(double(random() % 60'000));
             all += date.toLatin1() + Line(i).mid(10) + "\r\n";
@@ -152,7 +153,7 @@ TEST_F(HistoryFileTest, ADateIsOneInWhateverForm) {
     // No dates: they stand as they are.
     for (const char* text :
          {"2024-13-45", "2024-03/15", "31.02.2024", "2024a03a15", "15.03.24  "}) {
-        const QString line = QString::fromLatin1(text) + QStringLiteral(" words");
+        const QString line = QString::fromLatin1(text) + " words";
         Load(line.toLatin1());
         ASSERT_EQ(file.Count(), 1) << text;
         EXPECT_EQ(file.ScreenLine(0).trimmed(), line);

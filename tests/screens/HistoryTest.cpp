@@ -8,12 +8,13 @@
 #include "events/HistoProcs.h"
 #include "model/Models.h"
 #include "support/ScreensFixture.h"
+#include "support/Script.h"
 
 #include <QListWidget>
 
 namespace {
 
-const QString History = QStringLiteral("wHistoric");
+const QString History = "wHistoric";
 
 class HistoryTest : public ScreensTest {
 protected:
@@ -37,6 +38,10 @@ protected:
         Forms::Show(History);
         WaitForLoad();
     }
+    static void Close() {
+        Forms::Unload(History);
+        RemoveUnloaded();
+    }
     /// A file is read a moment after it was chosen, by the one timer that fires once.
     static void WaitForLoad() {
         EXPECT_TRUE(Comes([] {
@@ -46,11 +51,17 @@ protected:
             });
         }));
     }
-    static QListWidget& Files() { return *qobject_cast<QListWidget*>(Child(History, "lstFiles")); }
+    static void TapControl(int index) { Tap(History, QStringLiteral("imgControl_%1").arg(index)); }
+    /// Another file is chosen, and read.
+    static void Turn(int index) {
+        TapControl(index);
+        WaitForLoad();
+    }
+    static QListWidget& Files() { return *Find<QListWidget>(History, "lstFiles"); }
     static QString Chosen() {
         return Files().currentItem() ? Files().currentItem()->text() : QString();
     }
-    static HistoryGrid& Grid() { return *qobject_cast<HistoryGrid*>(Child(History, "grdAlarms")); }
+    static HistoryGrid& Grid() { return *Find<HistoryGrid>(History, "grdAlarms"); }
     static QString Current() { return Grid().CurrentLine().left(6); }
     static void TapFile(int row) {
         QTest::mouseClick(Files().viewport(), Qt::LeftButton, {},
@@ -80,44 +91,49 @@ TEST_F(HistoryTest, AnEmptyFolderGivesNothingToChoose) {
     EXPECT_EQ(Files().count(), 0);
     EXPECT_EQ(Grid().Count(), 0);
     EXPECT_EQ(TextOf(History, "txtNoAlarm"), "No history file yet");
-    for (const char* control :
-         {"imgConsigne", "imgControl_0", "imgControl_1", "imgControl_4", "imgControl_5",
-          "imgControl_6", "imgControl_7", "imgControl_8", "imgControl_9"})
-        Tap(History, QString::fromLatin1(control));
+    Tap(History, "imgConsigne");
+    for (const int control : {0, 1, 4, 5, 6, 7, 8, 9})
+        TapControl(control);
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(TextOf(History, "lblDateTime"), "2024-03-15 12:00:00");
+    Tap(History, "imgClose");
+    EXPECT_EQ(Forms::Find(History), nullptr);
+    EXPECT_TRUE(Screen("wRunAlarms")->isVisible()) << "opened from nowhere: never a dark display";
+    Forms::Show("wMain");
+    Open();
+    Tap(History, "imgClose");
+    EXPECT_TRUE(Screen("wMain")->isVisible());
+    EXPECT_EQ(NbInstances("wRunAlarms"), 0);
 }
 
 TEST_F(HistoryTest, BeginsWithTheNewestLineOfTheCurrentFile) {
-    Put("Histo202312.his", 3);
-    Put("Histo202403.his", 200);
-    Put("Histo20240315.his", 5);
-    Put("Histo202404.his", 1);
-    Put("Other202401.his", 1);
+    for (const auto& [name, lines] :
+         {std::pair("Histo202312.his", 3), std::pair("Histo202403.his", 200),
+          std::pair("Histo20240315.his", 5), std::pair("Histo202404.his", 1),
+          std::pair("Other202401.his", 1)})
+        Put(name, lines);
     Open();
     EXPECT_EQ(Files().count(), 4);
     EXPECT_EQ(Files().item(2)->text(), "2024 - 03 - 15");
     EXPECT_EQ(Chosen(), "2024 - 03");
     EXPECT_EQ(Grid().Count(), 200);
     EXPECT_EQ(Current(), "000200");
-    EXPECT_EQ(Grid().Position().First() + Grid().Position().Page(), 200);
+    const RowPosition& at = Grid().Position();
+    const int page = at.Page();
+    EXPECT_GE(page, 8);
+    const std::pair<int, int> steps[] = {{4, 199 - page}, {5, 198 - page}, {6, 199 - page},
+                                         {7, 199},        {8, 0},          {9, 199}};
+    for (const auto& [control, row] : steps) {
+        TapControl(control);
+        EXPECT_EQ(at.Current(), row) << control;
+        EXPECT_TRUE(at.InSight()) << control;
+    }
+    QTest::mouseClick(&Grid(), Qt::LeftButton, {}, {100, Grid().RowHeight() * 2 + 5});
+    EXPECT_EQ(at.Current(), at.First() + 2);
+    EXPECT_EQ(Current(), QString::number(at.First() + 3).rightJustified(6, u'0'));
+    TapControl(9);
 
-    Forms::Unload(History);
-    RemoveUnloaded();
-    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodUnit"), QStringLiteral("1"));
-    Open();
-    EXPECT_EQ(Chosen(), "2024 - 03 - 15");
-    EXPECT_EQ(Grid().Count(), 5);
-}
-
-TEST_F(HistoryTest, GoesToTheEndsAndOnWhileAnArrowIsHeld) {
-    Put("Histo202403.his", 200);
-    Open();
-    Tap(History, "imgControl_8");
-    EXPECT_EQ(Current(), "000001");
-    Tap(History, "imgControl_9");
-    EXPECT_EQ(Current(), "000200");
-    auto* timer = Screen(History)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
+    auto* timer = Screen(History)->findChild<QTimer*>("tmrRepeat");
     QTest::mousePress(Child(History, "imgControl_5"), Qt::LeftButton);
     EXPECT_EQ(timer->interval(), 1000);
     timer->setInterval(1);
@@ -125,6 +141,12 @@ TEST_F(HistoryTest, GoesToTheEndsAndOnWhileAnArrowIsHeld) {
     EXPECT_EQ(timer->interval(), 100);
     QTest::mouseRelease(Child(History, "imgControl_5"), Qt::LeftButton);
     EXPECT_FALSE(timer->isActive());
+
+    Close();
+    IniWrite("Files", "PeriodUnit", "1");
+    Open();
+    EXPECT_EQ(Chosen(), "2024 - 03 - 15");
+    EXPECT_EQ(Grid().Count(), 5);
 }
 
 TEST_F(HistoryTest, MovesThroughTheFiles) {
@@ -132,58 +154,37 @@ TEST_F(HistoryTest, MovesThroughTheFiles) {
     Put("Histo202402.his", 40);
     Put("Histo202403.his", 50);
     QFile(Path("Histo202312.his")).open(QIODevice::WriteOnly);
+    const auto shows = [](const char* file, const char* line) {
+        EXPECT_EQ(Chosen(), file);
+        EXPECT_EQ(Current(), line);
+    };
     Open();
-    Tap(History, "imgControl_0");
+    TapControl(0);
     EXPECT_EQ(Grid().Count(), 50) << "the screen paints first";
     WaitForLoad();
-    EXPECT_EQ(Chosen(), "2024 - 02");
-    EXPECT_EQ(Current(), "000040");
-    Tap(History, "imgControl_1");
-    WaitForLoad();
-    EXPECT_EQ(Chosen(), "2024 - 03");
-    EXPECT_EQ(Current(), "000001") << "reading on, it begins with the first line";
-    Tap(History, "imgControl_1");
-    WaitForLoad();
-    EXPECT_EQ(Chosen(), "2024 - 03") << "there is no later file";
-    EXPECT_EQ(Current(), "000001");
+    shows("2024 - 02", "000040");
+    Turn(1);
+    shows("2024 - 03", "000001"); // reading on, it begins with the first line
+    Turn(1);
+    shows("2024 - 03", "000001"); // there is no later file
 
     Files().scrollToTop();
     TapFile(1);
     WaitForLoad();
-    EXPECT_EQ(Current(), "000030");
-    EXPECT_EQ(Chosen(), "2024 - 01");
+    shows("2024 - 01", "000030");
     TapFile(0);
     WaitForLoad();
     EXPECT_EQ(Grid().Count(), 0);
     EXPECT_FALSE(Grid().isVisible());
     EXPECT_EQ(TextOf(History, "txtNoAlarm"), "No entry in this file");
     QFile::remove(Path("Histo202401.his"));
-    Tap(History, "imgControl_1");
-    WaitForLoad();
+    Turn(1);
     EXPECT_EQ(Grid().Count(), 0) << "gone since the list was made";
     EXPECT_TRUE(boxes.isEmpty());
 }
 
-TEST_F(HistoryTest, TouchesAndScrollButtonsMoveTheSelection) {
-    Put("Histo202403.his", 100);
-    Open();
-    const RowPosition& at = Grid().Position();
-    EXPECT_GE(at.Page(), 8);
-    Tap(History, "imgControl_4");
-    EXPECT_EQ(at.Current(), 99 - at.Page());
-    Tap(History, "imgControl_5");
-    EXPECT_EQ(at.Current(), 98 - at.Page());
-    EXPECT_EQ(at.First(), at.Current()) << "the view follows";
-    Tap(History, "imgControl_6");
-    Tap(History, "imgControl_7");
-    EXPECT_EQ(at.Current(), 99);
-    QTest::mouseClick(&Grid(), Qt::LeftButton, {}, {100, Grid().RowHeight() * 2 + 5});
-    EXPECT_EQ(at.Current(), at.First() + 2);
-    EXPECT_EQ(Current(), QString::number(at.First() + 3).rightJustified(6, u'0'));
-}
-
 TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
-    Site().setConsigne(5, QStringLiteral("  Open the valve "));
+    Site().setConsigne(5, "  Open the valve ");
     Site().Panel(64).Channel(24).setHelpNum(5);
     Site().Panel(1).Channel(7).setHelpNum(9);
     QFile file(Path("Histo202403.his"));
@@ -193,8 +194,7 @@ TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
         file.write(Line("000001", origin));
     file.close();
     Open();
-    for (int row = 0; row < 10; ++row)
-        Tap(History, "imgControl_5");
+    TapControl(8);
     const QStringList texts = Instruction();
     ASSERT_EQ(texts.size(), 2);
     EXPECT_EQ(texts[1], "Open the valve");
@@ -204,65 +204,43 @@ TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
     EXPECT_EQ(alarm.indexOf(u'\n'), 82);
     EXPECT_EQ(alarm.remove(u'\n'), Grid().CurrentLine());
 
-    Tap(History, "imgControl_6");
+    TapControl(6);
     EXPECT_EQ(Instruction().value(1), GetText(710021)) << "an instruction without a text";
     for (int row = 2; row < Grid().Count(); ++row) {
-        Tap(History, "imgControl_6");
+        TapControl(6);
         EXPECT_EQ(Instruction(), QStringList(GetText(710021))) << row;
         EXPECT_EQ(styles.last(), 16);
     }
 
     // An alarm sends every screen away while the instruction is read.
-    Tap(History, "imgControl_4");
-    Tap(History, "imgControl_4");
+    TapControl(4);
+    TapControl(4);
     QTimer::singleShot(20, [] { Forms::UnloadAllBut({}); });
     Tap(History, "imgConsigne");
     EXPECT_EQ(Forms::Find(History), nullptr);
 }
 
-TEST_F(HistoryTest, LeavesToWhereItCameFrom) {
-    Forms::Show(QStringLiteral("wMain"));
-    Open();
-    Tap(History, "imgClose");
-    EXPECT_EQ(Forms::Find(History), nullptr);
-    EXPECT_TRUE(Screen("wMain")->isVisible());
-    EXPECT_EQ(NbInstances(QStringLiteral("wRunAlarms")), 0);
-    Forms::UnloadAllBut({});
-    RemoveUnloaded();
-    Open();
-    Tap(History, "imgClose");
-    EXPECT_TRUE(Screen("wRunAlarms")->isVisible()) << "never a dark display";
-}
-
 TEST_F(HistoryTest, RemoteControlIsOfferedWhereThereIsSome) {
     Open();
-    EXPECT_FALSE(Child(History, "imgTelecommande")->isVisible());
+    const auto isOffered = [] {
+        Screen(History)->BringToFront();
+        return Child(History, "imgTelecommande")->isVisible();
+    };
+    EXPECT_FALSE(isOffered());
     Site().Panel(7).setModel(Models::P5500);
-    Screen(History)->BringToFront();
-    EXPECT_FALSE(Child(History, "imgTelecommande")->isVisible());
+    EXPECT_FALSE(isOffered());
     Site().Panel(7).setActive(true);
-    Screen(History)->BringToFront();
-    ASSERT_TRUE(Child(History, "imgTelecommande")->isVisible());
+    ASSERT_TRUE(isOffered());
     Site().setUserCount(1);
     Site().setUserLevel(1, 1);
-    Site().setUserPwd(1, QStringLiteral("A1"));
-    int prompts = 0;
-    QTimer prompt;
-    prompt.callOnTimeout([&] {
-        if (Forms::Find(QStringLiteral("dlgUserCodes")) == nullptr)
-            return;
-        ++prompts;
-        Tap("dlgUserCodes", "cmdChar_66");
-        Tap("dlgUserCodes", "imgControl_1");
-        Tap("dlgUserCodes", "imgControl_0");
-    });
-    prompt.start(5);
+    Site().setUserPwd(1, "A1");
+    Script script;
+    script.On("dlgUserCodes", [] { Tap("dlgUserCodes", "imgControl_0"); });
     Tap(History, "imgTelecommande");
-    EXPECT_EQ(prompts, 1) << "a wrong code, given up";
-    EXPECT_EQ(NbInstances(QStringLiteral("wTeleCmdes")), 0);
+    EXPECT_EQ(NbInstances("wTeleCmdes"), 0) << "given up";
     Global::Get().userLevel = 1;
     Tap(History, "imgTelecommande");
-    EXPECT_EQ(NbInstances(QStringLiteral("wTeleCmdes")), 1);
+    EXPECT_EQ(NbInstances("wTeleCmdes"), 1);
 }
 
 /// Both halves of a line are read whole, at the design size and on a larger display.
@@ -272,16 +250,14 @@ TEST_F(HistoryTest, EightyColumnsFitTheDisplay) {
         Global::Get().noResize = false;
         OverrideScreenSize(size);
         Open();
-        QImage with = Grid().grab().toImage();
-        const int room = Grid().width() - 12;
-        int pixels = 1;
-        while (QFontMetricsF(Theme::Fixed(pixels + 1, true)).horizontalAdvance(QString(80, u'0')) <=
-               room)
+        const QString line(80, u'0');
+        int pixels = 16;
+        while (QFontMetricsF(Theme::Fixed(pixels + 1, true)).horizontalAdvance(line) <=
+               Grid().width() - 12)
             ++pixels;
-        EXPECT_GE(pixels, 16);
+        EXPECT_GE(Grid().width() - 12,
+                  QFontMetricsF(Theme::Fixed(16, true)).horizontalAdvance(line));
         EXPECT_GE(Grid().RowHeight(), pixels * 2);
-        EXPECT_EQ(with.size(), Grid().size());
-        Forms::Unload(History);
-        RemoveUnloaded();
+        Close();
     }
 }

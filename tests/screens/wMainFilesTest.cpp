@@ -8,14 +8,14 @@
 
 namespace {
 
-const QString Picker = QStringLiteral("dlgFilePicker");
-const QString SaveAs = QStringLiteral("imgNavig_8");
-const QString OpenFile = QStringLiteral("imgNavig_9");
-const QString LeaveProgram = QStringLiteral("imgNavig_10");
-const QString NewSite = QStringLiteral("imgNavig_11");
+const QString Picker = "dlgFilePicker";
+const QString SaveAs = "imgNavig_8";
+const QString OpenFile = "imgNavig_9";
+const QString LeaveProgram = "imgNavig_10";
+const QString NewSite = "imgNavig_11";
 
 QString FilesKey(const char* key) {
-    return IniRead(QStringLiteral("Files"), QString::fromLatin1(key), QStringLiteral("none"));
+    return IniRead("Files", key, "none");
 }
 
 } // namespace
@@ -23,23 +23,19 @@ QString FilesKey(const char* key) {
 class wMainFilesTest : public UsersTest {
 protected:
     wMainFilesTest() {
-        QDir(Path(QString())).mkdir(QStringLiteral("sites"));
+        QDir(Path(QString())).mkdir("sites");
         setLastUsed(North());
-        Forms::Load(QStringLiteral("wPolling"));
+        Forms::Load("wPolling");
         Global::Get().userLevel = 2;
         Site().setInactivityTime(25);
-        Site().Panel(7).setTitle(QStringLiteral("Pumps"));
+        Site().Panel(7).setTitle("Pumps");
         Site().setModified(false);
         Forms::Show(FormNames::wMain);
     }
 
-    QString InSites(const char* name) const {
-        return Path(QStringLiteral("sites/") + QString::fromLatin1(name));
-    }
+    QString InSites(const char* name) const { return Path(QStringLiteral("sites/") + name); }
     QString North() const { return InSites("North.kv2"); }
-    static void setLastUsed(const QString& path) {
-        IniWrite(QStringLiteral("Files"), QStringLiteral("LastUsed"), path);
-    }
+    static void setLastUsed(const QString& path) { IniWrite("Files", "LastUsed", path); }
     /// The site as it is in a file, and another one in its place.
     static void Exchange(const QString& path) {
         EXPECT_EQ(Site().Save(path), -1);
@@ -47,30 +43,40 @@ protected:
         SetUser(1, "OPERATOR", "OP-1", 1);
         Site().setModified(false);
     }
-    static QString ShownName() { return TextOf(FormNames::wMain, QStringLiteral("lblFileName")); }
-    static bool ShowsModified() {
-        return Child(FormNames::wMain, QStringLiteral("lblModified"))->isVisible();
+    static QString ShownName() { return TextOf(FormNames::wMain, "lblFileName"); }
+    static void Press(const QString& image) { Tap(FormNames::wMain, image); }
+    /// What the settings, the menu and the site say of the file.
+    static void ExpectFile(const QString& path, const QString& name, bool modified) {
+        EXPECT_EQ(FilesKey("LastUsed"), path);
+        EXPECT_EQ(ShownName(), name);
+        EXPECT_EQ(Site().Modified(), modified);
+        EXPECT_EQ(Child(FormNames::wMain, "lblModified")->isVisible(), modified);
+        EXPECT_TRUE(QFileInfo::exists(CurrentConfigFile()));
+    }
+    static QString TitleIn(const QString& path, int panel) {
+        ConfigClass saved;
+        EXPECT_LT(saved.Read(path), 1);
+        return saved.Panel(panel).Title();
     }
 
     /// Takes what the picker starts with.
     void Take() {
-        script.On(Picker, [] { Tap(Picker, QStringLiteral("imgControl_1")); });
+        script.On(Picker, [] { Tap(Picker, "imgControl_1"); });
     }
     void TakeNothing() {
-        script.On(Picker, [] { Tap(Picker, QStringLiteral("imgControl_0")); });
+        script.On(Picker, [] { Tap(Picker, "imgControl_0"); });
     }
     /// Types another name first.
     void Take(const char* name) {
         script.On(Picker, [this, name] {
             script.Next(FormNames::dlgKeyboard, [name] {
-                auto* box = qobject_cast<QLineEdit*>(
-                    Child(FormNames::dlgKeyboard, QStringLiteral("txtValue_0")));
+                auto* box = Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0");
                 box->clear();
-                QTest::keyClicks(box, QString::fromLatin1(name));
-                Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
+                QTest::keyClicks(box, name);
+                Tap(FormNames::dlgKeyboard, "imgControl_1");
             });
-            Tap(Picker, QStringLiteral("imgName"));
-            Tap(Picker, QStringLiteral("imgControl_1"));
+            Tap(Picker, "imgName");
+            Tap(Picker, "imgControl_1");
         });
     }
     /// Waits for the plain box of the platform, notes its text and does something.
@@ -86,72 +92,65 @@ protected:
         });
     }
 
+    void AcceptPlainBox() {
+        AtPlainBox([](QMessageBox* box) { box->accept(); });
+    }
+    static void MakeJunk(const QString& path) {
+        QFile junk(path);
+        ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+        junk.write(QByteArray(2000, 'x'));
+    }
+
     QObject plainBox;
     QStringList plainTexts;
 };
 
-TEST_F(wMainFilesTest, TheSiteFileIsForTheConfigurationLevel) {
+TEST_F(wMainFilesTest, TheSiteFileIsForTheConfigurationLevelThatALoginGives) {
     Global::Get().userLevel = 1;
     for (const QString& image : {SaveAs, OpenFile, NewSite})
-        Tap(FormNames::wMain, image);
+        Press(image);
     EXPECT_EQ(boxes, QStringList(3, GetText(20009)));
     EXPECT_EQ(styles, QList<int>(3, 16));
     EXPECT_EQ(Site().UserCount(), 4);
-}
-
-TEST_F(wMainFilesTest, LoginAsksFromItsImageAndFromTheLevel) {
-    for (const auto& [name, code] :
-         {std::pair("imgNavig_13", "OP-1"), std::pair("lblLogin_0", "SAME")}) {
+    for (const auto& [name, code, level] :
+         {std::tuple("imgNavig_13", "OP-1", "1"), std::tuple("lblLogin_0", "SAME", "2")}) {
         Enter(code);
-        Tap(FormNames::wMain, QString::fromLatin1(name));
+        Press(name);
+        EXPECT_EQ(TextOf(FormNames::wMain, "lblLogin_0"), level);
     }
-    EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("2"));
-    EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER"));
+    EXPECT_EQ(Global::Get().userName, "MANAGER");
 }
 
 TEST_F(wMainFilesTest, SavingStartsAtTheLastNameAndTakesTheNewOne) {
     Site().setModified(true);
     script.On(Picker, [] {
-        EXPECT_EQ(TextOf(Picker, QStringLiteral("lblName")), QStringLiteral("North.kv2"));
-        Tap(Picker, QStringLiteral("imgControl_0"));
+        EXPECT_EQ(TextOf(Picker, "lblName"), "North.kv2");
+        Tap(Picker, "imgControl_0");
     });
-    Tap(FormNames::wMain, SaveAs);
+    Press(SaveAs);
     EXPECT_FALSE(QFile::exists(CurrentConfigFile()));
     EXPECT_TRUE(Site().Modified());
     Take("South");
-    Tap(FormNames::wMain, SaveAs);
-    ConfigClass saved;
-    EXPECT_EQ(saved.Read(InSites("South.kv2")), 0);
-    EXPECT_EQ(saved.Panel(7).Title(), QStringLiteral("Pumps"));
-    EXPECT_EQ(FilesKey("LastUsed"), InSites("South.kv2"));
-    EXPECT_EQ(ShownName(), QStringLiteral("South"));
-    EXPECT_FALSE(Site().Modified());
-    EXPECT_FALSE(ShowsModified());
-    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
+    Press(SaveAs);
+    EXPECT_EQ(TitleIn(InSites("South.kv2"), 7), "Pumps");
+    ExpectFile(InSites("South.kv2"), "South", false);
     EXPECT_TRUE(boxes.isEmpty());
 }
 
-TEST_F(wMainFilesTest, ASavingThatFailsIsToldInAPlainBoxAndKeepsTheName) {
+TEST_F(wMainFilesTest, ASavingThatFailsIsToldInAPlainBoxAndStopsWhateverWantedIt) {
     // A file on a full disk.
-    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), InSites("Full.kv2")));
+    ASSERT_TRUE(QFile::link("/dev/full", InSites("Full.kv2")));
     Site().setModified(true);
     Take("Full");
     AtPlainBox([](QMessageBox* box) {
         EXPECT_EQ(box->icon(), QMessageBox::Critical);
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     });
-    Tap(FormNames::wMain, SaveAs);
+    Press(SaveAs);
     EXPECT_EQ(plainTexts, QStringList{GetText(20002)});
-    EXPECT_EQ(FilesKey("LastUsed"), North());
-    EXPECT_EQ(ShownName(), QStringLiteral("North"));
-    EXPECT_TRUE(Site().Modified());
-    EXPECT_TRUE(ShowsModified());
-    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
-}
-
-TEST_F(wMainFilesTest, ASavingThatFailsStopsWhateverWantedIt) {
-    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), InSites("Full.kv2")));
+    ExpectFile(North(), "North", true);
     for (const QString& image : {OpenFile, NewSite, LeaveProgram}) {
+        SCOPED_TRACE(image.toStdString());
         QList<int> answers{Messages::Yes, Messages::Ok};
         if (image == NewSite) // the question for a new site comes first
             answers.prepend(Messages::Ok);
@@ -160,15 +159,12 @@ TEST_F(wMainFilesTest, ASavingThatFailsStopsWhateverWantedIt) {
         });
         Site().setModified(true);
         Take("Full");
-        AtPlainBox([](QMessageBox* box) { box->accept(); });
-        Tap(FormNames::wMain, image);
-        ASSERT_NE(Screen(FormNames::wMain), nullptr) << image.toStdString();
-        EXPECT_EQ(Site().Panel(7).Title(), QStringLiteral("Pumps")) << image.toStdString();
-        EXPECT_TRUE(Site().Modified());
-        EXPECT_EQ(FilesKey("LastUsed"), North());
-        ConfigClass kept;
-        EXPECT_LT(kept.Read(CurrentConfigFile()), 1);
-        EXPECT_EQ(kept.Panel(7).Title(), QStringLiteral("Pumps"));
+        AcceptPlainBox();
+        Press(image);
+        ASSERT_NE(Screen(FormNames::wMain), nullptr);
+        ExpectFile(North(), "North", true);
+        EXPECT_EQ(Site().Panel(7).Title(), "Pumps");
+        EXPECT_EQ(TitleIn(CurrentConfigFile(), 7), "Pumps");
     }
 }
 
@@ -177,18 +173,17 @@ TEST_F(wMainFilesTest, AStartFileThatFailsIsToldAndLeavesTheSiteModified) {
     ASSERT_TRUE(QDir().mkpath(CurrentConfigFile()));
     Site().setModified(true);
     Take("South");
-    AtPlainBox([](QMessageBox* box) { box->accept(); });
-    Tap(FormNames::wMain, SaveAs);
+    AcceptPlainBox();
+    Press(SaveAs);
     EXPECT_EQ(plainTexts.size(), 1);
     EXPECT_TRUE(QFile::exists(InSites("South.kv2")));
-    EXPECT_TRUE(Site().Modified());
-    EXPECT_TRUE(ShowsModified());
+    ExpectFile(FilesKey("LastUsed"), ShownName(), true);
 }
 
 TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     AddPanel(3, 1);
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"), QStringLiteral("/dev/null"));
-    Site().setPrtSettings(QStringLiteral("LPT1:"));
+    IniWrite("Ports", "LPT1", "/dev/null");
+    Site().setPrtSettings("LPT1:");
     Exchange(North());
     const auto former = std::make_shared<PanelClass>();
     former->setNumero(3);
@@ -199,89 +194,81 @@ TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     engine->setRun(true);
     engine->RunComm();
     EXPECT_GT(former->ErrCptr(0), 0);
-    const QList<qint16> errors{former->ErrCptr(0), former->ErrCptr(1), former->ErrCptr(2)};
+    const auto errors = [&] {
+        return QList<qint16>{former->ErrCptr(0), former->ErrCptr(1), former->ErrCptr(2)};
+    };
+    const QList<qint16> before = errors();
     const DateTime next = former->NextPoll();
-    const auto reinits = TraceLines().filter(QStringLiteral("REINIT")).size();
+    const auto reinits = TraceLines().filter("REINIT").size();
     Take();
-    Tap(FormNames::wMain, OpenFile);
-    EXPECT_EQ(Site().Panel(7).Title(), QStringLiteral("Pumps"));
-    EXPECT_EQ(FilesKey("LastUsed"), North());
-    EXPECT_EQ(ShownName(), QStringLiteral("North"));
-    EXPECT_FALSE(Site().Modified());
-    EXPECT_FALSE(ShowsModified());
-    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
+    Press(OpenFile);
+    EXPECT_EQ(Site().Panel(7).Title(), "Pumps");
+    ExpectFile(North(), "North", false);
     EXPECT_TRUE(engine->UserSleep().Enabled());
     EXPECT_EQ(engine->UserSleep().Count(), 250);
-    EXPECT_EQ(engine->dpPrinter().Port(), QStringLiteral("LPT1"));
+    EXPECT_EQ(engine->dpPrinter().Port(), "LPT1");
     EXPECT_TRUE(engine->Run());
-    EXPECT_EQ(TraceLines().filter(QStringLiteral("REINIT")).size(), reinits + 1);
+    EXPECT_EQ(TraceLines().filter("REINIT").size(), reinits + 1);
     for (int round = 0; round < 6; ++round) {
         clock.Advance(2000);
         engine->RunComm();
     }
     EXPECT_GT(Site().Panel(3).ErrCptr(0), 0) << "polled";
-    EXPECT_EQ((QList<qint16>{former->ErrCptr(0), former->ErrCptr(1), former->ErrCptr(2)}), errors);
+    EXPECT_EQ(errors(), before);
     EXPECT_EQ(former->NextPoll(), next);
     EXPECT_EQ(former.use_count(), 1);
 }
 
 TEST_F(wMainFilesTest, AFileThatCantBeReadLeavesTheSiteWithoutAName) {
-    QFile junk(North());
-    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-    junk.write(QByteArray(2000, 'x'));
-    junk.close();
-    const QStringList former = TraceLines().filter(QStringLiteral("REINIT"));
+    MakeJunk(North());
+    const QStringList former = TraceLines().filter("REINIT");
     Take();
-    AtPlainBox([](QMessageBox* box) { box->accept(); });
-    Tap(FormNames::wMain, OpenFile);
+    AcceptPlainBox();
+    Press(OpenFile);
     EXPECT_EQ(plainTexts, QStringList{GetText(20003)});
-    EXPECT_EQ(FilesKey("LastUsed"), QString());
-    EXPECT_EQ(ShownName(), GetText(50010));
+    ExpectFile({}, GetText(50010), Site().Modified());
     EXPECT_EQ(Site().Panel(7).Title(), ConfigClass().Panel(7).Title()) << "a new site";
-    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
-    EXPECT_EQ(TraceLines().filter(QStringLiteral("REINIT")), former) << "the bus isn't told";
+    EXPECT_EQ(TraceLines().filter("REINIT"), former) << "the bus isn't told";
 }
 
 TEST_F(wMainFilesTest, OpeningAsksWhatBecomesOfTheChanges) {
     Exchange(North());
-    Site().Panel(9).setTitle(QStringLiteral("Changed"));
+    Site().Panel(9).setTitle("Changed");
     for (const int kept : {int(Messages::Cancel), int(Messages::Closed)}) {
         answer = kept;
-        Tap(FormNames::wMain, OpenFile);
+        Press(OpenFile);
     }
     answer = Messages::Yes;
     TakeNothing();
-    Tap(FormNames::wMain, OpenFile);
+    Press(OpenFile);
     EXPECT_EQ(boxes, QStringList(3, GetText(50003)));
     EXPECT_EQ(styles, QList<int>(3, 51));
-    EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
+    EXPECT_EQ(Site().Panel(9).Title(), "Changed");
 
     Take("South");
     Take();
-    Tap(FormNames::wMain, OpenFile);
+    Press(OpenFile);
     EXPECT_EQ(FilesKey("LastUsed"), InSites("South.kv2")) << "the second picker starts at it";
-    EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
+    EXPECT_EQ(Site().Panel(9).Title(), "Changed");
 
-    Site().Panel(9).setTitle(QStringLiteral("Lost"));
+    Site().Panel(9).setTitle("Lost");
     answer = Messages::No;
     Take();
-    Tap(FormNames::wMain, OpenFile);
-    EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
+    Press(OpenFile);
+    EXPECT_EQ(Site().Panel(9).Title(), "Changed");
 }
 
 TEST_F(wMainFilesTest, ANewSiteIsEmptyAndHasTheWordForItsName) {
     answer = Messages::Cancel;
-    Tap(FormNames::wMain, NewSite);
+    Press(NewSite);
     EXPECT_EQ(boxes, QStringList{GetText(30013)});
     EXPECT_EQ(styles, QList<int>{1});
     EXPECT_EQ(Site().UserCount(), 4);
     answer = Messages::Ok;
-    Tap(FormNames::wMain, NewSite);
+    Press(NewSite);
     EXPECT_EQ(boxes.size(), 2) << "nothing to save";
     EXPECT_EQ(Site().UserCount(), 2);
-    EXPECT_EQ(FilesKey("LastUsed"), GetText(50010));
-    EXPECT_EQ(ShownName(), GetText(50010));
-    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
+    ExpectFile(GetText(50010), GetText(50010), Site().Modified());
     Forms::Unload(FormNames::wMain);
     Forms::Show(FormNames::wMain);
     EXPECT_EQ(ShownName(), GetText(50010));
@@ -294,19 +281,17 @@ TEST_F(wMainFilesTest, ANewSiteLetsTheChangesBeSaved) {
         boxes += text;
         return answers.takeFirst();
     });
-    Site().Panel(9).setTitle(QStringLiteral("Changed"));
-    Tap(FormNames::wMain, NewSite);
+    Site().Panel(9).setTitle("Changed");
+    Press(NewSite);
     TakeNothing();
-    Tap(FormNames::wMain, NewSite);
-    EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
+    Press(NewSite);
+    EXPECT_EQ(Site().Panel(9).Title(), "Changed");
     Take();
-    Tap(FormNames::wMain, NewSite);
+    Press(NewSite);
     EXPECT_TRUE(answers.isEmpty());
     EXPECT_EQ(boxes.filter(GetText(50003)).size(), 3);
-    EXPECT_NE(Site().Panel(9).Title(), QStringLiteral("Changed"));
-    ConfigClass saved;
-    EXPECT_EQ(saved.Read(North()), 0);
-    EXPECT_EQ(saved.Panel(9).Title(), QStringLiteral("Changed"));
+    EXPECT_NE(Site().Panel(9).Title(), "Changed");
+    EXPECT_EQ(TitleIn(North(), 9), "Changed");
 }
 
 TEST_F(wMainFilesTest, LeavingSavesUnderANameIfTheOperatorWantsIt) {
@@ -318,71 +303,66 @@ TEST_F(wMainFilesTest, LeavingSavesUnderANameIfTheOperatorWantsIt) {
             Take();
         else
             TakeNothing();
-        Tap(FormNames::wMain, LeaveProgram);
+        Press(LeaveProgram);
         EXPECT_EQ(boxes.last(), GetText(50003));
-        EXPECT_EQ(FilesKey("LastConfigModified"),
-                  named ? QStringLiteral("0") : QStringLiteral("1"));
+        EXPECT_EQ(FilesKey("LastConfigModified"), named ? "0" : "1");
         EXPECT_EQ(QFile::exists(North()), named);
         EXPECT_EQ(NbInstances(FormNames::wMain), 0);
         EXPECT_EQ(events.last(), SystemEvents::CommStopped);
         RemoveUnloaded();
-        Forms::Load(QStringLiteral("wPolling"));
+        Forms::Load("wPolling");
         Forms::Show(FormNames::wMain);
     }
 }
 
 TEST_F(wMainFilesTest, NobodyThereEndsTheQuestionsAndNothingIsSaved) {
     Site().setModified(true);
-    answer = Messages::Yes;
     for (const QString& image : {SaveAs, OpenFile, NewSite, LeaveProgram}) {
         Global::Get().userLevel = 2;
-        if (image == NewSite) // the question for a new site wants another answer
-            answer = Messages::Ok;
-        if (image != NewSite)
-            script.On(Picker, [this] { NobodyIsThere(); });
-        else
+        // The question for a new site wants another answer.
+        answer = image == NewSite ? Messages::Ok : Messages::Yes;
+        if (image == NewSite)
             QTimer::singleShot(0, &plainBox, [this] { NobodyIsThere(); });
-        Tap(FormNames::wMain, image);
+        else
+            script.On(Picker, [this] { NobodyIsThere(); });
+        Press(image);
         QCoreApplication::processEvents();
         EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(Picker), 0);
-        EXPECT_EQ(NbInstances(QStringLiteral("wPolling")), 1) << "the program goes on";
+        EXPECT_EQ(NbInstances("wPolling"), 1) << "the program goes on";
         RemoveUnloaded();
-        answer = Messages::Yes;
         Forms::Show(FormNames::wMain);
     }
     EXPECT_FALSE(QFile::exists(North()));
     // The plain box goes as well.
     Global::Get().userLevel = 2;
     setLastUsed(InSites("Junk.kv2"));
-    QFile junk(InSites("Junk.kv2"));
-    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-    junk.write(QByteArray(2000, 'x'));
-    junk.close();
+    MakeJunk(InSites("Junk.kv2"));
     answer = Messages::No;
     Take();
     AtPlainBox([this](QMessageBox*) { NobodyIsThere(); });
-    Tap(FormNames::wMain, OpenFile);
+    Press(OpenFile);
     EXPECT_EQ(plainTexts, QStringList{GetText(20003)});
     EXPECT_EQ(NbInstances(FormNames::wMain), 0);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 TEST_F(wMainFilesTest, TheScreenKeyboardOfThePlatformComesIfThereIsOne) {
-    QTest::keyClick(Screen(FormNames::wMain), Qt::Key_F12);
-    const QString general = QStringLiteral("General");
-    const QString key = QStringLiteral("ScreenKeyboard");
-    const QString mark = Path(QStringLiteral("typed"));
-    IniWrite(general, key, QStringLiteral("/bin/touch ") + mark);
-    QTest::keyClick(Screen(FormNames::wMain), Qt::Key_F12);
+    const auto pressF12 = [](const QString& program) {
+        IniWrite("General", "ScreenKeyboard", program);
+        QTest::keyClick(Screen(FormNames::wMain), Qt::Key_F12);
+    };
+    pressF12({});
+    const QString mark = Path("typed");
+    pressF12("/bin/touch " + mark);
     EXPECT_TRUE(Comes([&] { return QFile::exists(mark); }));
 
     const QString program = Path(QStringLiteral("kb%1").arg(QCoreApplication::applicationPid()));
-    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), program));
-    IniWrite(general, key, program + QStringLiteral(" 30"));
+    ASSERT_TRUE(QFile::copy("/bin/sleep", program));
+    IniWrite("General", "ScreenKeyboard", program + " 30");
     QProcess standing;
-    standing.start(program, {QStringLiteral("30")});
+    standing.start(program, {"30"});
     ASSERT_TRUE(standing.waitForStarted());
     TakeNothing();
-    Tap(FormNames::wMain, SaveAs);
+    Press(SaveAs);
     EXPECT_TRUE(standing.waitForFinished(60000)) << "it goes with the picker";
 }
