@@ -1,6 +1,5 @@
 // The list of the alarm console without its screen: columns, colours, order and selection.
 
-#include "core/SLVfonctions.h"
 #include "screens/AlarmConsoleFixture.h"
 #include "screens/touch/Colours.h"
 
@@ -58,30 +57,25 @@ TEST_F(AlarmRowsTest, ColoursByEventAndReadableInk) {
     }
 }
 
-TEST_F(AlarmRowsTest, NewestOnTopAndUpdatesInPlace) {
+TEST_F(AlarmRowsTest, NewestOnTopUpdatesInPlaceAndWhatEndsAnAlarmRemovesItsRow) {
+    for (const EventClass& end : {EventClass(1, 255, 1, 1), EventClass(1, 5, 1, 0),
+                                  EventClass(1, 30, 0, 1), EventClass(1, 254, 1, 1)})
+        Take(end.Panel(), end.Chnl(), end.Param(), end.Aff());
+    EXPECT_EQ(Texts(), "") << "nothing to end";
     Take(1, 1, 0, 1);
     Take(1, 2, 0, 1);
-    Take(2, 1, 0, 1);
-    EXPECT_EQ(Texts(), "3,2,1");
+    Take(2, 255, 1, 0);
+    EXPECT_EQ(Texts(), "7,6,5");
     Take(1, 2, 1, 1);
-    EXPECT_EQ(Texts(), "3,4,1") << "an acknowledgement changes the row where it stands";
+    EXPECT_EQ(Texts(), "7,8,5") << "an acknowledgement changes the row where it stands";
     EXPECT_EQ(rows.Row(1).data, EventClass(1, 2, 1, 1).ID());
     EXPECT_EQ(rows.Row(1).colour, AlarmRows::White);
     Take(1, 1, 0, 0);
-    EXPECT_EQ(Texts(), "3,4,5") << "back to normal without an acknowledgement still stands";
-}
-
-TEST_F(AlarmRowsTest, WhatEndsAnAlarmRemovesItsRowOrAddsNothing) {
-    Take(1, 255, 1, 1);
-    Take(1, 5, 1, 0);
-    Take(1, 30, 0, 1);
-    Take(1, 254, 1, 1);
-    EXPECT_EQ(Texts(), "");
-    Take(1, 255, 1, 0);
-    Take(1, 5, 1, 3);
-    Take(1, 255, 1, 1);
-    EXPECT_EQ(Texts(), "6");
-    Take(1, 5, 1, 0);
+    EXPECT_EQ(Texts(), "7,8,9") << "back to normal without an acknowledgement still stands";
+    Take(2, 255, 1, 1);
+    EXPECT_EQ(Texts(), "8,9");
+    Take(1, 2, 1, 0);
+    Take(1, 1, 1, 0);
     EXPECT_EQ(rows.Count(), 0);
     EXPECT_EQ(rows.Current(), -1);
     Take(1, 5, 0, 0);

@@ -137,37 +137,32 @@ TEST_F(ConsoleTest, AcknowledgingAsksForTheOperatorAndSilencingDoesNot) {
 }
 
 TEST_F(ConsoleTest, InstructionOfTheSelectedAlarm) {
-    const QString dialog = "dlgConsigne";
     Site().setConsigne(4, "  Close the valve  ");
     for (const auto& [channel, helpNum] : {std::pair(7, 4), std::pair(8, 5), std::pair(24, 4)})
         Site().Panel(1).Channel(channel).setHelpNum(helpNum);
     const auto ask = [&](qint16 chnl) {
         console->EmptyList();
         console->TakeEvent({1, chnl, 1, chnl == 255 ? qint16(0) : qint16(3)});
-        Click("imgConsigne");
+        return ReadInstruction("wRunAlarms");
     };
     const QString none = GetText(710021);
     Load();
-    Click("imgConsigne");
-    EXPECT_EQ(boxes, QStringList());
-    for (const auto& [chnl, words] :
-         {std::pair(7, QString("Close the valve")), std::pair(8, none)}) {
-        script.On(dialog, [&, expected = words] {
-            EXPECT_EQ(TextOf(dialog, "lblAlarm"), console->RowText(0).replace(u' ', QChar(0xA0)));
-            EXPECT_EQ(TextOf(dialog, "lblConsigne"), expected);
-            Tap(dialog, "imgClose");
-        });
-        ask(qint16(chnl));
-    }
+    EXPECT_EQ(ReadInstruction("wRunAlarms"), QStringList());
+    QStringList told = ask(7);
+    EXPECT_EQ(told, QStringList({console->RowText(0), "Close the valve"}));
+    told = ask(8);
+    EXPECT_EQ(told, QStringList({console->RowText(0), none})) << "an instruction without a text";
     EXPECT_TRUE(boxes.isEmpty());
     for (const qint16 chnl : {9, 24, 255})
-        ask(chnl);
+        EXPECT_EQ(ask(chnl), QStringList()) << chnl;
     EXPECT_EQ(boxes, QStringList(3, none));
     EXPECT_EQ(styles, QList<int>(3, 16));
 
     // An alarm sends every other screen away, and a user who stays away the console too.
-    script.On(dialog, [] { Forms::UnloadAllBut({}); });
-    ask(7);
+    script.On("dlgConsigne", [] { Forms::UnloadAllBut({}); });
+    console->EmptyList();
+    Bus(1, 7, 1, 3);
+    Click("imgConsigne");
     EXPECT_EQ(Forms::Find("wRunAlarms"), nullptr);
 }
 

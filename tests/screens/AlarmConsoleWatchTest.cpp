@@ -4,7 +4,6 @@
 #include "screens/console/FaultBand.h"
 #include "screens/console/RowShapes.h"
 #include "screens/touch/Colours.h"
-#include "screens/touch/Theme.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,5 +1,4 @@
 #include "screens/dialogs/FilePicker.h"
-#include "platform/Volumes.h"
 #include "support/ScreensFixture.h"
 
 #include <QLineEdit>

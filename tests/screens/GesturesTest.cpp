@@ -20,13 +20,6 @@
 
 namespace {
 
-void Swipe(QWidget* on, const QPoint& from, int way) {
-    QTest::mousePress(on, Qt::LeftButton, {}, from);
-    for (int moved = 0; moved <= qAbs(way); moved += 8)
-        QTest::mouseMove(on, from - QPoint(0, way < 0 ? -moved : moved));
-    QTest::mouseRelease(on, Qt::LeftButton, {}, from - QPoint(0, way));
-}
-
 TouchTable::Row Line(const QString& tag, const QString& number, const QString& word) {
     return {{number, word}, tag};
 }
@@ -160,7 +153,10 @@ TEST(GesturesTest, ASwipeScrollsAndATouchSelects) {
     table.show();
     QWidget* view = table.viewport();
     const QPoint middle = view->rect().center();
-    Swipe(view, middle, 96);
+    QTest::mousePress(view, Qt::LeftButton, {}, middle);
+    for (const int moved : {8, 40, 96})
+        QTest::mouseMove(view, middle - QPoint(0, moved));
+    QTest::mouseRelease(view, Qt::LeftButton, {}, middle - QPoint(0, 96));
     EXPECT_EQ(table.verticalScrollBar()->value(), 96);
     EXPECT_EQ(table.CurrentRow(), -1) << "a swipe selects nothing";
     QTest::mouseClick(view, Qt::LeftButton, {}, middle);

@@ -1,9 +1,7 @@
 // The operator's help: which page is shown, turning it by touch, and the pages themselves.
 
-#include "core/Config.h"
 #include "screens/dialogs/HelpText.h"
 #include "screens/dialogs/wHelp.h"
-#include "screens/touch/Theme.h"
 #include "support/ScreensFixture.h"
 
 #include <QDirIterator>
@@ -104,11 +102,8 @@ TEST_F(HelpTest, PageIsTurnedByTouchAndTheWayBackIsKept) {
     const int line = Place() - page;
     EXPECT_GT(line, 20);
     EXPECT_LT(line, page / 3);
-    Tap(Help, "imgControl_5");
-    Tap(Help, "imgControl_4");
-    EXPECT_EQ(Place(), 0);
-    Tap(Help, "imgControl_7");
-    Tap(Help, "imgNavig_0");
+    for (const char* control : {"imgControl_5", "imgControl_4", "imgControl_7", "imgNavig_0"})
+        Tap(Help, control);
     EXPECT_EQ(Place(), 0);
 
     QWidget* back = Child(Help, "imgNavig_1");

@@ -2,7 +2,6 @@
 
 #include "events/HistoryFile.h"
 
-#include "core/DateTimes.h"
 #include "events/HistoProcs.h"
 #include "events/TextProcs.h"
 #include "model/Models.h"

@@ -1,7 +1,5 @@
 // The history viewer on its screen, worked by touches.
 
-#include "core/FormNames.h"
-#include "screens/dialogs/dlgConsigne.h"
 #include "screens/history/HistoryGrid.h"
 #include "screens/history/wHistoric.h"
 
@@ -51,7 +49,7 @@ protected:
             });
         }));
     }
-    static void TapControl(int index) { Tap(History, QStringLiteral("imgControl_%1").arg(index)); }
+    static void TapControl(int index) { Tap(History, "imgControl", index); }
     /// Another file is chosen, and read.
     static void Turn(int index) {
         TapControl(index);
@@ -63,25 +61,6 @@ protected:
     }
     static HistoryGrid& Grid() { return *Find<HistoryGrid>(History, "grdAlarms"); }
     static QString Current() { return Grid().CurrentLine().left(6); }
-    static void TapFile(int row) {
-        QTest::mouseClick(Files().viewport(), Qt::LeftButton, {},
-                          Files().visualItemRect(Files().item(row)).center());
-    }
-    /// Taps the instruction; gives the two texts of the dialog, or the text of the box.
-    QStringList Instruction() {
-        QStringList texts;
-        boxes.clear();
-        QTimer::singleShot(20, Screen(History), [&] {
-            if (Screen(FormNames::dlgConsigne) == nullptr)
-                return;
-            texts = QStringList{TextOf(FormNames::dlgConsigne, "lblAlarm"),
-                                TextOf(FormNames::dlgConsigne, "lblConsigne")};
-            Tap(FormNames::dlgConsigne, "imgClose");
-        });
-        Tap(History, "imgConsigne");
-        QTest::qWait(30);
-        return texts + boxes;
-    }
 };
 
 } // namespace
@@ -169,10 +148,10 @@ TEST_F(HistoryTest, MovesThroughTheFiles) {
     shows("2024 - 03", "000001"); // there is no later file
 
     Files().scrollToTop();
-    TapFile(1);
+    TapRow(&Files(), 1);
     WaitForLoad();
     shows("2024 - 01", "000030");
-    TapFile(0);
+    TapRow(&Files(), 0);
     WaitForLoad();
     EXPECT_EQ(Grid().Count(), 0);
     EXPECT_FALSE(Grid().isVisible());
@@ -195,20 +174,16 @@ TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
     file.close();
     Open();
     TapControl(8);
-    const QStringList texts = Instruction();
-    ASSERT_EQ(texts.size(), 2);
-    EXPECT_EQ(texts[1], "Open the valve");
-    QString alarm = texts[0];
-    EXPECT_FALSE(alarm.contains(u' '));
-    alarm.replace(QChar(0xA0), u' ');
-    EXPECT_EQ(alarm.indexOf(u'\n'), 82);
-    EXPECT_EQ(alarm.remove(u'\n'), Grid().CurrentLine());
-
+    EXPECT_EQ(ReadInstruction(History),
+              QStringList({Grid().CurrentLine().insert(82, u'\n'), "Open the valve"}));
+    const QString none = GetText(710021);
     TapControl(6);
-    EXPECT_EQ(Instruction().value(1), GetText(710021)) << "an instruction without a text";
+    EXPECT_EQ(ReadInstruction(History).value(1), none) << "an instruction without a text";
+    EXPECT_TRUE(boxes.isEmpty());
     for (int row = 2; row < Grid().Count(); ++row) {
         TapControl(6);
-        EXPECT_EQ(Instruction(), QStringList(GetText(710021))) << row;
+        EXPECT_EQ(ReadInstruction(History), QStringList()) << row;
+        EXPECT_EQ(boxes, QStringList(row - 1, none));
         EXPECT_EQ(styles.last(), 16);
     }
 

@@ -1,7 +1,5 @@
 // A dialog that somebody is at when an alarm comes, and a prompt that is given up.
 
-#include "core/Boxes.h"
-#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 #include "screens/dialogs/dlgConsigne.h"
 #include "screens/dialogs/dlgKeyboard.h"

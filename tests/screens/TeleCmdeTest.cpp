@@ -1,13 +1,10 @@
 // One remote-controlled module: lamps, selection, orders and the wait for them.
 
-#include "core/Config.h"
-#include "core/FormNames.h"
 #include "model/Models.h"
 #include "screens/remote/Telecommande.h"
 #include "screens/remote/wTeleCmde.h"
 #include "support/FakeModules.h"
 #include "support/ScreensFixture.h"
-#include "support/Script.h"
 
 namespace {
 
@@ -237,15 +234,7 @@ TEST_F(TeleCmdeTest, InstructionOfTheChosenChannel) {
     EXPECT_EQ(styles, QList<int>{16});
     const auto told = [](int channel) {
         Choose(channel);
-        QStringList shown;
-        Script script;
-        script.On("dlgConsigne", [&] {
-            shown = {TextOf("dlgConsigne", "lblAlarm").replace(QChar(0xA0), u' '),
-                     TextOf("dlgConsigne", "lblConsigne")};
-            Tap("dlgConsigne", "imgClose");
-        });
-        Tap(Module, "imgConsigne");
-        return shown;
+        return ReadInstruction(Module);
     };
     const QString none = GetText(710021);
     EXPECT_EQ(told(12), QStringList({"P09-C12 ", "Open the flap by hand"}));

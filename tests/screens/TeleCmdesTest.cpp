@@ -1,7 +1,5 @@
 // The overview of the remote-controlled modules, worked by touches.
 
-#include "core/Config.h"
-#include "core/FormNames.h"
 #include "model/Models.h"
 #include "screens/remote/Telecommande.h"
 #include "screens/remote/wTeleCmde.h"

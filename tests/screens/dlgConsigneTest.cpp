@@ -1,6 +1,5 @@
 #include "screens/dialogs/dlgConsigne.h"
 
-#include "core/FormNames.h"
 #include "screens/touch/TouchImage.h"
 #include "support/ScreensFixture.h"
 

@@ -37,10 +37,7 @@ protected:
         return Child(Table, QStringLiteral("imgControl_%1").arg(int(action)))->isVisible();
     }
     static void Save() { Tap(Table, "cmdBoutons_1"); }
-    static void TapRow(int row) {
-        QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {},
-                          Grid().visualItemRect(Grid().item(row, 0)).center());
-    }
+    static void Choose(int row) { TapRow(&Grid(), row); }
     /// What is typed over the fields of the form that comes next.
     void Fill(const char* name, const char* code) {
         script.On(Codes(), [name, code] {
@@ -64,7 +61,7 @@ TEST_F(DefPwdsTest, UsersAboveTheOwnLevelAreHiddenAndKept) {
     EXPECT_TRUE(Offers(Change) && Offers(Delete));
     Grid().setCurrentCell(2, 0);
     EXPECT_FALSE(Offers(Change) || Offers(Delete));
-    TapRow(1);
+    Choose(1);
     EXPECT_TRUE(Offers(Change) && Offers(Delete));
     Press(Up);
     EXPECT_EQ(Grid().currentRow(), 0);
@@ -110,7 +107,7 @@ TEST_F(DefPwdsTest, DoublesOfStoredUsersAreRefused) {
 
 TEST_F(DefPwdsTest, AUserMayKeepTheOwnNameAndCode) {
     Open(3);
-    TapRow(1);
+    Choose(1);
     script.On(Codes(), [] {
         EXPECT_EQ(Box(0)->text(), "MANAGER");
         EXPECT_EQ(Box(1)->text(), "SAME");
@@ -127,9 +124,9 @@ TEST_F(DefPwdsTest, AUserMayKeepTheOwnNameAndCode) {
     Press(Change);
     EXPECT_EQ(Grid().item(1, 0)->text(), "MANAGER");
     // The row above goes: the user is still the second one of the site.
-    TapRow(0);
+    Choose(0);
     Press(Delete);
-    TapRow(0);
+    Choose(0);
     Fill("MANAGER", "OP-1");
     Press(Change);
     EXPECT_EQ(boxes.last(), GetText(640101)) << "the deleted user is in the site until it is saved";

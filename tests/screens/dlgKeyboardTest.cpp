@@ -1,5 +1,4 @@
 #include "screens/dialogs/dlgKeyboard.h"
-#include "core/FormNames.h"
 #include "platform/CodePage.h"
 #include "support/ScreensFixture.h"
 

@@ -1,6 +1,5 @@
 #include "screens/dialogs/dlgListInput.h"
 #include "core/ErrorHandling.h"
-#include "core/FormNames.h"
 #include "support/ScreensFixture.h"
 
 #include <QLineEdit>

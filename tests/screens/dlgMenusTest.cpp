@@ -1,6 +1,5 @@
 // The two submenus and where their buttons and the tiles lead.
 
-#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 #include "screens/touch/Navigation.h"
 

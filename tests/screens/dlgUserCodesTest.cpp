@@ -1,5 +1,4 @@
 #include "screens/dialogs/dlgUserCodes.h"
-#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 
 #include <QAccessible>

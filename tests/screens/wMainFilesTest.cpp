@@ -1,6 +1,5 @@
 // The site file under the main menu: saving, opening, a new site, and what leaving does with it.
 
-#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 
 #include <QMessageBox>

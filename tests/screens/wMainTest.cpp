@@ -1,8 +1,5 @@
-#include "core/FormNames.h"
 #include "support/FakeForm.h"
 #include "support/ScreensFixture.h"
-
-#include <QFile>
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "support/Bench.h"
 #include "support/FakeLink.h"
 
+#include <QAbstractItemModel>
 #include <QApplication>
 #include <QLabel>
 #include <QTest>
@@ -72,6 +73,30 @@ protected:
         }
         if (QWidget* child = Child(form, name))
             QTest::mouseClick(child, Qt::LeftButton);
+    }
+    static void Tap(const QString& form, const char* array, int index) {
+        Tap(form, QString(array) + u'_' + QString::number(index));
+    }
+    template <class View> static void TapRow(View* view, int row) {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                          view->visualRect(view->model()->index(row, 0)).center());
+    }
+    /// Touches the instruction on a form and gives the two texts of the dialog, none if it doesn't
+    /// come.
+    static QStringList ReadInstruction(const QString& form) {
+        const QString dialog = FormNames::dlgConsigne;
+        QStringList texts;
+        QTimer reader;
+        reader.callOnTimeout([&] {
+            if (Screen(dialog) == nullptr || !Screen(dialog)->isVisible())
+                return;
+            texts = {TextOf(dialog, "lblAlarm").replace(QChar(0xA0), u' '),
+                     TextOf(dialog, "lblConsigne")};
+            Tap(dialog, "imgClose");
+        });
+        reader.start(1);
+        Tap(form, "imgConsigne");
+        return texts;
     }
     /// Asks by a dialog that waits, and does something while it is up. What then still stands is
     /// hidden, so that nothing hangs.
