@@ -4,7 +4,7 @@ import json
 import re
 from collections import Counter
 
-from build import FOLDERS, ROOT, key_of, read_rows
+from build import FAULTS, FOLDERS, ROOT, key_of, read_rows
 from run import COVER, MATRIX
 
 
@@ -113,6 +113,10 @@ def report(unseen_path, redundant_path):
         out.write("# Of each test: can it go without losing a fault (go/keep), lines, faults seen, faults that only it\n"
                   "# sees, ms. All marked go may go together. A fault's tests are looked for in the program of its own\n"
                   "# folder first, so programs without a folder of src/ see only what the others don't.\n")
+        planned = Counter(r["file"].split("/")[1] for r in read_rows(FAULTS))
+        ran = Counter(r["file"].split("/")[1] for r in rows)
+        for folder in FOLDERS:
+            out.write(f"# {folder}: {ran[folder]} of {planned[folder]} faults run\n")
         for file, tests in sorted(files.items()):
             gone = sum(count for test, count in tests if test not in kept and test not in skipped)
             can_go += gone
