@@ -8,10 +8,6 @@
 
 namespace {
 
-QByteArray Bytes(const char* hex) {
-    return QByteArray::fromHex(hex);
-}
-
 class Exchange : public Bench {
 protected:
     Exchange() { link.setPortOpen(true); }
@@ -27,12 +23,12 @@ TEST(Crc, OfKnownFrames) {
         return quint16(CommFunctions::CRC16(bytes + QByteArray(2, '\0'), int(bytes.size())));
     };
     EXPECT_EQ(crcOf("123456789"), 0x4B37);
-    EXPECT_EQ(crcOf(Bytes("1103006B0003")), 0x8776);
-    EXPECT_EQ(crcOf(Bytes("110600010003")), 0x9B9A);
+    EXPECT_EQ(crcOf(FromHex("1103006B0003")), 0x8776);
+    EXPECT_EQ(crcOf(FromHex("110600010003")), 0x9B9A);
     EXPECT_EQ(crcOf(QByteArray()), 0xFFFF);
 
-    EXPECT_EQ(CommFunctions::CRC16(Bytes("1103006B"), 3), 1);
-    EXPECT_EQ(CommFunctions::CRC16(Bytes("1103006B"), 9), 1);
+    EXPECT_EQ(CommFunctions::CRC16(FromHex("1103006B"), 3), 1);
+    EXPECT_EQ(CommFunctions::CRC16(FromHex("1103006B"), 9), 1);
     EXPECT_EQ(CommFunctions::CRC16(QByteArray(), 0), 1);
 }
 
@@ -43,9 +39,10 @@ TEST_F(Exchange, FramesAreExactToTheByte) {
     EcritMots(link, 0x11, 1, {10, 0x0102});
     LitMots(link, 64, 288, words);
     EcritUnMot(link, 64, 289, -1);
-    const QList<QByteArray> expected = {
-        Bytes("1103006B00037687"), Bytes("1106000100039A9B"), Bytes("11100001000204000A0102C6F0"),
-        WithCrc(Bytes("400301200003")), WithCrc(Bytes("40060121FFFF"))};
+    const QList<QByteArray> expected = {FromHex("1103006B00037687"), FromHex("1106000100039A9B"),
+                                        FromHex("11100001000204000A0102C6F0"),
+                                        WithCrc(FromHex("400301200003")),
+                                        WithCrc(FromHex("40060121FFFF"))};
     EXPECT_EQ(link.sent, expected);
     EXPECT_TRUE(link.readyToSend);
 }
@@ -53,20 +50,20 @@ TEST_F(Exchange, FramesAreExactToTheByte) {
 TEST_F(Exchange, TakesAGoodReplyWithoutWaiting) {
     // The byte count of the reply is not looked at.
     for (const char* count : {"06", "00", "FF"}) {
-        Answer(WithCrc(Bytes("1103") + Bytes(count) + Bytes("022B8000FFFF")));
+        Answer(WithCrc(FromHex("1103") + FromHex(count) + FromHex("022B8000FFFF")));
         Words words(3);
         EXPECT_TRUE(LitMots(link, 0x11, 0x6B, words));
         EXPECT_EQ(words, (Words{0x022B, -32768, -1}));
     }
-    Answer(WithCrc(Bytes("110600010003")));
+    Answer(WithCrc(FromHex("110600010003")));
     EXPECT_TRUE(EcritUnMot(link, 0x11, 1, 3));
-    Answer(WithCrc(Bytes("111000010002")));
+    Answer(WithCrc(FromHex("111000010002")));
     EXPECT_TRUE(EcritMots(link, 0x11, 1, {10, 258}));
     EXPECT_EQ(link.waitedMs, 0);
 }
 
 TEST_F(Exchange, RefusesADamagedReadAndKeepsTheValues) {
-    const QByteArray good = WithCrc(Bytes("1103020007"));
+    const QByteArray good = WithCrc(FromHex("1103020007"));
     struct {
         const char* what;
         QByteArray reply;
@@ -80,10 +77,10 @@ TEST_F(Exchange, RefusesADamagedReadAndKeepsTheValues) {
         {"CRC high", good.chopped(1) + char(good.back() ^ 1), 0},
         {"CRC low", good.left(5) + char(good[5] ^ 0x80) + good[6], 0},
         {"a flipped value", good.left(4) + char(8) + good.mid(5), 0},
-        {"another address", WithCrc(Bytes("1203020007")), 0},
-        {"another function", WithCrc(Bytes("1104020007")), 0},
-        {"an exception", WithCrc(Bytes("118302")), 1028},
-        {"the echo", WithCrc(Bytes("110300900001")), 0},
+        {"another address", WithCrc(FromHex("1203020007")), 0},
+        {"another function", WithCrc(FromHex("1104020007")), 0},
+        {"an exception", WithCrc(FromHex("118302")), 1028},
+        {"the echo", WithCrc(FromHex("110300900001")), 0},
     };
     for (const auto& damage : damages) {
         Answer(damage.reply);
@@ -97,7 +94,7 @@ TEST_F(Exchange, RefusesADamagedReadAndKeepsTheValues) {
 }
 
 TEST_F(Exchange, RefusesADamagedReplyToAWrite) {
-    const QByteArray good = WithCrc(Bytes("110600010003"));
+    const QByteArray good = WithCrc(FromHex("110600010003"));
     struct {
         QByteArray reply;
         qint64 waits;
@@ -105,8 +102,8 @@ TEST_F(Exchange, RefusesADamagedReplyToAWrite) {
         {{}, 500},
         {good.chopped(1), 500},
         {good + '\1', 0},
-        {WithCrc(Bytes("120600010003")), 0},
-        {WithCrc(Bytes("110300010003")), 0},
+        {WithCrc(FromHex("120600010003")), 0},
+        {WithCrc(FromHex("110300010003")), 0},
     };
     for (const auto& damage : damages) {
         Answer(damage.reply);
@@ -116,9 +113,9 @@ TEST_F(Exchange, RefusesADamagedReplyToAWrite) {
         EXPECT_FALSE(EcritMots(link, 0x11, 1, {3, 4}));
     }
     // Neither the CRC nor register and value count in the reply to a write.
-    Answer(Bytes("1106FFFF00000000"));
+    Answer(FromHex("1106FFFF00000000"));
     EXPECT_TRUE(EcritUnMot(link, 0x11, 1, 3));
-    Answer(Bytes("1110FFFF00000000"));
+    Answer(FromHex("1110FFFF00000000"));
     EXPECT_TRUE(EcritMots(link, 0x11, 1, {3, 4}));
 }
 
@@ -139,15 +136,15 @@ TEST_F(Exchange, ABroadcastHasNoReply) {
     EXPECT_TRUE(EcritUnMot(link, 0, 289, 0));
     EXPECT_TRUE(EcritMots(link, 0, 25, {1, 2}));
     EXPECT_EQ(clock.MonotonicMs() - before, 2 * 25);
-    EXPECT_EQ(link.sent.value(0), WithCrc(Bytes("000601210000")));
-    EXPECT_EQ(link.sent.value(1), WithCrc(Bytes("0010001900020400010002")));
+    EXPECT_EQ(link.sent.value(0), WithCrc(FromHex("000601210000")));
+    EXPECT_EQ(link.sent.value(1), WithCrc(FromHex("0010001900020400010002")));
 }
 
 TEST_F(Exchange, ALateReplyCantSpoilTheNextExchange) {
-    Answer(WithCrc(Bytes("1103020007")).left(4));
+    Answer(WithCrc(FromHex("1103020007")).left(4));
     Words words(1);
     EXPECT_FALSE(LitMots(link, 0x11, 144, words));
-    Answer(WithCrc(Bytes("1103020009")));
+    Answer(WithCrc(FromHex("1103020009")));
     EXPECT_TRUE(LitMots(link, 0x11, 144, words));
     EXPECT_EQ(words, Words{9});
 }

@@ -9,10 +9,6 @@ namespace {
 
 using Outcome = BusDiagnosis::Outcome;
 
-QByteArray Bytes(const char* hex) {
-    return QByteArray::fromHex(hex);
-}
-
 /// A line on which replies take their time.
 class SlowLink : public FakeLink {
 public:
@@ -48,7 +44,7 @@ protected:
 };
 
 TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
-    const QByteArray good = WithCrc(Bytes("1103020007"));
+    const QByteArray good = WithCrc(FromHex("1103020007"));
     struct {
         const char* what;
         QByteArray reply;
@@ -61,21 +57,21 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
         {"a surplus byte", good + '\0', Outcome::BadCrc},
         {"two replies", good + good, Outcome::BadCrc},
         {"a flipped bit", good.left(4) + '\6' + good.mid(5), Outcome::BadCrc},
-        {"the echo", WithCrc(Bytes("110300900001")), Outcome::BadCrc},
-        {"another function", WithCrc(Bytes("1104020007")), Outcome::BadCrc},
-        {"an exception", WithCrc(Bytes("118302")), Outcome::Exception},
-        {"a damaged exception", Bytes("1183020000"), Outcome::BadCrc},
-        {"another address", WithCrc(Bytes("1203020007")), Outcome::OtherAddress},
-        {"an exception of another", WithCrc(Bytes("128302")), Outcome::OtherAddress},
-        {"another, at its own length", WithCrc(Bytes("12030400070008")), Outcome::OtherAddress},
+        {"the echo", WithCrc(FromHex("110300900001")), Outcome::BadCrc},
+        {"another function", WithCrc(FromHex("1104020007")), Outcome::BadCrc},
+        {"an exception", WithCrc(FromHex("118302")), Outcome::Exception},
+        {"a damaged exception", FromHex("1183020000"), Outcome::BadCrc},
+        {"another address", WithCrc(FromHex("1203020007")), Outcome::OtherAddress},
+        {"an exception of another", WithCrc(FromHex("128302")), Outcome::OtherAddress},
+        {"another, at its own length", WithCrc(FromHex("12030400070008")), Outcome::OtherAddress},
     };
     for (const auto& read : reads) {
         EXPECT_EQ(Read(0x11, read.reply), read.outcome == Outcome::Answered) << read.what;
         EXPECT_EQ(diagnosis.LastOf(0x11), read.outcome) << read.what;
     }
-    EXPECT_FALSE(Write(0x11, WithCrc(Bytes("118604"))));
+    EXPECT_FALSE(Write(0x11, WithCrc(FromHex("118604"))));
     EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::Exception);
-    EXPECT_TRUE(Write(0x11, Bytes("1106000100030000"))) << "its CRC doesn't count";
+    EXPECT_TRUE(Write(0x11, FromHex("1106000100030000"))) << "its CRC doesn't count";
     EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::BadCrc) << "but is told";
 
     const BusDiagnosis::Counters counters = diagnosis.SinceStart(0x11);
@@ -90,7 +86,7 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
 }
 
 TEST_F(Diagnosis, MeasuresTheRepliesOfTheHour) {
-    const QByteArray good = WithCrc(Bytes("0503020007"));
+    const QByteArray good = WithCrc(FromHex("0503020007"));
     const auto told = [](const BusDiagnosis::Counters& counters) {
         return std::array<double, 4>{double(counters.exchanges), double(counters.shortest),
                                      counters.Mean(), double(counters.longest)};
@@ -112,14 +108,14 @@ TEST_F(Diagnosis, MeasuresTheRepliesOfTheHour) {
 
 TEST_F(Diagnosis, KeepsTheFramesOfLate) {
     const platform::DateTime sent = clock.Now() + 25 / 86400000.0;
-    Read(7, WithCrc(Bytes("0803020007")), 12);
+    Read(7, WithCrc(FromHex("0803020007")), 12);
     EcritUnMot(link, 0, 289, 0);
     Read(9, {});
     ASSERT_EQ(diagnosis.EndFrame(), 4U) << "silence is no frame";
     const BusDiagnosis::Frame& reply = diagnosis.FrameAt(1);
     EXPECT_EQ(diagnosis.FrameAt(0).Bytes(), link.sent.value(0));
     EXPECT_EQ(reply.panel, 7) << "whoever replies";
-    EXPECT_EQ(reply.Bytes(), WithCrc(Bytes("0803020007")));
+    EXPECT_EQ(reply.Bytes(), WithCrc(FromHex("0803020007")));
     EXPECT_EQ(reply.direction, BusDiagnosis::Direction::Received);
     EXPECT_EQ(diagnosis.FrameAt(2).panel, 0);
     constexpr double HalfMs = 0.5 / 86400000.0;

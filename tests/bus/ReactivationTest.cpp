@@ -1,11 +1,10 @@
 #include "bus/Engine.h"
 
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "support/FakeConsole.h"
 
 namespace {
-
-const QString Console = QStringLiteral("wRunAlarms");
 
 /// An alarm of panel 5, channel 7, that came at noon and was acknowledged.
 class Reactivation : public Engine {
@@ -13,7 +12,7 @@ protected:
     Reactivation() {
         Start();
         SetOptions(31, 31, 31, 31);
-        Forms::Register(Console, [this]() -> Forms::Form* {
+        Forms::Register(FormNames::wRunAlarms, [this]() -> Forms::Form* {
             console = std::make_unique<FakeConsole>(log);
             return console.get();
         });
@@ -23,12 +22,12 @@ protected:
         Channel().setKlaxon(true);
         Channel().setAlmPrio(40);
     }
-    ~Reactivation() override { Forms::Register(Console, {}); }
+    ~Reactivation() override { Forms::Register(FormNames::wRunAlarms, {}); }
 
     static ChannelClass& Channel(int number = 7) { return Site().Panel(5).Channel(number); }
     /// The console on the screen, with one row.
     void Stand(qint32 id = 0x05070101, const char* text = " 12 2024-03-15 12:00:00 P05-C07") {
-        Forms::Show(Console);
+        Forms::Show(FormNames::wRunAlarms);
         console->rows += {QString::fromLatin1(text), id};
         log.clear();
     }
@@ -189,7 +188,7 @@ TEST_F(Reactivation, SomeScreenIsAlwaysVisible) {
     FakeForm own(QStringLiteral("wPolling"), log);
     Tick(0);
     EXPECT_EQ(log, QStringList{QStringLiteral("show wRunAlarms")});
-    EXPECT_EQ(NbInstances(Console), 1);
+    EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
     Tick(10);
     EXPECT_EQ(log.size(), 1);
     console->Hide();
@@ -206,7 +205,7 @@ TEST_F(Reactivation, AnAlarmMayCostTheConsole) {
         using FakeForm::FakeForm;
         void Unload() override {
             FakeForm::Unload();
-            Forms::Unload(Console);
+            Forms::Unload(FormNames::wRunAlarms);
         }
     };
     Stand();
@@ -215,7 +214,7 @@ TEST_F(Reactivation, AnAlarmMayCostTheConsole) {
     Tick(61);
     EXPECT_EQ(Taken(), 1) << "on the new console";
     EXPECT_EQ(console->RowCount(), 0);
-    EXPECT_EQ(NbInstances(Console), 1);
+    EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
 }
 
 TEST_F(Reactivation, APortThatCameBackIsOpenedAgain) {

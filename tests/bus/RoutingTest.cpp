@@ -1,11 +1,10 @@
 #include "bus/Engine.h"
 
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "support/FakeForm.h"
 
 namespace {
-
-const QString Console = QStringLiteral("wRunAlarms");
 
 /// A horn that notes when it sounds.
 class NotingSound : public platform::SilentSound {
@@ -25,8 +24,8 @@ protected:
     Routing() {
         Start();
         SetOptions(31, 31, 31, 31);
-        Forms::Register(Console, [this]() -> Forms::Form* {
-            console = std::make_unique<FakeForm>(Console, log);
+        Forms::Register(FormNames::wRunAlarms, [this]() -> Forms::Form* {
+            console = std::make_unique<FakeForm>(FormNames::wRunAlarms, log);
             return console.get();
         });
         PanelClass& panel = AddModule(5, Models::Q7100);
@@ -39,7 +38,7 @@ protected:
         Site().setAlarmPrioSound(99, 9);
     }
     void SetUp() override { traced = TraceLines().size(); }
-    ~Routing() override { Forms::Register(Console, {}); }
+    ~Routing() override { Forms::Register(FormNames::wRunAlarms, {}); }
 
     void Route(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
         EventClass event(panel, chnl, param, aff);
@@ -86,13 +85,13 @@ TEST_F(Routing, ShowsAConsoleThatAnotherFormTookDown) {
         using FakeForm::FakeForm;
         void Unload() override {
             FakeForm::Unload();
-            Forms::Unload(Console);
+            Forms::Unload(FormNames::wRunAlarms);
         }
     };
     log.clear();
     const Taker taker(QStringLiteral("wSysComm"), log);
     Route(5, 7, 0, 1);
-    EXPECT_EQ(NbInstances(Console), 1);
+    EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
     EXPECT_EQ(log.mid(2),
               (QStringList{QStringLiteral("unload wSysComm"), QStringLiteral("unload wRunAlarms"),
                            QStringLiteral("show wRunAlarms"), QStringLiteral("front wRunAlarms")}));
@@ -127,7 +126,7 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
     Messages::Install([&](const QString& text, int, bool) {
         told += text;
         EXPECT_EQ(horn->starts, 1);
-        EXPECT_EQ(NbInstances(Console), 1);
+        EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
         EXPECT_EQ(events.size(), 1);
         return int(Messages::Ok);
     });

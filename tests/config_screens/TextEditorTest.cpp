@@ -19,7 +19,6 @@ namespace {
 
 const QString Biblio = FormNames::wParamBiblio;
 const QString Consignes = FormNames::wParamConsignes;
-const QString Keyboard = FormNames::dlgKeyboard;
 
 enum Image { OneUp = 2, OneDown, StepUp, StepDown, Copy, Paste, Cut, Clear, Edit, FromFile };
 
@@ -37,12 +36,14 @@ protected:
     static void GoTo(const QString& form, int number) { List(form)->setCurrentRow(number - 1); }
     /// Edits the current entry, by one line or by several.
     void Type(const QString& form, const QString& text) {
-        script.On(Keyboard, [form, text] {
+        script.On(FormNames::dlgKeyboard, [form, text] {
             if (form == Biblio)
-                Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"))->setText(text);
+                Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))
+                    ->setText(text);
             else
-                Find<QPlainTextEdit>(Keyboard, QStringLiteral("txtValue_1"))->setPlainText(text);
-            Tap(Keyboard, QStringLiteral("imgControl_1"));
+                Find<QPlainTextEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_1"))
+                    ->setPlainText(text);
+            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
         });
         Touch(form, Edit);
     }

@@ -5,31 +5,29 @@
 
 namespace {
 
-const QString List = FormNames::wBusModules;
-const QString Copy = FormNames::dlgBusCopy;
-const QString Confirm = QStringLiteral("cmdBoutons_1");
+const QString ConfirmCopy = QStringLiteral("cmdBoutons_1");
 
 class BusCopyTest : public ConfigScreensTest {
 protected:
     /// Opens the dialog from the list of the panels and does something there, then closes it.
     void InDialog(const std::function<void()>& act) {
-        Forms::Show(List);
-        script.On(Copy, [act] {
+        Forms::Show(FormNames::wBusModules);
+        script.On(FormNames::dlgBusCopy, [act] {
             act();
-            Tap(Copy, QStringLiteral("cmdBoutons_0"));
+            Tap(FormNames::dlgBusCopy, QStringLiteral("cmdBoutons_0"));
         });
-        Tap(List, QStringLiteral("imgCopyPanel"));
-        EXPECT_EQ(NbInstances(Copy), 0);
+        Tap(FormNames::wBusModules, QStringLiteral("imgCopyPanel"));
+        EXPECT_EQ(NbInstances(FormNames::dlgBusCopy), 0);
     }
     static void Arrow(int index, int times = 1) {
         while (times-- > 0)
-            Tap(Copy, QStringLiteral("imgControl_%1").arg(index));
+            Tap(FormNames::dlgBusCopy, QStringLiteral("imgControl_%1").arg(index));
     }
     static QString Shown() {
-        return TextOf(Copy, QStringLiteral("lblPanelNo_0")) + u' ' +
-               TextOf(Copy, QStringLiteral("lblPanelNo_1"));
+        return TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelNo_0")) + u' ' +
+               TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelNo_1"));
     }
-    static bool CanCopy() { return Child(Copy, Confirm)->isEnabled(); }
+    static bool CanCopy() { return Child(FormNames::dlgBusCopy, ConfirmCopy)->isEnabled(); }
 
     Script script;
 };
@@ -46,9 +44,12 @@ TEST_F(BusCopyTest, ShowsBothPanelsAndCopiesOnlyOntoAnother) {
         EXPECT_EQ(Shown(), QStringLiteral("01 01"));
         Arrow(1);
         EXPECT_TRUE(CanCopy());
-        EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelModel_0")), QStringLiteral("P5000"));
-        EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelTitle_0")), QStringLiteral("Pumps\nnorth"));
-        EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelModel_1")), QStringLiteral("-----"));
+        EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelModel_0")),
+                  QStringLiteral("P5000"));
+        EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelTitle_0")),
+                  QStringLiteral("Pumps\nnorth"));
+        EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelModel_1")),
+                  QStringLiteral("-----"));
         Arrow(3);
         EXPECT_FALSE(CanCopy());
         Arrow(3, 70);
@@ -67,9 +68,10 @@ TEST_F(BusCopyTest, TheTargetKeepsItsNumberAndWhatThePollingKnows) {
         Arrow(1);
         for (const int target : {3, 4}) {
             Arrow(3, target == 3 ? 2 : 1);
-            Tap(Copy, Confirm);
-            EXPECT_EQ(TextOf(Copy, QStringLiteral("lblPanelTitle_1")), QStringLiteral("Pumps"));
-            EXPECT_FALSE(TextOf(Copy, QStringLiteral("lblCopied")).isEmpty());
+            Tap(FormNames::dlgBusCopy, ConfirmCopy);
+            EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelTitle_1")),
+                      QStringLiteral("Pumps"));
+            EXPECT_FALSE(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblCopied")).isEmpty());
             const PanelClass& copied = Site().Panel(target);
             EXPECT_EQ(copied.Numero(), target);
             EXPECT_EQ(copied.Channel(3).ScreenText(), QStringLiteral("Pump 3"));
@@ -79,7 +81,8 @@ TEST_F(BusCopyTest, TheTargetKeepsItsNumberAndWhatThePollingKnows) {
         }
     });
     EXPECT_TRUE(boxes.isEmpty()) << "nothing is asked";
-    EXPECT_EQ(TextOf(List, QStringLiteral("lblLblPan_2")), QStringLiteral("Pumps"));
+    EXPECT_EQ(TextOf(FormNames::wBusModules, QStringLiteral("lblLblPan_2")),
+              QStringLiteral("Pumps"));
     ConfigClass saved;
     EXPECT_EQ(saved.Read(CurrentConfigFile()), 0);
     EXPECT_EQ(saved.Panel(4).Title(), QStringLiteral("Pumps"));

@@ -10,9 +10,7 @@
 
 namespace {
 
-const QString List = FormNames::wBusModules;
 const QString Picker = FormNames::dlgFilePicker;
-const QString Keyboard = FormNames::dlgKeyboard;
 const QString Import = QStringLiteral("imgImportExport_0");
 const QString Export = QStringLiteral("imgImportExport_1");
 
@@ -21,29 +19,35 @@ protected:
     static QString Part(const char* array, int tile) {
         return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(tile);
     }
-    static QString Text(const char* array, int tile) { return TextOf(List, Part(array, tile)); }
-    static bool Crossed(int tile) { return !Child(List, Part("imgCroix", tile))->isHidden(); }
-    static void Turn(int way) { Tap(List, Part("imgNavig", way)); }
+    static QString Text(const char* array, int tile) {
+        return TextOf(FormNames::wBusModules, Part(array, tile));
+    }
+    static bool Crossed(int tile) {
+        return !Child(FormNames::wBusModules, Part("imgCroix", tile))->isHidden();
+    }
+    static void Turn(int way) { Tap(FormNames::wBusModules, Part("imgNavig", way)); }
     /// The first number of the page, and which arrows are enabled.
     static QString Page() {
         const auto enabled = [](int way) {
-            return Child(List, Part("imgNavig", way))->isEnabled() ? QStringLiteral("+")
-                                                                   : QStringLiteral("-");
+            return Child(FormNames::wBusModules, Part("imgNavig", way))->isEnabled()
+                       ? QStringLiteral("+")
+                       : QStringLiteral("-");
         };
         return enabled(1) + Text("lblNumPan", 0) + enabled(2);
     }
     void Confirm(const QString& name) {
-        script.On(Keyboard, [name] {
-            Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"))->setText(name);
-            Tap(Keyboard, QStringLiteral("imgControl_1"));
+        script.On(FormNames::dlgKeyboard, [name] {
+            Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))->setText(name);
+            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
         });
     }
     QString InFolder(const char* name) const { return Path(QString::fromLatin1(name)); }
     void SaveAs(const QString& name) {
         script.On(Picker, [this, name] {
-            script.Next(Keyboard, [name] {
-                Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"))->setText(name);
-                Tap(Keyboard, QStringLiteral("imgControl_1"));
+            script.Next(FormNames::dlgKeyboard, [name] {
+                Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))
+                    ->setText(name);
+                Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
             });
             Tap(Picker, QStringLiteral("imgName"));
             Tap(Picker, QStringLiteral("imgControl_1"));
@@ -72,7 +76,7 @@ TEST_F(BusModulesTest, TilesShowThePanelsOfAPage) {
     Site().Panel(19).setActive(true);
     Site().Panel(20).setModel(1);
     Site().Panel(20).setActive(true);
-    Forms::Show(List);
+    Forms::Show(FormNames::wBusModules);
     EXPECT_EQ(Page(), QStringLiteral("-01+"));
     Turn(1);
     EXPECT_EQ(Page(), QStringLiteral("-01+"));
@@ -98,9 +102,9 @@ TEST_F(BusModulesTest, BeginsAtThePageOfTheSettings) {
     for (const auto& [setting, page] : pages) {
         IniWrite(QStringLiteral("General"), QStringLiteral("PanelPage"),
                  QString::fromLatin1(setting));
-        Forms::Show(List);
+        Forms::Show(FormNames::wBusModules);
         EXPECT_EQ(Page(), QString::fromLatin1(page)) << setting;
-        Forms::Unload(List);
+        Forms::Unload(FormNames::wBusModules);
         RemoveUnloaded();
     }
 }
@@ -112,15 +116,15 @@ TEST_F(BusModulesTest, TitlesOfAnyColourAndLengthCanBeRead) {
         Site().Panel(tile + 1).setTitleColor(colours[tile]);
     }
     Site().Panel(8).setTitle(QStringLiteral("Main switchboard of the water treatment"));
-    Forms::Show(List);
+    Forms::Show(FormNames::wBusModules);
     for (int tile = 0; tile < 7; ++tile) {
-        const auto* title = Find<PanelTitle>(List, Part("lblLblPan", tile));
+        const auto* title = Find<PanelTitle>(FormNames::wBusModules, Part("lblLblPan", tile));
         EXPECT_EQ(title->Ink(), Colours::FromBgr(colours[tile]));
         EXPECT_GE(Colours::Contrast(title->Ink(), title->Ground()), 4.5) << tile;
         EXPECT_EQ(title->Lines().size(), 3);
         EXPECT_TRUE(title->Lines().last().endsWith(QChar(0x2026)));
     }
-    EXPECT_EQ(Find<PanelTitle>(List, Part("lblLblPan", 7))->Lines().join(u' '),
+    EXPECT_EQ(Find<PanelTitle>(FormNames::wBusModules, Part("lblLblPan", 7))->Lines().join(u' '),
               Site().Panel(8).Title());
 }
 
@@ -131,12 +135,12 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
                                              {"lblLblPan", 11},
                                              {"imgCroix", 15}};
     for (const auto& [array, tile] : parts) {
-        Forms::Show(List);
+        Forms::Show(FormNames::wBusModules);
         Turn(2);
-        Tap(List, Part(array, tile));
+        Tap(FormNames::wBusModules, Part(array, tile));
         EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblNumModule_0")),
                   QString::number(17 + tile));
-        EXPECT_EQ(NbInstances(List), 0) << array;
+        EXPECT_EQ(NbInstances(FormNames::wBusModules), 0) << array;
         Forms::Unload(FormNames::wBusPanneau);
         RemoveUnloaded();
     }
@@ -144,29 +148,30 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
                                                 {"lblMiroirs", FormNames::wBusMiroirs},
                                                 {"imgNavig_0", FormNames::wMain}};
     for (const auto& [control, form] : ways) {
-        Forms::Show(List);
-        Tap(List, QString::fromLatin1(control));
-        EXPECT_TRUE(NbInstances(form) == 1 && NbInstances(List) == 0) << control;
+        Forms::Show(FormNames::wBusModules);
+        Tap(FormNames::wBusModules, QString::fromLatin1(control));
+        EXPECT_TRUE(NbInstances(form) == 1 && NbInstances(FormNames::wBusModules) == 0) << control;
         Forms::Unload(form);
         RemoveUnloaded();
     }
 }
 
 TEST_F(BusModulesTest, TheKeyboardTurnsToAPanel) {
-    Forms::Show(List);
+    Forms::Show(FormNames::wBusModules);
     Confirm(QStringLiteral("50"));
-    QTest::keyClick(Screen(List), Qt::Key_F12);
+    QTest::keyClick(Screen(FormNames::wBusModules), Qt::Key_F12);
     EXPECT_EQ(Page(), QStringLiteral("+49-"));
-    script.On(Keyboard, [] { Tap(Keyboard, QStringLiteral("imgControl_0")); });
-    QTest::keyClick(Screen(List), Qt::Key_F12);
+    script.On(FormNames::dlgKeyboard,
+              [] { Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_0")); });
+    QTest::keyClick(Screen(FormNames::wBusModules), Qt::Key_F12);
     EXPECT_EQ(Page(), QStringLiteral("+49-"));
 }
 
 TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
     Site().Panel(5).Channel(6).setScreenText(QStringLiteral("Pump"));
-    Forms::Show(List);
+    Forms::Show(FormNames::wBusModules);
     SaveAs(QStringLiteral("channels"));
-    Tap(List, Export);
+    Tap(FormNames::wBusModules, Export);
     EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', QStringLiteral("768")));
     QByteArray sheet = Content(InFolder("channels.txt"));
     EXPECT_TRUE(sheet.contains("Pump\t"));
@@ -174,7 +179,7 @@ TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
     Write(InFolder("channels.txt"), sheet.replace("Pump", "D\xC3\xA9"
                                                           "bit"));
     TakeFile(script, QStringLiteral("channels.txt"));
-    Tap(List, Import);
+    Tap(FormNames::wBusModules, Import);
     EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), QStringLiteral("Débit"));
     EXPECT_TRUE(Site().Modified());
     EXPECT_FALSE(QFile::exists(CurrentConfigFile()));
@@ -185,7 +190,7 @@ TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
     // A text that the sheet can't give back is told at once.
     Site().Panel(7).Channel(8).setPrintText(QStringLiteral("a\tb"));
     SaveAs(QStringLiteral("torn"));
-    Tap(List, Export);
+    Tap(FormNames::wBusModules, Export);
     EXPECT_TRUE(boxes.last().endsWith(GetText(300514)
                                           .replace(QStringLiteral("$1"), QStringLiteral("7"))
                                           .replace(QStringLiteral("$2"), QStringLiteral("8"))));
@@ -195,9 +200,9 @@ TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
 TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
     Write(InFolder("bad.txt"), "1\t1\t1\t0\t0\t0\t5\t1\t0\t0\t0\t0\tPump\tPump\n"
                                "1\t2\t1\t0\t0\t0\t100\t1\t0\t0\t0\t0\tPump\tPump\n");
-    Forms::Show(List);
+    Forms::Show(FormNames::wBusModules);
     TakeFile(script, QStringLiteral("bad.txt"));
-    Tap(List, Import);
+    Tap(FormNames::wBusModules, Import);
     ASSERT_EQ(boxes.size(), 2);
     EXPECT_TRUE(boxes[0].contains(QStringLiteral("Error Nr 380")));
     EXPECT_TRUE(boxes[0].endsWith(QStringLiteral("Object : imgImportExport\r\nEvent : Click")));
@@ -210,10 +215,10 @@ TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
 
 TEST_F(BusModulesTest, AnAlarmTakesTheChoiceOfAFileAway) {
     for (const QString& image : {Import, Export}) {
-        Forms::Show(List);
+        Forms::Show(FormNames::wBusModules);
         script.On(Picker, [] { AlarmComes(); });
-        Tap(List, image);
-        EXPECT_EQ(NbInstances(List) + NbInstances(Picker), 0);
+        Tap(FormNames::wBusModules, image);
+        EXPECT_EQ(NbInstances(FormNames::wBusModules) + NbInstances(Picker), 0);
         EXPECT_TRUE(boxes.isEmpty());
     }
 }

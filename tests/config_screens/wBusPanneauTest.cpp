@@ -16,24 +16,24 @@ using namespace ChannelParameters;
 
 namespace {
 
-const QString Form = FormNames::wBusPanneau;
-const QString Keyboard = FormNames::dlgKeyboard;
-
 enum Place { OnScreen = 2, Kind = 4, Priority = 6, Delay = 11, ScreenText = 12 };
-enum Image { Back, On, Copy, Paste, Cut, Clear };
 
 class BusPanneauTest : public ConfigScreensTest {
 protected:
+    enum Image { Back, On, Copy, Paste, Cut, Clear };
+
     static void Open(int number) {
-        Forms::Load(Form);
-        dynamic_cast<wBusPanneau*>(Screen(Form))->setNumModule(qint16(number));
-        Forms::Show(Form);
+        Forms::Load(FormNames::wBusPanneau);
+        dynamic_cast<wBusPanneau*>(Screen(FormNames::wBusPanneau))->setNumModule(qint16(number));
+        Forms::Show(FormNames::wBusPanneau);
     }
     static QString Name(const char* array, int index) {
         return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(index);
     }
-    static QString Value(int parameter) { return TextOf(Form, Name("lblParamVal", parameter)); }
-    static void Touch(int image) { Tap(Form, Name("imgControl", image)); }
+    static QString Value(int parameter) {
+        return TextOf(FormNames::wBusPanneau, Name("lblParamVal", parameter));
+    }
+    static void Touch(int image) { Tap(FormNames::wBusPanneau, Name("imgControl", image)); }
     static void GoTo(int channel) {
         const int from = Value(Number).toInt();
         for (int i = 0; i < qAbs(channel - from); ++i)
@@ -42,28 +42,28 @@ protected:
     }
     /// Changes a parameter by its button, from the list or with the keyboard.
     void Set(int parameter, const QString& value) {
-        Tap(Form, Name("lblParamVal", parameter));
+        Tap(FormNames::wBusPanneau, Name("lblParamVal", parameter));
         if (All()[parameter].list != nullptr) {
-            Choose(Form, QStringLiteral("imgModif"), value);
+            Choose(FormNames::wBusPanneau, QStringLiteral("imgModif"), value);
             return;
         }
-        script.On(Keyboard, [value] {
-            auto* line = Find<QLineEdit>(Keyboard, QStringLiteral("txtValue_0"));
+        script.On(FormNames::dlgKeyboard, [value] {
+            auto* line = Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"));
             EXPECT_EQ(line->maxLength(), 40);
             line->setText(value);
-            Tap(Keyboard, QStringLiteral("imgControl_1"));
+            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
         });
-        Tap(Form, QStringLiteral("imgModif"));
+        Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
     }
     void Leave(int reply) {
         answer = reply;
-        Tap(Form, Name("imgNavig", 5));
+        Tap(FormNames::wBusPanneau, Name("imgNavig", 5));
         RemoveUnloaded();
         Forms::Unload(FormNames::wBusModules);
         RemoveUnloaded();
     }
     static bool Enabled(const char* array, int index) {
-        return Child(Form, Name(array, index))->isEnabled();
+        return Child(FormNames::wBusPanneau, Name(array, index))->isEnabled();
     }
 
     Script script;
@@ -96,7 +96,7 @@ TEST_F(BusPanneauTest, EachParameterIsStoredWhereItBelongs) {
     GoTo(5);
     for (const auto& [parameter, value] : values)
         EXPECT_EQ(Value(parameter), value) << parameter;
-    const auto* texts = Find<QListWidget>(Form, QStringLiteral("lstBiblio"));
+    const auto* texts = Find<QListWidget>(FormNames::wBusPanneau, QStringLiteral("lstBiblio"));
     EXPECT_EQ(texts->currentItem()->text(), QStringLiteral("Pumps"));
     EXPECT_EQ(Site().Panel(3).Title(), QString()) << "nothing reaches the site before the answer";
     Leave(Messages::Yes);
@@ -121,22 +121,23 @@ TEST_F(BusPanneauTest, ThePointerStepsOverTheChannelNumber) {
     AddPanel(1, 1);
     Open(1);
     EXPECT_FALSE(Enabled("imgNavig", 1));
-    Tap(Form, Name("lblParamVal", Number));
-    script.On(Keyboard, [] { Tap(Keyboard, QStringLiteral("imgControl_0")); });
-    Tap(Form, QStringLiteral("imgModif"));
+    Tap(FormNames::wBusPanneau, Name("lblParamVal", Number));
+    script.On(FormNames::dlgKeyboard,
+              [] { Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_0")); });
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
     const auto pointed = [] {
         for (int i = 0; i < All().size(); ++i) {
-            if (Find<ValueLabel>(Form, Name("lblParamVal", i))->IsPointed())
+            if (Find<ValueLabel>(FormNames::wBusPanneau, Name("lblParamVal", i))->IsPointed())
                 return i;
         }
         return -1;
     };
     EXPECT_EQ(pointed(), int(Title));
-    Tap(Form, Name("imgNavig", 2));
+    Tap(FormNames::wBusPanneau, Name("imgNavig", 2));
     EXPECT_EQ(pointed(), int(OnScreen));
-    Tap(Form, Name("imgNavig", 1));
+    Tap(FormNames::wBusPanneau, Name("imgNavig", 1));
     EXPECT_EQ(pointed(), int(Title));
-    Tap(Form, Name("lblParamVal", 13));
+    Tap(FormNames::wBusPanneau, Name("lblParamVal", 13));
     EXPECT_FALSE(Enabled("imgNavig", 2));
 }
 
@@ -168,28 +169,28 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
         Site().Mirrors().Add(qint16(from), 1, qint16(to), 1, 1);
     Open(1);
     answer = Messages::Cancel;
-    Tap(Form, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
     EXPECT_EQ(boxes.last(), GetText(30011));
     EXPECT_EQ(styles.last(), 49);
     EXPECT_EQ(Site().Mirrors().Count(), 3);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModele")), ModuleName(1));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(1));
     answer = Messages::Ok;
-    Tap(Form, QStringLiteral("imgModele"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModele")), ModuleName(2));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(2));
     ASSERT_EQ(Site().Mirrors().Count(), 1);
     EXPECT_EQ(Site().Mirrors().Item(1).FromModule(), 3);
     const qsizetype asked = boxes.size();
     const auto wayToMirrors = [] {
-        return Child(Form, QStringLiteral("lblVisuTcde"))->isHidden()
+        return Child(FormNames::wBusPanneau, QStringLiteral("lblVisuTcde"))->isHidden()
                    ? QString()
-                   : TextOf(Form, QStringLiteral("lblVisuTcde"));
+                   : TextOf(FormNames::wBusPanneau, QStringLiteral("lblVisuTcde"));
     };
-    Tap(Form, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
     EXPECT_EQ(wayToMirrors(), GetText(300130));
-    Tap(Form, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
     EXPECT_EQ(wayToMirrors(), GetText(300131)) << "a remote-controlled model";
-    Tap(Form, QStringLiteral("imgModele"));
-    Tap(Form, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
     EXPECT_EQ(wayToMirrors(), QString()) << "from the last back to none";
     EXPECT_EQ(boxes.size(), asked) << "in no mirror any more";
     Leave(Messages::No);
@@ -204,26 +205,26 @@ TEST_F(BusPanneauTest, WhatTheBusFoundOutMeanwhileStays) {
     panel.Channel(1).setState(5);
     panel.setPresent(false);
     answer = Messages::Yes;
-    Tap(Form, Name("imgNavPanel", 2));
+    Tap(FormNames::wBusPanneau, Name("imgNavPanel", 2));
     EXPECT_EQ(panel.Channel(1).ScreenText(), QStringLiteral("Pump"));
     EXPECT_EQ(panel.Channel(1).State(), 5);
     EXPECT_FALSE(panel.Present());
-    EXPECT_EQ(TextOf(Form, Name("lblNumModule", 0)), QStringLiteral("2"));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, Name("lblNumModule", 0)), QStringLiteral("2"));
 }
 
 TEST_F(BusPanneauTest, ClearAndUndoTouchTheDraftOnly) {
     AddPanel(64, 2).setTitle(QStringLiteral("Pumps"));
     Open(64);
     EXPECT_FALSE(Enabled("imgNavPanel", 2));
-    Tap(Form, QStringLiteral("imgActive"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblActive")), GetText(300120));
-    Tap(Form, QStringLiteral("imgCancel"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblActive")), GetText(300121));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgActive"));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblActive")), GetText(300120));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgCancel"));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblActive")), GetText(300121));
     Leave(Messages::Cancel);
     EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
     Open(64);
-    Tap(Form, QStringLiteral("imgClear"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModele")), ModuleName(0));
+    Tap(FormNames::wBusPanneau, QStringLiteral("imgClear"));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(0));
     Leave(Messages::Cancel);
     EXPECT_EQ(Site().Panel(64).Model(), 2);
     Leave(Messages::Yes);
@@ -238,7 +239,9 @@ TEST_F(BusPanneauTest, AnEditAnAlarmTookAwayComesBackOnItsPanel) {
     Set(ScreenText, QStringLiteral("Kept"));
     AlarmComes();
     EXPECT_TRUE(boxes.isEmpty());
-    const auto told = [] { return !Child(Form, QStringLiteral("lblKept"))->isHidden(); };
+    const auto told = [] {
+        return !Child(FormNames::wBusPanneau, QStringLiteral("lblKept"))->isHidden();
+    };
     Open(2);
     EXPECT_FALSE(told());
     Leave(Messages::No);
@@ -272,13 +275,13 @@ TEST_F(BusPanneauTest, ATitleTakesAColourOfThePaletteOnWhichItIsRead) {
         Tap(palette, Name("cmdColour", 4));
         Tap(palette, QStringLiteral("imgControl_1"));
     });
-    Tap(Form, QStringLiteral("lblTitleColor"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("lblTitleColor"));
     EXPECT_GE(colours.size(), 40U);
     script.On(palette, [palette] {
         Tap(palette, Name("cmdColour", 1));
         Tap(palette, QStringLiteral("imgControl_0"));
     });
-    Tap(Form, QStringLiteral("lblTitleColor"));
+    Tap(FormNames::wBusPanneau, QStringLiteral("lblTitleColor"));
     Leave(Messages::Yes);
     EXPECT_EQ(Site().Panel(1).TitleColor(), 0x0000FF) << "red in the low byte";
 }

@@ -10,10 +10,6 @@
 
 namespace {
 
-QString Text(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 QStringList Log(std::initializer_list<const char*> entries) {
     QStringList log;
     for (const char* entry : entries)

@@ -8,10 +8,6 @@
 
 namespace {
 
-QString Text(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 QDateTime At(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
     return QDateTime(QDate(year, month, day), QTime(hour, minute, second));
 }

@@ -15,10 +15,6 @@ namespace {
 
 using Rows::Stars;
 
-QString Text(const char* text) {
-    return QString::fromUtf8(text);
-}
-
 class Printed : public Bench {
 protected:
     Printed() {

@@ -1,4 +1,5 @@
 #include "screens/dialogs/FilePicker.h"
+#include "core/FormNames.h"
 #include "platform/Volumes.h"
 #include "support/ScreensFixture.h"
 
@@ -9,7 +10,6 @@
 
 namespace {
 
-const QString Dialog = QStringLiteral("dlgFilePicker");
 const QString KeyboardName = QStringLiteral("dlgKeyboard");
 const QString Filter = QStringLiteral("Site (*.kv2)|*.kv2");
 
@@ -40,7 +40,8 @@ protected:
     QString Sites() const { return Path(QStringLiteral("sites")); }
 
     static QListWidget* List() {
-        return qobject_cast<QListWidget*>(Child(Dialog, QStringLiteral("lstFiles")));
+        return qobject_cast<QListWidget*>(
+            Child(FormNames::dlgFilePicker, QStringLiteral("lstFiles")));
     }
     static QStringList Rows() {
         QStringList rows;
@@ -56,8 +57,12 @@ protected:
                           List()->visualItemRect(found[0]).center());
         QCoreApplication::processEvents();
     }
-    static void TapImage(int index) { Tap(Dialog, QStringLiteral("imgControl_%1").arg(index)); }
-    static void TapControl(const char* name) { Tap(Dialog, QString::fromLatin1(name)); }
+    static void TapImage(int index) {
+        Tap(FormNames::dlgFilePicker, QStringLiteral("imgControl_%1").arg(index));
+    }
+    static void TapControl(const char* name) {
+        Tap(FormNames::dlgFilePicker, QString::fromLatin1(name));
+    }
     /// Answers the keyboard that the next tap brings up.
     static void Typing(const QString& text) {
         QTimer::singleShot(0, [text] {
@@ -73,12 +78,13 @@ protected:
         QTimer::singleShot(0, [&] {
             acted = true;
             act();
-            if (ScreenForm* left = Screen(Dialog); left != nullptr && left->Visible())
+            if (ScreenForm* left = Screen(FormNames::dlgFilePicker);
+                left != nullptr && left->Visible())
                 left->Hide();
         });
         QString path = pick();
         EXPECT_TRUE(acted);
-        EXPECT_EQ(NbInstances(Dialog), 0);
+        EXPECT_EQ(NbInstances(FormNames::dlgFilePicker), 0);
         RemoveUnloaded();
         return path;
     }
@@ -134,7 +140,8 @@ TEST_F(FilePickerTest, GivesTheFileThatIsTappedAndConfirmed) {
     EXPECT_EQ(Open(
                   [&] {
                       TapImage(Confirm);
-                      EXPECT_TRUE(Screen(Dialog)->Visible()) << "nothing is chosen yet";
+                      EXPECT_TRUE(Screen(FormNames::dlgFilePicker)->Visible())
+                          << "nothing is chosen yet";
                       TapRow(QStringLiteral("b.kv2"));
                       TapImage(Confirm);
                   },
@@ -154,7 +161,8 @@ TEST_F(FilePickerTest, GivesTheFileThatIsTappedAndConfirmed) {
                   [&] {
                       TapRow(QStringLiteral("STICK"));
                       TapImage(Confirm);
-                      EXPECT_TRUE(Screen(Dialog)->Visible()) << "the name was of another folder";
+                      EXPECT_TRUE(Screen(FormNames::dlgFilePicker)->Visible())
+                          << "the name was of another folder";
                   },
                   Sites(), QStringLiteral("A.KV2")),
               QString());
@@ -173,7 +181,11 @@ TEST_F(FilePickerTest, FiltersAreChangedByATap) {
             EXPECT_FALSE(Rows().contains(QStringLiteral("plain")));
         },
         Sites(), {}, filters);
-    Open([&] { EXPECT_FALSE(Child(Dialog, QStringLiteral("cmdFilter"))->isEnabled()); }, Sites());
+    Open(
+        [&] {
+            EXPECT_FALSE(Child(FormNames::dlgFilePicker, QStringLiteral("cmdFilter"))->isEnabled());
+        },
+        Sites());
 }
 
 TEST_F(FilePickerTest, SavingAddsTheExtensionAndAsksAheadOfReplacing) {
@@ -262,7 +274,7 @@ TEST_F(FilePickerTest, AFolderWithoutRightsIsToldWithoutHarm) {
 TEST_F(FilePickerTest, ChoosesAFolderAndMakesOne) {
     EXPECT_EQ(Choose(
                   [&] {
-                      EXPECT_EQ(TextOf(Dialog, QStringLiteral("lblTitle")),
+                      EXPECT_EQ(TextOf(FormNames::dlgFilePicker, QStringLiteral("lblTitle")),
                                 QStringLiteral("Where?"));
                       EXPECT_FALSE(Rows().contains(QStringLiteral("b.kv2")));
                       TapRow(QStringLiteral("old"));

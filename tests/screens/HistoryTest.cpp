@@ -1,5 +1,6 @@
 // The history viewer on its screen, worked by touches.
 
+#include "core/FormNames.h"
 #include "screens/dialogs/dlgConsigne.h"
 #include "screens/history/HistoryGrid.h"
 #include "screens/history/wHistoric.h"
@@ -13,7 +14,6 @@
 namespace {
 
 const QString History = QStringLiteral("wHistoric");
-const QString Dialog = QStringLiteral("dlgConsigne");
 
 class HistoryTest : public ScreensTest {
 protected:
@@ -53,10 +53,11 @@ protected:
         QStringList texts;
         boxes.clear();
         QTimer::singleShot(20, Screen(History), [&] {
-            if (Screen(Dialog) == nullptr)
+            if (Screen(FormNames::dlgConsigne) == nullptr)
                 return;
-            texts = QStringList{TextOf(Dialog, "lblAlarm"), TextOf(Dialog, "lblConsigne")};
-            Tap(Dialog, "imgClose");
+            texts = QStringList{TextOf(FormNames::dlgConsigne, "lblAlarm"),
+                                TextOf(FormNames::dlgConsigne, "lblConsigne")};
+            Tap(FormNames::dlgConsigne, "imgClose");
         });
         Tap(History, "imgConsigne");
         QTest::qWait(30);

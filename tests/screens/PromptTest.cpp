@@ -1,6 +1,7 @@
 // A dialog that somebody is at when an alarm comes, and a prompt that is given up.
 
 #include "core/Boxes.h"
+#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 #include "screens/dialogs/dlgConsigne.h"
 #include "screens/dialogs/dlgKeyboard.h"
@@ -10,8 +11,6 @@
 
 namespace {
 
-const QString Console = QStringLiteral("wRunAlarms");
-const QString Menu = QStringLiteral("wMain");
 const QString Notice = QStringLiteral("dlgMessage");
 
 class PromptTest : public UsersTest {
@@ -23,7 +22,7 @@ protected:
         Forms::Load(QStringLiteral("wPolling"));
         link->setPortOpen(true);
         engine->setRun(true);
-        Forms::Show(Console);
+        Forms::Show(FormNames::wRunAlarms);
     }
     ~PromptTest() override { Boxes::Forget(); }
     PromptTest(const PromptTest&) = delete;
@@ -53,10 +52,10 @@ TEST_F(PromptTest, NobodyIsAskedOnAnOpenSite) {
         }
     });
     watch.start(1);
-    Tap(Console, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
     EXPECT_EQ(prompts, 0);
     EXPECT_FALSE(engine->Run());
-    Tap(Console, QStringLiteral("lblLogin_0"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("lblLogin_0"));
     EXPECT_EQ(prompts, 1) << "the login always asks";
 }
 
@@ -73,9 +72,9 @@ TEST_F(PromptTest, APromptThatIsGivenUpDoesNothing) {
     for (const auto& giveUp : ways) {
         for (const char* name : {"imgStopRun", "imgNavig_0"}) {
             script.On(Codes(), giveUp);
-            Tap(Console, QString::fromLatin1(name));
+            Tap(FormNames::wRunAlarms, QString::fromLatin1(name));
             EXPECT_TRUE(engine->Run()) << name;
-            EXPECT_NE(Screen(Console), nullptr) << name;
+            EXPECT_NE(Screen(FormNames::wRunAlarms), nullptr) << name;
             Site().setUserLevel(1, 1);
         }
     }
@@ -95,13 +94,13 @@ TEST_F(PromptTest, ACodeThatIsNotEnoughIsToldWithTheLevel) {
         TapKeys("SAME");
         Confirm();
     });
-    Tap(Console, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
     EXPECT_FALSE(engine->Run());
     EXPECT_EQ(events.count(SystemEvents::UserChanged), 2);
     // One code with which the level isn't reached is all that a single try has.
     Global::Get().userLevel = 0;
     Enter("OP-1");
-    Tap(Console, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
     EXPECT_FALSE(engine->Run());
 }
 
@@ -113,30 +112,31 @@ TEST_F(PromptTest, AnAlarmLeavesThePromptOfTheConsoleAndTheListBesideIt) {
         ASSERT_EQ(NbInstances(Codes()), 1);
         EXPECT_TRUE(Screen(Codes())->Visible());
         EXPECT_EQ(Box(1)->text(), QStringLiteral("OP"));
-        QWidget* grid = Child(Console, QStringLiteral("grdAlarms"));
+        QWidget* grid = Child(FormNames::wRunAlarms, QStringLiteral("grdAlarms"));
         EXPECT_GT(Screen(Codes())->y(), grid->y() + 150);
         int moves = 0;
         QObject::connect(dynamic_cast<RowGrid*>(grid), &RowGrid::RowColChange, grid,
                          [&moves] { ++moves; });
-        Screen(Console)->grab();
+        Screen(FormNames::wRunAlarms)->grab();
         clock.Advance(1000);
-        QTest::mouseClick(Screen(Console)->windowHandle(), Qt::LeftButton, Qt::NoModifier,
-                          grid->mapTo(Screen(Console), QPoint(100, 10)));
+        QTest::mouseClick(Screen(FormNames::wRunAlarms)->windowHandle(), Qt::LeftButton,
+                          Qt::NoModifier,
+                          grid->mapTo(Screen(FormNames::wRunAlarms), QPoint(100, 10)));
         EXPECT_EQ(moves, 1) << "the list takes touches";
         TapKeys("-1");
         Confirm();
     });
-    Tap(Console, QStringLiteral("imgAcquit"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgAcquit"));
     EXPECT_EQ(Global::Get().userLevel, 1);
     EXPECT_TRUE(engine->Run());
 }
 
 TEST_F(PromptTest, AnAlarmTakesThePromptOfAScreenThatGoes) {
-    Forms::Show(Menu);
+    Forms::Show(FormNames::wMain);
     script.On(Codes(), [this] { Alarm(3); });
-    Tap(Menu, QStringLiteral("imgMenu_0"));
-    EXPECT_EQ(NbInstances(Codes()) + NbInstances(Menu), 0);
-    EXPECT_TRUE(Screen(Console)->Visible());
+    Tap(FormNames::wMain, QStringLiteral("imgMenu_0"));
+    EXPECT_EQ(NbInstances(Codes()) + NbInstances(FormNames::wMain), 0);
+    EXPECT_TRUE(Screen(FormNames::wRunAlarms)->Visible());
 }
 
 TEST_F(PromptTest, ABoxThatNobodyCalledLeavesThePromptItsKeyboard) {
@@ -149,7 +149,7 @@ TEST_F(PromptTest, ABoxThatNobodyCalledLeavesThePromptItsKeyboard) {
         EXPECT_LT(Screen(Notice)->height(), 300);
         Cancel();
     });
-    Tap(Console, QStringLiteral("imgStopRun"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgStopRun"));
     // A touch anywhere on it reads it.
     Touch(Notice, Child(Notice, QStringLiteral("lblTitle")));
     EXPECT_EQ(Boxes::Unread(), 0);
@@ -221,7 +221,7 @@ TEST_F(PromptTest, AnInstructionThatAnAlarmTookIsOneTouchAway) {
     const QString dialog = QStringLiteral("dlgConsigne");
     script.On(dialog, [this] { Alarm(3); });
     dlgConsigne::Present(QStringLiteral("P01-C03 Pump"), QStringLiteral("Close the valve."));
-    QWidget* back = Child(Console, QStringLiteral("imgReadOn"));
+    QWidget* back = Child(FormNames::wRunAlarms, QStringLiteral("imgReadOn"));
     ASSERT_TRUE(back != nullptr && back->isVisible());
     script.On(dialog, [&] {
         EXPECT_EQ(TextOf(dialog, QStringLiteral("lblConsigne")),
@@ -230,5 +230,6 @@ TEST_F(PromptTest, AnInstructionThatAnAlarmTookIsOneTouchAway) {
     });
     QTest::mouseClick(back, Qt::LeftButton);
     RemoveUnloaded();
-    EXPECT_EQ(Screen(Console)->findChild<QWidget*>(QStringLiteral("imgReadOn")), nullptr);
+    EXPECT_EQ(Screen(FormNames::wRunAlarms)->findChild<QWidget*>(QStringLiteral("imgReadOn")),
+              nullptr);
 }

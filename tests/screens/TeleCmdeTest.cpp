@@ -1,6 +1,7 @@
 // One remote-controlled module: lamps, selection, orders and the wait for them.
 
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "model/Models.h"
 #include "screens/remote/Telecommande.h"
 #include "screens/remote/wTeleCmde.h"
@@ -9,7 +10,6 @@
 
 namespace {
 
-const QString Detail = QStringLiteral("wTeleCmde");
 constexpr int Address = 9;
 
 class TeleCmdeTest : public ScreensTest {
@@ -36,16 +36,20 @@ protected:
         screen->setPanel(&Site().Panel(Address));
         screen->Show();
     }
-    static void Choose(int channel) { Tap(Detail, QStringLiteral("lblVoyant_%1").arg(channel)); }
-    static void Order(int index) { Tap(Detail, QStringLiteral("ImgTcmde_%1").arg(index)); }
+    static void Choose(int channel) {
+        Tap(FormNames::wTeleCmde, QStringLiteral("lblVoyant_%1").arg(channel));
+    }
+    static void Order(int index) {
+        Tap(FormNames::wTeleCmde, QStringLiteral("ImgTcmde_%1").arg(index));
+    }
     static bool Tells(int text) {
-        return Child(Detail, QStringLiteral("lblWait"))->isVisible() &&
-               TextOf(Detail, QStringLiteral("lblWait")) == GetText(text);
+        return Child(FormNames::wTeleCmde, QStringLiteral("lblWait"))->isVisible() &&
+               TextOf(FormNames::wTeleCmde, QStringLiteral("lblWait")) == GetText(text);
     }
     static bool Waits() { return Tells(712005); }
     static QString Lamp(int channel) {
         const auto name = QStringLiteral("lblVoyant_%1").arg(channel);
-        return dynamic_cast<Voyant&>(*Child(Detail, name)).Colour().name();
+        return dynamic_cast<Voyant&>(*Child(FormNames::wTeleCmde, name)).Colour().name();
     }
     QList<QByteArray> Writes() const {
         QList<QByteArray> writes;
@@ -63,10 +67,11 @@ protected:
 
 TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
     Open(false);
-    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblNum")), "09");
-    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblModType")), "P5000");
-    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblTitle")), "Remote control - Ventilation");
-    EXPECT_EQ(Screen(Detail)->Indices(QStringLiteral("lblVoyant")),
+    EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblNum")), "09");
+    EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblModType")), "P5000");
+    EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblTitle")),
+              "Remote control - Ventilation");
+    EXPECT_EQ(Screen(FormNames::wTeleCmde)->Indices(QStringLiteral("lblVoyant")),
               QList<int>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
     Choose(5);
     const std::pair<int, std::pair<const char*, const char*>> states[] = {
@@ -75,7 +80,7 @@ TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
         Site().Panel(Address).Channel(5).setState(qint16(state));
         EXPECT_TRUE(QTest::qWaitFor([colour = shown.first] { return Lamp(5) == colour; }, 2000))
             << state;
-        EXPECT_EQ(TextOf(Detail, QStringLiteral("lblState")), shown.second);
+        EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblState")), shown.second);
     }
 }
 
@@ -83,7 +88,7 @@ TEST_F(TeleCmdeTest, StatesAndAMissingModuleShowWithoutColour) {
     Open(false);
     Choose(5);
     const auto grey = [] {
-        return Child(Detail, QStringLiteral("lblVoyant_5"))
+        return Child(FormNames::wTeleCmde, QStringLiteral("lblVoyant_5"))
             ->grab()
             .toImage()
             .convertToFormat(QImage::Format_Grayscale8);
@@ -109,22 +114,24 @@ TEST_F(TeleCmdeTest, StatesAndAMissingModuleShowWithoutColour) {
     EXPECT_GT(marked(looks[3]), marked(looks[0]) + 50) << "hatched";
     EXPECT_NE(marked(looks[1]), marked(looks[2]));
     EXPECT_TRUE(Tells(714103));
-    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblState")), GetText(714103));
+    EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblState")), GetText(714103));
 }
 
 TEST_F(TeleCmdeTest, TouchedLampIsChosenAndMarked) {
     Open(false);
-    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblChnlNo")), "0");
-    EXPECT_FALSE(Child(Detail, QStringLiteral("shpSelection"))->isVisible());
+    EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblChnlNo")), "0");
+    EXPECT_FALSE(Child(FormNames::wTeleCmde, QStringLiteral("shpSelection"))->isVisible());
     for (const int channel : {5, 12, 1}) {
         Choose(channel);
-        EXPECT_EQ(TextOf(Detail, QStringLiteral("lblChnlNo")), QString::number(channel));
-        EXPECT_EQ(Child(Detail, QStringLiteral("shpSelection"))->geometry(),
-                  Child(Detail, QStringLiteral("lblVoyant_%1").arg(channel))->geometry());
-        EXPECT_TRUE(Child(Detail, QStringLiteral("shpSelection"))->isVisible());
+        EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblChnlNo")),
+                  QString::number(channel));
+        EXPECT_EQ(
+            Child(FormNames::wTeleCmde, QStringLiteral("shpSelection"))->geometry(),
+            Child(FormNames::wTeleCmde, QStringLiteral("lblVoyant_%1").arg(channel))->geometry());
+        EXPECT_TRUE(Child(FormNames::wTeleCmde, QStringLiteral("shpSelection"))->isVisible());
     }
     Choose(5);
-    EXPECT_EQ(TextOf(Detail, QStringLiteral("lblChnlText")), "Supply fan");
+    EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblChnlText")), "Supply fan");
 }
 
 TEST_F(TeleCmdeTest, OrderNeedsARunningBusAndAChannel) {
@@ -134,7 +141,7 @@ TEST_F(TeleCmdeTest, OrderNeedsARunningBusAndAChannel) {
         Order(button);
     EXPECT_EQ(boxes, QStringList(3, GetText(220101)));
     EXPECT_EQ(styles, QList<int>(3, 16));
-    Screen(Detail)->Unload();
+    Screen(FormNames::wTeleCmde)->Unload();
     RemoveUnloaded();
     boxes.clear();
     Open(true);
@@ -161,7 +168,7 @@ TEST_F(TeleCmdeTest, OrderIsWrittenToTheChannelsRegister) {
         EXPECT_EQ(FakeModules::WordAt(frame, 4), values[button]);
     }
     EXPECT_TRUE(boxes.isEmpty());
-    EXPECT_TRUE(Screen(Detail)->Visible());
+    EXPECT_TRUE(Screen(FormNames::wTeleCmde)->Visible());
 }
 
 TEST_F(TeleCmdeTest, OrderTakenBackAtOnceGoesOutAsWellAndInOrder) {
@@ -202,8 +209,8 @@ TEST_F(TeleCmdeTest, WaitEndsWithTheBusTheScreenAndTheEngine) {
 
     engine->setRun(true);
     Order(0);
-    Tap(Detail, QStringLiteral("imgClose"));
-    EXPECT_EQ(NbInstances(Detail), 0);
+    Tap(FormNames::wTeleCmde, QStringLiteral("imgClose"));
+    EXPECT_EQ(NbInstances(FormNames::wTeleCmde), 0);
     RemoveUnloaded();
     EXPECT_TRUE(QTest::qWaitFor([&] { return engine->Commands().Count() == 0; }, 3000))
         << "what was ordered goes out without the screen";
@@ -242,7 +249,7 @@ TEST_F(TeleCmdeTest, InstructionOfTheChosenChannel) {
     Site().Panel(Address).Channel(12).setHelpNum(4);
     Site().Panel(Address).Channel(11).setHelpNum(5);
     Open(false);
-    Tap(Detail, QStringLiteral("imgConsigne"));
+    Tap(FormNames::wTeleCmde, QStringLiteral("imgConsigne"));
     EXPECT_EQ(boxes, QStringList(GetText(220100)));
     EXPECT_EQ(styles, QList<int>{16});
     const auto told = [&](int channel) {
@@ -254,7 +261,7 @@ TEST_F(TeleCmdeTest, InstructionOfTheChosenChannel) {
                      TextOf(dialog, QStringLiteral("lblConsigne"))};
             Tap(dialog, QStringLiteral("imgClose"));
         });
-        Tap(Detail, QStringLiteral("imgConsigne"));
+        Tap(FormNames::wTeleCmde, QStringLiteral("imgConsigne"));
         return shown;
     };
     const QString none = GetText(710021);

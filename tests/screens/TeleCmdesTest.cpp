@@ -1,6 +1,7 @@
 // The overview of the remote-controlled modules, worked by touches.
 
 #include "core/Config.h"
+#include "core/FormNames.h"
 #include "model/Models.h"
 #include "screens/remote/Telecommande.h"
 #include "screens/remote/wTeleCmde.h"
@@ -10,7 +11,6 @@
 namespace {
 
 const QString Overview = QStringLiteral("wTeleCmdes");
-const QString Detail = QStringLiteral("wTeleCmde");
 
 class TeleCmdesTest : public ScreensTest {
 protected:
@@ -137,11 +137,12 @@ TEST_F(TeleCmdesTest, TileOpensItsModuleAndTheWayBackIsKept) {
     Forms::Show(Overview);
     Tap(Overview, QStringLiteral("imgNavig_2"));
     TapTile(1);
-    ASSERT_EQ(NbInstances(Detail), 1);
-    EXPECT_EQ(dynamic_cast<wTeleCmde&>(*Forms::Find(Detail)).Panel(), &Site().Panel(32));
-    EXPECT_TRUE(Forms::Find(Detail)->Visible());
-    Tap(Detail, QStringLiteral("imgClose"));
-    EXPECT_EQ(NbInstances(Detail), 0);
+    ASSERT_EQ(NbInstances(FormNames::wTeleCmde), 1);
+    EXPECT_EQ(dynamic_cast<wTeleCmde&>(*Forms::Find(FormNames::wTeleCmde)).Panel(),
+              &Site().Panel(32));
+    EXPECT_TRUE(Forms::Find(FormNames::wTeleCmde)->Visible());
+    Tap(FormNames::wTeleCmde, QStringLiteral("imgClose"));
+    EXPECT_EQ(NbInstances(FormNames::wTeleCmde), 0);
     EXPECT_TRUE(Forms::Find(Overview)->Visible());
     EXPECT_EQ(Shown(), "32") << "the operator lands on the page that he left";
 }

@@ -133,7 +133,7 @@ QList<Design> Designs() {
 }
 
 /// The words of the plain table by text number, one for each language.
-QHash<QString, QStringList> Words() {
+QHash<QString, QStringList> TextTable() {
     QHash<QString, QStringList> words;
     QFile file(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/texts.tsv"));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
@@ -212,7 +212,7 @@ TEST(UiFilesTest, EveryTargetIsLargeEnoughForAFinger) {
 }
 
 TEST(UiFilesTest, EveryTextExistsAndFitsItsControlInAllLanguages) {
-    const QHash<QString, QStringList> words = Words();
+    const QHash<QString, QStringList> words = TextTable();
     int checked = 0;
     for (const Design& design : Designs()) {
         for (const Control& control : design.controls) {

@@ -1,11 +1,10 @@
 #include "screens/dialogs/dlgConsigne.h"
 
+#include "core/FormNames.h"
 #include "screens/touch/TouchImage.h"
 #include "support/ScreensFixture.h"
 
 namespace {
-
-const QString Dialog = QStringLiteral("dlgConsigne");
 
 class ConsigneTest : public ScreensTest {
 protected:
@@ -15,23 +14,23 @@ protected:
         dialog->setConsigne(text);
         dialog->Show();
     }
-    static QWidget& Text() { return *Child(Dialog, "lblConsigne"); }
-    static int Room() { return Child(Dialog, "frmConsigne")->height(); }
+    static QWidget& Text() { return *Child(FormNames::dlgConsigne, "lblConsigne"); }
+    static int Room() { return Child(FormNames::dlgConsigne, "frmConsigne")->height(); }
     /// Everything of the text can be brought in sight by the buttons.
     static void ReadToTheEnd() {
         const int end = Room() - Text().height();
         for (int taps = 0; Text().y() > end && taps < 50; ++taps) {
             const int before = Text().y();
-            Tap(Dialog, "imgControl_7");
+            Tap(FormNames::dlgConsigne, "imgControl_7");
             EXPECT_LT(before - Text().y(), Room()) << "no line is passed over";
         }
         EXPECT_EQ(Text().y(), end);
-        Tap(Dialog, "imgControl_6");
+        Tap(FormNames::dlgConsigne, "imgControl_6");
         EXPECT_EQ(Text().y(), end);
-        Tap(Dialog, "imgControl_5");
+        Tap(FormNames::dlgConsigne, "imgControl_5");
         EXPECT_GT(Text().y(), end);
         for (int taps = 0; taps < 50; ++taps)
-            Tap(Dialog, "imgControl_4");
+            Tap(FormNames::dlgConsigne, "imgControl_4");
         EXPECT_EQ(Text().y(), 0);
     }
 };
@@ -40,11 +39,12 @@ protected:
 
 TEST_F(ConsigneTest, ShortTextNeedsNoButtons) {
     Show(QStringLiteral("Close the valve.\r\nCall <b>the team</b>."));
-    EXPECT_EQ(TextOf(Dialog, "lblConsigne"), "Close the valve.\nCall <b>the team</b>.");
-    EXPECT_FALSE(TextOf(Dialog, "lblAlarm").contains(u' '));
-    EXPECT_FALSE(Child(Dialog, "imgControl_7")->isVisible());
-    Tap(Dialog, "imgClose");
-    EXPECT_FALSE(Screen(Dialog)->isVisible());
+    EXPECT_EQ(TextOf(FormNames::dlgConsigne, "lblConsigne"),
+              "Close the valve.\nCall <b>the team</b>.");
+    EXPECT_FALSE(TextOf(FormNames::dlgConsigne, "lblAlarm").contains(u' '));
+    EXPECT_FALSE(Child(FormNames::dlgConsigne, "imgControl_7")->isVisible());
+    Tap(FormNames::dlgConsigne, "imgClose");
+    EXPECT_FALSE(Screen(FormNames::dlgConsigne)->isVisible());
 }
 
 TEST_F(ConsigneTest, LongTextsAreReadByTheButtons) {
@@ -64,7 +64,7 @@ TEST_F(ConsigneTest, LongTextsAreReadByTheButtons) {
         EXPECT_LE(needed.height(), label.height());
         if (label.height() > Room())
             ReadToTheEnd();
-        Forms::Unload(Dialog);
+        Forms::Unload(FormNames::dlgConsigne);
         RemoveUnloaded();
     }
 }

@@ -1,4 +1,5 @@
 #include "screens/dialogs/dlgKeyboard.h"
+#include "core/FormNames.h"
 #include "platform/CodePage.h"
 #include "support/ScreensFixture.h"
 
@@ -6,11 +7,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-namespace {
-
-const QString Dialog = QStringLiteral("dlgKeyboard");
-
-} // namespace
+namespace {} // namespace
 
 class dlgKeyboardTest : public ScreensTest {
 protected:
@@ -21,27 +18,29 @@ protected:
         return QString::fromLatin1(array) + u'_' + QString::number(index);
     }
     static QPushButton* Button(const char* array, int index) {
-        return qobject_cast<QPushButton*>(Child(Dialog, Name(array, index)));
+        return qobject_cast<QPushButton*>(Child(FormNames::dlgKeyboard, Name(array, index)));
     }
     static QLineEdit* Line() {
-        return qobject_cast<QLineEdit*>(Child(Dialog, Name("txtValue", 0)));
+        return qobject_cast<QLineEdit*>(Child(FormNames::dlgKeyboard, Name("txtValue", 0)));
     }
     static QPlainTextEdit* Lines() {
-        return qobject_cast<QPlainTextEdit*>(Child(Dialog, Name("txtValue", 1)));
+        return qobject_cast<QPlainTextEdit*>(Child(FormNames::dlgKeyboard, Name("txtValue", 1)));
     }
     static void Ctrls(const QList<int>& keys) {
         for (const int key : keys)
-            Tap(Dialog, Name("cmdCtrl", key));
+            Tap(FormNames::dlgKeyboard, Name("cmdCtrl", key));
     }
-    static dlgKeyboard* Keyboard() { return qobject_cast<dlgKeyboard*>(Screen(Dialog)); }
-    static void LineBreak() { Tap(Dialog, QStringLiteral("imgCRLF")); }
+    static dlgKeyboard* Keyboard() {
+        return qobject_cast<dlgKeyboard*>(Screen(FormNames::dlgKeyboard));
+    }
+    static void LineBreak() { Tap(FormNames::dlgKeyboard, QStringLiteral("imgCRLF")); }
     /// Types characters of the printable ranges with the keys.
     static void Type(const QString& text) {
         const QByteArray codes = platform::ToCodePage(text);
         for (const char code : codes) {
             const int number = uchar(code);
-            Tap(Dialog, Name("cmdRange", number / 32 - 1));
-            Tap(Dialog, Name("cmdKey", number % 32));
+            Tap(FormNames::dlgKeyboard, Name("cmdRange", number / 32 - 1));
+            Tap(FormNames::dlgKeyboard, Name("cmdKey", number % 32));
         }
     }
 
@@ -51,12 +50,13 @@ protected:
         QTimer::singleShot(0, [&] {
             acted = true;
             act();
-            if (ScreenForm* left = Screen(Dialog); left != nullptr && left->Visible())
+            if (ScreenForm* left = Screen(FormNames::dlgKeyboard);
+                left != nullptr && left->Visible())
                 left->Hide();
         });
         auto text = AskText(QStringLiteral("Title"), present, maxLength, multiLine);
         EXPECT_TRUE(acted);
-        EXPECT_EQ(NbInstances(Dialog), 0);
+        EXPECT_EQ(NbInstances(FormNames::dlgKeyboard), 0);
         RemoveUnloaded();
         return text;
     }
@@ -70,7 +70,7 @@ TEST_F(dlgKeyboardTest, EveryRangeShowsItsCharactersOfTheCodePage) {
     Ask([&] {
         EXPECT_EQ(Button("cmdKey", 0)->text(), QStringLiteral("@")) << "begins with the capitals";
         for (int range = 0; range < 7; ++range) {
-            Tap(Dialog, Name("cmdRange", range));
+            Tap(FormNames::dlgKeyboard, Name("cmdRange", range));
             for (int key = 0; key < 32; ++key) {
                 QString wanted =
                     platform::FromCodePage(QByteArray(1, char((range + 1) * 32 + key)));
@@ -96,9 +96,10 @@ TEST_F(dlgKeyboardTest, KeysLieInTheirGridAndAreLargeEnoughAtEverySize) {
     for (const QSize& display : {QSize(), QSize(1280, 800)}) {
         OverrideScreenSize(display);
         Ask([&] {
-            const QWidget* box = Child(Dialog, QStringLiteral("picKeyboard"));
-            EXPECT_TRUE(Screen(Dialog)->rect().contains(box->geometry()));
-            EXPECT_EQ(box->geometry().right() + 1 + box->x(), Screen(Dialog)->width());
+            const QWidget* box = Child(FormNames::dlgKeyboard, QStringLiteral("picKeyboard"));
+            EXPECT_TRUE(Screen(FormNames::dlgKeyboard)->rect().contains(box->geometry()));
+            EXPECT_EQ(box->geometry().right() + 1 + box->x(),
+                      Screen(FormNames::dlgKeyboard)->width());
             const double column = box->width() / 10.1;
             const auto check = [&](const QPushButton* key, double x, double y, double width,
                                    double row) {
@@ -132,7 +133,7 @@ TEST_F(dlgKeyboardTest, TypesAtTheCaretAndKeepsTheFocusInTheBox) {
             EXPECT_EQ(Keyboard()->focusWidget(), Line());
             Ctrls({Home});
             Type(QStringLiteral("1"));
-            Tap(Dialog, Name("imgControl", Confirm));
+            Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm));
         },
         QStringLiteral("ab"));
     EXPECT_EQ(text, QStringLiteral("1abK&x é€"));
@@ -155,7 +156,7 @@ TEST_F(dlgKeyboardTest, EditsOneLine) {
             Ctrls({Clear, Clear, Back, Del, Left, Right});
             EXPECT_EQ(Line()->text(), QString());
             Type(QStringLiteral("q"));
-            Tap(Dialog, Name("imgControl", Confirm));
+            Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm));
         },
         QStringLiteral("abcd"));
     EXPECT_EQ(text, QStringLiteral("q"));
@@ -178,16 +179,19 @@ TEST_F(dlgKeyboardTest, ALineBreakIsOneStep) {
             EXPECT_EQ(Keyboard()->Text(), QStringLiteral("ab1\r\n2cd"));
             Ctrls({Home, Del, End, Back});
             EXPECT_EQ(Keyboard()->focusWidget(), Lines());
-            Tap(Dialog, Name("imgControl", Confirm));
+            Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm));
         },
         before);
     EXPECT_EQ(text, QStringLiteral("b1\r\n2c"));
-    EXPECT_EQ(AskLines([&] { Tap(Dialog, Name("imgControl", Confirm)); }, before), before);
-    Ask([&] { EXPECT_FALSE(Child(Dialog, QStringLiteral("imgCRLF"))->isVisible()); });
+    EXPECT_EQ(AskLines([&] { Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm)); }, before),
+              before);
+    Ask([&] {
+        EXPECT_FALSE(Child(FormNames::dlgKeyboard, QStringLiteral("imgCRLF"))->isVisible());
+    });
 }
 
 TEST_F(dlgKeyboardTest, AFullBoxTakesNothingMore) {
-    const auto confirm = [&] { Tap(Dialog, Name("imgControl", Confirm)); };
+    const auto confirm = [&] { Tap(FormNames::dlgKeyboard, Name("imgControl", Confirm)); };
     EXPECT_EQ(Ask(
                   [&] {
                       Type(QStringLiteral("xyz"));
@@ -231,7 +235,7 @@ TEST_F(dlgKeyboardTest, EnterConfirmsAndEscapeCancelsOnARealKeyboard) {
                       multiLine),
                   std::nullopt);
     }
-    EXPECT_EQ(Ask([&] { Tap(Dialog, Name("imgControl", Cancel)); }), std::nullopt);
+    EXPECT_EQ(Ask([&] { Tap(FormNames::dlgKeyboard, Name("imgControl", Cancel)); }), std::nullopt);
 }
 
 TEST_F(dlgKeyboardTest, GoesWithTheScreensThatAnAlarmUnloads) {

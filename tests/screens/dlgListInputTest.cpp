@@ -1,5 +1,6 @@
 #include "screens/dialogs/dlgListInput.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "support/ScreensFixture.h"
 
 #include <QLineEdit>
@@ -7,8 +8,6 @@
 #include <QPointer>
 
 namespace {
-
-const QString Dialog = QStringLiteral("dlgListInput");
 
 /// Stands in for the panel editor: a parameter number, two lists, and the values it holds.
 class FakeEditor : public ScreenForm, public PreviewLists {
@@ -38,7 +37,8 @@ protected:
     enum Image { Up, Down, Confirm, Cancel };
 
     static QListWidget* List() {
-        return qobject_cast<QListWidget*>(Child(Dialog, QStringLiteral("lstValue")));
+        return qobject_cast<QListWidget*>(
+            Child(FormNames::dlgListInput, QStringLiteral("lstValue")));
     }
     static QStringList Items() {
         QStringList items;
@@ -47,10 +47,11 @@ protected:
         return items;
     }
     static QString Value() {
-        return qobject_cast<QLineEdit*>(Child(Dialog, QStringLiteral("txtValue")))->text();
+        return qobject_cast<QLineEdit*>(Child(FormNames::dlgListInput, QStringLiteral("txtValue")))
+            ->text();
     }
     static QWidget* ImageOf(int index) {
-        return Child(Dialog, QStringLiteral("imgControl_%1").arg(index));
+        return Child(FormNames::dlgListInput, QStringLiteral("imgControl_%1").arg(index));
     }
     static void TapImage(int index) { QTest::mouseClick(ImageOf(index), Qt::LeftButton); }
     static void TapRow(int row) {
@@ -66,12 +67,13 @@ protected:
         QTimer::singleShot(0, [&] {
             acted = true;
             act();
-            if (ScreenForm* left = Screen(Dialog); left != nullptr && left->Visible())
+            if (ScreenForm* left = Screen(FormNames::dlgListInput);
+                left != nullptr && left->Visible())
                 left->Hide();
         });
         auto value = AskValue(parent, descriptor, present);
         EXPECT_TRUE(acted);
-        EXPECT_EQ(NbInstances(Dialog), 0);
+        EXPECT_EQ(NbInstances(FormNames::dlgListInput), 0);
         RemoveUnloaded();
         return value;
     }
@@ -139,7 +141,7 @@ TEST_F(dlgListInputTest, TapsAndArrowsMoveWithoutWrapping) {
         TapRow(1);
         EXPECT_EQ(Value(), QStringLiteral("2"));
         TapImage(Confirm);
-        EXPECT_FALSE(Screen(Dialog)->Visible());
+        EXPECT_FALSE(Screen(FormNames::dlgListInput)->Visible());
     });
     EXPECT_EQ(chosen, QStringLiteral("2"));
     EXPECT_EQ(Ask(QStringLiteral("*|1|4"), QStringLiteral("2"),
@@ -160,12 +162,12 @@ TEST_F(dlgListInputTest, TapsAndArrowsMoveWithoutWrapping) {
 TEST_F(dlgListInputTest, KeysOfARealKeyboardDoTheSame) {
     EXPECT_EQ(Ask(QStringLiteral("*|1|4"), QStringLiteral("2"),
                   [&] {
-                      QTest::keyClick(Screen(Dialog), Qt::Key_Down);
-                      QTest::keyClick(Screen(Dialog), Qt::Key_Return);
+                      QTest::keyClick(Screen(FormNames::dlgListInput), Qt::Key_Down);
+                      QTest::keyClick(Screen(FormNames::dlgListInput), Qt::Key_Return);
                   }),
               QStringLiteral("3"));
     EXPECT_EQ(Ask(QStringLiteral("*|1|4"), QStringLiteral("2"),
-                  [&] { QTest::keyClick(Screen(Dialog), Qt::Key_Escape); }),
+                  [&] { QTest::keyClick(Screen(FormNames::dlgListInput), Qt::Key_Escape); }),
               std::nullopt);
 }
 
@@ -195,7 +197,7 @@ TEST_F(dlgListInputTest, OnlyTheLeftButtonAloneRepeatsAndOnlyOnTheArrows) {
         QTest::mouseRelease(ImageOf(Down), Qt::LeftButton, {}, QPoint(-5, -5));
         QTest::mousePress(ImageOf(Confirm), Qt::LeftButton);
         QTest::qWait(1200);
-        EXPECT_TRUE(Screen(Dialog)->Visible());
+        EXPECT_TRUE(Screen(FormNames::dlgListInput)->Visible());
         QTest::mouseRelease(ImageOf(Confirm), Qt::LeftButton, {}, QPoint(-5, -5));
     });
 }

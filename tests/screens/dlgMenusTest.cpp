@@ -1,5 +1,6 @@
 // The two submenus and where their buttons and the tiles lead.
 
+#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 #include "screens/menu/wMain.h"
 #include "screens/touch/Navigation.h"
@@ -7,7 +8,6 @@
 
 namespace {
 
-const QString Menu = QStringLiteral("wMain");
 const QString Parameters = QStringLiteral("dlgMenuParams");
 const QString System = QStringLiteral("dlgMenuSystem");
 const QString Users = QStringLiteral("dlgDefPwds");
@@ -28,7 +28,7 @@ protected:
     MenusTest() {
         Forms::Load(QStringLiteral("wPolling"));
         Global::Get().userLevel = 3;
-        Forms::Show(Menu);
+        Forms::Show(FormNames::wMain);
     }
     ~MenusTest() override {
         for (const QString& name : added)
@@ -42,7 +42,7 @@ protected:
         Forms::Register(name, [name, kind] { return new EmptyScreen(name, kind); });
         added += name;
     }
-    static void TapTile(int tile) { Tap(Menu, QStringLiteral("imgMenu_%1").arg(tile)); }
+    static void TapTile(int tile) { Tap(FormNames::wMain, QStringLiteral("imgMenu_%1").arg(tile)); }
     /// Answers the next submenu.
     void Choose(const QString& dialog, int button) {
         script.On(dialog,
@@ -50,7 +50,7 @@ protected:
     }
     void BackToMenu() {
         RemoveUnloaded();
-        Forms::Show(Menu);
+        Forms::Show(FormNames::wMain);
     }
 
     QStringList added;
@@ -84,7 +84,7 @@ TEST_F(MenusTest, EveryTileAndButtonLeadsToItsScreenOrTellsThatThereIsNone) {
                 Choose(way.dialog, way.button);
             TapTile(way.tile);
             EXPECT_EQ(NbInstances(way.dialog), 0);
-            EXPECT_EQ(NbInstances(Menu), there ? 0 : 1);
+            EXPECT_EQ(NbInstances(FormNames::wMain), there ? 0 : 1);
             EXPECT_EQ(NbInstances(name), there ? 1 : 0);
         }
         EXPECT_TRUE(Screen(name)->Visible());
@@ -100,10 +100,10 @@ TEST_F(MenusTest, AMenuThatIsLeftDoesNothing) {
     script.On(System, [] { QTest::keyClick(Screen(System), Qt::Key_Escape); });
     TapTile(2);
     EXPECT_EQ(NbInstances(Parameters) + NbInstances(System), 0);
-    EXPECT_EQ(NbInstances(Menu), 1);
+    EXPECT_EQ(NbInstances(FormNames::wMain), 1);
     EXPECT_TRUE(boxes.isEmpty());
     TapTile(5);
-    EXPECT_EQ(NbInstances(Menu), 1);
+    EXPECT_EQ(NbInstances(FormNames::wMain), 1);
     EXPECT_TRUE(boxes.isEmpty());
 }
 
@@ -123,7 +123,7 @@ TEST_F(MenusTest, TilesAskForTheirLevelUntilItIsReached) {
             Choose(System, 0);
         TapTile(tile);
         EXPECT_EQ(Global::Get().userLevel, 2);
-        EXPECT_EQ(TextOf(Menu, QStringLiteral("lblLogin_0")), QStringLiteral("2"));
+        EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("2"));
         EXPECT_EQ(boxes.size(), tile == 0 ? 1 : 0);
         boxes.clear();
     }
@@ -132,11 +132,11 @@ TEST_F(MenusTest, TilesAskForTheirLevelUntilItIsReached) {
     Enter("");
     GiveUp();
     TapTile(0);
-    EXPECT_EQ(TextOf(Menu, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
+    EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
     Enter("OP-1");
     GiveUp();
     TapTile(0);
-    EXPECT_EQ(TextOf(Menu, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
+    EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
     Enter("SAME");
     Enter("SAME");
     GiveUp();
@@ -162,7 +162,7 @@ TEST_F(MenusTest, TheTimeDialogLeavesTheMenuAndComesBackToItsSubmenu) {
     Choose(System, 0);
     TapTile(2);
     EXPECT_EQ(NbInstances(time) + NbInstances(System), 0);
-    EXPECT_TRUE(Screen(Menu)->Visible());
+    EXPECT_TRUE(Screen(FormNames::wMain)->Visible());
 }
 
 TEST_F(MenusTest, UsersAreSavedWithTheCurrentSiteBeforeTheSubmenuComesBack) {
@@ -182,7 +182,7 @@ TEST_F(MenusTest, UsersAreSavedWithTheCurrentSiteBeforeTheSubmenuComesBack) {
     });
     TapTile(2);
     EXPECT_EQ(NbInstances(Users) + NbInstances(System), 0);
-    EXPECT_TRUE(Child(Menu, QStringLiteral("lblModified"))->isVisible());
+    EXPECT_TRUE(Child(FormNames::wMain, QStringLiteral("lblModified"))->isVisible());
 }
 
 TEST_F(MenusTest, AScreenLeavesForTheSubmenuThatItBelongsTo) {
@@ -190,12 +190,12 @@ TEST_F(MenusTest, AScreenLeavesForTheSubmenuThatItBelongsTo) {
     AddScreen(name);
     Choose(Parameters, 2);
     TapTile(1);
-    ASSERT_EQ(NbInstances(Menu), 0);
+    ASSERT_EQ(NbInstances(FormNames::wMain), 0);
     Choose(Parameters, 0);
     ReturnToMenu(*Screen(name), 1);
     EXPECT_EQ(NbInstances(name), 0);
     EXPECT_EQ(NbInstances(Parameters), 0);
-    EXPECT_TRUE(Screen(Menu)->Visible());
+    EXPECT_TRUE(Screen(FormNames::wMain)->Visible());
 }
 
 TEST_F(MenusTest, NobodyThereEndsWhateverTheMenuAsks) {
@@ -203,20 +203,20 @@ TEST_F(MenusTest, NobodyThereEndsWhateverTheMenuAsks) {
     Global::Get().userLevel = 2;
     script.On(Codes(), leave);
     TapTile(4);
-    EXPECT_EQ(NbInstances(Menu) + NbInstances(Codes()), 0);
+    EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(Codes()), 0);
     for (const QString& dialog : {System, Parameters}) {
         BackToMenu();
         Global::Get().userLevel = 2;
         script.On(dialog, leave);
         TapTile(dialog == System ? 2 : 1);
-        EXPECT_EQ(NbInstances(Menu) + NbInstances(dialog), 0);
+        EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(dialog), 0);
     }
     BackToMenu();
     Global::Get().userLevel = 2;
     Choose(System, 4);
     script.On(Users, leave);
     TapTile(2);
-    EXPECT_EQ(NbInstances(Menu) + NbInstances(Users) + NbInstances(System), 0);
+    EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(Users) + NbInstances(System), 0);
     EXPECT_TRUE(Screen(QStringLiteral("wRunAlarms"))->Visible());
     EXPECT_TRUE(boxes.isEmpty());
 }

@@ -1,16 +1,13 @@
 #include "screens/dialogs/dlgUserCodes.h"
 #include "bus/AlarmConsole.h"
+#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 
 #include <QAccessible>
 #include <QDirIterator>
 #include <sqlite3.h>
 
-namespace {
-
-const QString Console = QStringLiteral("wRunAlarms");
-
-} // namespace
+namespace {} // namespace
 
 class UserCodesTest : public UsersTest {
 protected:
@@ -235,8 +232,8 @@ TEST_F(UserCodesTest, NobodyThereTakesThePromptAwayAndBringsTheConsole) {
         EXPECT_EQ(Global::Get().userLevel, 0);
         EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER")) << "kept";
         EXPECT_EQ(NbInstances(Codes()), 0);
-        EXPECT_TRUE(Screen(Console)->Visible());
-        EXPECT_EQ(TextOf(Console, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
+        EXPECT_TRUE(Screen(FormNames::wRunAlarms)->Visible());
+        EXPECT_EQ(TextOf(FormNames::wRunAlarms, QStringLiteral("lblLogin_0")), QStringLiteral("0"));
     }
     EXPECT_TRUE(events.isEmpty());
     EXPECT_TRUE(TraceLines().filter(QStringLiteral("USER :")).isEmpty());
@@ -254,19 +251,19 @@ TEST_F(UserCodesTest, NobodyThereTakesThePromptAwayAndBringsTheConsole) {
 TEST_F(UserCodesTest, TheConsoleInsistsUntilTheLevelIsReachedOrGivenUp) {
     SetOptions(255, 0, 0, 0);
     AddPanel(1, 1).Channel(3).setScrAlm(true);
-    Forms::Show(Console);
+    Forms::Show(FormNames::wRunAlarms);
     EventClass alarm(1, 3, 0, 1);
     alarm.setGDH(clock.Now());
     AlarmConsole::Loaded()->TakeEvent(alarm);
     ASSERT_EQ(AlarmConsole::Loaded()->RowCount(), 1);
     Enter("WRONG");
     GiveUp();
-    Tap(Console, QStringLiteral("imgAcquit"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgAcquit"));
     EXPECT_EQ(AlarmConsole::Loaded()->RowCount(), 1);
     Enter("WRONG");
     Enter("");
     Enter("OP-1");
-    Tap(Console, QStringLiteral("imgAcquit"));
+    Tap(FormNames::wRunAlarms, QStringLiteral("imgAcquit"));
     EXPECT_EQ(AlarmConsole::Loaded()->RowCount(), 0);
-    EXPECT_EQ(TextOf(Console, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
+    EXPECT_EQ(TextOf(FormNames::wRunAlarms, QStringLiteral("lblLogin_0")), QStringLiteral("1"));
 }

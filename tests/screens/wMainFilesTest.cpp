@@ -1,5 +1,6 @@
 // The site file under the main menu: saving, opening, a new site, and what leaving does with it.
 
+#include "core/FormNames.h"
 #include "screens/UsersFixture.h"
 
 #include <QMessageBox>
@@ -7,12 +8,10 @@
 
 namespace {
 
-const QString Menu = QStringLiteral("wMain");
 const QString Picker = QStringLiteral("dlgFilePicker");
-const QString Keyboard = QStringLiteral("dlgKeyboard");
 const QString SaveAs = QStringLiteral("imgNavig_8");
 const QString OpenFile = QStringLiteral("imgNavig_9");
-const QString Leave = QStringLiteral("imgNavig_10");
+const QString LeaveProgram = QStringLiteral("imgNavig_10");
 const QString NewSite = QStringLiteral("imgNavig_11");
 
 QString FilesKey(const char* key) {
@@ -31,7 +30,7 @@ protected:
         Site().setInactivityTime(25);
         Site().Panel(7).setTitle(QStringLiteral("Pumps"));
         Site().setModified(false);
-        Forms::Show(Menu);
+        Forms::Show(FormNames::wMain);
     }
 
     QString InSites(const char* name) const {
@@ -48,8 +47,10 @@ protected:
         SetUser(1, "OPERATOR", "OP-1", 1);
         Site().setModified(false);
     }
-    static QString ShownName() { return TextOf(Menu, QStringLiteral("lblFileName")); }
-    static bool ShowsModified() { return Child(Menu, QStringLiteral("lblModified"))->isVisible(); }
+    static QString ShownName() { return TextOf(FormNames::wMain, QStringLiteral("lblFileName")); }
+    static bool ShowsModified() {
+        return Child(FormNames::wMain, QStringLiteral("lblModified"))->isVisible();
+    }
 
     /// Takes what the picker starts with.
     void Take() {
@@ -61,11 +62,12 @@ protected:
     /// Types another name first.
     void Take(const char* name) {
         script.On(Picker, [this, name] {
-            script.Next(Keyboard, [name] {
-                auto* box = qobject_cast<QLineEdit*>(Child(Keyboard, QStringLiteral("txtValue_0")));
+            script.Next(FormNames::dlgKeyboard, [name] {
+                auto* box = qobject_cast<QLineEdit*>(
+                    Child(FormNames::dlgKeyboard, QStringLiteral("txtValue_0")));
                 box->clear();
                 QTest::keyClicks(box, QString::fromLatin1(name));
-                Tap(Keyboard, QStringLiteral("imgControl_1"));
+                Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
             });
             Tap(Picker, QStringLiteral("imgName"));
             Tap(Picker, QStringLiteral("imgControl_1"));
@@ -91,7 +93,7 @@ protected:
 TEST_F(wMainFilesTest, TheSiteFileIsForTheConfigurationLevel) {
     Global::Get().userLevel = 1;
     for (const QString& image : {SaveAs, OpenFile, NewSite})
-        Tap(Menu, image);
+        Tap(FormNames::wMain, image);
     EXPECT_EQ(boxes, QStringList(3, GetText(20009)));
     EXPECT_EQ(styles, QList<int>(3, 16));
     EXPECT_EQ(Site().UserCount(), 4);
@@ -101,9 +103,9 @@ TEST_F(wMainFilesTest, LoginAsksFromItsImageAndFromTheLevel) {
     for (const auto& [name, code] :
          {std::pair("imgNavig_13", "OP-1"), std::pair("lblLogin_0", "SAME")}) {
         Enter(code);
-        Tap(Menu, QString::fromLatin1(name));
+        Tap(FormNames::wMain, QString::fromLatin1(name));
     }
-    EXPECT_EQ(TextOf(Menu, QStringLiteral("lblLogin_0")), QStringLiteral("2"));
+    EXPECT_EQ(TextOf(FormNames::wMain, QStringLiteral("lblLogin_0")), QStringLiteral("2"));
     EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER"));
 }
 
@@ -113,11 +115,11 @@ TEST_F(wMainFilesTest, SavingStartsAtTheLastNameAndTakesTheNewOne) {
         EXPECT_EQ(TextOf(Picker, QStringLiteral("lblName")), QStringLiteral("North.kv2"));
         Tap(Picker, QStringLiteral("imgControl_0"));
     });
-    Tap(Menu, SaveAs);
+    Tap(FormNames::wMain, SaveAs);
     EXPECT_FALSE(QFile::exists(CurrentConfigFile()));
     EXPECT_TRUE(Site().Modified());
     Take("South");
-    Tap(Menu, SaveAs);
+    Tap(FormNames::wMain, SaveAs);
     ConfigClass saved;
     EXPECT_EQ(saved.Read(InSites("South.kv2")), 0);
     EXPECT_EQ(saved.Panel(7).Title(), QStringLiteral("Pumps"));
@@ -138,7 +140,7 @@ TEST_F(wMainFilesTest, ASavingThatFailsIsToldInAPlainBoxAndKeepsTheName) {
         EXPECT_EQ(box->icon(), QMessageBox::Critical);
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
     });
-    Tap(Menu, SaveAs);
+    Tap(FormNames::wMain, SaveAs);
     EXPECT_EQ(plainTexts, QStringList{GetText(20002)});
     EXPECT_EQ(FilesKey("LastUsed"), North());
     EXPECT_EQ(ShownName(), QStringLiteral("North"));
@@ -149,7 +151,7 @@ TEST_F(wMainFilesTest, ASavingThatFailsIsToldInAPlainBoxAndKeepsTheName) {
 
 TEST_F(wMainFilesTest, ASavingThatFailsStopsWhateverWantedIt) {
     ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), InSites("Full.kv2")));
-    for (const QString& image : {OpenFile, NewSite, Leave}) {
+    for (const QString& image : {OpenFile, NewSite, LeaveProgram}) {
         QList<int> answers{Messages::Yes, Messages::Ok};
         if (image == NewSite) // the question for a new site comes first
             answers.prepend(Messages::Ok);
@@ -159,8 +161,8 @@ TEST_F(wMainFilesTest, ASavingThatFailsStopsWhateverWantedIt) {
         Site().setModified(true);
         Take("Full");
         AtPlainBox([](QMessageBox* box) { box->accept(); });
-        Tap(Menu, image);
-        ASSERT_NE(Screen(Menu), nullptr) << image.toStdString();
+        Tap(FormNames::wMain, image);
+        ASSERT_NE(Screen(FormNames::wMain), nullptr) << image.toStdString();
         EXPECT_EQ(Site().Panel(7).Title(), QStringLiteral("Pumps")) << image.toStdString();
         EXPECT_TRUE(Site().Modified());
         EXPECT_EQ(FilesKey("LastUsed"), North());
@@ -176,7 +178,7 @@ TEST_F(wMainFilesTest, AStartFileThatFailsIsToldAndLeavesTheSiteModified) {
     Site().setModified(true);
     Take("South");
     AtPlainBox([](QMessageBox* box) { box->accept(); });
-    Tap(Menu, SaveAs);
+    Tap(FormNames::wMain, SaveAs);
     EXPECT_EQ(plainTexts.size(), 1);
     EXPECT_TRUE(QFile::exists(InSites("South.kv2")));
     EXPECT_TRUE(Site().Modified());
@@ -201,7 +203,7 @@ TEST_F(wMainFilesTest, AnOpenedSiteIsTheOneThatThePollingGoesOnWith) {
     const DateTime next = former->NextPoll();
     const auto reinits = TraceLines().filter(QStringLiteral("REINIT")).size();
     Take();
-    Tap(Menu, OpenFile);
+    Tap(FormNames::wMain, OpenFile);
     EXPECT_EQ(Site().Panel(7).Title(), QStringLiteral("Pumps"));
     EXPECT_EQ(FilesKey("LastUsed"), North());
     EXPECT_EQ(ShownName(), QStringLiteral("North"));
@@ -231,7 +233,7 @@ TEST_F(wMainFilesTest, AFileThatCantBeReadLeavesTheSiteWithoutAName) {
     const QStringList former = TraceLines().filter(QStringLiteral("REINIT"));
     Take();
     AtPlainBox([](QMessageBox* box) { box->accept(); });
-    Tap(Menu, OpenFile);
+    Tap(FormNames::wMain, OpenFile);
     EXPECT_EQ(plainTexts, QStringList{GetText(20003)});
     EXPECT_EQ(FilesKey("LastUsed"), QString());
     EXPECT_EQ(ShownName(), GetText(50010));
@@ -245,43 +247,43 @@ TEST_F(wMainFilesTest, OpeningAsksWhatBecomesOfTheChanges) {
     Site().Panel(9).setTitle(QStringLiteral("Changed"));
     for (const int kept : {int(Messages::Cancel), int(Messages::Closed)}) {
         answer = kept;
-        Tap(Menu, OpenFile);
+        Tap(FormNames::wMain, OpenFile);
     }
     answer = Messages::Yes;
     TakeNothing();
-    Tap(Menu, OpenFile);
+    Tap(FormNames::wMain, OpenFile);
     EXPECT_EQ(boxes, QStringList(3, GetText(50003)));
     EXPECT_EQ(styles, QList<int>(3, 51));
     EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
 
     Take("South");
     Take();
-    Tap(Menu, OpenFile);
+    Tap(FormNames::wMain, OpenFile);
     EXPECT_EQ(FilesKey("LastUsed"), InSites("South.kv2")) << "the second picker starts at it";
     EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
 
     Site().Panel(9).setTitle(QStringLiteral("Lost"));
     answer = Messages::No;
     Take();
-    Tap(Menu, OpenFile);
+    Tap(FormNames::wMain, OpenFile);
     EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
 }
 
 TEST_F(wMainFilesTest, ANewSiteIsEmptyAndHasTheWordForItsName) {
     answer = Messages::Cancel;
-    Tap(Menu, NewSite);
+    Tap(FormNames::wMain, NewSite);
     EXPECT_EQ(boxes, QStringList{GetText(30013)});
     EXPECT_EQ(styles, QList<int>{1});
     EXPECT_EQ(Site().UserCount(), 4);
     answer = Messages::Ok;
-    Tap(Menu, NewSite);
+    Tap(FormNames::wMain, NewSite);
     EXPECT_EQ(boxes.size(), 2) << "nothing to save";
     EXPECT_EQ(Site().UserCount(), 2);
     EXPECT_EQ(FilesKey("LastUsed"), GetText(50010));
     EXPECT_EQ(ShownName(), GetText(50010));
     EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
-    Forms::Unload(Menu);
-    Forms::Show(Menu);
+    Forms::Unload(FormNames::wMain);
+    Forms::Show(FormNames::wMain);
     EXPECT_EQ(ShownName(), GetText(50010));
 }
 
@@ -293,12 +295,12 @@ TEST_F(wMainFilesTest, ANewSiteLetsTheChangesBeSaved) {
         return answers.takeFirst();
     });
     Site().Panel(9).setTitle(QStringLiteral("Changed"));
-    Tap(Menu, NewSite);
+    Tap(FormNames::wMain, NewSite);
     TakeNothing();
-    Tap(Menu, NewSite);
+    Tap(FormNames::wMain, NewSite);
     EXPECT_EQ(Site().Panel(9).Title(), QStringLiteral("Changed"));
     Take();
-    Tap(Menu, NewSite);
+    Tap(FormNames::wMain, NewSite);
     EXPECT_TRUE(answers.isEmpty());
     EXPECT_EQ(boxes.filter(GetText(50003)).size(), 3);
     EXPECT_NE(Site().Panel(9).Title(), QStringLiteral("Changed"));
@@ -316,23 +318,23 @@ TEST_F(wMainFilesTest, LeavingSavesUnderANameIfTheOperatorWantsIt) {
             Take();
         else
             TakeNothing();
-        Tap(Menu, Leave);
+        Tap(FormNames::wMain, LeaveProgram);
         EXPECT_EQ(boxes.last(), GetText(50003));
         EXPECT_EQ(FilesKey("LastConfigModified"),
                   named ? QStringLiteral("0") : QStringLiteral("1"));
         EXPECT_EQ(QFile::exists(North()), named);
-        EXPECT_EQ(NbInstances(Menu), 0);
+        EXPECT_EQ(NbInstances(FormNames::wMain), 0);
         EXPECT_EQ(events.last(), SystemEvents::CommStopped);
         RemoveUnloaded();
         Forms::Load(QStringLiteral("wPolling"));
-        Forms::Show(Menu);
+        Forms::Show(FormNames::wMain);
     }
 }
 
 TEST_F(wMainFilesTest, NobodyThereEndsTheQuestionsAndNothingIsSaved) {
     Site().setModified(true);
     answer = Messages::Yes;
-    for (const QString& image : {SaveAs, OpenFile, NewSite, Leave}) {
+    for (const QString& image : {SaveAs, OpenFile, NewSite, LeaveProgram}) {
         Global::Get().userLevel = 2;
         if (image == NewSite) // the question for a new site wants another answer
             answer = Messages::Ok;
@@ -340,13 +342,13 @@ TEST_F(wMainFilesTest, NobodyThereEndsTheQuestionsAndNothingIsSaved) {
             script.On(Picker, [this] { NobodyIsThere(); });
         else
             QTimer::singleShot(0, &plainBox, [this] { NobodyIsThere(); });
-        Tap(Menu, image);
+        Tap(FormNames::wMain, image);
         QCoreApplication::processEvents();
-        EXPECT_EQ(NbInstances(Menu) + NbInstances(Picker), 0);
+        EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(Picker), 0);
         EXPECT_EQ(NbInstances(QStringLiteral("wPolling")), 1) << "the program goes on";
         RemoveUnloaded();
         answer = Messages::Yes;
-        Forms::Show(Menu);
+        Forms::Show(FormNames::wMain);
     }
     EXPECT_FALSE(QFile::exists(North()));
     // The plain box goes as well.
@@ -359,19 +361,19 @@ TEST_F(wMainFilesTest, NobodyThereEndsTheQuestionsAndNothingIsSaved) {
     answer = Messages::No;
     Take();
     AtPlainBox([this](QMessageBox*) { NobodyIsThere(); });
-    Tap(Menu, OpenFile);
+    Tap(FormNames::wMain, OpenFile);
     EXPECT_EQ(plainTexts, QStringList{GetText(20003)});
-    EXPECT_EQ(NbInstances(Menu), 0);
+    EXPECT_EQ(NbInstances(FormNames::wMain), 0);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 TEST_F(wMainFilesTest, TheScreenKeyboardOfThePlatformComesIfThereIsOne) {
-    QTest::keyClick(Screen(Menu), Qt::Key_F12);
+    QTest::keyClick(Screen(FormNames::wMain), Qt::Key_F12);
     const QString general = QStringLiteral("General");
     const QString key = QStringLiteral("ScreenKeyboard");
     const QString mark = Path(QStringLiteral("typed"));
     IniWrite(general, key, QStringLiteral("/bin/touch ") + mark);
-    QTest::keyClick(Screen(Menu), Qt::Key_F12);
+    QTest::keyClick(Screen(FormNames::wMain), Qt::Key_F12);
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(mark); }));
 
     const QString program = Path(QStringLiteral("kb%1").arg(QCoreApplication::applicationPid()));
@@ -381,6 +383,6 @@ TEST_F(wMainFilesTest, TheScreenKeyboardOfThePlatformComesIfThereIsOne) {
     standing.start(program, {QStringLiteral("30")});
     ASSERT_TRUE(standing.waitForStarted());
     TakeNothing();
-    Tap(Menu, SaveAs);
+    Tap(FormNames::wMain, SaveAs);
     EXPECT_TRUE(standing.waitForFinished(5000)) << "it goes with the picker";
 }

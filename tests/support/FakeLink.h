@@ -7,6 +7,10 @@
 #include <QList>
 #include <functional>
 
+inline QByteArray FromHex(const char* hex) {
+    return QByteArray::fromHex(hex);
+}
+
 /// A line whose far end is a function of the test: it gets each frame and gives the reply, empty
 /// for silence. Waiting for a reply that doesn't come moves the clock to the deadline.
 class FakeLink : public platform::SerialLink {

@@ -62,6 +62,9 @@ private:
     QByteArray output_;
 };
 
+/// Section of the settings that keeps the queue over an end of the program.
+inline const QString Pending = QStringLiteral("PendingCommands");
+
 /// A folder that the program is installed into, with a site of its own.
 class RunFolder {
 public:

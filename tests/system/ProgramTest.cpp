@@ -42,8 +42,6 @@ protected:
     SimulatorProcess simulator_;
 };
 
-const QString Pending = QStringLiteral("PendingCommands");
-
 } // namespace
 
 TEST_F(ProgramTest, StartsByItselfAndEndsAsToldFromOutside) {

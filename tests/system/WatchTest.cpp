@@ -12,8 +12,6 @@
 
 namespace {
 
-const QString Pending = QStringLiteral("PendingCommands");
-
 class WatchRun : public ::testing::Test {
 protected:
     WatchRun() { EXPECT_TRUE(Config::OpenConfigBase()); }

@@ -10,7 +10,6 @@
 
 namespace {
 
-const QString Form = FormNames::wTechDiagnosis;
 const QString Picker = FormNames::dlgFilePicker;
 const QString Hold = QStringLiteral("imgHold");
 const QString ThisPanel = QStringLiteral("imgFilter_0");
@@ -27,15 +26,21 @@ protected:
         Site().Panel(3).setActive(true);
         Site().Panel(3).setModel(1);
         Read(5);
-        Forms::Show(Form);
+        Forms::Show(FormNames::wTechDiagnosis);
     }
     void Read(int panel) {
         Words words(2);
         LitMots(*link, quint8(panel), 144, words);
     }
-    static void Refresh() { dynamic_cast<wTechDiagnosis*>(Forms::Find(Form))->Refresh(); }
-    static TouchTable& Table() { return *Find<TouchTable>(Form, QStringLiteral("tblPanels")); }
-    static TraceGrid& Trace() { return *Find<TraceGrid>(Form, QStringLiteral("grdTrace")); }
+    static void Refresh() {
+        dynamic_cast<wTechDiagnosis*>(Forms::Find(FormNames::wTechDiagnosis))->Refresh();
+    }
+    static TouchTable& Table() {
+        return *Find<TouchTable>(FormNames::wTechDiagnosis, QStringLiteral("tblPanels"));
+    }
+    static TraceGrid& Trace() {
+        return *Find<TraceGrid>(FormNames::wTechDiagnosis, QStringLiteral("grdTrace"));
+    }
     static QString Row(int row, int columns = 7) {
         QStringList cells;
         for (int column = 0; column < columns; ++column)
@@ -65,10 +70,10 @@ TEST_F(TechDiagnosisTest, ARowStandsForEachPanelOfTheSiteAndOfTheBus) {
     // The counters of the hour are those of the start until an hour is over.
     clock.Advance(3'600'000);
     Read(9);
-    Tap(Form, QStringLiteral("imgSpan_1"));
+    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSpan_1"));
     EXPECT_EQ(Row(1), "5 ----- 0 0 0 0 0");
     EXPECT_EQ(Row(2), "9 ----- 1 0 0 0 0");
-    Tap(Form, QStringLiteral("imgSpan_0"));
+    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSpan_0"));
     EXPECT_EQ(Row(2), "9 ----- 2 0 0 0 0");
 }
 
@@ -95,31 +100,32 @@ TEST_F(TechDiagnosisTest, FramesAreDecoded) {
         Refresh();
         EXPECT_EQ(Newest().section(u'\t', 2), text);
     }
-    Screen(Form)->grab();
+    Screen(FormNames::wTechDiagnosis)->grab();
 }
 
 TEST_F(TechDiagnosisTest, TheTraceIsFilteredAndHeld) {
-    EXPECT_FALSE(Child(Form, ThisPanel)->isEnabled()) << "none is chosen";
+    EXPECT_FALSE(Child(FormNames::wTechDiagnosis, ThisPanel)->isEnabled()) << "none is chosen";
     Read(9);
     Read(5);
     Refresh();
     EXPECT_EQ(Trace().Count(), 6);
     Table().SelectTag(QStringLiteral("9"));
-    Tap(Form, ThisPanel);
+    Tap(FormNames::wTechDiagnosis, ThisPanel);
     EXPECT_EQ(Trace().Count(), 2);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTrace")), "Frames of panel 9");
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTrace")), "Frames of panel 9");
     Table().SelectTag(QStringLiteral("5"));
     EXPECT_EQ(Trace().Count(), 4) << "goes along";
 
-    Tap(Form, Hold);
+    Tap(FormNames::wTechDiagnosis, Hold);
     for (int i = 0; i < BusDiagnosis::FrameRing; ++i)
         Read(9);
     Refresh();
     EXPECT_EQ(Trace().Count(), 4);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTrace")), "Frames of panel 5 - held");
-    Tap(Form, AllPanels);
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTrace")),
+              "Frames of panel 5 - held");
+    Tap(FormNames::wTechDiagnosis, AllPanels);
     EXPECT_EQ(Trace().Count(), 6) << "what was held, whatever is kept by now";
-    Tap(Form, Hold);
+    Tap(FormNames::wTechDiagnosis, Hold);
     EXPECT_EQ(Trace().Count(), BusDiagnosis::FrameRing);
     EXPECT_EQ(Trace().Position().First() + Trace().Position().Page(), Trace().Count());
     // A look back stays where it is while frames come.
@@ -138,9 +144,9 @@ TEST_F(TechDiagnosisTest, CountersAndFramesAreSavedAsTheyWere) {
         Refresh();
         Tap(Picker, QStringLiteral("imgControl_1"));
     });
-    Tap(Form, QStringLiteral("imgSave"));
+    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSave"));
     EXPECT_EQ(boxes, QStringList());
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTold")), "2 frames saved");
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTold")), "2 frames saved");
     QFile file(Path(QStringLiteral("Bus20240315.txt")));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray text = file.readAll();

@@ -10,17 +10,18 @@
 namespace {
 
 const QString Front = QStringLiteral("wTechEtatModule");
-constexpr int Address = 9;
+constexpr int PanelAddress = 9;
 constexpr int HornRegister = 64;
 
 class wTechEtatModuleTest : public TechnicianTest {
 protected:
     wTechEtatModuleTest() {
         SetOptions(0, 0, 0, 0);
-        AddPanel(Address, Models::Q7100).setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
+        AddPanel(PanelAddress, Models::Q7100)
+            .setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
         link->setPortOpen(true);
         link->answer = [this](const QByteArray& frame) { return Answer(frame); };
-        modules[Address];
+        modules[PanelAddress];
     }
 
     virtual QByteArray Answer(const QByteArray& frame) {
@@ -29,9 +30,9 @@ protected:
         return silent.contains(int(link->sent.size())) ? QByteArray() : modules.Answer(frame);
     }
     wTechEtatModule& Open(int model = Models::Q7100) {
-        Site().Panel(Address).setModel(quint8(model));
+        Site().Panel(PanelAddress).setModel(quint8(model));
         auto* form = dynamic_cast<wTechEtatModule*>(Forms::Load(Front));
-        form->MiseEnFormeModule(Site().Panel(Address));
+        form->MiseEnFormeModule(Site().Panel(PanelAddress));
         form->EnableTimers(true);
         form->Show();
         return *form;
@@ -76,8 +77,8 @@ protected:
 TEST_F(wTechEtatModuleTest, LampsBlinkAsTheWordsSayWithThePollingStopped) {
     const quint16 words[] = {0, 1, 2, 3, 4, 5, 0xFFFF};
     for (int i = 0; i < 7; ++i)
-        modules[Address][1 + i] = words[i];
-    modules[Address][HornRegister] = 7;
+        modules[PanelAddress][1 + i] = words[i];
+    modules[PanelAddress][HornRegister] = 7;
     wTechEtatModule& form = Open();
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
     EXPECT_EQ(Text("lblCommResult"), QString());
@@ -92,7 +93,7 @@ TEST_F(wTechEtatModuleTest, LampsBlinkAsTheWordsSayWithThePollingStopped) {
         form.tmrClign_Timer();
         EXPECT_EQ(Lamps(7), QString::fromLatin1(tick));
     }
-    modules[Address][HornRegister] = 0;
+    modules[PanelAddress][HornRegister] = 0;
     form.tmrPoll_Timer();
     EXPECT_EQ(Horn(), u'.');
 }
@@ -103,21 +104,21 @@ TEST_F(wTechEtatModuleTest, NothingIsKnownAfterThreeFailures) {
     form.tmrClign_Timer();
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'.'));
     link->sent.clear();
-    modules.Remove(Address);
+    modules.Remove(PanelAddress);
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 1 1 64 64 64");
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
     EXPECT_EQ(Text("lblCommResult"), GetText(830103));
     form.tmrClign_Timer();
     EXPECT_EQ(Lamps(), QString(12, u'?'));
-    modules[Address];
+    modules[PanelAddress];
     form.tmrPoll_Timer();
     EXPECT_EQ(Horn(), u'.');
 }
 
 TEST_F(wTechEtatModuleTest, AfterAFailureTheRegisterIsReadUntilTheCountHasComeRound) {
     silent = {1, 5, 6, 7, 10, 11};
-    modules[Address][1] = 1;
+    modules[PanelAddress][1] = 1;
     wTechEtatModule& form = Open();
     QStringList lamp;
     onFrame = [&](int) {
@@ -133,7 +134,7 @@ TEST_F(wTechEtatModuleTest, AfterAFailureTheRegisterIsReadUntilTheCountHasComeRo
 // A tap and an event at each exchange of a tick, of a module that answers and of one that doesn't,
 // and where one failure has the form read without end.
 TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
-    const auto noneAnswers = [this] { modules.Remove(Address); };
+    const auto noneAnswers = [this] { modules.Remove(PanelAddress); };
     const auto oneFails = [this] { silent = {1}; };
     const std::function<void()> lines[] = {[] {}, noneAnswers, oneFails};
     const int exchanges[] = {2, 6, 8};
@@ -151,7 +152,7 @@ TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
                 link->setPortOpen(true);
                 link->sent.clear();
                 silent.clear();
-                modules[Address];
+                modules[PanelAddress];
                 lines[line]();
                 onFrame = [&](int frame) {
                     if (frame == exchange)
@@ -163,7 +164,7 @@ TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
                     form->tmrPoll_Timer();
                     Forms::Unload(Front);
                 });
-                dynamic_cast<ModuleFront*>(Forms::Load(Front))->Present(Site().Panel(Address));
+                dynamic_cast<ModuleFront*>(Forms::Load(Front))->Present(Site().Panel(PanelAddress));
                 EXPECT_EQ(link->sent.size(), exchange) << line << " " << end;
                 EXPECT_EQ(Forms::Find(Front), nullptr);
                 RemoveUnloaded();
@@ -172,7 +173,7 @@ TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
     }
     onFrame = {};
     silent.clear();
-    modules[Address];
+    modules[PanelAddress];
     engine->Form_Load();
     link->setPortOpen(true);
     link->sent.clear();
@@ -188,7 +189,7 @@ TEST_F(wTechEtatModuleTest, ReadsKeepOutOfARoundAndOutOfEachOther) {
     engine->setRun(true);
     link->sent.clear();
     for (const qint16 value : {1, 2})
-        engine->SendCommand(std::make_shared<CommandClass>(Address, 200, Words{value}));
+        engine->SendCommand(std::make_shared<CommandClass>(PanelAddress, 200, Words{value}));
     engine->RunComm();
     EXPECT_EQ(Sent(), "200=1 200=2 144");
     onFrame = {};
@@ -210,11 +211,11 @@ TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
     Tap(Front, QStringLiteral("lblKlOff"));
     EXPECT_EQ(Sent(), "66=1 67=2 67=1 64=1 64=0 67=3 64=0");
     link->sent.clear();
-    modules.Remove(Address);
+    modules.Remove(PanelAddress);
     Tap(Front, QStringLiteral("cmdBoutons_1"));
     EXPECT_EQ(Sent(), "66=1 66=1 66=1 66=1");
     EXPECT_TRUE(tells(830013, 1));
-    modules[Address];
+    modules[PanelAddress];
     engine->setRun(true);
     link->sent.clear();
     // Held off while a command is sent, as it was behind it.
@@ -237,18 +238,18 @@ TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
 TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
     Site().setBiblio(1, QStringLiteral("Circuit breaker"));
     for (int i = 1; i <= 24; ++i) {
-        Site().Panel(Address).Channel(i).setBibNum(1);
-        Site().Panel(Address).Channel(i).setScreenText(QStringLiteral("Transformer north"));
+        Site().Panel(PanelAddress).Channel(i).setBibNum(1);
+        Site().Panel(PanelAddress).Channel(i).setScreenText(QStringLiteral("Transformer north"));
     }
-    Site().Panel(Address).Channel(2).setScreenText(QString(40, u'W'));
-    Site().Panel(Address).Channel(3).setScreenText(QString());
+    Site().Panel(PanelAddress).Channel(2).setScreenText(QString(40, u'W'));
+    Site().Panel(PanelAddress).Channel(3).setScreenText(QString());
     for (const QSize display : {QSize(800, 600), QSize(1280, 1024)}) {
         Global::Get().noResize = false;
         OverrideScreenSize(display);
         int height[2] = {};
         for (const int model : {Models::Q6200XT, Models::Q7100}) {
             Open(model);
-            const int count = Site().Panel(Address).ChannelCount();
+            const int count = Site().Panel(PanelAddress).ChannelCount();
             QSet<int> columns;
             QList<QRect> tiles;
             for (int i = 1; i <= count; ++i) {

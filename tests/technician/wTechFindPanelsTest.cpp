@@ -9,7 +9,6 @@
 
 namespace {
 
-const QString Form = FormNames::wTechFindPanels;
 const QString Unasked = QStringLiteral("?????");
 
 class TechFindPanelsTest : public TechnicianTest {
@@ -27,7 +26,9 @@ protected:
         Site().setModified(false);
     }
 
-    static TouchTable* Grid() { return Find<TouchTable>(Form, QStringLiteral("grdPanels")); }
+    static TouchTable* Grid() {
+        return Find<TouchTable>(FormNames::wTechFindPanels, QStringLiteral("grdPanels"));
+    }
     static QString Found(int panel) { return Grid()->Cell(panel - 1, 4); }
     static QString Row(int panel) {
         QStringList cells;
@@ -35,9 +36,15 @@ protected:
             cells += Grid()->Cell(panel - 1, column);
         return cells.join(u'/');
     }
-    static void Press(const char* name) { Tap(Form, QString::fromLatin1(name)); }
-    static QString Text(const char* name) { return TextOf(Form, QString::fromLatin1(name)); }
-    static bool Shown(const char* name) { return Child(Form, QLatin1String(name))->isVisible(); }
+    static void Press(const char* name) {
+        Tap(FormNames::wTechFindPanels, QString::fromLatin1(name));
+    }
+    static QString Text(const char* name) {
+        return TextOf(FormNames::wTechFindPanels, QString::fromLatin1(name));
+    }
+    static bool Shown(const char* name) {
+        return Child(FormNames::wTechFindPanels, QLatin1String(name))->isVisible();
+    }
     static void Search() { Press("imgFind_1"); }
     static void Touch(int panel) {
         QTest::mouseClick(Grid()->viewport(), Qt::LeftButton, {},
@@ -81,7 +88,7 @@ TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
         const bool refused = frame[0] == 64 && FakeModules::WordAt(frame, 2) == 133;
         return refused ? WithCrc("\x40\x83\x02") : modules.Answer(frame);
     };
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/Yes"));
     EXPECT_EQ(Found(2), Unasked);
     EXPECT_EQ(Text("lblBusConfig_5") + Text("lblBusConfig_6") + Text("lblBusConfig_7") +
@@ -112,7 +119,7 @@ TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
             return modules.Answer(frame);
         }
     };
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     Search();
     const char* reasons[] = {"Panel 1: no answer",
                              "Panel 2: answer with a bad CRC",
@@ -132,7 +139,7 @@ TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
 TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
     Site().Panel(2).setActive(false); // its loss would take the screen away
     engine->setRun(true);
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     While(9, [this] {
         EXPECT_EQ(Found(9), QStringLiteral("-----"));
         EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
@@ -145,7 +152,8 @@ TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
         Press("imgFind_0");
         EXPECT_FALSE(Shown("frmWarning"));
         // A start from inside the search must not nest.
-        QTest::mouseClick(Child(Form, QStringLiteral("imgFind_1")), Qt::LeftButton);
+        QTest::mouseClick(Child(FormNames::wTechFindPanels, QStringLiteral("imgFind_1")),
+                          Qt::LeftButton);
     });
     Search();
     EXPECT_EQ(Found(9), QStringLiteral("-----"));
@@ -162,7 +170,7 @@ TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
 TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
     for (int panel = 1; panel <= 20; ++panel)
         modules[panel][132] = 2;
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     const int inSight = Grid()->viewport()->height() / Grid()->rowHeight(0);
     // The search is about to turn the page.
     While(inSight, [] {
@@ -182,7 +190,7 @@ TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
 
 TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     modules[7][132] = 1;
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     Search();
     Touch(64);
     Press("imgControl_4");
@@ -204,13 +212,13 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     Site().Panel(2).setPresent(false);
     Site().Panel(2).Channel(4).setState(1);
     Leave(Messages::Cancel);
-    EXPECT_NE(Screen(Form), nullptr);
+    EXPECT_NE(Screen(FormNames::wTechFindPanels), nullptr);
     EXPECT_EQ(boxes.last(), GetText(50003));
     EXPECT_EQ(styles.last(), 35);
     RegisterConfigScreens();
     Forms::Show(FormNames::wBusModules);
     Leave(Messages::Yes);
-    EXPECT_EQ(Screen(Form), nullptr);
+    EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
     EXPECT_EQ(TextOf(FormNames::wBusModules, QStringLiteral("lblTypePan_6")),
               QStringLiteral("Q7100"));
     EXPECT_TRUE(Site().Panel(7).Active());
@@ -223,25 +231,25 @@ TEST_F(TechFindPanelsTest, AsksForAnyPanelButTheLast) {
     for (const int panel : {64, 63}) {
         AddPanel(panel, 1);
         boxes.clear();
-        Forms::Show(Form);
+        Forms::Show(FormNames::wTechFindPanels);
         Grid()->SelectTag(QString::number(panel));
         Press("imgCommand_0");
         Leave(Messages::No);
         EXPECT_EQ(boxes.size(), panel == 64 ? 0 : 1);
         EXPECT_TRUE(Site().Panel(panel).Active());
-        EXPECT_EQ(Screen(Form), nullptr);
+        EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
     }
 }
 
 TEST_F(TechFindPanelsTest, LeavingEndsTheSearch) {
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     While(4, [this] { Leave(Messages::No); });
     Search();
     EXPECT_EQ(asked, 4);
-    EXPECT_EQ(Screen(Form), nullptr);
+    EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
     RemoveUnloaded();
 
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     While(4, [this] {
         Grid()->SelectTag(QStringLiteral("2"));
         Press("imgCommand_0");
@@ -255,19 +263,19 @@ TEST_F(TechFindPanelsTest, LeavingEndsTheSearch) {
 }
 
 TEST_F(TechFindPanelsTest, AnAlarmEndsTheSearchAndKeepsTheEdit) {
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     Press("imgControl_6");
     Press("imgCommand_0");
     While(4, [] { AlarmComes(); });
     Search();
     EXPECT_EQ(asked, 4);
-    EXPECT_EQ(Screen(Form), nullptr);
+    EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_TRUE(Site().Panel(2).Active());
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/No"));
     EXPECT_TRUE(Shown("lblKept"));
     Leave(Messages::No);
-    Forms::Show(Form);
+    Forms::Show(FormNames::wTechFindPanels);
     EXPECT_FALSE(Shown("lblKept"));
 }

@@ -13,30 +13,35 @@
 
 namespace {
 
-const QString Form = FormNames::wTechnician;
-
 class wTechnicianTest : public TechnicianTest {
 protected:
     wTechnicianTest() {
         for (int model = 1; model <= 5; ++model)
             AddPanel(model, model);
         link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
-        Forms::Show(Form);
+        Forms::Show(FormNames::wTechnician);
     }
 
-    static wTechnician& Console() { return *dynamic_cast<wTechnician*>(Screen(Form)); }
-    static QString Shown() { return TextOf(Form, QStringLiteral("lblNumero")); }
-    static void Step(int index) { Tap(Form, QStringLiteral("imgControl_%1").arg(index)); }
+    static wTechnician& Console() {
+        return *dynamic_cast<wTechnician*>(Screen(FormNames::wTechnician));
+    }
+    static QString Shown() { return TextOf(FormNames::wTechnician, QStringLiteral("lblNumero")); }
+    static void Step(int index) {
+        Tap(FormNames::wTechnician, QStringLiteral("imgControl_%1").arg(index));
+    }
     /// Which of state, reset, counter and LEDs a module takes.
     static QString Takes(int number) {
         Console().setNumero(number);
         QString marks;
         for (const char* button : {"cmdPanelState", "cmdPanelReset", "cmdRazCptr", "cmdTestLeds"})
-            marks += Child(Form, QLatin1String(button))->isEnabled() ? u'+' : u'-';
+            marks +=
+                Child(FormNames::wTechnician, QLatin1String(button))->isEnabled() ? u'+' : u'-';
         return marks;
     }
-    static QString Outcome(const char* label) { return TextOf(Form, QLatin1String(label)); }
-    static QString CopyLine() { return TextOf(Form, QStringLiteral("lblCopy")); }
+    static QString Outcome(const char* label) {
+        return TextOf(FormNames::wTechnician, QLatin1String(label));
+    }
+    static QString CopyLine() { return TextOf(FormNames::wTechnician, QStringLiteral("lblCopy")); }
     void Named(const QString& histories) const {
         IniWrite(QStringLiteral("Files"), QStringLiteral("Histo"), histories);
     }
@@ -67,21 +72,22 @@ TEST_F(wTechnicianTest, TheModuleIsSteppedToAndRemembered) {
     EXPECT_EQ(Shown(), GetText(10101));
     Step(2);
     EXPECT_EQ(Shown(), QStringLiteral("1"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblPanelType")), QStringLiteral("Q7100"));
+    EXPECT_EQ(TextOf(FormNames::wTechnician, QStringLiteral("lblPanelType")),
+              QStringLiteral("Q7100"));
     Console().setNumero(60);
     Step(3);
     EXPECT_EQ(Shown(), QStringLiteral("64"));
     Console().setNumero(5);
     Step(0);
     EXPECT_EQ(Shown(), GetText(10101));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblPanelType")), QString());
+    EXPECT_EQ(TextOf(FormNames::wTechnician, QStringLiteral("lblPanelType")), QString());
     for (const char* kept : {"7", "All"}) {
         Console().setNumero(QString::fromLatin1(kept).toInt());
-        Forms::Unload(Form);
+        Forms::Unload(FormNames::wTechnician);
         RemoveUnloaded();
         EXPECT_EQ(IniRead(QStringLiteral("General"), QStringLiteral("TechPanel"), QString()),
                   QLatin1String(kept));
-        Forms::Show(Form);
+        Forms::Show(FormNames::wTechnician);
         EXPECT_EQ(Shown(), QLatin1String(kept));
     }
 }
@@ -90,39 +96,39 @@ TEST_F(wTechnicianTest, ACommandTellsWhatBecameOfIt) {
     modules[1];
     Console().setNumero(1);
     answer = Messages::Cancel;
-    Tap(Form, QStringLiteral("cmdPanelReset"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdPanelReset"));
     EXPECT_EQ(boxes.takeLast(), GetText(810055));
     EXPECT_EQ(styles.takeLast(), 33);
     EXPECT_EQ(Outcome("lblReset"), QString());
     answer = Messages::Ok;
-    Tap(Form, QStringLiteral("cmdPanelReset"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdPanelReset"));
     EXPECT_EQ(modules[1].value(67), 2);
     EXPECT_EQ(Outcome("lblReset"), GetText(810142));
-    Tap(Form, QStringLiteral("cmdRazCptr"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdRazCptr"));
     EXPECT_EQ(boxes.last(), GetText(810052));
     EXPECT_EQ(link->sent.last().left(6), QByteArray("\x01\x06\x01\x21\x00\x00", 6));
 
     Console().setNumero(3);
     link->sent.clear();
-    Tap(Form, QStringLiteral("cmdTestLeds"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdTestLeds"));
     EXPECT_EQ(link->sent.size(), 4) << "an absent module";
     EXPECT_EQ(Outcome("lblTestLeds"), GetText(810143));
 
     Console().setNumero(0);
     EXPECT_EQ(Outcome("lblTestLeds"), QString()) << "that was of another module";
-    Tap(Form, QStringLiteral("cmdTestLeds"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdTestLeds"));
     EXPECT_EQ(link->sent.last().left(6), QByteArray("\x00\x06\x00\x42\x00\x01", 6));
     EXPECT_EQ(Outcome("lblTestLeds"), GetText(810144));
 }
 
 TEST_F(wTechnicianTest, WhileTheBusRunsTheQueueTakesTheCommand) {
     modules[1];
-    Tap(Form, QStringLiteral("imgStopRun_1"));
+    Tap(FormNames::wTechnician, QStringLiteral("imgStopRun_1"));
     EXPECT_TRUE(engine->Run());
-    EXPECT_TRUE(Child(Form, QStringLiteral("imgStopRun_1"))->isHidden());
+    EXPECT_TRUE(Child(FormNames::wTechnician, QStringLiteral("imgStopRun_1"))->isHidden());
     Console().setNumero(1);
     link->sent.clear();
-    Tap(Form, QStringLiteral("cmdTestLeds"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdTestLeds"));
     EXPECT_TRUE(link->sent.isEmpty());
     EXPECT_EQ(Outcome("lblTestLeds"), GetText(810141));
     for (int round = 0; round < 5; ++round) {
@@ -131,10 +137,10 @@ TEST_F(wTechnicianTest, WhileTheBusRunsTheQueueTakesTheCommand) {
     }
     EXPECT_TRUE(QTest::qWaitFor([&] { return Outcome("lblTestLeds") == GetText(810142); }));
     EXPECT_EQ(modules[1].value(66), 1);
-    const bool beat = Child(Form, QStringLiteral("imgComm_0"))->isHidden();
+    const bool beat = Child(FormNames::wTechnician, QStringLiteral("imgComm_0"))->isHidden();
     Q_EMIT engine->PollDone();
-    EXPECT_NE(Child(Form, QStringLiteral("imgComm_0"))->isHidden(), beat);
-    Tap(Form, QStringLiteral("imgStopRun_0"));
+    EXPECT_NE(Child(FormNames::wTechnician, QStringLiteral("imgComm_0"))->isHidden(), beat);
+    Tap(FormNames::wTechnician, QStringLiteral("imgStopRun_0"));
     EXPECT_FALSE(engine->Run());
 }
 
@@ -148,7 +154,7 @@ TEST_F(wTechnicianTest, MidnightTellsHowFarItIs) {
                                          told += changed;
                                      }};
     });
-    Tap(Form, QStringLiteral("cmdSynchroMinuit"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdSynchroMinuit"));
     ASSERT_GE(told.size(), 4);
     EXPECT_EQ(told.first(), GetText(30022));
     EXPECT_TRUE(told[1].endsWith(GetText(30023)
@@ -162,24 +168,24 @@ TEST_F(wTechnicianTest, MidnightTellsHowFarItIs) {
 
 TEST_F(wTechnicianTest, TracesAreCopiedWholeOrNotAtAll) {
     Named(Path(QString()));
-    Tap(Form, QStringLiteral("cmdCopyTraces"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
     EXPECT_TRUE(CopyLine().isEmpty()) << "onto themselves";
     Named(QStringLiteral("/media/no such stick/histories"));
-    Tap(Form, QStringLiteral("cmdCopyTraces"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
     EXPECT_EQ(boxes.takeLast(), GetText(30016));
     Named(QStringLiteral("/dev/null"));
-    Tap(Form, QStringLiteral("cmdCopyTraces"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
     EXPECT_EQ(boxes.takeLast(), GetText(30018));
 
     const QString big = TraceFile(QStringLiteral("big.trc"), 900000);
     TraceFile(QStringLiteral("small.trc"), 10);
     const QDir stick(Path(QStringLiteral("stick/deep/Trace")));
     Named(Path(QStringLiteral("stick/deep")));
-    Tap(Form, QStringLiteral("cmdCopyTraces"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return QFile::exists(stick.filePath(QStringLiteral("small.trc"))); }));
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return Child(Form, QStringLiteral("cmdStopCopy"))->isHidden(); }));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden(); }));
     EXPECT_TRUE(CopyLine().contains(stick.path())) << CopyLine().toStdString();
     QFile copied(stick.filePath(QStringLiteral("big.trc")));
     ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
@@ -187,9 +193,9 @@ TEST_F(wTechnicianTest, TracesAreCopiedWholeOrNotAtAll) {
     EXPECT_EQ(QFileInfo(copied).lastModified(), QFileInfo(big).lastModified());
 
     EXPECT_TRUE(copied.remove());
-    Tap(Form, QStringLiteral("cmdCopyTraces"));
-    Tap(Form, QStringLiteral("cmdStopCopy"));
-    EXPECT_TRUE(Child(Form, QStringLiteral("cmdStopCopy"))->isHidden());
+    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdStopCopy"));
+    EXPECT_TRUE(Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden());
     EXPECT_EQ(stick.entryList({QStringLiteral("*.tmp"), QStringLiteral("big*")}), QStringList());
 }
 
@@ -198,11 +204,11 @@ TEST_F(wTechnicianTest, AStickThatIsPulledOutIsTold) {
     TraceFile(QStringLiteral("b.trc"), 900000);
     Named(Path(QStringLiteral("stick")));
     const QString target = Path(QStringLiteral("stick/Trace"));
-    Tap(Form, QStringLiteral("cmdCopyTraces"));
+    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(target + QStringLiteral("/a.trc")); }));
     QDir(target).removeRecursively();
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return Child(Form, QStringLiteral("cmdStopCopy"))->isHidden(); }));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden(); }));
     EXPECT_TRUE(CopyLine().startsWith(QStringLiteral("b.trc"))) << CopyLine().toStdString();
 
     EXPECT_THROW(platform::FileCopy(Path(QStringLiteral("no")), Path(QStringLiteral("x"))),
