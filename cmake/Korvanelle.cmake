@@ -25,7 +25,8 @@ function(korvanelle_folder name)
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
 endfunction()
 
-# korvanelle_tests(<folder> <libraries>...): the program test_<folder> of tests/<folder>.
+# korvanelle_tests(<folder> <libraries>...): the program test_<folder> of tests/<folder>. Those with
+# the highest KORVANELLE_TEST_COST are begun first.
 function(korvanelle_tests folder)
     file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
     if(NOT sources)
@@ -47,7 +48,7 @@ function(korvanelle_tests folder)
     target_compile_options(test_${folder} PRIVATE -Wno-subobject-linkage)
     gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
-        PROPERTIES TIMEOUT 300
+        PROPERTIES TIMEOUT 300 COST ${KORVANELLE_TEST_COST}
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;UBSAN_OPTIONS=print_stacktrace=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp")
 endfunction()
 include(GoogleTest)

@@ -29,7 +29,8 @@ if [ -n "$screenshot" ]; then
     [ -z "${DISPLAY:-}" ] || scripts/packages.sh imagemagick
 fi
 cmake --preset release >/dev/null
-cmake --build --preset release
+cmake --build --preset release --target \
+    korvanelle korvanelle-sim korvanelle-mksite korvanelle_base
 run=$root/run
 cmake --install build/release --prefix "$run" >/dev/null
 

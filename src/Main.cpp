@@ -1,3 +1,4 @@
+#include "CommandLine.h"
 #include "Startup.h"
 #include "core/Global.h"
 #include "screens/touch/Theme.h"
@@ -6,13 +7,16 @@
 #include <QTimer>
 
 int main(int argc, char** argv) {
+    QCoreApplication::setApplicationName(Global::Title);
+    QCoreApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
+                                                .arg(Global::VersionMajor)
+                                                .arg(Global::VersionMinor)
+                                                .arg(Global::VersionRevision));
+    if (CommandLine::WantsWords(argc, argv))
+        CommandLine::Take(QCoreApplication(argc, argv));
     QApplication application(argc, argv);
-    QApplication::setApplicationName(Global::Title);
+    CommandLine::Take(application);
     QApplication::setApplicationDisplayName(Global::Title);
-    QApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
-                                            .arg(Global::VersionMajor)
-                                            .arg(Global::VersionMinor)
-                                            .arg(Global::VersionRevision));
     QApplication::setQuitOnLastWindowClosed(false);
     Theme::Apply(application);
     Startup startup;

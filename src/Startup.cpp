@@ -15,14 +15,17 @@
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "events/Klaxon.h"
+#include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/Folders.h"
+#include "platform/ServiceManager.h"
 #include "screens/Screens.h"
 #include "technician/Technician.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <utility>
 
 using ErrorHandling::Guard;
 
@@ -45,13 +48,16 @@ void TellStandIn(const QString& file, const QString& standIn) {
 /// Tells why the program can't go on and waits for the answer: without it the screen would stay
 /// black and nobody would know.
 void TellTheEnd(const QString& text) {
+    platform::ServiceManager::Current().Log(platform::ServiceManager::Priority::Error, text);
     const Operator::Acting acting;
     Message(text, Messages::Critical);
 }
 
 } // namespace
 
-Startup::Startup() = default;
+Startup::Startup() {
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &Startup::TellStop);
+}
 // The thread of the horn ends before what it reports to.
 Startup::~Startup() {
     Global::Get().sound.reset();
@@ -95,8 +101,13 @@ qint32 Startup::ReadConfiguration() {
 }
 
 void Startup::LoadPolling() {
+    platform::SerialSetup setup;
+    setup.isRs485 = [](int number) {
+        return SLVfonctions::PortOf(BusSettings::PortName(number)).rs485;
+    };
     polling_ = std::make_unique<wPolling>(platform::MakeSerialPort(
-        [](int number) { return SLVfonctions::DevicePath(QStringLiteral("COM%1").arg(number)); }));
+        [](int number) { return SLVfonctions::DevicePath(BusSettings::PortName(number)); },
+        std::move(setup)));
     polling_->Form_Load(started_);
     Forms::Load(FormNames::wPolling);
 }
@@ -123,11 +134,11 @@ bool Startup::Main() {
         RegisterTechnician();
         if (!ClaimInstance())
             return;
+        // What fails is told over the first screen, when the bus runs.
+        const Boxes::Held held;
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
         DropFormerAlarms();
-        // What fails is told over the first screen, when the bus runs.
-        const Boxes::Held held;
         if (!Config::OpenConfigBase()) {
             TellTheEnd(QStringLiteral("Unable to open configuration file."));
             return;
@@ -162,6 +173,25 @@ void Startup::ComeUp() {
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(FormNames::wMain);
+    if (!HasEnded())
+        TellStart();
+}
+
+/// The first screen stands: whoever started the program is told.
+void Startup::TellStart() {
+    platform::ServiceManager& manager = platform::ServiceManager::Current();
+    manager.Ready();
+    manager.Log(platform::ServiceManager::Priority::Notice,
+                Global::Title + u' ' + QCoreApplication::applicationVersion() +
+                    QStringLiteral(" started in ") + platform::ApplicationFolder());
+}
+
+void Startup::TellStop() {
+    platform::ServiceManager& manager = platform::ServiceManager::Current();
+    if (!std::exchange(stopTold_, true))
+        manager.Log(platform::ServiceManager::Priority::Notice,
+                    Global::Title + QStringLiteral(" stops"));
+    manager.Stopping();
 }
 
 bool Startup::HasEnded() const {
@@ -171,6 +201,7 @@ bool Startup::HasEnded() const {
 void Startup::End(platform::UnloadMode mode) {
     Guard("Startup.End", [&] {
         ended_ = true;
+        TellStop();
         // Nobody answers any more: an error on the way out must not hold up what follows it.
         Messages::Install({});
         if (polling_) {

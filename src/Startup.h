@@ -36,6 +36,8 @@ private:
     qint32 ReadConfiguration();
     void LoadPolling();
     void StartByItself();
+    void TellStart();
+    void TellStop();
 
     std::unique_ptr<platform::SingleInstance> instance_;
     std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
@@ -43,4 +45,5 @@ private:
     /// The day's change is due when a midnight has passed since.
     platform::DateTime started_ = platform::Clock::Current().Now();
     bool ended_ = false;
+    bool stopTold_ = false;
 };

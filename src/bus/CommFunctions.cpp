@@ -6,6 +6,7 @@
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "platform/Clock.h"
+#include "platform/ServiceManager.h"
 
 #include <QStringList>
 #include <array>
@@ -65,6 +66,8 @@ quint16 WordAt(const QByteArray& bytes, int offset) {
 /// Without a port, as after bad settings or with its adapter pulled out, nothing is sent and so
 /// nothing answers: each poll would tell the operator of it in a box otherwise.
 void Send(platform::SerialLink& link, const QByteArray& frame) {
+    // What follows one another without the event loop, as a synchronisation does, is alive.
+    platform::ServiceManager::Current().Beat();
     platform::Clock::Current().Sleep(FrameGap);
     link.setRTSEnable(true);
     link.ClearBuffers();
@@ -116,9 +119,8 @@ Reply Receive(platform::SerialLink& link, const QByteArray& frame, int expected,
     if (!link.PortOpen())
         return reply;
     link.WaitForInput(expected, platform::Clock::Current().MonotonicMs() + deadline);
-    const bool whole = link.InBufferCount() == expected;
     reply.bytes = link.Input();
-    reply.whole = whole && reply.bytes.size() == expected;
+    reply.whole = reply.bytes.size() == expected;
     reply.outcome = OutcomeOf(frame, reply);
     if (listener != nullptr)
         listener->Replied(reply.outcome, reply.bytes);

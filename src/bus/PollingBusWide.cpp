@@ -14,6 +14,7 @@
 #include "core/Yield.h"
 #include "events/HistoProcs.h"
 #include "platform/DiskFlush.h"
+#include "platform/ServiceManager.h"
 
 #include <QScopeGuard>
 #include <QScopedValueRollback>
@@ -82,6 +83,9 @@ void wPolling::tmrMidnight_Timer() {
         if (!inRound_)
             platform::DiskFlush::Pay();
         FollowClock();
+        // A bus that nobody runs has no rounds; one that runs must show them itself.
+        if (!run_)
+            platform::ServiceManager::Current().Beat();
         const DateTime now = DateTimes::Now();
         const DateTime last = std::exchange(lastMidnightCheck_, now);
         if (DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())

@@ -13,6 +13,7 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "platform/ServiceManager.h"
 
 #include <QScopedValueRollback>
 
@@ -91,6 +92,7 @@ void wPolling::RunComm() {
             PollPanel(address);
         lastRound_ = DateTimes::LongTime(DateTimes::Now());
         pollPointer_ = qint16(pollPointer_ & 63);
+        platform::ServiceManager::Current().Beat();
         Q_EMIT RoundDone(address);
         if (turnEnded && polledInTurn_ > 0) {
             Q_EMIT PollDone();

@@ -1,19 +1,30 @@
 // What can be said of the watch as a whole: which panels are missing, whether all of them are
 // asked, and that an error of the round stops it.
 
+#include "bus/AlarmConsole.h"
 #include "bus/BusWatch.h"
 #include "bus/wPolling.h"
+#include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "core/SLVfonctions.h"
 #include "events/Klaxon.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "platform/ServiceManager.h"
 #include "platform/ShutdownWatch.h"
 
 using ErrorHandling::Guard;
+
+namespace {
+
+/// Words of the service's state.
+enum Text { BusRuns = 710008, BusStands = 710009, Summary = 301310 };
+
+} // namespace
 
 /// The program is to end. A signal counts from when it comes: where exchanges follow one another
 /// without the event loop nothing else tells of it.
@@ -85,6 +96,7 @@ void wPolling::TellState() {
         toldLost_ = lost;
         toldMissing_ = std::move(missing);
         Q_EMIT StateChanged();
+        TellService();
     });
 }
 
@@ -111,6 +123,25 @@ void wPolling::CheckFaults() {
     watch_->CheckClock();
     BusWatch::CheckDisk();
     TellState();
+    TellService();
+}
+
+/// Modules and alarms in one line, for whoever asks the machine how the program does.
+void wPolling::TellService() const {
+    int watched = 0;
+    for (int address = 1; address <= PanelCount; ++address)
+        watched += IsWatched(address) ? 1 : 0;
+    QStringList kept;
+    const AlarmConsole* console = AlarmConsole::Loaded();
+    if (console == nullptr)
+        IniReadKeys(kept, QStringLiteral("LastAlarms"));
+    const qsizetype alarms = console != nullptr ? console->RowCount() : kept.size();
+    platform::ServiceManager::Current().Status(
+        GetText(run_ ? BusRuns : BusStands) + QStringLiteral(". ") +
+        GetText(Summary)
+            .replace(QStringLiteral("$1"), QString::number(watched))
+            .replace(QStringLiteral("$2"), QString::number(MissingPanels().size()))
+            .replace(QStringLiteral("$3"), QString::number(alarms)));
 }
 
 /// Some screen is always visible, and alarms that stand on come back.

@@ -15,6 +15,8 @@ inline constexpr qint32 ForcedStateBase = 16;
 inline constexpr qint32 AllStates = 25;
 /// What the standing states mean, from channel 1 on.
 inline constexpr qint32 Qualifier = 49;
+/// 1 has a `Q6200XT` take in its changed forced states. Reads as the horn of any module, which the
+/// technician drives by it.
 inline constexpr qint32 Function = 64;
 /// Lights all LEDs of a module for a test.
 inline constexpr qint32 TestLeds = 66;

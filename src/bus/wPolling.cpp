@@ -3,6 +3,7 @@
 #include "bus/BusDiagnosis.h"
 #include "bus/BusWatch.h"
 #include "bus/CommFunctions.h"
+#include "bus/LineOpening.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -180,8 +181,7 @@ void wPolling::setRun(bool on) {
 /// False when there is no port.
 bool wPolling::OpenPort() {
     try {
-        if (!link_->PortOpen())
-            link_->setPortOpen(true);
+        OpenLine(*link_);
     } catch (const platform::RunTimeError&) {
         return false;
     }
@@ -223,8 +223,7 @@ void wPolling::ConfigCommPort() {
         if (settings.line.isEmpty())
             throw platform::RunTimeError(platform::errors::Subscript);
         link_->setSettings(settings.line);
-        if (!link_->PortOpen())
-            link_->setPortOpen(true);
+        OpenLine(*link_);
     } catch (const platform::RunTimeError&) {
         // Told below by what it leads to: the port is closed.
     }

@@ -158,6 +158,7 @@ private:
     void JudgeAnew();
     bool IsLost(const QList<int>& missing) const;
     void TellState();
+    void TellService() const;
     void StopRound();
     void CheckFaults();
     bool OpenPort();

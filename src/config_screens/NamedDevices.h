@@ -1,20 +1,22 @@
 #pragma once
 
+#include "core/SLVfonctions.h"
+
 #include <QHash>
 #include <QString>
 
-/// Devices that a screen gives to ports ahead of the operator's answer: they hold at once, so that
-/// they can be tried, and go back to the former ones unless they are kept.
+/// What a screen has ports mean ahead of the operator's answer: it holds at once, so that it can be
+/// tried, and goes back to what was before unless it is kept.
 class NamedDevices {
 public:
-    /// False when the port has that device already.
-    bool Name(const QString& port, const QString& device);
-    /// The device of a port as it was before.
-    QString Former(const QString& port) const;
+    /// False when the port means that already.
+    bool Name(const QString& port, const SLVfonctions::PortSetting& setting);
+    /// What a port meant before.
+    SLVfonctions::PortSetting Former(const QString& port) const;
     /// False when there was nothing to put back.
     bool PutBack();
     void Settle() { former_.clear(); }
 
 private:
-    QHash<QString, QString> former_;
+    QHash<QString, SLVfonctions::PortSetting> former_;
 };

@@ -69,7 +69,7 @@ bool OpenConfigBase() {
     base.reset();
     Guard("OpenConfigBase", [] {
         base = std::make_unique<Base>(
-            Global::InApplicationFolder(platform::ExecutableName() + QStringLiteral(".cfg")));
+            platform::ProgramFile(platform::ExecutableName() + QStringLiteral(".cfg")));
         Global::Get().language = Bytes::ShortVal(
             IniRead(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("0")));
         if (!GetLanguage(Global::Get().language).isEmpty())

@@ -7,6 +7,7 @@
 #include "core/Trace.h"
 #include "platform/Clock.h"
 #include "platform/RunTimeError.h"
+#include "platform/ServiceManager.h"
 
 #include <QHash>
 #include <QScopeGuard>
@@ -42,6 +43,8 @@ void TraceError(const QString& source, int number) {
         traced.clear();
     traced.insert(words, now);
     Trace::Note(words);
+    platform::ServiceManager::Current().Log(platform::ServiceManager::Priority::Error,
+                                            words + QStringLiteral(": ") + RunTimeText(number));
 }
 
 void Tell(const QString& text) {

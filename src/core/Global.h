@@ -42,7 +42,7 @@ State& Get();
 
 /// Reads the marks and the kept words in the language in use.
 void ReadMarks();
-/// A file or folder beside the executable.
+/// A file or folder of the application's own.
 QString InApplicationFolder(const QString& name);
 
 } // namespace Global

@@ -15,6 +15,7 @@ using ErrorHandling::Guard;
 namespace {
 
 const QString PortSection = QStringLiteral("Ports");
+const QString Rs485Word = QStringLiteral("rs485");
 
 /// The engine of the file in use; another path, as tests set it, brings another engine.
 platform::SettingsFile& File() {
@@ -67,16 +68,30 @@ int IniReadKeys(QStringList& keys, const QString& section) {
     return int(keys.size());
 }
 
-QString DevicePath(const QString& portName) {
+PortSetting PortOf(const QString& portName) {
     const int number = Bytes::ShortVal(portName.mid(3));
     const QString fallback = portName.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive)
                                  ? QStringLiteral("/dev/lp%1")
                                  : QStringLiteral("/dev/ttyS%1");
-    return IniRead(PortSection, portName, fallback.arg(number - 1));
+    const QString value = IniRead(PortSection, portName, fallback.arg(number - 1));
+    // A name of a device may hold a comma of its own.
+    const qsizetype comma = value.lastIndexOf(u',');
+    if (comma < 0 || value.mid(comma + 1).trimmed().compare(Rs485Word, Qt::CaseInsensitive) != 0)
+        return {value, false};
+    return {value.left(comma).trimmed(), true};
+}
+
+void setPort(const QString& portName, const PortSetting& port) {
+    IniWrite(PortSection, portName,
+             port.rs485 ? port.device + QStringLiteral(",") + Rs485Word : port.device);
+}
+
+QString DevicePath(const QString& portName) {
+    return PortOf(portName).device;
 }
 
 void setDevicePath(const QString& portName, const QString& device) {
-    IniWrite(PortSection, portName, device);
+    setPort(portName, {device, PortOf(portName).rs485});
 }
 
 bool IsTrue(const QString& value) {

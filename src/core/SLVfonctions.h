@@ -20,10 +20,22 @@ void IniWriteSection(const QString& section, const QList<std::pair<QString, QStr
 /// Fills `keys` with the section's key names and gives their number.
 int IniReadKeys(QStringList& keys, const QString& section);
 
-/// The device of a port by its name: the key of that name in the section "Ports", else
-/// /dev/ttyS(n-1) for "COMn" and /dev/lp(n-1) for "LPTn".
+/// What a port name means on this machine.
+struct PortSetting {
+    QString device;
+    /// The device is to switch the direction of a two-wire line.
+    bool rs485 = false;
+    bool operator==(const PortSetting&) const = default;
+};
+
+/// A port by its name: the key of that name in the section "Ports", a device with ",rs485" behind
+/// it or without. Without a key the device is /dev/ttyS(n-1) for "COMn", /dev/lp(n-1) for "LPTn".
+PortSetting PortOf(const QString& portName);
+/// Sets a port, from its next opening on.
+void setPort(const QString& portName, const PortSetting& port);
+
 QString DevicePath(const QString& portName);
-/// Names the device of a port, from its next opening on.
+/// Names the device of a port; whether it switches the direction stays as it is.
 void setDevicePath(const QString& portName, const QString& device);
 
 /// Boolean text of the settings: any number but 0, or a word of truth.

@@ -36,7 +36,7 @@ PrinterDefinition::PrinterDefinition(const QString& path)
     : file_(path) {}
 
 QString PrinterDefinition::PathOf(const QString& printerName) {
-    return platform::ApplicationFolder() + u'/' + printerName + Extension;
+    return platform::ProgramFile(printerName + Extension);
 }
 
 bool PrinterDefinition::Exists(const QString& printerName) {
@@ -44,9 +44,11 @@ bool PrinterDefinition::Exists(const QString& printerName) {
 }
 
 QStringList PrinterDefinition::Names() {
-    const QDir folder(platform::ApplicationFolder());
+    QStringList names;
     // Names of files differ by case here: "X.PRT" would be listed and not found.
-    QStringList names = folder.entryList({u'*' + Extension}, QDir::Files | QDir::CaseSensitive);
+    for (const QString& folder : platform::ProgramFolders())
+        names += QDir(folder).entryList({u'*' + Extension}, QDir::Files | QDir::CaseSensitive);
+    names.removeDuplicates();
     for (QString& name : names)
         name.chop(Extension.size());
     names.sort();

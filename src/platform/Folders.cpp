@@ -7,12 +7,37 @@
 namespace platform {
 
 namespace {
+QString namedFolder;
 QString overriddenFolder;
 QString overriddenName;
 } // namespace
 
 QString ApplicationFolder() {
-    return overriddenFolder.isEmpty() ? QCoreApplication::applicationDirPath() : overriddenFolder;
+    if (!overriddenFolder.isEmpty())
+        return overriddenFolder;
+    return namedFolder.isEmpty() ? QCoreApplication::applicationDirPath() : namedFolder;
+}
+
+bool UseApplicationFolder(const QString& folder) {
+    namedFolder = QDir(folder).absolutePath();
+    return MakeFolder(namedFolder) && QFileInfo(namedFolder).isWritable();
+}
+
+QStringList ProgramFolders() {
+    QStringList folders = {ApplicationFolder()};
+    if (overriddenFolder.isEmpty() && folders.first() != QCoreApplication::applicationDirPath())
+        folders += QCoreApplication::applicationDirPath();
+    return folders;
+}
+
+QString ProgramFile(const QString& name) {
+    const QStringList folders = ProgramFolders();
+    for (const QString& folder : folders) {
+        QString path = folder + u'/' + name;
+        if (QFileInfo::exists(path))
+            return path;
+    }
+    return folders.first() + u'/' + name;
 }
 
 QString ExecutableName() {

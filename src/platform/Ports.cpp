@@ -79,11 +79,14 @@ Ports::Ports(PortRoots roots)
 }
 
 QString Ports::StablePath(const QString& path) const {
-    const QDir names(roots_.dev + QStringLiteral("/serial/by-id"));
-    for (const QString& name :
-         names.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot, QDir::Name)) {
-        if (SameDevice(names.filePath(name), path))
-            return names.filePath(name);
+    // The own names come first: two adapters without a serial number share one by-id.
+    for (const char* folder : {"/korvanelle", "/serial/by-id"}) {
+        const QDir names(roots_.dev + QLatin1String(folder));
+        for (const QString& name :
+             names.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot, QDir::Name)) {
+            if (SameDevice(names.filePath(name), path))
+                return names.filePath(name);
+        }
     }
     return {};
 }

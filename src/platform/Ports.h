@@ -12,6 +12,7 @@ struct PortDevice {
     /// Where the system has it now, such as "/dev/ttyUSB0".
     QString path;
     /// A name under which the same device is found again after it was unplugged, such as
+    /// "/dev/korvanelle/rs485-A50285BI-if00-port0" by the rules of the program, else
     /// "/dev/serial/by-id/usb-FTDI_..."; empty when it has none.
     QString stablePath;
     QString maker;

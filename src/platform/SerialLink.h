@@ -7,6 +7,20 @@
 
 namespace platform {
 
+/// What an open device made of what it was asked for.
+struct LineFeatures {
+    enum class Answer {
+        NotOffered, ///< the device doesn't have it, or it wasn't asked for
+        Taken,
+        Refused
+    };
+    /// Bytes are handed on as they come, not gathered.
+    Answer lowLatency = Answer::NotOffered;
+    /// The device switches the direction of a two-wire line by itself. Refused as well where the
+    /// device doesn't have it: it was asked for by name.
+    Answer rs485 = Answer::NotOffered;
+};
+
 /// A serial line with a byte buffer each way, worked without an event loop.
 class SerialLink {
 public:
@@ -26,6 +40,8 @@ public:
     /// Opens or closes. Throws RunTimeError `PortUnavailable` when the device can't be opened or
     /// refuses the settings.
     virtual void setPortOpen(bool open) = 0;
+    /// Those of the last opening.
+    virtual LineFeatures Features() const { return {}; }
 
     virtual void setRTSEnable(bool on) = 0;
     /// Empties both buffers.
@@ -43,8 +59,24 @@ public:
     virtual void WaitForInput(int count, qint64 deadlineMs) = 0;
 };
 
-/// The machine's serial port. `devicePath` gives the device of a port number; it is asked anew at
-/// each opening.
-std::unique_ptr<SerialLink> MakeSerialPort(std::function<QString(int)> devicePath);
+/// A request to the driver of an open device, as ioctl has them: 0, or the number of the error.
+using DeviceControl = std::function<int(int handle, unsigned long request, void* argument)>;
+int SystemControl(int handle, unsigned long request, void* argument);
+
+/// What a serial port is made with beside its devices; tests put others in the place of the
+/// system's.
+struct SerialSetup {
+    /// True for a port number whose device is to switch the direction of a two-wire line; asked
+    /// anew at each opening. None: no port's.
+    std::function<bool(int)> isRs485;
+    DeviceControl control = SystemControl;
+    QString sys = QStringLiteral("/sys");
+};
+
+/// The machine's serial port, for itself alone while it is open. `devicePath` gives the device of a
+/// port number; it is asked anew at each opening. The event loop, where it runs, is what notices a
+/// device that goes between two exchanges.
+std::unique_ptr<SerialLink> MakeSerialPort(std::function<QString(int)> devicePath,
+                                           SerialSetup setup = {});
 
 } // namespace platform

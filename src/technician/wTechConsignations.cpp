@@ -250,7 +250,7 @@ void wTechConsignations::imgNavig_Click(int index) {
         ShowHelp();
         break;
     case CloseScreen:
-        Close();
+        LeaveModal();
         break;
     default:
         break;
@@ -285,9 +285,4 @@ bool wTechConsignations::Take() {
 
 void wTechConsignations::Keep() {
     keptEdit.Keep(present_.entries, new_.entries);
-}
-
-void wTechConsignations::Close() {
-    if (AskForClose())
-        Unload();
 }

@@ -30,7 +30,7 @@ protected:
     bool Take() override;
     void Drop() override { new_.entries.clear(); }
     void Keep() override;
-    void CloseRequested() override { Close(); }
+    void CloseRequested() override { LeaveModal(); }
 
 private:
     enum Image {
@@ -65,7 +65,6 @@ private:
     void Choose(const List& list);
     void Request(int channel, bool out);
     void Move(List& list, int by);
-    void Close();
 
     std::unique_ptr<Ui::wTechConsignations> ui_;
     HoldToRepeat repeat_;

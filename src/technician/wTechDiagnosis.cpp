@@ -64,7 +64,7 @@ wTechDiagnosis::wTechDiagnosis()
     , ui_(std::make_unique<Ui::wTechDiagnosis>()) {
     ui_->setupUi(this);
     Prepare();
-    constexpr std::array<int, 10> Shares = {9, 12, 11, 13, 8, 14, 12, 10, 9, 8};
+    constexpr std::array<int, 10> Shares = {9, 12, 13, 13, 8, 13, 12, 10, 8, 8};
     QList<TouchTable::Column> columns;
     for (int i = 0; i < int(Shares.size()); ++i)
         columns += {GetText(FirstColumn + i), Shares[size_t(i)],

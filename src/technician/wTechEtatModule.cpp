@@ -24,19 +24,15 @@ constexpr int RoundPeriod = 50;
 /// Failed reads until nothing is known any more.
 constexpr int MaxFailures = 3;
 
-constexpr qint32 Horn = 64;
-
 /// What each button writes, from the first on.
 struct Key {
     qint32 registerNo;
     qint16 value;
 };
-constexpr Key Keys[] = {{Registers::TestLeds, 1},
-                        {Registers::PanelCommand, Registers::Acknowledge},
-                        {Registers::PanelCommand, 1},
-                        {Horn, 1},
-                        {Horn, 0},
-                        {Registers::PanelCommand, 3}};
+constexpr Key Keys[] = {
+    {Registers::TestLeds, 1},     {Registers::PanelCommand, Registers::Acknowledge},
+    {Registers::PanelCommand, 1}, {Registers::Function, 1},
+    {Registers::Function, 0},     {Registers::PanelCommand, 3}};
 
 constexpr int ReadingText = 830101;
 constexpr int ReadText = 830102;
@@ -62,6 +58,7 @@ wTechEtatModule::~wTechEtatModule() = default;
 void wTechEtatModule::Form_Load() {
     Guard("wTechEtatModule.Form_Load", [&] {
         ui_->lblCommResult->clear();
+        tmrPoll_.setObjectName(QStringLiteral("tmrPoll"));
         tmrPoll_.setInterval(PollPeriod);
         tmrClign_.setInterval(BlinkPeriod);
         tmrClign_.setTimerType(Qt::PreciseTimer);
@@ -156,7 +153,7 @@ void wTechEtatModule::ReadModule() {
             ui_->fraVoyants->setUnknown();
     };
     if (ReadUntilSettled(Registers::State, panel_->ChannelCount(), showLamps))
-        ReadUntilSettled(Horn, 1, [this](const Words* words) { ShowHorn(words); });
+        ReadUntilSettled(Registers::Function, 1, [this](const Words* words) { ShowHorn(words); });
 }
 
 /// Gives `show` the words of each good read, and null after the third that failed. A good read

@@ -49,7 +49,7 @@ private:
 
     std::unique_ptr<Ui::wTechEtatModule> ui_;
     const PanelClass* panel_ = nullptr;
-    QTimer tmrPoll_;
+    QTimer tmrPoll_{this};
     QTimer tmrClign_;
     TechCommand command_;
     int button_ = 0; // whose command was sent last

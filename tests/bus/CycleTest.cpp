@@ -1,9 +1,11 @@
 #include "bus/Engine.h"
 
+#include "platform/ServiceManager.h"
 #include "support/Rows.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 
 namespace {
 
@@ -231,6 +233,22 @@ TEST_F(Cycle, DamagedSettingsAreToldAndLeaveTheBusSilent) {
     EXPECT_TRUE(panel.Present());
 }
 
+TEST_F(Cycle, TheTraceTellsWhatTheLineTookWhenItWasOpened) {
+    using Answer = platform::LineFeatures::Answer;
+    const auto notes = [this] {
+        Forget();
+        engine->ConfigCommPort();
+        return TraceLines().filter(QRegularExpression(QStringLiteral("LATENCY|RS485"))).join(u'|');
+    };
+    EXPECT_EQ(notes(), QString());
+    link->features = {Answer::Taken, Answer::Refused};
+    const QString told = notes();
+    EXPECT_TRUE(told.contains(QStringLiteral(" COM1 LOW LATENCY ON|"))) << told.toStdString();
+    EXPECT_TRUE(told.endsWith(QStringLiteral(" COM1 RS485 REFUSED"))) << told.toStdString();
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_TRUE(link->PortOpen());
+}
+
 TEST_F(Cycle, RunNeedsThePort) {
     engine->setRun(false);
     link->setPortOpen(false);
@@ -265,15 +283,37 @@ TEST_F(Cycle, TheTimerDrivesTheRoundsUntilTheStop) {
         while (timer.elapsed() < milliseconds && rounds < enough)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     };
-    wait(5000, 3);
+    wait(60000, 3);
     EXPECT_GE(rounds, 3);
     engine->setRun(false);
     rounds = 0;
     wait(120, 1);
     EXPECT_EQ(rounds, 0);
     engine->setRun(true);
-    wait(5000, 2);
+    wait(60000, 2);
     EXPECT_GE(rounds, 2);
+}
+
+// A bus that runs shows its life by its rounds alone: with these gone the second's tick is silent.
+TEST_F(Cycle, SignsOfLifeComeFromTheRoundsAndOfAStoppedBusFromTheTick) {
+    int beats = 0;
+    platform::ServiceManager manager(
+        {[&](const QByteArray& line) { beats += line == "WATCHDOG=1" ? 1 : 0; }, {}, 1000});
+    platform::ServiceManager::Install(&manager);
+    const auto back = qScopeGuard([] { platform::ServiceManager::Install(nullptr); });
+    manager.Ready();
+    const auto beatsOf = [&](auto&& work) {
+        clock.Advance(60000);
+        beats = 0;
+        work();
+        return beats;
+    };
+    EXPECT_EQ(beatsOf([&] { engine->tmrMidnight_Timer(); }), 0);
+    EXPECT_EQ(beatsOf([&] { Rounds(1); }), 1) << "nobody is due";
+    // Exchanges without a round, as of a synchronisation.
+    EXPECT_EQ(beatsOf([&] { GetModuleType(*link, 9); }) > 0, true);
+    engine->setRun(false);
+    EXPECT_EQ(beatsOf([&] { engine->tmrMidnight_Timer(); }), 1);
 }
 
 TEST_F(Cycle, AClockSetBackSilencesNobody) {

@@ -166,7 +166,7 @@ TEST_F(Watch, AnUnknownCodeStopsNobody) {
     EXPECT_EQ(boxes.size(), 1);
     EXPECT_TRUE(engine->Run());
     const auto later = link->sent.size();
-    for (int i = 0; i < 400 && link->sent.size() < later + 2; ++i) {
+    for (int i = 0; i < 6000 && link->sent.size() < later + 2; ++i) {
         QCoreApplication::processEvents();
         QThread::msleep(5);
     }

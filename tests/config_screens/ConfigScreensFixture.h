@@ -29,11 +29,6 @@ protected:
         Global::setConfiguration(nullptr);
     }
 
-    static ConfigClass& Site() { return Global::Configuration(); }
-    /// A control of a form by its class.
-    template <class W> static W* Find(const QString& form, const QString& name) {
-        return qobject_cast<W*>(Child(form, name));
-    }
     /// Taps a control and answers the list that it brings up with a value.
     static void Choose(const QString& form, const QString& control, const QString& value) {
         Script script;
@@ -59,12 +54,6 @@ protected:
             QCoreApplication::processEvents();
             Tap(picker, QStringLiteral("imgControl_1"));
         });
-    }
-    /// An alarm comes: the console takes the display and unloads what is open.
-    static void AlarmComes() {
-        Forms::Show(FormNames::wRunAlarms);
-        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
-        RemoveUnloaded();
     }
 
 private:

@@ -130,6 +130,26 @@ TEST_F(SysCommTest, TheDeviceOfThePortIsNamedInTheSettings) {
     EXPECT_EQ(link->CommPort(), 3);
 }
 
+TEST_F(SysCommTest, TheDirectionIsSwitchedAtOnceAndGoesBackWithTheAnswerNo) {
+    const auto isRs485 = [] { return SLVfonctions::PortOf(QStringLiteral("COM3")).rs485; };
+    const auto openings = link->openings;
+    const QString device = Device();
+    link->features.rs485 = platform::LineFeatures::Answer::Refused;
+    Tap(Form, QStringLiteral("chkRs485"));
+    EXPECT_TRUE(isRs485());
+    EXPECT_EQ(link->openings, openings + 1);
+    EXPECT_TRUE(engine->Run());
+    EXPECT_TRUE(TextOf(Form, QStringLiteral("lblPortUse")).endsWith(GetText(301321)));
+    Leave(Messages::No);
+    EXPECT_FALSE(isRs485());
+    EXPECT_EQ(link->openings, openings + 2);
+    Forms::Show(Form);
+    Tap(Form, QStringLiteral("chkRs485"));
+    Leave(Messages::Yes);
+    EXPECT_TRUE(isRs485());
+    EXPECT_EQ(Device(), device);
+}
+
 TEST_F(SysCommTest, AnAlarmPutsTheBusBackAndKeepsTheEdit) {
     link->canOpen = false;
     Change(0, QStringLiteral("9"));

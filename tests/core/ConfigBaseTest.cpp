@@ -199,6 +199,18 @@ TEST_F(ApplicationFolder, PortsAndTruth) {
     EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("LPT1")), QStringLiteral("/dev/lp0"));
     SLVfonctions::setDevicePath(QStringLiteral("COM3"), QStringLiteral("/dev/ttyUSB0"));
     EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM3")), QStringLiteral("/dev/ttyUSB0"));
+
+    const QString ports = QStringLiteral("Ports");
+    for (const char* value : {"/dev/ttyS1,rs485", "/dev/ttyS1 , RS485"}) {
+        IniWrite(ports, QStringLiteral("COM2"), QString::fromLatin1(value));
+        const SLVfonctions::PortSetting board{QStringLiteral("/dev/ttyS1"), true};
+        EXPECT_EQ(SLVfonctions::PortOf(QStringLiteral("COM2")), board) << value;
+    }
+    SLVfonctions::setDevicePath(QStringLiteral("COM2"), QStringLiteral("/dev/of,485"));
+    EXPECT_EQ(IniRead(ports, QStringLiteral("COM2"), {}), QStringLiteral("/dev/of,485,rs485"));
+    SLVfonctions::setPort(QStringLiteral("COM2"), {QStringLiteral("/dev/of,485"), false});
+    EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM2")), QStringLiteral("/dev/of,485"));
+
     for (const char* text : {"1", "-1", "True", "true"})
         EXPECT_TRUE(SLVfonctions::IsTrue(QLatin1String(text))) << text;
     for (const char* text : {"", "0", "False", "no"})

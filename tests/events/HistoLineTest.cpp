@@ -87,7 +87,7 @@ TEST_F(HistoLine, OfSystemEvents) {
     const QString level = Text("LEVEL 3");
     const QString user = Text("MANAGER");
     Expect(Screen(12, 254, 0, 0),
-           {Number(), Text("PC acknowledge"), level, system, QString(), user, QString()});
+           {Number(), Text("Ackn. on PC"), level, system, QString(), user, QString()});
     Expect(Screen(0, 254, 0, 1),
            {Number(), Text("APPLIC"), start, system, Stars(7), Stars(26), Stars(40)});
     Expect(Screen(0, 254, 0, 2),

@@ -71,7 +71,7 @@ TEST_F(Printed, PresenceOfAPanel) {
 
 TEST_F(Printed, SystemEvents) {
     const QString user = Text("MANAGER");
-    EXPECT_EQ(Print(12, 254, 0, 0), Line("SYSTEM", "User", "PC acknowledge", user, Stars(40)));
+    EXPECT_EQ(Print(12, 254, 0, 0), Line("SYSTEM", "User", "Ackn. on PC", user, Stars(40)));
     EXPECT_EQ(Print(0, 254, 0, 1), Line("SYSTEM", "START", "APPLIC", Stars(26), Stars(40)));
     EXPECT_EQ(Print(0, 254, 0, 2), Line("SYSTEM", "STOP", "APPLIC", Stars(26), Stars(40)));
     EXPECT_EQ(Print(0, 254, 0, 3), Line("SYSTEM", "LEVEL 3", "LOGIN", user));

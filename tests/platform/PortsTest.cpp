@@ -54,6 +54,9 @@ TEST_F(PortsTest, ALineThatCanBeUnpluggedComesFirstUnderItsLastingName) {
     EXPECT_EQ(found[1].BestPath(), roots.dev + QStringLiteral("/ttyS2")) << "ahead of ttyS10";
     EXPECT_TRUE(Ports::SameDevice(name, usb));
     EXPECT_FALSE(Ports::SameDevice(usb, found[1].path));
+    const QString own = Made(QStringLiteral("dev/korvanelle")) + QStringLiteral("/rs485-A1");
+    QFile::link(QStringLiteral("../ttyUSB10"), own);
+    EXPECT_EQ(Ports(roots).SerialDevices()[0].BestPath(), own);
 }
 
 TEST_F(PortsTest, PrintersTellWhatTheyAre) {

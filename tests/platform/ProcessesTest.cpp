@@ -30,7 +30,7 @@ private:
 };
 
 TEST_F(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
-    const QString name = OwnName("kb");
+    const QString name = OwnName("sleeper");
     const QString longName = OwnName("a-screen-keyboard-");
     QProcess first;
     QProcess second;
@@ -41,10 +41,10 @@ TEST_F(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
     Start(third, longName + u'a');
     Start(other, longName + u'b');
     EXPECT_FALSE(platform::KillProcess(name)) << "always";
-    EXPECT_TRUE(first.waitForFinished(5000));
-    EXPECT_TRUE(second.waitForFinished(5000));
+    EXPECT_TRUE(first.waitForFinished(60000));
+    EXPECT_TRUE(second.waitForFinished(60000));
     EXPECT_FALSE(platform::KillProcess(longName + u'a'));
-    EXPECT_TRUE(third.waitForFinished(5000));
+    EXPECT_TRUE(third.waitForFinished(60000));
     EXPECT_FALSE(platform::KillProcess(QString()));
     EXPECT_FALSE(platform::KillProcess(name.chopped(1)));
     EXPECT_FALSE(other.waitForFinished(100));

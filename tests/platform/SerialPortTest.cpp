@@ -3,16 +3,20 @@
 #include "platform/TestFiles.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/serial.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -48,7 +52,7 @@ public:
     QByteArray Take(qsizetype count) const {
         QByteArray taken;
         pollfd state = {handle_, POLLIN, 0};
-        while (taken.size() < count && poll(&state, 1, 1000) > 0) {
+        while (taken.size() < count && poll(&state, 1, 30000) > 0) {
             std::array<char, 256> buffer = {};
             const ssize_t got = read(handle_, buffer.data(), buffer.size());
             if (got <= 0)
@@ -63,6 +67,10 @@ private:
     int handle_;
 };
 
+/// A deadline that no test waits out, and what is surely less on a machine under load, ms.
+constexpr int LongDeadline = 60000;
+constexpr int Soon = 50000;
+
 class SerialPortTest : public ::testing::Test {
 protected:
     static qint64 In(int milliseconds) { return Clock::Current().MonotonicMs() + milliseconds; }
@@ -75,6 +83,42 @@ protected:
         port_->setCommPort(3);
         port_->setPortOpen(true);
         ASSERT_TRUE(port_->PortOpen());
+    }
+};
+
+/// A driver with what a pseudo-terminal doesn't have. All else goes to the system.
+struct Driver {
+    int flagError = 0;
+    bool keepsFlag = true;
+    int directionError = 0;
+    int flags = ASYNC_SPD_HI;
+    serial_rs485 direction = {};
+    int requestsToSend = 0;
+
+    int Control(int handle, unsigned long request, void* argument) {
+        auto* state = static_cast<serial_struct*>(argument);
+        auto* mode = static_cast<serial_rs485*>(argument);
+        switch (request) {
+        case TIOCGSERIAL:
+            state->flags = flags;
+            return flagError == ENOTTY ? ENOTTY : 0;
+        case TIOCSSERIAL:
+            if (flagError == 0 && keepsFlag)
+                flags = state->flags;
+            return flagError;
+        case TIOCGRS485:
+            *mode = direction;
+            return 0;
+        case TIOCSRS485:
+            if (directionError == 0)
+                direction = *mode;
+            return directionError;
+        case TIOCMBIS:
+            ++requestsToSend;
+            return 0;
+        default:
+            return SystemControl(handle, request, argument);
+        }
     }
 };
 
@@ -94,12 +138,12 @@ TEST_F(SerialPortTest, ExchangesBytesAsTheyAre) {
         far.Send(AnyBytes.mid(4) + "surplus");
     });
     port_->Output(AnyBytes);
-    port_->WaitForInput(int(AnyBytes.size()), In(2000));
+    port_->WaitForInput(int(AnyBytes.size()), In(LongDeadline));
     panel.join();
     QElapsedTimer timer;
     timer.start();
-    port_->WaitForInput(3, In(2000));
-    EXPECT_LT(timer.elapsed(), 500);
+    port_->WaitForInput(3, In(LongDeadline));
+    EXPECT_LT(timer.elapsed(), Soon);
     EXPECT_EQ(port_->InBufferCount(), AnyBytes.size() + 7);
     EXPECT_EQ(port_->Input(), AnyBytes + "surplus");
     EXPECT_EQ(port_->Input(), QByteArray());
@@ -114,8 +158,8 @@ TEST_F(SerialPortTest, EmptiesBuffersAndBoundsNoise) {
     far.Send(QByteArray(3000, '~'));
     QElapsedTimer timer;
     timer.start();
-    port_->WaitForInput(5000, In(1000));
-    EXPECT_LT(timer.elapsed(), 900);
+    port_->WaitForInput(5000, In(LongDeadline));
+    EXPECT_LT(timer.elapsed(), Soon);
     EXPECT_LE(port_->InBufferCount(), 1024);
     port_->ClearBuffers();
     EXPECT_EQ(port_->InBufferCount(), 0);
@@ -131,7 +175,7 @@ TEST_F(SerialPortTest, WaitsOutTheDeadlineWithoutEventsOrWork) {
     timer.start();
     port_->WaitForInput(1, In(150));
     EXPECT_GE(timer.elapsed(), 150);
-    EXPECT_LT(timer.elapsed(), 600);
+    EXPECT_LT(timer.elapsed(), Soon);
     EXPECT_LT(clock() - before, CLOCKS_PER_SEC / 20);
     EXPECT_FALSE(eventRan);
     QCoreApplication::processEvents();
@@ -148,12 +192,12 @@ TEST_F(SerialPortTest, ClosesWhenTheDeviceGoesAndOpensAgainWhenItReturns) {
         QElapsedTimer timer;
         timer.start();
         if (byEventLoop) {
-            while (port_->PortOpen() && timer.elapsed() < 1000)
+            while (port_->PortOpen() && timer.elapsed() < LongDeadline)
                 QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         } else {
-            port_->WaitForInput(8, In(2000));
+            port_->WaitForInput(8, In(LongDeadline));
         }
-        EXPECT_LT(timer.elapsed(), 900);
+        EXPECT_LT(timer.elapsed(), Soon);
         EXPECT_FALSE(port_->PortOpen());
         EXPECT_EQ(port_->InBufferCount(), 0);
         EXPECT_EQ(ErrorOf([&] { port_->Output("x"); }), errors::PortNotOpen);
@@ -189,4 +233,82 @@ TEST_F(SerialPortTest, RefusesWhatIsNoSettingOrNoDevice) {
     OpenPort();
     EXPECT_EQ(ErrorOf([&] { port_->setSettings(QStringLiteral("9600,N,8,3")); }),
               errors::PortUnavailable);
+}
+
+TEST_F(SerialPortTest, AsksTheDriverForLowLatencyAndBearsARefusal) {
+    using Answer = LineFeatures::Answer;
+    const FarEnd far(link_);
+    const QString sys = folder_.filePath(QStringLiteral("sys"));
+    const QString timer = QStringLiteral("%1/class/tty/%2/device/latency_timer")
+                              .arg(sys, QFileInfo(QFileInfo(link_).canonicalFilePath()).fileName());
+    Driver driver;
+    SerialSetup setup;
+    setup.sys = sys;
+    setup.control = [&](auto... words) { return driver.Control(words...); };
+    port_ = MakeSerialPort([this](int) { return link_; }, setup);
+    const auto answer = [&] {
+        OpenPort();
+        port_->setPortOpen(false);
+        return port_->Features().lowLatency;
+    };
+    EXPECT_EQ(answer(), Answer::Taken);
+    EXPECT_EQ(driver.flags, ASYNC_SPD_HI | ASYNC_LOW_LATENCY) << "and nothing else";
+    driver.flagError = EPERM;
+    driver.flags = 0;
+    EXPECT_EQ(answer(), Answer::Refused);
+    driver.flagError = ENOTTY;
+    EXPECT_EQ(answer(), Answer::NotOffered);
+    driver.flagError = 0;
+    driver.keepsFlag = false;
+    EXPECT_EQ(answer(), Answer::NotOffered);
+    QDir().mkpath(QFileInfo(timer).path());
+    PutBytes(timer, "16\n");
+    EXPECT_EQ(answer(), Answer::Taken);
+    EXPECT_EQ(BytesOf(timer), "1");
+}
+
+TEST_F(SerialPortTest, LetsTheDriverSwitchTheDirectionWhileThePortIsOpen) {
+    using Answer = LineFeatures::Answer;
+    const FarEnd far(link_);
+    Driver driver;
+    driver.direction.flags = SER_RS485_RTS_AFTER_SEND | SER_RS485_RX_DURING_TX;
+    driver.direction.delay_rts_after_send = 2;
+    const quint32 found = driver.direction.flags;
+    bool asked = true;
+    SerialSetup setup;
+    setup.isRs485 = [&](int number) { return asked && number == 3; };
+    setup.control = [&](auto... words) { return driver.Control(words...); };
+    port_ = MakeSerialPort([this](int) { return link_; }, setup);
+    OpenPort();
+    EXPECT_EQ(port_->Features().rs485, Answer::Taken);
+    EXPECT_EQ(driver.direction.flags, SER_RS485_ENABLED | SER_RS485_RTS_AFTER_SEND)
+        << "with the polarity of the board, and without the own frame";
+    EXPECT_EQ(driver.direction.delay_rts_after_send, 2U);
+    port_->setRTSEnable(true);
+    EXPECT_EQ(driver.requestsToSend, 0) << "the line is the driver's";
+    port_->setPortOpen(false);
+    EXPECT_EQ(driver.direction.flags, found);
+
+    driver.directionError = ENOTTY;
+    OpenPort();
+    EXPECT_EQ(port_->Features().rs485, Answer::Refused);
+    port_->setRTSEnable(true);
+    port_->setRTSEnable(true);
+    EXPECT_EQ(driver.requestsToSend, 1);
+    port_->setPortOpen(false);
+    asked = false;
+    driver.directionError = 0;
+    OpenPort();
+    EXPECT_EQ(port_->Features().rs485, Answer::NotOffered);
+    EXPECT_EQ(driver.direction.flags, found);
+}
+
+TEST_F(SerialPortTest, KeepsALineForItself) {
+    const FarEnd far(link_);
+    OpenPort();
+    const auto other = MakeSerialPort([this](int) { return link_; });
+    EXPECT_EQ(ErrorOf([&] { other->setPortOpen(true); }), errors::PortUnavailable);
+    EXPECT_TRUE(port_->PortOpen());
+    port_->setPortOpen(false);
+    EXPECT_EQ(ErrorOf([&] { other->setPortOpen(true); }), 0);
 }

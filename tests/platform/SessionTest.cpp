@@ -29,7 +29,7 @@ void Press(Qt::Key key) {
 template <typename Condition> bool Until(Condition&& met) {
     QElapsedTimer timer;
     timer.start();
-    while (!met() && timer.elapsed() < 2000)
+    while (!met() && timer.elapsed() < 30000)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     return met();
 }

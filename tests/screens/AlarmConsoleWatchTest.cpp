@@ -183,6 +183,17 @@ TEST_F(ConsoleWatchTest, StatesDifferByShapeOrColourForEveryEye) {
     }
 }
 
+TEST_F(ConsoleWatchTest, TheFrameOfTheSelectionStandsOutFromEveryColour) {
+    Load();
+    Bus(1, 1, 1, 3);
+    for (int state = 0; state < RowStateCount; ++state) {
+        Grid().Rows().SetColour(0, AlarmRows::ColourOf(RowState(state)));
+        const QImage row = Grid().grab().toImage();
+        EXPECT_EQ(row.pixelColor(row.width() / 2, 1), QColor(Qt::black)) << state;
+        EXPECT_EQ(row.pixelColor(row.width() / 2, 4), QColor(Qt::white)) << state;
+    }
+}
+
 TEST_F(ConsoleWatchTest, CountsRowsAndThoseThatWait) {
     Load();
     Bus(1, 1, 1, 3);

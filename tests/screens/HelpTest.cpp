@@ -1,9 +1,12 @@
 // The operator's help: which page is shown, turning it by touch, and the pages themselves.
 
 #include "core/Config.h"
+#include "screens/dialogs/HelpText.h"
 #include "screens/dialogs/wHelp.h"
+#include "screens/touch/Theme.h"
 #include "support/ScreensFixture.h"
 
+#include <QDirIterator>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -12,6 +15,8 @@
 namespace {
 
 const QString Help = QStringLiteral("wHelp");
+const QString Console = QStringLiteral("wRunAlarms");
+constexpr const char* Languages[] = {"en", "fr", "de", "es"};
 const QString Pages = QStringLiteral(KORVANELLE_SOURCE_DIR "/data/help/korvanelle-%1.html");
 
 class HelpTest : public ScreensTest {
@@ -25,10 +30,11 @@ protected:
         return dynamic_cast<QTextBrowser&>(*Child(Help, QStringLiteral("txtHelp")));
     }
     static int Place() { return Page().verticalScrollBar()->value(); }
+    static QString ChapterShown() {
+        return Page().cursorForPosition(QPoint(30, 30)).block().text();
+    }
     static QString Content(const char* language) {
-        QFile file(Pages.arg(QString::fromLatin1(language)));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return QString::fromUtf8(file.readAll());
+        return HelpText::Read(Pages.arg(QString::fromLatin1(language)));
     }
 };
 
@@ -38,6 +44,28 @@ QStringList All(const QString& text, const char* pattern) {
     while (matches.hasNext())
         found += matches.next().captured(1);
     return found;
+}
+
+/// What the help must name of each design, as its source names it, by the design.
+QHash<QString, QStringList> ButtonsOfDesigns() {
+    QHash<QString, QStringList> designs;
+    QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"), {QStringLiteral("*.ui")},
+                       QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString design = HelpText::Read(files.next());
+        QStringList& buttons = designs[files.fileInfo().completeBaseName()];
+        for (const QString& control : design.split(QStringLiteral("<widget "))) {
+            if (!control.startsWith(QLatin1String("class=\"TouchImage\"")) &&
+                !control.startsWith(QLatin1String("class=\"QPushButton\"")))
+                continue;
+            const QStringList names =
+                All(control, "name=\"Tag\"[^>]*>\\s*<string[^>]*>(\\w+)<") +
+                All(control, "name=\"picture\"[^>]*>\\s*<string[^>]*>(\\w+)<");
+            if (!names.isEmpty())
+                buttons += QStringLiteral("{{%1}}").arg(names.first());
+        }
+    }
+    return designs;
 }
 
 } // namespace
@@ -65,12 +93,14 @@ TEST_F(HelpTest, PageOfTheLanguageElseOfTheFirstElseAWord) {
 
 TEST_F(HelpTest, PageIsTurnedByTouchAndTheWayBackIsKept) {
     Provide("en");
-    Forms::Show(QStringLiteral("wRunAlarms"));
-    ASSERT_TRUE(QTest::qWaitForWindowActive(Screen(QStringLiteral("wRunAlarms"))));
+    Forms::Show(Console);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
     ShowHelp();
     ASSERT_EQ(NbInstances(Help), 1);
     QApplication::processEvents();
     const int page = Page().verticalScrollBar()->pageStep();
+    EXPECT_GT(Place(), page);
+    Tap(Help, QStringLiteral("imgNavig_0"));
     EXPECT_GT(Page().verticalScrollBar()->maximum(), 2 * page);
     Tap(Help, QStringLiteral("imgControl_7"));
     EXPECT_EQ(Place(), page);
@@ -99,7 +129,7 @@ TEST_F(HelpTest, PageIsTurnedByTouchAndTheWayBackIsKept) {
 
     Tap(Help, QStringLiteral("imgClose"));
     EXPECT_EQ(NbInstances(Help), 0);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(Screen(QStringLiteral("wRunAlarms"))));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
 }
 
 TEST_F(HelpTest, OpensAtTheChapterOfItsScreen) {
@@ -109,39 +139,60 @@ TEST_F(HelpTest, OpensAtTheChapterOfItsScreen) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&opener));
     ShowHelp();
     QApplication::processEvents();
-    const QTextCursor title = Page().cursorForPosition(QPoint(30, 30));
-    EXPECT_EQ(title.block().text(), QStringLiteral("A panel and its channels"));
+    EXPECT_EQ(ChapterShown(), QStringLiteral("A panel and its channels"));
+}
+
+TEST_F(HelpTest, OpensOverTheConsoleAndGivesWayToAnAlarm) {
+    Provide("en");
+    Forms::Show(Console);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
+    Tap(Console, QStringLiteral("imgHelp"));
+    QApplication::processEvents();
+    EXPECT_EQ(ChapterShown(), QStringLiteral("The alarm screen"));
+    EventClass lost(1, 255, 1, 0);
+    engine->SendEvent(lost);
+    EXPECT_EQ(NbInstances(Help), 0);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
 }
 
 TEST_F(HelpTest, PagesHaveTheSameSectionsAndEveryLinkLeadsToOne) {
     const QStringList sections = All(Content("en"), "<a name=\"(\\w+)\">");
-    EXPECT_GE(sections.size(), 8);
-    for (const char* language : {"en", "fr"}) {
+    for (const char* language : Languages) {
         SCOPED_TRACE(language);
-        const QString page = Content(language);
+        const QString page = HelpText::Filled(Content(language));
         EXPECT_EQ(All(page, "<a name=\"(\\w+)\">"), sections);
+        EXPECT_EQ(All(page, "(#\\d+#|[{}])"), QStringList()) << "a word that isn't there";
         const QStringList links = All(page, "href=\"#(\\w+)\"");
         EXPECT_EQ(links.size(), All(page, "(href=)").size()) << "no link leads out of the page";
-        for (const QString& section : sections)
-            EXPECT_TRUE(links.contains(section)) << qPrintable(section);
+        EXPECT_EQ(links.size(), All(page, "(<h2>)").size());
         for (const QString& goal : links)
             EXPECT_TRUE(sections.contains(goal)) << qPrintable(goal);
+        for (const QString& picture : All(page, "src=\"(pictures/[^\"]+)\""))
+            EXPECT_TRUE(QFileInfo::exists(Pages.section(u'/', 0, -2) + u'/' + picture))
+                << qPrintable(picture);
+        for (const QString& name : All(page, "src=\"picture:(\\w+)\""))
+            EXPECT_FALSE(Theme::Picture(name, 16).isNull()) << qPrintable(name);
     }
 }
 
-// The help speaks of buttons by the words that stand on them.
-TEST_F(HelpTest, PagesNameTheButtonsAsTheScreensDo) {
-    const int buttons[] = {710001, 710002, 710003, 710004, 710005, 710007, 710008, 710009, 710010,
-                           712002, 712003, 712012, 610004, 610007, 610008, 610014, 720012, 300501,
-                           300502, 300503, 300504, 300601, 300602, 300603, 300604, 300632, 300612,
-                           300613, 300615, 300616, 300617, 300618, 300619, 300620, 300621, 300901,
-                           400301, 400302, 400303, 400304, 400305, 400306, 400307, 430301, 430302,
-                           430303, 430309, 430312, 510301, 510302, 510406, 510407, 510408, 510421,
-                           510422, 630208, 630244, 630245, 630246, 630247, 630259, 630264};
-    for (const auto& [language, index] : {std::pair("en", 0), std::pair("fr", 1)}) {
-        Global::Get().language = qint16(index);
-        const QString page = Content(language);
-        for (const int id : buttons)
-            EXPECT_TRUE(page.contains(GetText(id))) << language << ' ' << qPrintable(GetText(id));
+// Every design has its chapter; there, or among the buttons that many screens have, stand the word
+// of each of its buttons, or its picture when it has no word.
+TEST_F(HelpTest, EveryScreenAndEveryButtonIsInEachLanguage) {
+    const QHash<QString, QStringList> designs = ButtonsOfDesigns();
+    ASSERT_GT(designs.size(), 30);
+    for (qint16 language = 0; language < 4; ++language) {
+        Global::Get().language = language;
+        QHash<QString, QString> chapters;
+        const QString page = HelpText::Filled(Content(Languages[language]));
+        for (const QString& part : page.split(QStringLiteral("<h2>")))
+            for (const QString& anchor : All(part, "<a name=\"(\\w+)\">"))
+                chapters.insert(anchor, part);
+        for (auto design = designs.begin(); design != designs.end(); ++design) {
+            SCOPED_TRACE((Languages[language] + (' ' + design.key())).toStdString());
+            ASSERT_TRUE(chapters.contains(design.key()));
+            const QString text = chapters[design.key()] + chapters[QStringLiteral("common")];
+            for (const QString& button : design.value())
+                EXPECT_TRUE(text.contains(HelpText::Filled(button))) << qPrintable(button);
+        }
     }
 }

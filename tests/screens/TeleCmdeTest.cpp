@@ -78,8 +78,7 @@ TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
         {1, {"#ff0000", "Active"}}, {2, {"#ff00ff", "Other state"}}, {0, {"#808080", "At rest"}}};
     for (const auto& [state, shown] : states) {
         Site().Panel(Address).Channel(5).setState(qint16(state));
-        EXPECT_TRUE(QTest::qWaitFor([colour = shown.first] { return Lamp(5) == colour; }, 2000))
-            << state;
+        EXPECT_TRUE(Comes([colour = shown.first] { return Lamp(5) == colour; })) << state;
         EXPECT_EQ(TextOf(FormNames::wTeleCmde, QStringLiteral("lblState")), shown.second);
     }
 }
@@ -98,8 +97,8 @@ TEST_F(TeleCmdeTest, StatesAndAMissingModuleShowWithoutColour) {
     for (const int state : {0, 1, 2, 3}) {
         panel.Channel(5).setState(qint16(state == 3 ? 0 : state));
         panel.setErrCptr(2, state == 3 ? 1 : 0);
-        QTest::qWait(300);
         // Beside the disc, where no colour of it lies, or in it where it is hatched.
+        EXPECT_TRUE(Comes([&] { return looks.isEmpty() || grey() != looks.last(); })) << state;
         looks += grey();
     }
     const auto marked = [](const QImage& look) {
@@ -160,7 +159,7 @@ TEST_F(TeleCmdeTest, OrderIsWrittenToTheChannelsRegister) {
         Choose(channel);
         Order(button);
         EXPECT_TRUE(Waits());
-        EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 3000));
+        EXPECT_TRUE(Comes([] { return !Waits(); }));
         ASSERT_EQ(Writes().size(), 1);
         const QByteArray frame = Writes()[0];
         EXPECT_EQ(frame[0], Address);
@@ -178,7 +177,7 @@ TEST_F(TeleCmdeTest, OrderTakenBackAtOnceGoesOutAsWellAndInOrder) {
     Order(1);
     Order(0);
     EXPECT_EQ(engine->Commands().Count(), 2) << "the same order waits once";
-    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 3000));
+    EXPECT_TRUE(Comes([] { return !Waits(); }));
     ASSERT_EQ(Writes().size(), 2);
     EXPECT_EQ(FakeModules::WordAt(Writes()[0], 4), 3);
     EXPECT_EQ(FakeModules::WordAt(Writes()[1], 4), 0);
@@ -189,7 +188,7 @@ TEST_F(TeleCmdeTest, WaitEndsWhenTheOrderIsGivenUp) {
     modules.Remove(Address);
     Choose(2);
     Order(1);
-    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 5000));
+    EXPECT_TRUE(Comes([] { return !Waits(); }));
     EXPECT_EQ(engine->Commands().Count(), 0);
     EXPECT_GE(Writes().size(), 3);
     EXPECT_TRUE(boxes.isEmpty()) << "no box stops the operator";
@@ -204,7 +203,7 @@ TEST_F(TeleCmdeTest, WaitEndsWithTheBusTheScreenAndTheEngine) {
     Order(1);
     EXPECT_TRUE(Waits());
     engine->setRun(false);
-    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 2000));
+    EXPECT_TRUE(Comes([] { return !Waits(); }));
     EXPECT_EQ(engine->Commands().Count(), 1) << "kept for the next start of the bus";
 
     engine->setRun(true);
@@ -212,14 +211,14 @@ TEST_F(TeleCmdeTest, WaitEndsWithTheBusTheScreenAndTheEngine) {
     Tap(FormNames::wTeleCmde, QStringLiteral("imgClose"));
     EXPECT_EQ(NbInstances(FormNames::wTeleCmde), 0);
     RemoveUnloaded();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return engine->Commands().Count() == 0; }, 3000))
+    EXPECT_TRUE(Comes([&] { return engine->Commands().Count() == 0; }))
         << "what was ordered goes out without the screen";
 
     Open(false);
     Choose(3);
     Order(1);
     engine->Form_Unload();
-    EXPECT_TRUE(QTest::qWaitFor([] { return !Waits(); }, 2000));
+    EXPECT_TRUE(Comes([] { return !Waits(); }));
     engine.reset();
     Order(1);
     EXPECT_EQ(boxes.last(), GetText(220101));
@@ -239,7 +238,7 @@ TEST_F(TeleCmdeTest, PressInsideARoundLetsTheRoundEnd) {
         return modules.Answer(frame);
     };
     engine->SendCommand(std::make_shared<CommandClass>(qint16(Address), 67, Words{2}));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Writes().size() == 2 && !Waits(); }, 3000));
+    EXPECT_TRUE(Comes([&] { return Writes().size() == 2 && !Waits(); }));
     ASSERT_EQ(Writes().size(), 2);
     EXPECT_EQ(FakeModules::WordAt(Writes()[1], 2), 20);
 }

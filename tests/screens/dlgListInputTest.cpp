@@ -173,30 +173,36 @@ TEST_F(dlgListInputTest, KeysOfARealKeyboardDoTheSame) {
 
 TEST_F(dlgListInputTest, AnArrowThatIsHeldRepeatsUntilItIsLetGo) {
     Ask(QStringLiteral("*|1|6"), QStringLiteral("1"), [&] {
+        auto* timer =
+            Screen(FormNames::dlgListInput)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
         QTest::mousePress(ImageOf(Down), Qt::LeftButton);
-        QTest::qWait(800);
-        EXPECT_EQ(Value(), QStringLiteral("1")) << "repeats ahead of the first second";
-        QTest::qWait(350);
-        EXPECT_NE(Value(), QStringLiteral("1"));
-        QTest::qWait(900);
-        EXPECT_EQ(Value(), QStringLiteral("6"))
-            << "ten steps a second, and no further than the end";
-        QTest::mouseRelease(ImageOf(Down), Qt::LeftButton);
-        TapImage(Up);
-        TapImage(Up);
+        EXPECT_TRUE(timer->isActive());
+        EXPECT_EQ(timer->interval(), 1000) << "ahead of the first step";
+        EXPECT_EQ(Value(), QStringLiteral("1"));
+        timer->setInterval(1);
+        EXPECT_TRUE(Comes([&] { return Value() != QStringLiteral("1"); }));
+        EXPECT_EQ(timer->interval(), 100) << "ten steps a second";
+        EXPECT_TRUE(Comes([&] { return Value() == QStringLiteral("6"); }));
         QTest::qWait(250);
-        EXPECT_EQ(Value(), QStringLiteral("4")) << "goes on after the finger is off";
+        EXPECT_EQ(Value(), QStringLiteral("6")) << "no further than the end";
+        QTest::mouseRelease(ImageOf(Down), Qt::LeftButton);
+        EXPECT_FALSE(timer->isActive()) << "the finger is off";
+        TapImage(Up);
+        TapImage(Up);
+        EXPECT_EQ(Value(), QStringLiteral("4"));
     });
 }
 
 TEST_F(dlgListInputTest, OnlyTheLeftButtonAloneRepeatsAndOnlyOnTheArrows) {
     Ask(QStringLiteral("*|1|9"), QStringLiteral("1"), [&] {
+        const auto* timer =
+            Screen(FormNames::dlgListInput)->findChild<QTimer*>(QStringLiteral("tmrRepeat"));
         QTest::mousePress(ImageOf(Down), Qt::LeftButton, Qt::ShiftModifier);
-        QTest::qWait(1200);
+        EXPECT_FALSE(timer->isActive());
         EXPECT_EQ(Value(), QStringLiteral("1"));
         QTest::mouseRelease(ImageOf(Down), Qt::LeftButton, {}, QPoint(-5, -5));
         QTest::mousePress(ImageOf(Confirm), Qt::LeftButton);
-        QTest::qWait(1200);
+        EXPECT_FALSE(timer->isActive());
         EXPECT_TRUE(Screen(FormNames::dlgListInput)->Visible());
         QTest::mouseRelease(ImageOf(Confirm), Qt::LeftButton, {}, QPoint(-5, -5));
     });

@@ -374,7 +374,7 @@ TEST_F(wMainFilesTest, TheScreenKeyboardOfThePlatformComesIfThereIsOne) {
     const QString mark = Path(QStringLiteral("typed"));
     IniWrite(general, key, QStringLiteral("/bin/touch ") + mark);
     QTest::keyClick(Screen(FormNames::wMain), Qt::Key_F12);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(mark); }));
+    EXPECT_TRUE(Comes([&] { return QFile::exists(mark); }));
 
     const QString program = Path(QStringLiteral("kb%1").arg(QCoreApplication::applicationPid()));
     ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), program));
@@ -384,5 +384,5 @@ TEST_F(wMainFilesTest, TheScreenKeyboardOfThePlatformComesIfThereIsOne) {
     ASSERT_TRUE(standing.waitForStarted());
     TakeNothing();
     Tap(FormNames::wMain, SaveAs);
-    EXPECT_TRUE(standing.waitForFinished(5000)) << "it goes with the picker";
+    EXPECT_TRUE(standing.waitForFinished(60000)) << "it goes with the picker";
 }

@@ -20,6 +20,8 @@ public:
     };
     QList<QByteArray> sent;
     bool canOpen = true;
+    platform::LineFeatures features;
+    int openings = 0;
     qint64 waitedMs = 0;
     /// RTS was raised and the buffers emptied ahead of each frame.
     bool readyToSend = true;
@@ -32,8 +34,10 @@ public:
     void setPortOpen(bool open) override {
         if (open && !canOpen)
             throw platform::RunTimeError(platform::errors::PortUnavailable);
+        openings += open ? 1 : 0;
         open_ = open;
     }
+    platform::LineFeatures Features() const override { return features; }
     void setRTSEnable(bool on) override { raised_ = on; }
     void ClearBuffers() override {
         received_.clear();

@@ -70,9 +70,9 @@ protected:
             panel.Channel(number).setScrAlm(true);
     }
 
-    /// Lets the bus run until a condition holds, at most 20 s.
+    /// Lets the bus run until a condition holds, at most a minute.
     static bool Until(const std::function<bool()>& condition) {
-        return QTest::qWaitFor(condition, 20000);
+        return QTest::qWaitFor(condition, 60000);
     }
     /// A field of what the simulator shows of a module: "states", "forced", "waiting", "horn".
     QByteArray Shown(int address, const QByteArray& field) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bus/wPolling.h"
+#include "core/FormNames.h"
 #include "core/Forms.h"
 #include "screens/Screens.h"
 #include "screens/touch/ResizeForm.h"
@@ -13,6 +14,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <functional>
 
 /// A bench with the screens and an engine on a silent line. The message box is a recorder with a
 /// prepared answer unless the test installs the real one.
@@ -41,6 +43,10 @@ protected:
     static void RemoveUnloaded() {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
+    /// Lets the event loop run until a condition holds; a machine under load is slow.
+    static bool Comes(const std::function<bool()>& condition) {
+        return QTest::qWaitFor(condition, 60000);
+    }
     static ScreenForm* Screen(const QString& name) {
         return dynamic_cast<ScreenForm*>(Forms::Find(name));
     }
@@ -49,6 +55,10 @@ protected:
         QWidget* child = screen ? screen->findChild<QWidget*>(name) : nullptr;
         EXPECT_NE(child, nullptr) << form.toStdString() << "." << name.toStdString();
         return child;
+    }
+    /// A control of a form by its class.
+    template <class W> static W* Find(const QString& form, const QString& name) {
+        return qobject_cast<W*>(Child(form, name));
     }
     static QString TextOf(const QString& form, const QString& name) {
         const auto* label = qobject_cast<QLabel*>(Child(form, name));
@@ -62,6 +72,12 @@ protected:
         }
         if (QWidget* child = Child(form, name))
             QTest::mouseClick(child, Qt::LeftButton);
+    }
+    /// An alarm comes: the console takes the display and unloads what is open.
+    static void AlarmComes() {
+        Forms::Show(FormNames::wRunAlarms);
+        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
+        RemoveUnloaded();
     }
 
     FakeLink* link = nullptr;

@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    static constexpr qint64 Patience = 5000;
+    static constexpr qint64 Patience = 30000;
     /// While a step is at work, which may take its time.
     static constexpr qint64 LongPatience = 60000;
 

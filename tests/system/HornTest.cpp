@@ -48,7 +48,7 @@ public:
             << words.join(u' ').toStdString();
     }
 
-    /// Waits until something loud is recorded, at most 30 s.
+    /// Waits until something loud is recorded.
     static bool IsHeard() {
         constexpr int Loud = 500;
         QProcess recorder;

@@ -10,6 +10,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
@@ -37,9 +38,9 @@ public:
         process_.write(command + '\n');
         process_.waitForBytesWritten();
     }
-    /// Waits for a line that begins so; gives it, or nothing after 10 s.
+    /// Waits for a line that begins so; gives it, or nothing after a minute.
     QByteArray WaitFor(const QByteArray& head) {
-        const QDeadlineTimer deadline(10000);
+        const QDeadlineTimer deadline(60000);
         while (!deadline.hasExpired()) {
             output_ += process_.readAllStandardOutput();
             const qsizetype at = ("\n" + output_).indexOf("\n" + head);
@@ -106,9 +107,12 @@ private:
 /// The installed program, offscreen.
 class ProgramProcess {
 public:
-    explicit ProgramProcess(const RunFolder& folder) {
+    /// `variables` are further ones of its environment.
+    explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        for (const auto& [name, value] : variables.asKeyValueRange())
+            environment.insert(name, value);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process_.start(folder.Path(QStringLiteral("korvanelle")), QStringList());
@@ -125,7 +129,7 @@ public:
     /// Ends it as the system does; gives its exit status.
     int Terminate() {
         process_.terminate();
-        EXPECT_TRUE(process_.waitForFinished(20000));
+        EXPECT_TRUE(process_.waitForFinished(60000));
         return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
     void Signal(int number) { ::kill(pid_t(process_.processId()), number); }
@@ -137,8 +141,9 @@ private:
     QProcess process_;
 };
 
-/// Waits until a condition holds, at most 30 s or as long as told.
-inline bool Eventually(const std::function<bool()>& condition, int seconds = 30) {
+/// Waits until a condition holds, at most a minute or as long as told: a machine under load is
+/// slow.
+inline bool Eventually(const std::function<bool()>& condition, int seconds = 60) {
     const QDeadlineTimer deadline(seconds * 1000);
     while (!condition()) {
         if (deadline.hasExpired())

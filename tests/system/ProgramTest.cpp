@@ -156,6 +156,8 @@ TEST_F(ProgramTest, ADamagedBaseEndsTheStart) {
     QFile base(folder_.Path(QStringLiteral("korvanelle.cfg")));
     ASSERT_TRUE(base.resize(5000));
     ProgramProcess program(folder_);
+    ASSERT_TRUE(
+        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("korvanelle.lock"))); }));
     EXPECT_FALSE(program.WaitForEnd(1500)) << "tells and waits for the answer";
     EXPECT_FALSE(TraceHolds(QStringLiteral("START")));
     EXPECT_EQ(program.Terminate(), 1);

@@ -163,11 +163,10 @@ TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
         slave[channel] = uint16_t(channel % 5);
     Script script;
     script.On(front, [&] {
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] { return TextOf(front, QStringLiteral("lblCommResult")) == GetText(830102); },
-            5000));
+        EXPECT_TRUE(Comes(
+            [&] { return TextOf(front, QStringLiteral("lblCommResult")) == GetText(830102); }));
         Tap(front, QStringLiteral("cmdBoutons_4"));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return slave[64] == 1; }, 5000));
+        EXPECT_TRUE(Comes([&] { return slave[64] == 1; }));
         Tap(front, QStringLiteral("imgClose"));
     });
     dynamic_cast<wTechEtatModule*>(Forms::Load(front))->Present(panel);

@@ -13,10 +13,4 @@ protected:
         RegisterTechnician();
         Global::setConfiguration(nullptr);
     }
-
-    static ConfigClass& Site() { return Global::Configuration(); }
-    /// A control of a form by its class.
-    template <class W> static W* Find(const QString& form, const QString& name) {
-        return qobject_cast<W*>(Child(form, name));
-    }
 };

@@ -146,7 +146,7 @@ TEST_F(TechDiagnosisTest, CountersAndFramesAreSavedAsTheyWere) {
     });
     Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSave"));
     EXPECT_EQ(boxes, QStringList());
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTold")), "2 frames saved");
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTold")), "Frames saved: 2");
     QFile file(Path(QStringLiteral("Bus20240315.txt")));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray text = file.readAll();

@@ -193,8 +193,9 @@ TEST_F(wTechEtatModuleTest, ReadsKeepOutOfARoundAndOutOfEachOther) {
     engine->RunComm();
     EXPECT_EQ(Sent(), "200=1 200=2 144");
     onFrame = {};
-    // The tick that was put off comes again long before a second is over.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Sent().endsWith(QStringLiteral("1 64")); }, 900));
+    EXPECT_EQ(form.findChild<QTimer*>(QStringLiteral("tmrPoll"))->interval(), 50)
+        << "the tick that was put off comes again long before a second is over";
+    EXPECT_TRUE(Comes([&] { return Sent().endsWith(QStringLiteral("1 64")); }));
 }
 
 TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
@@ -221,7 +222,7 @@ TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
     // Held off while a command is sent, as it was behind it.
     Tap(Front, QStringLiteral("cmdBoutons_4"));
     EXPECT_TRUE(tells(830011, 4));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return tells(830012, 4); }, 2000));
+    EXPECT_TRUE(Comes([&] { return tells(830012, 4); }));
     EXPECT_TRUE(Sent().startsWith(QStringLiteral("64=1")));
     link->sent.clear();
     form.tmrPoll_Timer();

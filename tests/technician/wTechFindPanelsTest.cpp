@@ -64,11 +64,6 @@ protected:
         Press("imgNavig_5");
         RemoveUnloaded();
     }
-    static void AlarmComes() {
-        Forms::Show(FormNames::wRunAlarms);
-        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
-        RemoveUnloaded();
-    }
 
     FakeModules modules;
     std::function<void()> during;

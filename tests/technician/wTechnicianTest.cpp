@@ -135,7 +135,7 @@ TEST_F(wTechnicianTest, WhileTheBusRunsTheQueueTakesTheCommand) {
         clock.Advance(1000);
         engine->RunComm();
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Outcome("lblTestLeds") == GetText(810142); }));
+    EXPECT_TRUE(Comes([&] { return Outcome("lblTestLeds") == GetText(810142); }));
     EXPECT_EQ(modules[1].value(66), 1);
     const bool beat = Child(FormNames::wTechnician, QStringLiteral("imgComm_0"))->isHidden();
     Q_EMIT engine->PollDone();
@@ -182,9 +182,8 @@ TEST_F(wTechnicianTest, TracesAreCopiedWholeOrNotAtAll) {
     const QDir stick(Path(QStringLiteral("stick/deep/Trace")));
     Named(Path(QStringLiteral("stick/deep")));
     Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return QFile::exists(stick.filePath(QStringLiteral("small.trc"))); }));
-    EXPECT_TRUE(QTest::qWaitFor(
+    EXPECT_TRUE(Comes([&] { return QFile::exists(stick.filePath(QStringLiteral("small.trc"))); }));
+    EXPECT_TRUE(Comes(
         [&] { return Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden(); }));
     EXPECT_TRUE(CopyLine().contains(stick.path())) << CopyLine().toStdString();
     QFile copied(stick.filePath(QStringLiteral("big.trc")));
@@ -205,9 +204,9 @@ TEST_F(wTechnicianTest, AStickThatIsPulledOutIsTold) {
     Named(Path(QStringLiteral("stick")));
     const QString target = Path(QStringLiteral("stick/Trace"));
     Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(target + QStringLiteral("/a.trc")); }));
+    EXPECT_TRUE(Comes([&] { return QFile::exists(target + QStringLiteral("/a.trc")); }));
     QDir(target).removeRecursively();
-    EXPECT_TRUE(QTest::qWaitFor(
+    EXPECT_TRUE(Comes(
         [&] { return Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden(); }));
     EXPECT_TRUE(CopyLine().startsWith(QStringLiteral("b.trc"))) << CopyLine().toStdString();
 

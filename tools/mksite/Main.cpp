@@ -83,6 +83,7 @@ void Make(const char* descriptionPath, const QString& target) {
     ConfigClass site;
     site.setBusSettings(Text(description.at("busSettings")));
     site.setAutoStart(description.value("autoStart", false));
+    site.setPrtSettings(Text(description.value("printer", json(""))));
     site.setInactivityTime(description.value("inactivityMinutes", site.InactivityTime()));
     for (const auto& [priority, sound] : description.at("sounds").items())
         site.setAlarmPrioSound(std::stoi(priority), sound.get<qint16>());

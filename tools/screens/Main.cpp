@@ -20,6 +20,9 @@
 #include "platform/Folders.h"
 #include "screens/Screens.h"
 #include "screens/console/ConsoleHead.h"
+#include "screens/dialogs/dlgConsigne.h"
+#include "screens/dialogs/wHelp.h"
+#include "screens/remote/wTeleCmde.h"
 #include "screens/touch/ResizeForm.h"
 #include "support/FakeLink.h"
 #include "support/FakeModules.h"
@@ -131,6 +134,29 @@ void TakeConsole(wPolling& engine, const Paths& path) {
     Forms::Unload(FormNames::wRunAlarms);
 }
 
+/// What the demo site shows only at a touch: a module that is commanded, an instruction, the help
+/// at the chapter of a screen.
+void TakeTouched(const Paths& path) {
+    ConfigClass& site = Global::Configuration();
+    if (auto* module = dynamic_cast<wTeleCmde*>(Forms::Load(FormNames::wTeleCmde)))
+        module->setPanel(&site.Panel(5));
+    Take(FormNames::wTeleCmde, path("wTeleCmde_module"));
+    if (auto* box = dynamic_cast<dlgConsigne*>(Forms::Load(FormNames::dlgConsigne))) {
+        box->setAlarm(site.Panel(1).Title());
+        box->setConsigne(site.Consigne(1));
+    }
+    Take(FormNames::dlgConsigne, path("dlgConsigne_read"));
+    for (const QString& form :
+         {FormNames::wRunAlarms, FormNames::wBusPanneau, FormNames::wTechDiagnosis}) {
+        Forms::Show(form);
+        QApplication::processEvents();
+        ShowHelp();
+        Save(FormNames::wHelp, path(("help_" + form.toLatin1()).constData()));
+        Forms::Unload(FormNames::wHelp);
+        Forms::Unload(form);
+    }
+}
+
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     const auto path = [&](const char* name) {
         return target.filePath(QString::fromLatin1(name) + u'_' + language +
@@ -141,6 +167,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     for (const QString& form : Forms::Names())
         if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter)
             Take(form, path(form.toLatin1().constData()));
+    TakeTouched(path);
     TakeConfiguration(path);
 }
 

@@ -70,6 +70,8 @@ void TakeConsole(const Paths& path) {
     Click(form, "cmdCopyTraces");
     Done(form, path("wTechnician_at_work"));
     QDir(QDir::tempPath() + QStringLiteral("/korvanelle-pictures")).removeRecursively();
+    // As on a panel PC, for the screens that show it.
+    IniWrite(QStringLiteral("Files"), QStringLiteral("Histo"), QStringLiteral("/media/usb0"));
 }
 
 /// Panels and channels with long names out of service, on their list and on the console.

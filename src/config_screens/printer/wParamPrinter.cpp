@@ -133,7 +133,7 @@ wParamPrinter::Edit wParamPrinter::OfSite() const {
     Edit edit;
     edit.port = PrinterSettings::Of(site.PrtSettings());
     const QString port = edit.port.PortName();
-    edit.device = port.isEmpty() ? QString() : devices_.Former(port);
+    edit.device = port.isEmpty() ? QString() : devices_.Former(port).device;
     edit.printer = site.PrinterName();
     for (int i = 0; i <= ClassCount; ++i) {
         edit.codes[size_t(i)] = site.PrinterInitCode(i);
@@ -329,7 +329,8 @@ void wParamPrinter::imgPortDevice_Click() {
 void wParamPrinter::setDevice(const QString& device) {
     edit_->device = device;
     if (!edit_->port.PortName().isEmpty())
-        devices_.Name(edit_->port.PortName(), device);
+        devices_.Name(edit_->port.PortName(),
+                      {device, SLVfonctions::PortOf(edit_->port.PortName()).rs485});
 }
 
 /// Also for the printer that is selected already: an edit of its definition comes through.

@@ -1,5 +1,6 @@
 #include "config_screens/system/wSysComm.h"
 
+#include "bus/LineOpening.h"
 #include "bus/wPolling.h"
 #include "config_screens/dlgPortDevice.h"
 #include "core/Bytes.h"
@@ -25,6 +26,8 @@
 #include <array>
 #include <utility>
 
+using SLVfonctions::PortSetting;
+
 namespace {
 
 constexpr int No = 10001;
@@ -32,6 +35,7 @@ constexpr int Yes = 10002;
 constexpr int EntryIncomplete = 20006;
 constexpr int PortFails = 630100;
 constexpr int PortOfThePrinter = 630231;
+constexpr int Rs485Refused = 301321;
 
 enum Fields { PortField, SpeedField, StopField, AutoStartField, FieldCount };
 const std::array<QString, FieldCount> Descriptors = {QStringLiteral("*|1|255"),
@@ -51,7 +55,8 @@ bool MoveLink(int port, bool open) {
     try {
         link.setPortOpen(false);
         link.setCommPort(port);
-        link.setPortOpen(open);
+        if (open)
+            OpenLine(link);
     } catch (const platform::RunTimeError&) {
         // Told by the caller.
     }
@@ -71,6 +76,12 @@ void PutBack(int port, bool run) {
     });
 }
 
+bool RefusesRs485() {
+    using Answer = platform::LineFeatures::Answer;
+    return Polling() != nullptr && Polling()->CommBus().PortOpen() &&
+           Polling()->CommBus().Features().rs485 == Answer::Refused;
+}
+
 } // namespace
 
 struct wSysComm::Memory {
@@ -86,9 +97,9 @@ wSysComm::Memory& wSysComm::Kept() {
 wSysComm::Edit wSysComm::OfSite() const {
     const ConfigClass& site = Global::Configuration();
     const BusSettings settings = BusSettings::Of(site.BusSettings());
-    Edit edit{settings.port, QString(), settings.speed, settings.stop, site.AutoStart()};
+    Edit edit{settings.port, {}, settings.speed, settings.stop, site.AutoStart()};
     if (IsNumeric(edit.port))
-        edit.device = devices_.Former(BusSettings::PortName(edit.port.toInt()));
+        edit.meaning = devices_.Former(BusSettings::PortName(edit.port.toInt()));
     return edit;
 }
 
@@ -108,6 +119,7 @@ wSysComm::wSysComm()
             [this](int index) { pointer_->MoveBy(index == 0 ? -1 : 1); });
     OnClick(ui_->imgBusModif, [this] { imgBusModif_Click(); });
     OnClick(ui_->chkAutoStart, [this] { chkAutoStart_Click(); });
+    OnClick(ui_->chkRs485, [this] { chkRs485_Click(); });
     OnClick(ui_->imgPortDevice, [this] { imgPortDevice_Click(); });
     OnClick(ui_->lblPortDevice, [this] { imgPortDevice_Click(); });
     OnClick(ui_->imgCommWatch, [this] { imgCommWatch_Click(); });
@@ -135,10 +147,16 @@ void wSysComm::ShowEdit() {
 }
 
 void wSysComm::ShowDevice() {
-    const bool any = !edit_->device.isEmpty();
-    ui_->lblPortDevice->setCaption(any ? PortDeviceName(edit_->device) : QString());
-    ui_->lblPortUse->setText(any ? PortUseText(PortPurpose::Bus, edit_->device) : QString());
+    const QString& device = edit_->meaning.device;
+    const bool any = !device.isEmpty();
+    QString use = any ? PortUseText(PortPurpose::Bus, device) : QString();
+    if (edit_->meaning.rs485 && RefusesRs485())
+        use += QStringLiteral("  \u2013  ") + GetText(Rs485Refused);
+    ui_->lblPortDevice->setCaption(any ? PortDeviceName(device) : QString());
+    ui_->lblPortUse->setText(use);
     ui_->imgPortDevice->setEnabled(any);
+    ui_->chkRs485->setEnabled(any);
+    ui_->chkRs485->setChecked(edit_->meaning.rs485);
 }
 
 void wSysComm::ShowLink() {
@@ -177,15 +195,25 @@ void wSysComm::chkAutoStart_Click() {
     ShowEdit();
 }
 
+/// It waits for no answer, as the device doesn't: the bus shows whether it works.
+void wSysComm::chkRs485_Click() {
+    edit_->meaning.rs485 = ui_->chkRs485->isChecked();
+    NameDevice();
+    if (otherDevice_)
+        ApplyPort(edit_->port.toInt());
+    else
+        ShowDevice();
+}
+
 void wSysComm::ChangePort(const QString& port) {
     const int number = Bytes::ShortVal(port);
-    const QString device = SLVfonctions::DevicePath(BusSettings::PortName(number));
-    if (IsOfOtherPurpose(PortPurpose::Bus, device)) {
+    const PortSetting meaning = SLVfonctions::PortOf(BusSettings::PortName(number));
+    if (IsOfOtherPurpose(PortPurpose::Bus, meaning.device)) {
         Message(GetText(PortOfThePrinter), Messages::Critical);
         return;
     }
     edit_->port = port;
-    edit_->device = device;
+    edit_->meaning = meaning;
     if (Polling() != nullptr && Polling()->CommBus().CommPort() != number)
         ApplyPort(number);
     else
@@ -200,20 +228,20 @@ void wSysComm::imgPortDevice_Click() {
     const int number = edit_->port.toInt();
     const QPointer<wSysComm> self(this);
     const auto device =
-        AskPortDevice(PortPurpose::Bus, BusSettings::PortName(number), edit_->device);
+        AskPortDevice(PortPurpose::Bus, BusSettings::PortName(number), edit_->meaning.device);
     if (!device || !IsLoaded(self.data()))
         return;
-    setDevice(*device);
+    edit_->meaning.device = *device;
+    NameDevice();
     if (otherDevice_)
         ApplyPort(number);
     else
         ShowDevice();
 }
 
-/// Names the device of the port that is edited.
-void wSysComm::setDevice(const QString& device) {
-    edit_->device = device;
-    if (devices_.Name(BusSettings::PortName(edit_->port.toInt()), device))
+/// Has the port that is edited mean what is shown.
+void wSysComm::NameDevice() {
+    if (devices_.Name(BusSettings::PortName(edit_->port.toInt()), edit_->meaning))
         otherDevice_ = true;
 }
 
@@ -258,7 +286,7 @@ bool wSysComm::UpdateConfig() {
         if (!IsNumeric(edit.port) || !IsNumeric(edit.speed) || !IsNumeric(edit.stop) ||
             Polling() == nullptr)
             return;
-        setDevice(edit.device);
+        NameDevice();
         devices_.Settle();
         platform::SerialLink& link = Polling()->CommBus();
         const int port = edit.port.toInt();

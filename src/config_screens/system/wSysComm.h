@@ -36,7 +36,7 @@ private:
     /// What is edited, as shown; empty texts when the site has no port.
     struct Edit {
         QString port;
-        QString device;
+        SLVfonctions::PortSetting meaning;
         QString speed;
         QString stop;
         bool autoStart = false;
@@ -51,11 +51,12 @@ private:
     void ShowLink();
     void imgBusModif_Click();
     void chkAutoStart_Click();
+    void chkRs485_Click();
     void imgPortDevice_Click();
     void imgCommWatch_Click();
     void imgNavig_Click(int index);
     void ChangePort(const QString& port);
-    void setDevice(const QString& device);
+    void NameDevice();
     bool StopBus();
     bool MovePort(int port, bool open);
     void StartBus(bool run);

@@ -1,5 +1,6 @@
 #include "screens/console/wRunAlarms.h"
 #include "screens/dialogs/FilePicker.h"
+#include "screens/dialogs/wHelp.h"
 
 #include "bus/wPolling.h"
 #include "core/Config.h"
@@ -108,6 +109,7 @@ void wRunAlarms::ConnectControls() {
     Press(ui_->imgTelecommande, "wRunAlarms.imgTelecommande_Click",
           [this] { imgTelecommande_Click(); });
     Press(ui_->imgStopRun, "wRunAlarms.imgStopRun_Click", [this] { imgStopRun_Click(); });
+    Press(ui_->imgHelp, "wRunAlarms.imgHelp_Click", [] { ShowHelp(); });
     Press(ui_->imgCommWatch, "wRunAlarms.imgCommWatch_Click", [this] { imgCommWatch_Click(); });
     const QString arrows = QStringLiteral("imgControl");
     OnClick(arrows, [this](int index) { imgControl_Click(index); });

@@ -36,14 +36,16 @@ constexpr int LinkHeight = 48;
 /// The page is written without colours: they are those of the screens. `margin` stands between
 /// the lines of the contents, pixels.
 QString PageStyle(int margin) {
-    return QStringLiteral("a { color: #9CC3F0; text-decoration: none; }"
-                          "p.contents { margin-top: %1px; margin-bottom: %1px; }"
-                          "table { border-color: #4A5868; border-style: solid; }")
+    return QStringLiteral(
+               "a { color: #9CC3F0; text-decoration: none; }"
+               "p.contents { margin-top: %1px; margin-bottom: %1px; }"
+               "table { border-collapse: collapse; border-color: #4A5868; border-style: solid; "
+               "margin-top: 8px; margin-bottom: 8px; }")
         .arg(margin);
 }
 
 QString PageOf(const QString& language) {
-    const QString path = Global::InApplicationFolder(
+    const QString path = platform::ProgramFile(
         platform::ExecutableName() + u'-' + language.left(2).toLower() + QStringLiteral(".html"));
     return QFileInfo::exists(path) ? path : QString();
 }
@@ -74,6 +76,8 @@ void ShowHelp() {
         Message(GetText(713001), Messages::Information);
         return;
     }
+    // A page that was left behind an alarm shows the chapter of another screen.
+    Forms::Unload(FormNames::wHelp);
     Forms::Show(FormNames::wHelp);
     Forms::BringToFront(FormNames::wHelp);
 }

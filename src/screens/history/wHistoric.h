@@ -38,7 +38,7 @@ private:
     void imgClose_Click();
 
     std::unique_ptr<Ui::wHistoric> ui_;
-    QTimer tmrUpdate_;
+    QTimer tmrUpdate_{this};
     QTimer tmrDateTime_;
     /// The last move through the files went to a later one: reading goes on at its first line.
     bool forward_ = false;

@@ -42,8 +42,8 @@ QString LastUsed() {
 
 /// The help of a language beside the executable; empty when there is none.
 QString HelpFile(const QString& language) {
-    const QString path = Global::InApplicationFolder(
-        platform::ExecutableName() + u'-' + language.left(2).toLower() + QStringLiteral(".chm"));
+    const QString path = platform::ProgramFile(platform::ExecutableName() + u'-' +
+                                               language.left(2).toLower() + QStringLiteral(".chm"));
     return QFileInfo::exists(path) ? path : QString();
 }
 

@@ -41,6 +41,9 @@ public:
             return {};
         if (role == Qt::DisplayRole)
             return columns_[section].title;
+        // A head takes the font of its items alone under a style sheet.
+        if (role == Qt::FontRole)
+            return static_cast<QWidget*>(QObject::parent())->font();
         if (role == Qt::TextAlignmentRole)
             return QVariant::fromValue(columns_[section].alignment);
         return {};
@@ -155,7 +158,6 @@ void TouchTable::setColumns(const QList<Column>& columns, double scale) {
     setIconSize(QSize(picture, picture));
     verticalHeader()->setDefaultSectionSize(finger);
     horizontalHeader()->setFixedHeight(finger);
-    horizontalHeader()->setFont(font());
     setStyleSheet(TouchScrollBar(scale) +
                   QStringLiteral("QTableView::item, QHeaderView::section { padding: 0 6px; }"));
     FitColumns();

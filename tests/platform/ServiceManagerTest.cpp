@@ -1,0 +1,38 @@
+#include "platform/ServiceManager.h"
+
+#include "platform/Clock.h"
+
+#include <QList>
+#include <gtest/gtest.h>
+
+using namespace platform;
+
+TEST(ServiceManagerTest, BeatsAskForTimeUntilReadyThenShowLifeFourTimesInThePatience) {
+    TestClock clock;
+    QList<QByteArray> told;
+    QList<QByteArray> journal;
+    ServiceManager manager({[&](const QByteArray& line) { told += line; },
+                            [&](const QByteArray& line) { journal += line; }, 40000});
+    const auto pass = [&](int seconds) {
+        for (int second = 0; second < seconds; ++second) {
+            manager.Beat();
+            clock.Advance(1000);
+        }
+    };
+    pass(11);
+    manager.Ready();
+    manager.Ready();
+    manager.Status(QStringLiteral("one\r\nline"));
+    manager.Status(QStringLiteral("one\r\nline"));
+    pass(20);
+    manager.Stopping();
+    manager.Stopping();
+    pass(1);
+    manager.Log(ServiceManager::Priority::Error, QStringLiteral("Größe\r\nerr"));
+    EXPECT_EQ(told,
+              (QList<QByteArray>{"EXTEND_TIMEOUT_USEC=40000000", "EXTEND_TIMEOUT_USEC=40000000",
+                                 "READY=1", "WATCHDOG=1", "STATUS=one line", "WATCHDOG=1",
+                                 "STOPPING=1", "EXTEND_TIMEOUT_USEC=40000000"}));
+    EXPECT_EQ(journal, (QList<QByteArray>{"<3>Gr\xC3\xB6\xC3\x9F"
+                                          "e err"}));
+}

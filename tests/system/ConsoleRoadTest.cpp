@@ -1,0 +1,138 @@
+// What the console says of the watch, and what a touch on it starts or leaves alone, with the real
+// engine on a bus of modules.
+
+#include "core/FormNames.h"
+#include "platform/RunTimeError.h"
+#include "screens/console/AlarmGrid.h"
+#include "screens/dialogs/dlgMessage.h"
+#include "support/LeadingClock.h"
+#include "support/Road.h"
+#include "support/Script.h"
+
+#include <QLabel>
+#include <QMouseEvent>
+
+namespace {
+
+class ConsoleRoad : public Road {
+protected:
+    ConsoleRoad()
+        : Road({QStringLiteral("1=Q7100"), QStringLiteral("2=Q7000")}) {
+        Site().setOptionScreen(2, true);
+        Forms::Show(FormNames::wRunAlarms);
+    }
+
+    template <typename Control> static Control* Child(const QString& form, const char* name) {
+        const auto* screen = dynamic_cast<const QWidget*>(Forms::Find(form));
+        return screen != nullptr ? screen->findChild<Control*>(QString::fromLatin1(name)) : nullptr;
+    }
+    static bool IsCalm() {
+        return Child<AlarmMark>(FormNames::wRunAlarms, "imgNoAlarm")->Picture() ==
+               QStringLiteral("console_calm");
+    }
+    static QString Words() { return Child<QLabel>(FormNames::wRunAlarms, "txtNoAlarm")->text(); }
+    static void Touch(const QString& form, const char* name) {
+        auto* control = Child<QWidget>(form, name);
+        ASSERT_NE(control, nullptr) << name;
+        QTest::mouseClick(control, Qt::LeftButton);
+    }
+
+    LeadingClock clock;
+    Script script;
+};
+
+} // namespace
+
+TEST_F(ConsoleRoad, TheGreenTickStandsOnlyWhileAllAreHeard) {
+    EXPECT_FALSE(IsCalm());
+    EXPECT_EQ(Words(), GetText(710009));
+    QStringList ahead;
+    QObject::connect(engine.get(), &wPolling::Synchronising, engine.get(), [&] {
+        if (IsCalm())
+            ahead += Words();
+    });
+    engine->setRun(true);
+    EXPECT_TRUE(ahead.isEmpty()) << "calm ahead of the first reading";
+    EXPECT_TRUE(Until(IsCalm)) << Words().toStdString();
+    simulator.Do("mute 1");
+    EXPECT_TRUE(Until([] { return Words() == GetText(714073); })) << Words().toStdString();
+    EXPECT_FALSE(IsCalm());
+    simulator.Do("mute 2");
+    EXPECT_TRUE(Until([] { return Words().startsWith(GetText(714075)); })) << "one cause";
+    engine->setRun(false);
+    EXPECT_FALSE(IsCalm());
+    simulator.Do("unmute 1");
+    simulator.Do("unmute 2");
+    // A missing panel waits a minute for its next try.
+    clock.Lead(1.1 * platform::OneMinute);
+    engine->setRun(true);
+    EXPECT_TRUE(Until(IsCalm)) << Words().toStdString();
+}
+
+// An event of an unknown kind in the evening: midnight and what comes after it pass beneath its
+// box.
+TEST_F(ConsoleRoad, ABoxHoldsUpNeitherMidnightNorWhatFollows) {
+    Boxes::Install(&dlgMessage::PresentUnread);
+    engine->setRun(true);
+    ASSERT_TRUE(Until(IsCalm));
+    simulator.Do("odd 1");
+    ASSERT_TRUE(Until([] { return NbInstances(QStringLiteral("dlgMessage")) == 1; }));
+    const auto traced = [this](const char* part) {
+        return folder.Trace().filter(QString::fromLatin1(part)).size();
+    };
+    clock.Lead(1);
+    EXPECT_TRUE(Until([&] { return traced("COMMAND P00:0121 0000") == 1; }));
+    simulator.Do("active 2 7");
+    EXPECT_TRUE(Until([&] { return traced("P02-C07 State  ACTIVE") == 1; }));
+    EXPECT_GT(Boxes::Unread(), 0) << "nobody has read it";
+
+    // What stops the bus is seen and heard beneath it as well.
+    QObject::connect(engine.get(), &wPolling::RoundDone, engine.get(),
+                     [] { throw platform::RunTimeError(platform::errors::Subscript); });
+    EXPECT_TRUE(Until([&] { return !engine->Run(); }));
+    EXPECT_EQ(Global::Get().currentPriority, 99);
+    EXPECT_FALSE(Child<QWidget>(FormNames::wRunAlarms, "lblFaults")->isHidden());
+    EXPECT_EQ(traced("FAULT BEGINS BUS STOPPED BY AN ERROR"), 1);
+}
+
+TEST_F(ConsoleRoad, OnlyACodeStopsTheBusOfAGuardedSite) {
+    const QString codes = FormNames::dlgUserCodes;
+    Site().setUserCount(2);
+    Site().setUserLevel(1, 1);
+    Site().setUserLevel(2, 2);
+    engine->setRun(true);
+    script.On(codes, [&] { Touch(codes, "imgControl_0"); });
+    Touch(FormNames::wRunAlarms, "imgStopRun");
+    EXPECT_TRUE(engine->Run()) << "the prompt was given up";
+    // An alarm takes the prompt's screen, or it is taken from outside.
+    script.On(codes, [&] { Forms::Unload(codes); });
+    Touch(FormNames::wRunAlarms, "imgStopRun");
+    EXPECT_TRUE(engine->Run());
+    // Nobody could enter a code.
+    Site().setUserCount(1);
+    Site().setUserLevel(1, 2);
+    Touch(FormNames::wRunAlarms, "imgStopRun");
+    EXPECT_FALSE(engine->Run());
+    EXPECT_TRUE(folder.Trace().filter(QStringLiteral("COMM   STOP")).size() == 1)
+        << folder.Trace().join(u'\n').toStdString();
+}
+
+// The site that is opened holds a panel that nobody has ever heard.
+TEST_F(ConsoleRoad, ASiteOpenedOnARunningBusTellsItsSilentPanel) {
+    engine->setRun(true);
+    ASSERT_TRUE(Until(IsCalm));
+    auto site = std::make_unique<ConfigClass>();
+    site->setOptionScreen(2, true);
+    Global::setConfiguration(std::move(site));
+    for (const auto& [address, model] :
+         {std::pair(1, "Q7100"), std::pair(2, "Q7000"), std::pair(9, "Q7100")})
+        AddPanel(address, QString::fromLatin1(model));
+    const auto told = [this](const char* word) {
+        return folder.Trace().filter(QString::fromLatin1(word));
+    };
+    ASSERT_TRUE(Until([&] { return !told("DISAPP").isEmpty(); }));
+    EXPECT_TRUE(told("DISAPP")[0].contains(QStringLiteral("P09")));
+    EXPECT_EQ(Rows().size(), 1);
+    EXPECT_TRUE(Until([&] { return Words() == GetText(714073) || !Rows().isEmpty(); }));
+    EXPECT_TRUE(told("APPEAR").isEmpty()) << "those that are there come without a word";
+}

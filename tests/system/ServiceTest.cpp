@@ -1,0 +1,108 @@
+// The program under a service manager: it says that it is up and alive, and a hang is seen.
+
+#include "system/Processes.h"
+
+#include "core/Config.h"
+#include "model/Models.h"
+
+#include <array>
+#include <csignal>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+/// The manager's end of the socket.
+class NotifySocket {
+public:
+    explicit NotifySocket(const QString& path)
+        : socket_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        const QByteArray name = path.toLocal8Bit();
+        EXPECT_LT(size_t(name.size()), sizeof address.sun_path);
+        std::copy(name.begin(), name.end(), address.sun_path);
+        EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    }
+    ~NotifySocket() { close(socket_); }
+    NotifySocket(const NotifySocket&) = delete;
+    NotifySocket& operator=(const NotifySocket&) = delete;
+
+    /// Waits for a message that begins so; false after so many milliseconds.
+    bool Hears(const QByteArray& head, int milliseconds = 30000) const {
+        const QDeadlineTimer deadline(milliseconds);
+        pollfd place = {socket_, POLLIN, 0};
+        while (poll(&place, 1, int(deadline.remainingTime())) > 0) {
+            std::array<char, 4096> bytes = {};
+            const ssize_t length = recv(socket_, bytes.data(), bytes.size(), 0);
+            if (QByteArray(bytes.data(), length).startsWith(head))
+                return true;
+        }
+        return false;
+    }
+    /// Throws away what has come.
+    void Empty() const {
+        std::array<char, 4096> bytes = {};
+        while (recv(socket_, bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
+        }
+    }
+
+private:
+    int socket_;
+};
+
+} // namespace
+
+TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
+    const RunFolder folder;
+    SimulatorProcess simulator(folder.Bus(), {QStringLiteral("1=Q7100")});
+    ASSERT_TRUE(Config::OpenConfigBase());
+    ConfigClass site;
+    site.setAutoStart(true);
+    site.Panel(1).setModel(Models::Q7100);
+    site.Panel(1).setActive(true);
+    ASSERT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+    const NotifySocket socket(folder.Path(QStringLiteral("notify")));
+    ProgramProcess program(
+        folder, {{QStringLiteral("NOTIFY_SOCKET"), folder.Path(QStringLiteral("notify"))},
+                 {QStringLiteral("WATCHDOG_USEC"), QStringLiteral("400000")}});
+    ASSERT_TRUE(socket.Hears("READY=1"));
+    EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
+    EXPECT_TRUE(socket.Hears("STATUS=Bus running. Modules watched: 1, missing: 0, alarms: "));
+    program.Signal(SIGSTOP);
+    QThread::msleep(100);
+    socket.Empty();
+    EXPECT_FALSE(socket.Hears("WATCHDOG=1", 1000));
+    program.Signal(SIGCONT);
+    EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
+    // With the line gone the console stands and tells it; that is no hang.
+    QFile::remove(folder.Bus());
+    EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
+    program.Signal(SIGTERM);
+    EXPECT_TRUE(socket.Hears("STOPPING=1"));
+    EXPECT_TRUE(program.WaitForEnd(20000));
+}
+
+TEST(ServiceTest, TheFolderOfTheDataIsNamed) {
+    const RunFolder folder;
+    const QString data = folder.Path(QStringLiteral("site/data"));
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    program.setProcessEnvironment(environment);
+    program.start(folder.Path(QStringLiteral("korvanelle")), {QStringLiteral("--folder"), data});
+    // The base is the one beside the program.
+    EXPECT_TRUE(
+        Eventually([&] { return QFile::exists(data + QStringLiteral("/AlarmSound99.wav")); }));
+    EXPECT_TRUE(QFile::exists(data + QStringLiteral("/korvanelle.ini")));
+    EXPECT_FALSE(QFile::exists(folder.Path(QStringLiteral("Trace"))));
+    program.terminate();
+    EXPECT_TRUE(program.waitForFinished(20000));
+
+    program.start(folder.Path(QStringLiteral("korvanelle")),
+                  {QStringLiteral("--folder"), QStringLiteral("/proc/none")});
+    EXPECT_TRUE(program.waitForFinished(20000));
+    EXPECT_EQ(program.exitCode(), 1);
+}
