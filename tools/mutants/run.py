@@ -1,4 +1,5 @@
 """Runs the tests that reach each fault with the fault switched on, and notes which fail."""
+import itertools
 import json
 import os
 import resource
@@ -17,6 +18,8 @@ MATRIX = WORK / "matrix.tsv"
 # So many s of tests are run for a fault in one program at a time: those first that reach the
 # fewest faults, and no more once one has seen it.
 CHUNK = 4.0
+# Portions of the program of its own folder, and of each other one, that a fault is tried on.
+OWN_PORTIONS, OTHER_PORTIONS = 5, 1
 # More than so many tests that end by a time-out or a crash tell nothing new.
 MOST_STOPS = 4
 MEMORY = 6 << 30
@@ -171,7 +174,8 @@ class Runner:
         for program in sorted(programs(self.with_system), key=lambda p: p != own):
             tests = self.reaching.get(number, {}).get(program, [])
             special = {t: self.specificity[program, t] for t in tests}
-            for portion in chunks(tests, special, self.ms.get(program, {})):
+            most = OWN_PORTIONS if program == own else OTHER_PORTIONS
+            for portion in itertools.islice(chunks(tests, special, self.ms.get(program, {})), most):
                 yield program, portion
 
     def run(self, row, portions):
