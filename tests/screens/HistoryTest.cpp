@@ -77,7 +77,8 @@ TEST_F(HistoryTest, AnEmptyFolderGivesNothingToChoose) {
     EXPECT_EQ(TextOf(History, "lblDateTime"), "2024-03-15 12:00:00");
     Tap(History, "imgClose");
     EXPECT_EQ(Forms::Find(History), nullptr);
-    EXPECT_TRUE(Screen("wRunAlarms")->isVisible()) << "opened from nowhere: never a dark display";
+    ASSERT_EQ(NbInstances("wRunAlarms"), 1) << "opened from nowhere: never a dark display";
+    EXPECT_TRUE(Screen("wRunAlarms")->isVisible());
     Forms::Show("wMain");
     Open();
     Tap(History, "imgClose");
