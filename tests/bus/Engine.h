@@ -71,8 +71,20 @@ protected:
                 addresses += quint8(frame[0]);
         return addresses;
     }
+    static QList<int> Counters(const PanelClass& panel) {
+        return {panel.ErrCptr(0), panel.ErrCptr(1), panel.ErrCptr(2)};
+    }
+    /// The queue without its times: "panel:register=values".
+    QStringList Waiting() const {
+        QStringList texts;
+        for (int position = 1; position <= engine->Commands().Count(); ++position) {
+            const QStringList pieces = engine->Commands().Item(position)->ToText().split(u'|');
+            texts += pieces[1] + u':' + pieces[2] + u'=' + pieces.mid(4).join(u',');
+        }
+        return texts;
+    }
     static QString Stored(const QString& section, const QString& key) {
-        return IniRead(section, key, QStringLiteral("none"));
+        return IniRead(section, key, Text("none"));
     }
 
     FakeModules modules;

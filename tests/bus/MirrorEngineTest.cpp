@@ -110,8 +110,17 @@ TEST_F(MirrorEngine, TakesTheRulesOfTheSourceInTheirOrder) {
     Site().Mirrors().Add(5, 3, 6, 1, MirrorClass::Permanent);
     Miroirs::DoMirrors(EventClass(5, 3, 1, 4), Sink());
     EXPECT_EQ(engine->Commands().Item(1)->SendTime(), clock.Now());
-    EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
+    EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
     EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2"}));
+
+    // Rules out of all bounds go to the trace.
+    Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
+    Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
+    const qsizetype traced = TraceLines().size();
+    EventClass event(5, 7, 0, 1);
+    Miroirs::DoMirrors(event, Sink());
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_EQ(TraceLines().mid(traced).filter(Text("MIRROR ERROR")).size(), 2);
 }
 
 TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
@@ -183,10 +192,8 @@ TEST_F(MirrorEngine, PacksTheStatesOfADisplay) {
     Lamp(24).setState(4);
     Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), Sink());
     EXPECT_EQ(Carried(), Lines{"writes 6 25 12417 1 16384 0 2048"});
-}
 
-TEST_F(MirrorEngine, AnAcknowledgementLeavesOfEachLampWhatItsKindSays) {
-    Site().Panel(6).setModel(Models::Q6200XT);
+    // An acknowledgement leaves of each lamp what its kind says.
     struct {
         qint16 kind;
         qint16 before;
@@ -289,16 +296,6 @@ TEST_F(MirrorEngine, RefusesWhatWouldCloseACircle) {
     EXPECT_TRUE(Miroirs::IsMirrorLoop(circle, 7, 7, 64, 1)) << "a damaged list ends too";
     EXPECT_FALSE(Miroirs::IsMirrorLoop(circle, 61, 1, 7, 7));
     EXPECT_FALSE(Miroirs::IsMirrorLoop(MirrorClasses(), 1, 1, 1, 1));
-}
-
-TEST_F(MirrorEngine, ARuleOutOfAllBoundsGoesToTheTrace) {
-    Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
-    Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
-    const qsizetype traced = TraceLines().size();
-    EventClass event(5, 7, 0, 1);
-    Miroirs::DoMirrors(event, Sink());
-    EXPECT_EQ(boxes, QStringList());
-    EXPECT_EQ(TraceLines().mid(traced).filter(QStringLiteral("MIRROR ERROR")).size(), 2);
 }
 
 } // namespace

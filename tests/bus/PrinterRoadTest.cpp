@@ -11,22 +11,22 @@ namespace {
 class PrinterRoad : public Engine {
 protected:
     PrinterRoad() {
-        const QString pipe = Path(QStringLiteral("printer"));
+        const QString pipe = Path(Text("printer"));
         EXPECT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"), pipe);
-        Site().setPrtSettings(QStringLiteral("LPT1:"));
-        Site().setPrinterInitString(5, QStringLiteral("1B 45"));
+        IniWrite(Text("Ports"), Text("LPT1"), pipe);
+        Site().setPrtSettings(Text("LPT1:"));
+        Site().setPrinterInitString(5, Text("1B 45"));
         OpenReader();
         Start();
         ChannelClass& channel = AddModule(5, Models::Q7100).Channel(7);
         channel.setPrtAlm(true);
-        channel.setPrintText(QString::fromUtf8("Brûleur à gaz"));
+        channel.setPrintText(Text("Brûleur à gaz"));
         SetOptions(0, 0, 31, 0);
     }
     ~PrinterRoad() override { CloseReader(); }
 
     void OpenReader() {
-        const QByteArray path = QFile::encodeName(Path(QStringLiteral("printer")));
+        const QByteArray path = QFile::encodeName(Path(Text("printer")));
         reader = open(path.constData(), O_RDONLY | O_NONBLOCK);
     }
     void CloseReader() {
@@ -64,7 +64,7 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     Route(7, 0);
     EXPECT_EQ(events.size(), 4);
     EXPECT_EQ(boxes, QStringList());
-    const auto told = [this] { return TraceLines().filter(QStringLiteral(" PRINTER ERROR  ")); };
+    const auto told = [this] { return TraceLines().filter(Text(" PRINTER ERROR  ")); };
     const qsizetype first = told().size();
     EXPECT_GE(first, 1);
     Route(7, 1);
@@ -86,9 +86,9 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
 
 // Whoever chooses the ports may do it in either order.
 TEST_F(PrinterRoad, ThePortOfTheBusIsNeverPrintedOn) {
-    EXPECT_EQ(engine->dpPrinter().Port(), QStringLiteral("LPT1"));
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM4"), Path(QStringLiteral("printer")));
-    Site().setBusSettings(QStringLiteral("COM4:9600,N,8,1"));
+    EXPECT_EQ(engine->dpPrinter().Port(), Text("LPT1"));
+    IniWrite(Text("Ports"), Text("COM4"), Path(Text("printer")));
+    Site().setBusSettings(Text("COM4:9600,N,8,1"));
     engine->ConfigCommPort();
     EXPECT_EQ(boxes.filter(GetText(714061)).size(), 1);
     EXPECT_EQ(engine->dpPrinter().Port(), QString());

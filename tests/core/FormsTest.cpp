@@ -1,5 +1,7 @@
 #include "core/Forms.h"
 
+#include "support/PrintText.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -37,8 +39,8 @@ class FormRegistry : public ::testing::Test {
 protected:
     FormRegistry() {
         for (const char* name : {"wMain", "wPolling", "wHistoric"}) {
-            Forms::Register(QLatin1String(name), [this, name] {
-                made.push_back(std::make_unique<TestForm>(QLatin1String(name)));
+            Forms::Register(Text(name), [this, name] {
+                made.push_back(std::make_unique<TestForm>(Text(name)));
                 return made.back().get();
             });
         }
@@ -47,41 +49,41 @@ protected:
         for (const auto& form : made)
             Forms::Removed(form.get());
         for (const char* name : {"wMain", "wPolling", "wHistoric"})
-            Forms::Register(QLatin1String(name), {});
+            Forms::Register(Text(name), {});
     }
     static TestForm* Load(const char* name) {
-        return static_cast<TestForm*>(Forms::Load(QLatin1String(name)));
+        return static_cast<TestForm*>(Forms::Load(Text(name)));
     }
-    static int Instances(const char* name) { return NbInstances(QLatin1String(name)); }
+    static int Instances(const char* name) { return NbInstances(Text(name)); }
 
     std::vector<std::unique_ptr<TestForm>> made;
 };
 
 TEST_F(FormRegistry, MakesAFormOnceUntilItIsUnloaded) {
-    EXPECT_EQ(Forms::Find(QStringLiteral("wMain")), nullptr);
-    Forms::BringToFront(QStringLiteral("wMain"));
-    Forms::Unload(QStringLiteral("wMain"));
+    EXPECT_EQ(Forms::Find(Text("wMain")), nullptr);
+    Forms::BringToFront(Text("wMain"));
+    Forms::Unload(Text("wMain"));
     EXPECT_TRUE(made.empty());
     TestForm* form = Load("wMain");
     EXPECT_EQ(Load("wMain"), form);
     EXPECT_FALSE(Forms::AnyVisible());
-    Forms::Show(QStringLiteral("wMain"));
+    Forms::Show(Text("wMain"));
     EXPECT_TRUE(Forms::AnyVisible());
-    Forms::BringToFront(QStringLiteral("wMain"));
+    Forms::BringToFront(Text("wMain"));
     EXPECT_EQ(form->raised, 1);
     EXPECT_EQ(Instances("wMain"), 1);
     EXPECT_EQ(Instances("wmain"), 0);
-    Forms::Unload(QStringLiteral("wMain"));
+    Forms::Unload(Text("wMain"));
     EXPECT_EQ(Instances("wMain"), 0);
     EXPECT_NE(Load("wMain"), form);
     EXPECT_EQ(Load("wUnknown"), nullptr);
-    Forms::Show(QStringLiteral("wUnknown"));
+    Forms::Show(Text("wUnknown"));
 }
 
 TEST_F(FormRegistry, UnloadAllButTakesFormsThatAnUnloadOpens) {
     Load("wMain");
     Load("wPolling")->atUnload = [] { Load("wHistoric"); };
-    Forms::UnloadAllBut({QStringLiteral("wMain")});
+    Forms::UnloadAllBut({Text("wMain")});
     EXPECT_EQ(Instances("wMain"), 1);
     EXPECT_EQ(Instances("wPolling"), 0);
     EXPECT_EQ(Instances("wHistoric"), 0);
@@ -91,7 +93,7 @@ TEST_F(FormRegistry, UnloadAllButPassesFormsThatAnUnloadTakesAlong) {
     TestForm* first = Load("wPolling");
     int unloads = 0;
     Load("wHistoric")->atUnload = [&] { ++unloads; };
-    first->atUnload = [] { Forms::Unload(QStringLiteral("wHistoric")); };
+    first->atUnload = [] { Forms::Unload(Text("wHistoric")); };
     Forms::UnloadAllBut({});
     EXPECT_EQ(unloads, 1);
     EXPECT_EQ(Instances("wPolling") + Instances("wHistoric"), 0);

@@ -122,10 +122,7 @@ TEST_F(Decisions, AChannelWithoutItsFlagGoesNowhere) {
             EXPECT_EQ(IsToKlaxon(event), flag != 3 && Expected(row.horn, 31));
         }
     }
-}
-
-TEST_F(Decisions, SystemEventsOfTheApplicationNeedNoPanel) {
-    SetOptions(31, 31, 31, 31);
+    // Events of the application need no panel.
     const EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     EXPECT_TRUE(IsToHisto(event));
     EXPECT_TRUE(IsToPrint(event));

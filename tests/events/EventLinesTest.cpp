@@ -349,19 +349,19 @@ TEST_F(EventLines, NothingStopsForAPrinterThatFails) {
     EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
     printer.setPort(QString());
     EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
-    EXPECT_EQ(told, QStringList({Text("8"), Text("0")}));
+    EXPECT_EQ(told, TextList({"8", "0"}));
     EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(EventLines, DefinitionFilesHoldSequences) {
-    const QDir folder(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers"));
+    const QDir folder(Text(KORVANELLE_SOURCE_DIR "/data/printers"));
     const QStringList names = folder.entryList({Text("*.prt")});
     EXPECT_GE(names.size(), 2);
     static const QRegularExpression bytes(Text("^([0-9A-F]{2}( [0-9A-F]{2})*)?$"));
     static const QRegularExpression keys(Text("^(Reset/Init|Colors/[0-6]|Styles/[BIU])$"));
     for (const QString& name : names) {
         const platform::SettingsFile file(folder.filePath(name));
-        EXPECT_EQ(file.Keys(Text("Reset")), QStringList{Text("Init")});
+        EXPECT_EQ(file.Keys(Text("Reset")), TextList({"Init"}));
         for (const char* section : {"Reset", "Colors", "Styles"}) {
             for (const QString& key : file.Keys(Text(section))) {
                 const QString value = file.Read(Text(section), key, QString());
@@ -386,7 +386,7 @@ TEST_F(EventLines, DefinitionFilesColourALine) {
     };
     for (const auto& [name, start] : rows) {
         const PrinterDefinition definition(
-            QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers/%1.prt").arg(Text(name)));
+            Text(KORVANELLE_SOURCE_DIR "/data/printers/%1.prt").arg(Text(name)));
         Site().setPrinterInitString(0, definition.Init());
         Site().setPrinterInitString(1, definition.SequenceOf(Text("1UB")));
         EXPECT_EQ(Print(12, 255, 1, 0), start + line) << name;
@@ -401,7 +401,7 @@ TEST_F(EventLines, ADefinitionIsReadByName) {
     };
     write(Text("matrix"), "[Colors]\r\n2 = 1B 72 04\r\n12=1B\r\n[Styles]\r\nB=\r\nI=1B 34\r\n");
     write(Text("beside"), "[Reset]\nInit=\"1B 40 \"\n");
-    EXPECT_EQ(PrinterDefinition::Names(), QStringList({Text("beside"), Text("matrix")}));
+    EXPECT_EQ(PrinterDefinition::Names(), TextList({"beside", "matrix"}));
 
     const PrinterDefinition matrix(PrinterDefinition::PathOf(Text("matrix")));
     EXPECT_EQ(matrix.Init(), QString());

@@ -68,14 +68,14 @@ protected:
     }
     /// A named pipe; LPT1 writes to it.
     QByteArray MakePipe() {
-        device_ = folder_.filePath(QStringLiteral("printer"));
+        device_ = folder_.filePath(Text("printer"));
         QByteArray path = QFile::encodeName(device_);
         EXPECT_EQ(mkfifo(path.constData(), 0600), 0);
         return path;
     }
     std::unique_ptr<PrinterPort> MakePort() {
         return MakePrinterPort([this](const QString& name) {
-            return name == QStringLiteral("missing") ? folder_.filePath(name) : device_;
+            return name == Text("missing") ? folder_.filePath(name) : device_;
         });
     }
     termios LineOfDevice() const {
@@ -123,8 +123,8 @@ QByteArray AllBytes() {
     return bytes;
 }
 
-const QString Com = QStringLiteral("COM1");
-const QString Lpt = QStringLiteral("LPT1");
+const QString Com = Text("COM1");
+const QString Lpt = Text("LPT1");
 
 } // namespace
 
@@ -219,7 +219,7 @@ TEST_F(PrinterPortTest, WaitsForASlowReader) {
 TEST_F(PrinterPortTest, APrinterThatIsNotThereCostsNoTime) {
     QElapsedTimer timer;
     timer.start();
-    EXPECT_EQ(port_->Open(QStringLiteral("missing")), ENOENT);
+    EXPECT_EQ(port_->Open(Text("missing")), ENOENT);
     EXPECT_FALSE(port_->IsOpen());
     const QByteArray pipe = MakePipe();
     EXPECT_EQ(port_->Open(Lpt), ENXIO) << "nobody reads";
@@ -235,7 +235,7 @@ TEST_F(PrinterPortTest, APrinterThatIsNotThereCostsNoTime) {
     EXPECT_EQ(port_->Write("x"), EIO) << "the adapter was pulled out";
     port_->Close();
     EXPECT_LT(timer.elapsed(), Slack);
-    EXPECT_EQ(PrinterPort::ErrorText(ENOENT), QStringLiteral("No such file or directory"));
+    EXPECT_EQ(PrinterPort::ErrorText(ENOENT), Text("No such file or directory"));
 }
 
 TEST_F(PrinterPortTest, ADeviceOfOneUserIsSharedWithinTheProgram) {

@@ -75,9 +75,9 @@ class SerialPortTest : public ::testing::Test {
 protected:
     static qint64 In(int milliseconds) { return Clock::Current().MonotonicMs() + milliseconds; }
     QTemporaryDir folder_;
-    QString link_ = folder_.filePath(QStringLiteral("COM3"));
-    std::unique_ptr<SerialLink> port_ = MakeSerialPort(
-        [this](int number) { return folder_.filePath(QStringLiteral("COM%1").arg(number)); });
+    QString link_ = folder_.filePath(Text("COM3"));
+    std::unique_ptr<SerialLink> port_ =
+        MakeSerialPort([this](int number) { return folder_.filePath(Text("COM%1").arg(number)); });
 
     void OpenPort() {
         port_->setCommPort(3);
@@ -212,7 +212,7 @@ TEST_F(SerialPortTest, ClosesWhenTheDeviceGoesAndOpensAgainWhenItReturns) {
 TEST_F(SerialPortTest, RefusesWhatIsNoSettingOrNoDevice) {
     const FarEnd far(link_);
     const auto opens = [this](const char* settings) {
-        port_->setSettings(QString::fromLatin1(settings));
+        port_->setSettings(Text(settings));
         const int error = ErrorOf([&] { port_->setPortOpen(true); });
         EXPECT_EQ(port_->PortOpen(), error == 0);
         port_->setPortOpen(false);
@@ -227,19 +227,18 @@ TEST_F(SerialPortTest, RefusesWhatIsNoSettingOrNoDevice) {
         EXPECT_EQ(opens(bad), errors::PortUnavailable) << bad;
     port_->setCommPort(4);
     EXPECT_EQ(opens("9600,N,8,1"), errors::PortUnavailable);
-    PutBytes(folder_.filePath(QStringLiteral("COM5")), "a plain file");
+    PutBytes(folder_.filePath(Text("COM5")), "a plain file");
     port_->setCommPort(5);
     EXPECT_EQ(opens("9600,N,8,1"), errors::PortUnavailable);
     OpenPort();
-    EXPECT_EQ(ErrorOf([&] { port_->setSettings(QStringLiteral("9600,N,8,3")); }),
-              errors::PortUnavailable);
+    EXPECT_EQ(ErrorOf([&] { port_->setSettings(Text("9600,N,8,3")); }), errors::PortUnavailable);
 }
 
 TEST_F(SerialPortTest, AsksTheDriverForLowLatencyAndBearsARefusal) {
     using Answer = LineFeatures::Answer;
     const FarEnd far(link_);
-    const QString sys = folder_.filePath(QStringLiteral("sys"));
-    const QString timer = QStringLiteral("%1/class/tty/%2/device/latency_timer")
+    const QString sys = folder_.filePath(Text("sys"));
+    const QString timer = Text("%1/class/tty/%2/device/latency_timer")
                               .arg(sys, QFileInfo(QFileInfo(link_).canonicalFilePath()).fileName());
     Driver driver;
     SerialSetup setup;

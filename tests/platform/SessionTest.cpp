@@ -76,7 +76,7 @@ TEST(ActivityDetectionTest, ChecksByItsTimer) {
 
 TEST(SingleInstanceTest, OneLiveHolderAtATime) {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("panel.lock"));
+    const QString path = folder.filePath(Text("panel.lock"));
     {
         SingleInstance first(path);
         EXPECT_TRUE(first.Acquire());
@@ -97,12 +97,12 @@ TEST(SingleInstanceTest, OneLiveHolderAtATime) {
     SingleInstance next(path);
     EXPECT_TRUE(next.Acquire());
     // A folder that nothing can be written to.
-    const QString unwritable = folder.filePath(QStringLiteral("none/panel.lock"));
+    const QString unwritable = folder.filePath(Text("none/panel.lock"));
     SingleInstance reader(unwritable);
     EXPECT_TRUE(reader.Acquire());
     SingleInstance secondReader(unwritable);
     EXPECT_FALSE(secondReader.Acquire());
-    SingleInstance elsewhere(folder.filePath(QStringLiteral("other/panel.lock")));
+    SingleInstance elsewhere(folder.filePath(Text("other/panel.lock")));
     EXPECT_TRUE(elsewhere.Acquire());
 }
 

@@ -16,15 +16,11 @@ namespace {
 class SettingsFileTest : public ::testing::Test {
 protected:
     QTemporaryDir folder_;
-    QString path_ = folder_.filePath(QStringLiteral("panel.ini"));
+    QString path_ = folder_.filePath(Text("panel.ini"));
 };
 
-const QString Section = QStringLiteral("General");
-const QString Key = QStringLiteral("Key");
-
-QString Text(const char* latin) {
-    return QString::fromLatin1(latin);
-}
+const QString Section = Text("General");
+const QString Key = Text("Key");
 
 } // namespace
 
@@ -46,8 +42,8 @@ TEST_F(SettingsFileTest, ChangesOnlyTheLineThatChanges) {
         EXPECT_EQ(settings.Read(Section, Key, QString()), Text("old"));
         EXPECT_EQ(settings.Read(Text("NEXT"), Text("A"), QString()), Text("b=c"));
         EXPECT_EQ(settings.Read(Section, Text("stray"), Text("none")), Text("none"));
-        EXPECT_EQ(settings.Keys(Section), QStringList{Text("KEY")});
-        settings.Write(Section, Key, Text("new \xFC"));
+        EXPECT_EQ(settings.Keys(Section), TextList({"KEY"}));
+        settings.Write(Section, Key, Text("new ü"));
         settings.Write(Section, Text("More"), Text("1"));
         settings.Write(Text("Next"), Text("z"), Text("2"));
         settings.Write(Text("Third"), Text("k"), Text("3"));
@@ -93,7 +89,7 @@ TEST_F(SettingsFileTest, ValueComesBackAsItWasWritten) {
                                    Text("'a'"),
                                    Text("=;#[x]"),
                                    Text("a=b"),
-                                   Text("\xA0"),
+                                   Text("\u00A0"),
                                    Text("\x0B\x01"),
                                    QString(QChar(0x20AC)),
                                    QString(3, QChar(0)),
@@ -170,13 +166,13 @@ TEST_F(SettingsFileTest, TakesUpWhatIsEditedByHandMeanwhile) {
 }
 
 TEST_F(SettingsFileTest, ReplacesTheFileAsAWholeThroughALinkToo) {
-    const QString link = folder_.filePath(QStringLiteral("link.ini"));
+    const QString link = folder_.filePath(Text("link.ini"));
     PutBytes(path_, "[General]\r\nKey=1\r\n");
     ASSERT_EQ(chmod(QFile::encodeName(path_).constData(), 0600), 0);
     ASSERT_TRUE(QFile::link(path_, link));
-    PutBytes(path_ + QStringLiteral(".tmp"), "half a fi");
+    PutBytes(path_ + Text(".tmp"), "half a fi");
     SettingsFile settings(link);
-    EXPECT_FALSE(QFile::exists(path_ + QStringLiteral(".tmp")));
+    EXPECT_FALSE(QFile::exists(path_ + Text(".tmp")));
     QFile old(path_);
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     settings.Write(Section, Key, Text("22"));
@@ -205,9 +201,9 @@ TEST_F(SettingsFileTest, AWholeSectionIsReplacedAsByItsSingleSteps) {
     const QList<std::pair<QString, QString>> values{{Text("1"), Text(" blanks ")},
                                                     {Text("2"), Text("a=b")},
                                                     {Text("k"), Text("old")},
-                                                    {Text("3"), Text("\xFC")},
+                                                    {Text("3"), Text("ü")},
                                                     {Text("K"), Text("new")}};
-    const QString other = folder_.filePath(QStringLiteral("steps.ini"));
+    const QString other = folder_.filePath(Text("steps.ini"));
     for (const QString& path : {path_, other})
         PutBytes(path, before);
     SettingsFile settings(path_);
@@ -236,25 +232,25 @@ TEST_F(SettingsFileTest, KeepsTheValueWhenTheFileCannotBeWritten) {
     PutBytes(path_, "[General]\r\nKey=1\r\n");
     SettingsFile settings(path_);
     // Stands in the way of the temporary file, for root as well.
-    ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("panel.ini.tmp")));
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(Text("panel.ini.tmp")));
     EXPECT_EQ(ErrorOf([&] { settings.Write(Section, Key, Text("22")); }), errors::PathAccess);
     EXPECT_EQ(settings.Read(Section, Key, QString()), Text("22"));
     EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=1\r\n"));
-    ASSERT_TRUE(QDir(folder_.path()).rmdir(QStringLiteral("panel.ini.tmp")));
+    ASSERT_TRUE(QDir(folder_.path()).rmdir(Text("panel.ini.tmp")));
     settings.Write(Section, Key, Text("22"));
     EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=22\r\n"));
 
-    SettingsFile nowhere(folder_.filePath(QStringLiteral("none/panel.ini")));
+    SettingsFile nowhere(folder_.filePath(Text("none/panel.ini")));
     EXPECT_EQ(ErrorOf([&] { nowhere.Write(Section, Key, Text("22")); }), errors::PathAccess);
     EXPECT_EQ(nowhere.Read(Section, Key, QString()), Text("22"));
 
     // A folder in the file's place can't be read, and must not be replaced either. It is tried
     // again each time.
-    const QString place = folder_.filePath(QStringLiteral("taken.ini"));
-    ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("taken.ini")));
+    const QString place = folder_.filePath(Text("taken.ini"));
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(Text("taken.ini")));
     SettingsFile taken(place);
     EXPECT_EQ(ErrorOf([&] { taken.Write(Section, Key, Text("22")); }), errors::PathAccess);
-    ASSERT_TRUE(QDir(folder_.path()).rmdir(QStringLiteral("taken.ini")));
+    ASSERT_TRUE(QDir(folder_.path()).rmdir(Text("taken.ini")));
     PutBytes(place, "[General]\r\nOther=1\r\n");
     taken.Write(Section, Key, Text("22"));
     EXPECT_EQ(BytesOf(place), QByteArray("[General]\r\nOther=1\r\nKey=22\r\n"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/RunTimeError.h"
+#include "support/PrintText.h"
 
 #include <QByteArray>
 #include <QFile>
