@@ -22,14 +22,11 @@ TEST(Bytes, ValReadsTheHeadOfAText) {
 
 TEST(Bytes, WordsAndDigits) {
     EXPECT_EQ(Bytes::MakeWord(0xAB, 0xCD), 0xABCD);
-    EXPECT_EQ(Bytes::HighByte(0xABCD), 0xAB);
-    EXPECT_EQ(Bytes::LowByte(0xABCD), 0xCD);
-    EXPECT_EQ(Bytes::Hex4(146), Text("0092"));
-    EXPECT_EQ(Bytes::Hex2(0x1FE), Text("FE"));
-    EXPECT_EQ(Bytes::Hex8(-1), Text("FFFFFFFF"));
-    EXPECT_EQ(Bytes::Padded(7, 2), Text("07"));
-    EXPECT_EQ(Bytes::Padded(123, 2), Text("123"));
-    EXPECT_EQ(Bytes::Padded(-1, 2), Text("-01"));
+    EXPECT_EQ(Bytes::HighByte(0xABCD) * 1000 + Bytes::LowByte(0xABCD), 0xAB * 1000 + 0xCD);
+    EXPECT_EQ(QStringList({Bytes::Hex4(146), Bytes::Hex2(0x1FE), Bytes::Hex8(-1)}),
+              TextList({"0092", "FE", "FFFFFFFF"}));
+    EXPECT_EQ(QStringList({Bytes::Padded(7, 2), Bytes::Padded(123, 2), Bytes::Padded(-1, 2)}),
+              TextList({"07", "123", "-01"}));
 }
 
 TEST(Bytes, BinToDecIsSignAndMagnitude) {

@@ -11,6 +11,7 @@
 #include "platform/RunTimeError.h"
 #include "support/PrintText.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -89,6 +90,9 @@ TEST_F(ConfigBase, WordsInTheLanguageInUse) {
         Global::Get().language = qint16(fallback);
         EXPECT_EQ(GetText(10100), Text("Mirror")) << fallback;
     }
+    IniWrite(Text("General"), Text("Language"), Text("2"));
+    ASSERT_TRUE(Config::OpenConfigBase());
+    EXPECT_EQ(GetText(10100), Text("Spiegel"));
     EXPECT_TRUE(boxes.isEmpty());
 }
 
@@ -107,25 +111,17 @@ TEST_F(ConfigBase, KeysAndBars) {
     EXPECT_EQ(GetText(20009), Text("One\r\nTwo\r\n"));
     EXPECT_EQ(GetText(20009, true), Text("One|Two|"));
     EXPECT_EQ(GetText(Text("20009"), true), Text("One|Two|"));
-    EXPECT_EQ(GetText(QString()), QString());
-    EXPECT_EQ(GetText(Text("Mirror")), QString());
-    EXPECT_EQ(GetText(Text("010100")), Text("Mirror"));
-    EXPECT_EQ(GetText(Text("nan")), QString());
-    EXPECT_EQ(GetText(Text("0077")), Text("#0077#"));
-    EXPECT_EQ(GetText(Text("-1")), Text("#-1#"));
-    EXPECT_EQ(GetText(Text("99999999999")), Text("#99999999999#"));
+    for (const auto& [key, text] : {std::pair{"", ""},
+                                    {"Mirror", ""},
+                                    {"nan", ""},
+                                    {"010100", "Mirror"},
+                                    {"0077", "#0077#"},
+                                    {"-1", "#-1#"},
+                                    {"99999999999", "#99999999999#"}})
+        EXPECT_EQ(GetText(Text(key)), Text(text)) << key;
 }
 
-TEST_F(ConfigBase, LanguageNamesEndBehindTheLast) {
-    QStringList names;
-    for (int i = 0; !GetLanguage(i).isEmpty(); ++i)
-        names.append(GetLanguage(i));
-    EXPECT_EQ(names, TextList({"English", "Fran\u00E7ais", "Deutsch", "Nederlands"}));
-    EXPECT_EQ(GetLanguage(-1), QString());
-    EXPECT_EQ(GetLanguage(100), QString());
-}
-
-TEST_F(ConfigBase, DefaultsAndMarks) {
+TEST_F(ConfigBase, DefaultsMarksAndLanguageNames) {
     EXPECT_EQ(GetConfig(100110), Text("15"));
     EXPECT_EQ(GetConfig(100201), Text("11111"));
     EXPECT_EQ(GetConfig(100301), QString());
@@ -135,6 +131,13 @@ TEST_F(ConfigBase, DefaultsAndMarks) {
     EXPECT_EQ(Global::Get().channelMark, Text("C"));
     EXPECT_EQ(Global::Get().text10100, Text("Mirror"));
     EXPECT_EQ(Global::Get().text50012, Text("#50012#"));
+
+    QStringList names;
+    for (int i = 0; !GetLanguage(i).isEmpty(); ++i)
+        names.append(GetLanguage(i));
+    EXPECT_EQ(names, TextList({"English", "Fran\u00E7ais", "Deutsch", "Nederlands"}));
+    EXPECT_EQ(GetLanguage(-1), QString());
+    EXPECT_EQ(GetLanguage(100), QString());
 }
 
 TEST_F(ConfigBase, SoundsAreExportedOnceToTheirPlaces) {
@@ -148,12 +151,6 @@ TEST_F(ConfigBase, SoundsAreExportedOnceToTheirPlaces) {
     EXPECT_EQ(Config::HighestSound(), 4);
     EXPECT_EQ(Config::SoundExtension(3), Text("wav")) << "where the base doesn't say";
     EXPECT_TRUE(boxes.isEmpty());
-}
-
-TEST_F(ConfigBase, LanguageComesFromTheSettings) {
-    IniWrite(Text("General"), Text("Language"), Text("2"));
-    ASSERT_TRUE(Config::OpenConfigBase());
-    EXPECT_EQ(GetText(10100), Text("Spiegel"));
 }
 
 TEST_F(ApplicationFolder, MissingOrForeignBaseIsReported) {
@@ -229,18 +226,9 @@ TEST_F(ApplicationFolder, TraceOfEachDay) {
     Trace::Write(Text("third"));
     EXPECT_EQ(Bytes(Text("Trace/20240315.log")), "first \xE9\r\nsecond\r\n");
     EXPECT_EQ(Bytes(Text("Trace/20240316.log")), "third\r\n");
-}
 
-TEST_F(ApplicationFolder, SystemLineHasTheColumnsOfAnEvent) {
-    DateTimes::ReadLocale(QLocale::c());
-    const DateTime when = DateTimes::FromDate(QDate(2024, 3, 15), QTime(12, 0, 5));
-    EXPECT_EQ(Trace::SystemLine(when, Text("SYNCHR0"), Text("REINIT")),
-              Text("2024-03-15 12:00:05 SYNCHR         ******** SYSTEM  COMM   REINIT ") +
-                  Trace::Stars(26) + u' ' + Trace::Stars(39));
-    DateTimes::ReadLocale(QLocale::system());
-}
-
-TEST_F(ApplicationFolder, TraceThatCannotBeOpenedIsAnError) {
+    // A trace that cannot be opened is an error.
+    ASSERT_TRUE(QDir(Path(Text("Trace"))).removeRecursively());
     Write(Text("Trace"), "a file where the folder should be");
     EXPECT_THROW(Trace::OpenToday(), platform::RunTimeError);
     EXPECT_THROW(Trace::Write(Text("x")), platform::RunTimeError);

@@ -76,12 +76,4 @@ TEST_F(Dates, DayNumbers) {
                   QTime(0, 0).addSecs(second));
 }
 
-TEST_F(Dates, NowFollowsTheClock) {
-    platform::TestClock clock;
-    clock.Set(2024, 12, 31, 23, 59, 59);
-    EXPECT_EQ(DateTimes::LongTime(DateTimes::Now()), Text("23:59:59"));
-    clock.Advance(1000);
-    EXPECT_EQ(DateTimes::FileDate(DateTimes::Now()), Text("20250101"));
-}
-
 } // namespace

@@ -1,5 +1,6 @@
 #include "core/Forms.h"
 
+#include "support/FakeForm.h"
 #include "support/PrintText.h"
 
 #include <functional>
@@ -9,30 +10,16 @@
 
 namespace {
 
-class TestForm : public Forms::Form {
+class TestForm : public FakeForm {
 public:
-    explicit TestForm(QString name)
-        : name_(std::move(name)) {
-        Forms::Added(this);
-    }
-    QString Name() const override { return name_; }
-    void Show() override { visible_ = true; }
-    void Hide() override { visible_ = false; }
-    void BringToFront() override { ++raised; }
-    bool Visible() const override { return visible_; }
+    using FakeForm::FakeForm;
     void Unload() override {
         if (atUnload)
             atUnload();
-        Forms::Removed(this);
-        visible_ = false;
+        FakeForm::Unload();
     }
 
     std::function<void()> atUnload;
-    int raised = 0;
-
-private:
-    QString name_;
-    bool visible_ = false;
 };
 
 class FormRegistry : public ::testing::Test {
@@ -40,7 +27,7 @@ protected:
     FormRegistry() {
         for (const char* name : {"wMain", "wPolling", "wHistoric"}) {
             Forms::Register(Text(name), [this, name] {
-                made.push_back(std::make_unique<TestForm>(Text(name)));
+                made.push_back(std::make_unique<TestForm>(Text(name), log));
                 return made.back().get();
             });
         }
@@ -56,6 +43,7 @@ protected:
     }
     static int Instances(const char* name) { return NbInstances(Text(name)); }
 
+    QStringList log;
     std::vector<std::unique_ptr<TestForm>> made;
 };
 
@@ -70,7 +58,7 @@ TEST_F(FormRegistry, MakesAFormOnceUntilItIsUnloaded) {
     Forms::Show(Text("wMain"));
     EXPECT_TRUE(Forms::AnyVisible());
     Forms::BringToFront(Text("wMain"));
-    EXPECT_EQ(form->raised, 1);
+    EXPECT_EQ(log, TextList({"show wMain", "front wMain"}));
     EXPECT_EQ(Instances("wMain"), 1);
     EXPECT_EQ(Instances("wmain"), 0);
     Forms::Unload(Text("wMain"));
