@@ -34,10 +34,7 @@ private:
 TEST_F(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
     const QString name = OwnName("sleeper");
     const QString longName = OwnName("a-screen-keyboard-");
-    QProcess first;
-    QProcess second;
-    QProcess third;
-    QProcess other;
+    QProcess first, second, third, other;
     Start(first, name);
     Start(second, name);
     Start(third, longName + u'a');

@@ -1,5 +1,6 @@
 #include "platform/Clock.h"
 #include "platform/SerialLink.h"
+#include "platform/Terminal.h"
 #include "platform/TestFiles.h"
 
 #include <QCoreApplication>
@@ -7,18 +8,13 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <ctime>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/serial.h>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <thread>
-#include <unistd.h>
 
 using namespace platform;
 
@@ -28,11 +24,8 @@ namespace {
 class FarEnd {
 public:
     explicit FarEnd(QString link)
-        : link_(std::move(link))
-        , handle_(posix_openpt(O_RDWR | O_NOCTTY)) {
-        grantpt(handle_);
-        unlockpt(handle_);
-        QFile::link(QFile::decodeName(ptsname(handle_)), link_);
+        : link_(std::move(link)) {
+        QFile::link(name_, link_);
     }
     ~FarEnd() { Vanish(); }
     FarEnd(const FarEnd&) = delete;
@@ -40,31 +33,19 @@ public:
 
     /// The name goes first: the system gives the terminal's number to the next that asks.
     void Vanish() {
-        if (handle_ < 0)
-            return;
-        QFile::remove(link_);
-        close(handle_);
-        handle_ = -1;
+        if (handle_.Number() >= 0)
+            QFile::remove(link_);
+        handle_.Close();
     }
     void Send(const QByteArray& bytes) const {
-        EXPECT_EQ(write(handle_, bytes.constData(), size_t(bytes.size())), bytes.size());
+        EXPECT_EQ(write(handle_.Number(), bytes.constData(), size_t(bytes.size())), bytes.size());
     }
-    QByteArray Take(qsizetype count) const {
-        QByteArray taken;
-        pollfd state = {handle_, POLLIN, 0};
-        while (taken.size() < count && poll(&state, 1, 30000) > 0) {
-            std::array<char, 256> buffer = {};
-            const ssize_t got = read(handle_, buffer.data(), buffer.size());
-            if (got <= 0)
-                break;
-            taken.append(buffer.data(), got);
-        }
-        return taken;
-    }
+    QByteArray Take(qsizetype count) const { return handle_.Take(count); }
 
 private:
     QString link_;
-    int handle_;
+    QString name_;
+    Handle handle_{OpenTerminal(name_)};
 };
 
 /// A deadline that no test waits out, and what is surely less on a machine under load, ms.

@@ -4,8 +4,6 @@
 #include "platform/Sound.h"
 #include "platform/TestFiles.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QThread>
@@ -83,18 +81,6 @@ protected:
                                               "{ type null } file \"" +
                                                   Path("heard").toUtf8() + "\" }\n"
                                             : QByteArray("# no device\n"));
-    }
-
-    /// Runs the event loop until a condition holds, at most 30 s.
-    static bool Until(const std::function<bool()>& condition) {
-        const QDeadlineTimer deadline(30000);
-        while (!condition()) {
-            if (deadline.hasExpired())
-                return false;
-            QCoreApplication::processEvents();
-            QThread::msleep(10);
-        }
-        return true;
     }
 
     QTemporaryDir folder_;

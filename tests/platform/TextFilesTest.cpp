@@ -9,6 +9,24 @@
 
 using namespace platform;
 
+namespace {
+
+class LineLogTest : public ::testing::Test {
+protected:
+    int ErrorOfLine() {
+        return ErrorOf([this] { log.WriteLine(Text("line")); });
+    }
+    int ErrorOfOpening(const QString& file) {
+        return ErrorOf([&] { log.Open(file, LineLog::AppendMode); });
+    }
+
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(Text("20240315.log"));
+    LineLog log;
+};
+
+} // namespace
+
 TEST(CodePageTest, EveryByteComesBackAsItself) {
     QByteArray all;
     for (int code = 0; code < 256; ++code)
@@ -18,19 +36,14 @@ TEST(CodePageTest, EveryByteComesBackAsItself) {
     QString sample = text.mid(0x41, 1) + text.mid(0x80, 1) + text.mid(0x92, 1) + text.mid(0x9F, 1);
     EXPECT_EQ(sample, Text("A€’Ÿ"));
     EXPECT_EQ(text.mid(0xE9, 1), Text("é"));
-}
-
-TEST(CodePageTest, ForeignCharactersBecomeOneQuestionMarkEach) {
+    // Foreign characters become one question mark each.
     EXPECT_EQ(ToCodePage(Text("aΩb😀c")), QByteArray("a?b?c"));
     EXPECT_EQ(ToCodePage(QString(QChar(0x80))), QByteArray("?"));
     EXPECT_EQ(ToCodePage(QString(QChar(0xD83D))), QByteArray("?"));
 }
 
-TEST(LineLogTest, AppendsLinesThatAreThereAtOnce) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(Text("20240315.log"));
+TEST_F(LineLogTest, AppendsLinesThatAreThereAtOnce) {
     PutBytes(path, "first\r\n");
-    LineLog log;
     log.Open(path, LineLog::AppendMode);
     log.WriteLine(Text("Prüfung €"));
     log.Commit();
@@ -42,58 +55,47 @@ TEST(LineLogTest, AppendsLinesThatAreThereAtOnce) {
     EXPECT_EQ(BytesOf(next), QByteArray("day\r\n"));
 }
 
-TEST(LineLogTest, SaysWhyALineCannotBeWritten) {
-    const QTemporaryDir folder;
-    const auto line = Text("line");
-    LineLog log;
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::BadFileName);
+TEST_F(LineLogTest, SaysWhyALineCannotBeWritten) {
+    EXPECT_EQ(ErrorOfLine(), errors::BadFileName);
     log.Commit();
     log.Open(Text("/dev/full"), LineLog::AppendMode);
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::DiskFull);
+    EXPECT_EQ(ErrorOfLine(), errors::DiskFull);
     const QString blocked = folder.filePath(Text("file"));
     PutBytes(blocked, "x");
     const QString beneath = blocked + Text("/x.log");
-    EXPECT_EQ(ErrorOf([&] { log.Open(beneath, LineLog::AppendMode); }), errors::PathAccess);
+    EXPECT_EQ(ErrorOfOpening(beneath), errors::PathAccess);
     EXPECT_FALSE(log.IsOpen());
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::PathAccess);
+    EXPECT_EQ(ErrorOfLine(), errors::PathAccess);
 }
 
-TEST(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
-    const QTemporaryDir folder;
+TEST_F(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
     const QString trace = folder.filePath(Text("Trace"));
-    const QString path = trace + Text("/x.log");
-    LineLog log;
-    log.Open(path, LineLog::AppendMode);
+    const QString file = trace + Text("/x.log");
+    log.Open(file, LineLog::AppendMode);
     log.WriteLine(Text("lost"));
-    ASSERT_TRUE(QFile::remove(path));
+    ASSERT_TRUE(QFile::remove(file));
     log.WriteLine(Text("kept"));
-    EXPECT_EQ(BytesOf(path), QByteArray("kept\r\n"));
+    EXPECT_EQ(BytesOf(file), QByteArray("kept\r\n"));
     ASSERT_TRUE(QDir(trace).removeRecursively());
     log.WriteLine(Text("back"));
-    EXPECT_EQ(BytesOf(path), QByteArray("back\r\n"));
+    EXPECT_EQ(BytesOf(file), QByteArray("back\r\n"));
     ASSERT_TRUE(QDir().rename(trace, folder.filePath(Text("taken"))));
     log.WriteLine(Text("again"));
-    EXPECT_EQ(BytesOf(path), QByteArray("again\r\n")) << "a folder that was moved away";
+    EXPECT_EQ(BytesOf(file), QByteArray("again\r\n")) << "a folder that was moved away";
 }
 
-TEST(LineLogTest, OpensWithTheNextLineWhatCouldNotBeOpened) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(Text("20240315.log"));
-    LineLog log;
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(Text("x")); }), errors::BadFileName);
+TEST_F(LineLogTest, OpensWithTheNextLineWhatCouldNotBeOpened) {
+    EXPECT_EQ(ErrorOfLine(), errors::BadFileName);
     ASSERT_TRUE(QDir().mkdir(path));
-    EXPECT_EQ(ErrorOf([&] { log.Open(path, LineLog::AppendMode); }), errors::PathAccess);
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(Text("lost")); }), errors::PathAccess);
+    EXPECT_EQ(ErrorOfOpening(path), errors::PathAccess);
+    EXPECT_EQ(ErrorOfLine(), errors::PathAccess);
     ASSERT_TRUE(QDir().rmdir(path));
     log.WriteLine(Text("kept"));
     EXPECT_EQ(BytesOf(path), QByteArray("kept\r\n"));
 }
 
-TEST(LineLogTest, EndsALineThatAKillCutShort) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(Text("20240315.log"));
+TEST_F(LineLogTest, EndsALineThatAKillCutShort) {
     PutBytes(path, "whole\r\ncut sh");
-    LineLog log;
     log.Open(path, LineLog::AppendMode);
     log.WriteLine(Text("next"));
     EXPECT_EQ(BytesOf(path), QByteArray("whole\r\ncut sh\r\nnext\r\n"));
@@ -102,10 +104,8 @@ TEST(LineLogTest, EndsALineThatAKillCutShort) {
     EXPECT_FALSE(QDir(folder.path()).exists(Text("none.log")));
 }
 
-TEST(DiskFlushTest, EachFileIsFlushedOnceForManyWrites) {
-    const QTemporaryDir folder;
+TEST_F(LineLogTest, EachFileIsFlushedOnceForManyWrites) {
     DiskFlush::Pay();
-    LineLog log;
     log.Open(folder.filePath(Text("a.log")), LineLog::AppendMode);
     for (int i = 0; i < 100; ++i)
         log.WriteLine(Text("line"));
