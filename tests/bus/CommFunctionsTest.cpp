@@ -49,37 +49,6 @@ TEST_F(Exchange, TakesAGoodReplyWithoutWaiting) {
     EXPECT_EQ(link.waitedMs, 0);
 }
 
-TEST_F(Exchange, RefusesADamagedReadAndKeepsTheValues) {
-    const QByteArray good = WithCrc(FromHex("1103020007"));
-    struct {
-        const char* what;
-        QByteArray reply;
-        qint64 waits;
-    } const damages[] = {
-        {"silence", {}, 1028},
-        {"short by one", good.chopped(1), 1028},
-        {"one byte", good.left(1), 1028},
-        {"one surplus byte", good + '\0', 0},
-        {"two replies", good + good, 0},
-        {"CRC high", good.chopped(1) + char(good.back() ^ 1), 0},
-        {"CRC low", good.left(5) + char(good[5] ^ 0x80) + good[6], 0},
-        {"a flipped value", good.left(4) + char(8) + good.mid(5), 0},
-        {"another address", WithCrc(FromHex("1203020007")), 0},
-        {"another function", WithCrc(FromHex("1104020007")), 0},
-        {"an exception", WithCrc(FromHex("118302")), 1028},
-        {"the echo", WithCrc(FromHex("110300900001")), 0},
-    };
-    for (const auto& damage : damages) {
-        Answer(damage.reply);
-        link.waitedMs = 0;
-        Words words{-5};
-        EXPECT_FALSE(LitMots(link, 0x11, 144, words)) << damage.what;
-        EXPECT_EQ(words, Words{-5}) << damage.what;
-        EXPECT_EQ(link.waitedMs, damage.waits) << damage.what;
-    }
-    EXPECT_EQ(boxes, QStringList());
-}
-
 TEST_F(Exchange, RefusesADamagedReplyToAWrite) {
     const QByteArray good = WithCrc(FromHex("110600010003"));
     struct {
@@ -141,9 +110,7 @@ TEST_F(Exchange, WithoutAPortNothingAnswersAndNoBoxComes) {
 TEST_F(Exchange, ModuleTypeFollowsTwoRegisters) {
     constexpr int Silent = -1;
     struct {
-        int family;
-        int variant;
-        int type;
+        int family, variant, type;
     } const rows[] = {
         {Silent, 2, 0}, {0, 2, 0}, {1, Silent, 3}, {1, 2, 5}, {1, 0, 1},      {1, 1, 1},
         {1, 3, 1},      {2, 2, 2}, {2, Silent, 2}, {3, 2, 0}, {0x8001, 2, 0},

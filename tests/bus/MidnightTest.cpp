@@ -234,16 +234,14 @@ TEST_F(Midnight, WithTheBusAtRestOnlyTheClocksAreReset) {
     EXPECT_EQ(link->sent.size(), 0);
     EXPECT_EQ(boxes, QStringList());
     EXPECT_EQ(TraceLines().size(), 1);
-}
 
-TEST_F(Midnight, TheResetIsGivenUpAfterFourTries) {
-    engine->setRun(false);
-    Tick(3, 15, 12);
+    // The reset is given up after four tries.
+    link->setPortOpen(true);
     Forget();
     link->answer = [](const QByteArray&) -> QByteArray {
         throw platform::RunTimeError(platform::errors::DeviceIo);
     };
-    Tick(3, 16, 0);
+    Tick(3, 18, 0);
     EXPECT_EQ(Sent(), Lines(4, "write 0 289 0"));
 }
 

@@ -57,10 +57,7 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
         return Lines{"write 6 " + std::to_string(registerNo) + " 3", "write 6 64 1"};
     };
     struct {
-        int source;
-        int fromChannel;
-        int target;
-        int toChannel;
+        int source, fromChannel, target, toChannel;
         Lines expected;
     } const rows[] = {
         {1, 0, 1, 0, r3r3},      {1, 0, 3, 24, r3r3},      {3, 0, 1, 12, r3r3},
@@ -101,17 +98,19 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
 
 TEST_F(MirrorEngine, TakesTheRulesOfTheSourceInTheirOrder) {
     AddModule(7, Models::P5000).setActive(false);
-    AddModule(8, Models::Q7000).setActive(false);
+    for (const int address : {1, 8})
+        AddModule(address, Models::Q7000).setActive(false);
     Site().Mirrors().Add(5, 3, 8, 2, MirrorClass::Pulse);
     Site().Mirrors().Add(5, 3, 7, 1, MirrorClass::Permanent);  // nothing can be done with it
     Site().Mirrors().Add(5, 3, 6, 20, MirrorClass::Permanent); // an error
     Site().Mirrors().Add(5, 4, 6, 9, MirrorClass::Permanent);
     Site().Mirrors().Add(8, 3, 6, 9, MirrorClass::Permanent);
     Site().Mirrors().Add(5, 3, 6, 1, MirrorClass::Permanent);
+    Site().Mirrors().Add(5, 3, 1, 2, MirrorClass::Pulse);
     Miroirs::DoMirrors(EventClass(5, 3, 1, 4), Sink());
     EXPECT_EQ(engine->Commands().Item(1)->SendTime(), clock.Now());
     EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
-    EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2"}));
+    EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2", "write 1 18 3"}));
 
     // Rules out of all bounds go to the trace.
     Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
@@ -146,9 +145,7 @@ TEST_F(MirrorEngine, ChannelToLamp) {
     Site().Panel(6).setModel(Models::Q6200XT);
     const Lines none;
     struct {
-        qint16 param;
-        qint16 aff;
-        qint16 before;
+        qint16 param, aff, before;
         Lines expected;
         qint16 after;
         bool takesKind;
@@ -195,9 +192,7 @@ TEST_F(MirrorEngine, PacksTheStatesOfADisplay) {
 
     // An acknowledgement leaves of each lamp what its kind says.
     struct {
-        qint16 kind;
-        qint16 before;
-        qint16 after;
+        qint16 kind, before, after;
     } const rows[] = {{2, 3, 1}, {2, 4, 1}, {2, 2, 2}, {2, 1, 1}, {2, 0, 0}, {2, -1, 0},
                       {1, 3, 0}, {1, 1, 0}, {0, 3, 3}, {0, 1, 1}, {3, 4, 4}};
     int channel = 24;

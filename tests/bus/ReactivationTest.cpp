@@ -65,14 +65,6 @@ TEST_F(Reactivation, AnAlarmComesBackPastTheRouting) {
     EXPECT_EQ(boxes, QStringList());
 }
 
-TEST_F(Reactivation, AClockThatWasSetBackHoldsNoAlarmBack) {
-    Stand();
-    Tick(-1);
-    EXPECT_EQ(Taken(), 0) << "a tick of the same second";
-    Tick(-3600);
-    EXPECT_EQ(Taken(), 1);
-}
-
 TEST_F(Reactivation, EachIndexHasItsDelay) {
     const int minutes[] = {1, 5, 10, 30, 60, 720, 1440, 2160};
     Stand();
@@ -84,6 +76,13 @@ TEST_F(Reactivation, EachIndexHasItsDelay) {
         Tick(minutes[index - 1] * 60 + 1);
         EXPECT_EQ(Taken(), 1) << index;
     }
+
+    // A clock that was set back holds no alarm back.
+    console->taken.clear();
+    Tick(-1);
+    EXPECT_EQ(Taken(), 0) << "a tick of the same second";
+    Tick(-3600);
+    EXPECT_EQ(Taken(), 1);
 }
 
 TEST_F(Reactivation, OnlyAcknowledgedAlarmsOfChannelsThatWantIt) {

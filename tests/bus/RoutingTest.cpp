@@ -141,10 +141,7 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
 
 TEST_F(Routing, TheHornFollowsTheEvent) {
     struct {
-        qint16 chnl;
-        qint16 param;
-        qint16 aff;
-        qint16 priority;
+        qint16 chnl, param, aff, priority;
     } const rows[] = {
         {255, 1, 0, 99}, {255, 1, 1, 0}, {0, 0, 1, 0},   {0, 0, 2, 0},  {7, 0, 1, 40},
         {7, 1, 1, 99},   {7, 0, 2, 40},  {7, 1, 3, 40},  {7, 0, 4, 40}, {7, 0, 0, 0},
@@ -155,14 +152,6 @@ TEST_F(Routing, TheHornFollowsTheEvent) {
         Route(5, row.chnl, row.param, row.aff);
         EXPECT_EQ(Global::Get().currentPriority, row.priority)
             << row.chnl << " " << row.param << " " << row.aff;
-    }
-    // The models that never sound.
-    for (const int model : {Models::P5000, Models::P5500}) {
-        Site().Panel(5).setModel(quint8(model));
-        Global::Get().currentPriority = 0;
-        Route(5, 255, 1, 0);
-        Route(5, 7, 0, 1);
-        EXPECT_EQ(Global::Get().currentPriority, 0);
     }
 }
 

@@ -106,6 +106,8 @@ TEST_F(Synchro, SilenceCostsThreeQuestionsAndNoMore) {
     silent.setErrCptr(1, 2);
     silent.setErrCptr(2, 3);
     PanelClass& late = Put(6, Models::Q6200XT);
+    for (int counter = 0; counter < 3; ++counter)
+        late.setErrCptr(counter, 2);
     int questions = 0;
     link->answer = [&](const QByteArray& frame) {
         return quint8(frame[0]) == 6 && ++questions < 3 ? QByteArray() : Answer(frame);
@@ -119,6 +121,7 @@ TEST_F(Synchro, SilenceCostsThreeQuestionsAndNoMore) {
     EXPECT_EQ(silent.ActualModel(), 0);
     EXPECT_EQ(silent.ErrCptr(1) + silent.ErrCptr(2), 0);
     EXPECT_TRUE(late.Present());
+    EXPECT_EQ(Counters(late), (QList<int>{0, 0, 0}));
     ASSERT_EQ(events.size(), 1) << "the next polls tell who is missing, not this";
     EXPECT_EQ(events[0].ID(), 0x00FE0004);
     late.setActive(false);
@@ -237,7 +240,9 @@ TEST_F(Synchro, RunsWithTheFirstStartThatSucceeds) {
     link->setPortOpen(false);
     link->canOpen = false;
     engine->setRun(true);
-    EXPECT_EQ(link->sent.size(), 0);
+    EXPECT_EQ(link->sent.size() + events.size(), 0);
+    EXPECT_FALSE(engine->Run());
+    EXPECT_EQ(boxes, TextList({"Serial port COM1 cannot be opened."}));
     link->canOpen = true;
     const qsizetype before = TraceLines().size();
     // A second touch of the button, from the yield inside.

@@ -335,6 +335,13 @@ TEST_F(Watch, ASignalEndsTheSynchronisationAfterItsExchange) {
         EXPECT_LE(link->sent.size(), 5) << midnight;
         EXPECT_TRUE(platform::ShutdownWatch::Pending());
     }
+    // A midnight at the end of the program: what was kept would set the clocks at the next start.
+    link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
+    engine->tmrMidnight_Timer();
+    clock.Advance(86400000);
+    engine->tmrMidnight_Timer();
+    EXPECT_EQ(engine->Commands().Count(), 0);
+    EXPECT_EQ(Frames::Said(link->sent.last()), "write 0 289 0");
 }
 
 // What was touched while nothing could answer; the second half of a touch comes later.

@@ -42,8 +42,6 @@ protected:
         Faults::Forget();
         platform::OverrideApplication(QString(), QString());
     }
-    BoxesTest(const BoxesTest&) = delete;
-    BoxesTest& operator=(const BoxesTest&) = delete;
 
     int Traced(const QString& words) const {
         QFile file(Trace::FileName(clock.Now()));

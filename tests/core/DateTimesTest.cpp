@@ -17,8 +17,7 @@ protected:
 
 TEST_F(Dates, ShortDateHasTenColumnsInEveryLocale) {
     struct Case {
-        const char* locale;
-        const char* text;
+        const char *locale, *text;
     };
     for (const Case& test :
          {Case{"C", "2024-03-05"}, Case{"fr_FR", "05/03/2024"}, Case{"de_DE", "05.03.2024"},

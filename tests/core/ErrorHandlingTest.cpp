@@ -39,8 +39,6 @@ protected:
         Boxes::Forget();
         Faults::Forget();
     }
-    Errors(const Errors&) = delete;
-    Errors& operator=(const Errors&) = delete;
 
     QStringList boxes;
     std::function<void()> whileShown;
@@ -49,8 +47,7 @@ protected:
 TEST_F(Errors, TextSplitsTheSource) {
     const QString head = Text("Error Nr 9 : Subscript out of range\r\nModule : ");
     struct Case {
-        const char* source;
-        const char* rest;
+        const char *source, *rest;
     };
     for (const Case& test :
          {Case{"OpenConfigBase", "OpenConfigBase"}, Case{"", ""}, Case{"a_b", "a_b"},

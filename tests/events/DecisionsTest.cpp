@@ -8,9 +8,7 @@ namespace {
 /// Which routing options, by bit, let an event through to a consumer: "-" none, "*" all events
 /// of the kind whatever the options.
 struct Row {
-    qint16 chnl;
-    qint16 param;
-    qint16 aff;
+    qint16 chnl, param, aff;
     const char* display;
     const char* record; // history and printer
     const char* horn;

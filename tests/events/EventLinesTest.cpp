@@ -109,9 +109,7 @@ protected:
 TEST_F(EventLines, OfPanelsThatComeOrGoAndOfTheSystem) {
     const struct {
         qint16 panel, chnl, param, aff;
-        const char* screen;
-        const char* trace;
-        const char* paper;
+        const char *screen, *trace, *paper;
     } rows[] = {
         {12, 255, 1, 0,
          "Panel lost|Alarm|P12-Q62||Communication lost|The panel no longer answers on the bus",
@@ -152,11 +150,7 @@ TEST_F(EventLines, OfChannelsAndThePanelAsAWhole) {
     const struct {
         qint16 chnl, param, aff;
         qint32 panelClock;
-        const char* clock;
-        const char* origin;
-        const char* parameter;
-        const char* display;
-        const char* word;
+        const char *clock, *origin, *parameter, *display, *word;
     } rows[] = {
         {7, 0, 0, 1048575, "1048575", "P12-C07", "State", "Normal", "NORMAL"},
         {7, 0, 1, 74565, "0074565", "P12-C07", "State", "Active", "ACTIVE"},
@@ -285,9 +279,7 @@ TEST_F(EventLines, EachKindInItsStyle) {
     for (int style = 1; style <= 7; ++style)
         Site().setPrinterInitString(style, Text("1B 3%1").arg(style));
     struct {
-        qint16 chnl;
-        qint16 param;
-        qint16 aff;
+        qint16 chnl, param, aff;
         char style;
     } const rows[] = {
         {255, 1, 0, '1'}, {255, 1, 1, '4'}, {254, 0, 0, '7'}, {254, 0, 5, '7'},

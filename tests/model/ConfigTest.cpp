@@ -85,11 +85,11 @@ TEST(Configuration, SoundsAndBitsStayInTheirPlaces) {
         EXPECT_EQ(config.AlarmPrioSound(index), 0);
 
     config.setOptionScreen(0, true);
-    config.setOptionScreen(3, true);
+    config.setOptionScreen(7, true);
     config.setOptionScreen(0, false);
     for (int bit = -1; bit <= 40; ++bit)
-        EXPECT_EQ(config.OptionScreen(bit), bit == 3) << bit;
-    EXPECT_FALSE(config.OptionHisto(3) || config.OptionPrinter(3) || config.OptionKlaxon(3));
+        EXPECT_EQ(config.OptionScreen(bit), bit == 7) << bit;
+    EXPECT_FALSE(config.OptionHisto(7) || config.OptionPrinter(7) || config.OptionKlaxon(7));
     EXPECT_EQ(ErrorNumberOf([&] { config.setOptionKlaxon(8, true); }), errors::Overflow);
 }
 

@@ -69,8 +69,6 @@ protected:
         thread_.quit();
         thread_.wait();
     }
-    SystemClockTest(const SystemClockTest&) = delete;
-    SystemClockTest& operator=(const SystemClockTest&) = delete;
 
     SystemClock::Result Set(bool withBus = true) {
         ClockRoads roads;
