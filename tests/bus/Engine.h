@@ -71,6 +71,12 @@ protected:
                 addresses += quint8(frame[0]);
         return addresses;
     }
+    QList<int> Ids() const {
+        QList<int> ids;
+        for (const EventClass& event : events)
+            ids += event.ID();
+        return ids;
+    }
     static QList<int> Counters(const PanelClass& panel) {
         return {panel.ErrCptr(0), panel.ErrCptr(1), panel.ErrCptr(2)};
     }

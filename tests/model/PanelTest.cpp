@@ -92,15 +92,11 @@ TEST(Panel, CopyTakesValuesAndLeavesPollingFacts) {
 
     PanelClass target;
     target.Copy(source);
-    EXPECT_EQ(target.Numero(), 5);
-    EXPECT_EQ(target.Model(), 2);
+    EXPECT_TRUE(target.Present() && target.Modified());
     EXPECT_EQ(target.ActualModel(), 3);
-    EXPECT_EQ(target.Title(), Text("Tank"));
-    EXPECT_TRUE(target.Active() && target.Present() && target.Modified());
     EXPECT_EQ(target.ErrCptr(1), 0);
     EXPECT_EQ(target.NextPoll(), 0);
     EXPECT_EQ(target.Channel(0).BibNum(), 0);
-    EXPECT_EQ(target.Channel(24).ScreenText(), Text("Level"));
     EXPECT_EQ(target.Channel(24).State(), 2);
     EXPECT_EQ(target.Channel(24).MirrorType(), 1);
     EXPECT_FALSE(target.Channel(24).OutOfOrder());
@@ -108,6 +104,7 @@ TEST(Panel, CopyTakesValuesAndLeavesPollingFacts) {
     target.setModified(false);
     target.Copy(source);
     EXPECT_FALSE(target.Modified()) << "the same values again";
+    EXPECT_EQ(Saved(target), Saved(source));
 }
 
 } // namespace

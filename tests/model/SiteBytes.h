@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/ConfigClass.h"
+#include "model/SiteFile.h"
 #include "support/PrintText.h"
 
 #include <QByteArray>
@@ -95,6 +96,13 @@ inline void WriteFile(const QString& path, const QByteArray& bytes) {
 inline QByteArray FileBytes(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// A piece of the site file as the program writes it.
+template <class Piece> QByteArray Saved(Piece& piece) {
+    SiteFileWriter writer;
+    piece.SaveTo(writer);
+    return writer.Bytes();
 }
 
 /// A call of a setter.

@@ -18,12 +18,6 @@ int ErrorNumberOf(const std::function<void()>& body) {
 
 namespace {
 
-template <class Piece> QByteArray Saved(Piece& piece) {
-    SiteFileWriter writer;
-    piece.SaveTo(writer);
-    return writer.Bytes();
-}
-
 void Fill(ChannelClass& channel) {
     channel.setScreenText(Text("Pompe 1 \u20AC"));
     channel.setPrintText(Text("\u00E9t\u00E9"));
