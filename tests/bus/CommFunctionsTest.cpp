@@ -87,15 +87,6 @@ TEST_F(Exchange, DeadlineGrowsWithWordsAndSpeed) {
     EXPECT_EQ(clock.MonotonicMs() - before, 25 + 1691) << "with the rest ahead of the frame";
 }
 
-TEST_F(Exchange, ABroadcastHasNoReply) {
-    const qint64 before = clock.MonotonicMs();
-    EXPECT_TRUE(EcritUnMot(link, 0, 289, 0));
-    EXPECT_TRUE(EcritMots(link, 0, 25, {1, 2}));
-    EXPECT_EQ(clock.MonotonicMs() - before, 2 * 25);
-    EXPECT_EQ(link.sent.value(0), WithCrc(FromHex("000601210000")));
-    EXPECT_EQ(link.sent.value(1), WithCrc(FromHex("0010001900020400010002")));
-}
-
 TEST_F(Exchange, WithoutAPortNothingAnswersAndNoBoxComes) {
     link.setPortOpen(false);
     Words words{7};

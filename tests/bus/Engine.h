@@ -77,6 +77,19 @@ protected:
             ids += event.ID();
         return ids;
     }
+    /// "panel/channel qualifier state clock" of each.
+    static QStringList Fields(const QList<EventClass>& list) {
+        QStringList fields;
+        for (const EventClass& event : list) {
+            fields += Text("%1/%2 %3 %4 %5")
+                          .arg(event.Panel())
+                          .arg(event.Chnl())
+                          .arg(event.Param())
+                          .arg(event.Aff())
+                          .arg(event.Clock());
+        }
+        return fields;
+    }
     static QList<int> Counters(const PanelClass& panel) {
         return {panel.ErrCptr(0), panel.ErrCptr(1), panel.ErrCptr(2)};
     }

@@ -142,40 +142,34 @@ TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
 }
 
 TEST_F(MirrorEngine, ChannelToLamp) {
+    constexpr int Nothing = -2;
     Site().Panel(6).setModel(Models::Q6200XT);
-    const Lines none;
-    struct {
+    const struct {
         qint16 param, aff, before;
-        Lines expected;
+        int written;
         qint16 after;
-        bool takesKind;
-    } const rows[] = {
-        {1, 3, 0, {"write 6 20 3", "write 6 64 1"}, 3, true},
-        {1, 4, 1, {"write 6 20 4", "write 6 64 1"}, 4, true},
-        {0, 3, 1, none, 1, false},
-        {2, 3, 1, none, 1, false},
-        {0, 1, 0, {"write 6 20 1"}, 1, true},
-        {0, 1, 3, {"write 6 20 1"}, 1, true},
-        {1, 1, 3, none, 3, false},
-        {0, 0, 3, {"write 6 20 0"}, 0, true},
-        {0, 0, 0, {"write 6 20 0"}, 0, true},
-        {1, 0, 1, {"write 6 20 0"}, 0, true},
-        {2, 0, 1, {"write 6 20 0"}, 0, true},
-        {1, 0, 2, none, -1, false},
-        {1, 0, 4, none, -1, false},
-        {1, 0, 0, none, 0, false},
-        {1, 0, -1, none, -1, false},
-        {1, 2, 3, none, 3, false},
-        {0, 2, 3, none, 3, false},
+    } rows[] = {
+        {1, 3, 0, 3, 3},        {1, 4, 1, 4, 4},       {0, 3, 1, Nothing, 1},
+        {2, 3, 1, Nothing, 1},  {0, 1, 0, 1, 1},       {0, 1, 3, 1, 1},
+        {1, 1, 3, Nothing, 3},  {0, 0, 3, 0, 0},       {0, 0, 0, 0, 0},
+        {1, 0, 1, 0, 0},        {2, 0, 1, 0, 0},       {1, 0, 2, Nothing, -1},
+        {1, 0, 4, Nothing, -1}, {1, 0, 0, Nothing, 0}, {1, 0, -1, Nothing, -1},
+        {1, 2, 3, Nothing, 3},  {0, 2, 3, Nothing, 3},
     };
-    for (const auto& row : rows) {
-        Lamp(20).setState(row.before);
+    for (const auto& [param, aff, before, written, after] : rows) {
+        SCOPED_TRACE(::testing::Message() << param << " " << aff << " " << before);
+        Lines expected;
+        if (written != Nothing)
+            expected.push_back("write 6 20 " + std::to_string(written));
+        if (written >= 3)
+            expected.push_back("write 6 64 1");
+        Lamp(20).setState(before);
         Lamp(20).setMirrorType(MirrorClass::NoKind);
-        Miroirs::TraitementV3V2(EventClass(5, 1, row.param, row.aff), Rule(20, MirrorClass::Pulse),
-                                Sink());
-        EXPECT_EQ(Lamp(20).State(), row.after) << "at once, ahead of the command";
-        EXPECT_EQ(Lamp(20).MirrorType(), row.takesKind ? MirrorClass::Pulse : MirrorClass::NoKind);
-        EXPECT_EQ(Carried(), row.expected) << row.param << " " << row.aff << " " << row.before;
+        Miroirs::TraitementV3V2(EventClass(5, 1, param, aff), Rule(20, MirrorClass::Pulse), Sink());
+        EXPECT_EQ(Lamp(20).State(), after) << "at once, ahead of the command";
+        EXPECT_EQ(Lamp(20).MirrorType(),
+                  written == Nothing ? MirrorClass::NoKind : MirrorClass::Pulse);
+        EXPECT_EQ(Carried(), expected);
     }
 }
 

@@ -181,18 +181,11 @@ TEST_F(Synchro, StandingStatesBecomeEventsWithTheirQualifiers) {
     for (int number = 1; number <= 24; ++number)
         Site().Panel(7).Channel(number).setState(3);
     engine->setRun(true);
-    QStringList told;
-    for (const EventClass& event : ChannelEvents()) {
-        told += Text("%1/%2 %3 %4")
-                    .arg(event.Panel())
-                    .arg(event.Chnl())
-                    .arg(event.Param())
-                    .arg(event.Aff());
-        EXPECT_EQ(event.Clock(), -1);
-    }
-    EXPECT_EQ(told, TextList({"5/1 0 1", "5/2 1 3", "5/3 1 0", "5/5 2 2", "5/6 1 4", "5/12 1 1",
-                              "6/1 0 1", "6/2 0 3", "6/3 0 0", "6/5 0 2", "6/6 0 4", "8/1 0 1",
-                              "8/2 0 3", "8/3 0 0", "8/5 0 2", "8/6 0 4"}));
+    EXPECT_EQ(Fields(ChannelEvents()),
+              TextList({"5/1 0 1 -1", "5/2 1 3 -1", "5/3 1 0 -1", "5/5 2 2 -1", "5/6 1 4 -1",
+                        "5/12 1 1 -1", "6/1 0 1 -1", "6/2 0 3 -1", "6/3 0 0 -1", "6/5 0 2 -1",
+                        "6/6 0 4 -1", "8/1 0 1 -1", "8/2 0 3 -1", "8/3 0 0 -1", "8/5 0 2 -1",
+                        "8/6 0 4 -1"}));
     for (int number = 1; number <= 24; ++number)
         EXPECT_EQ(Site().Panel(7).Channel(number).State(), 0) << number;
     const QStringList traced = TraceLines().filter(Text("SYNCHRO"));

@@ -5,7 +5,6 @@
 #include "platform/RunTimeError.h"
 #include "support/Bench.h"
 
-#include <QElapsedTimer>
 #include <cerrno>
 
 namespace {
@@ -219,25 +218,6 @@ TEST_F(Printer, IsTriedOutByItsPortString) {
     for (const char* name : {"COM1:9600,N,8,1", "com01:", "LPT1:"})
         EXPECT_FALSE(TestPrintPort(Text(name))) << name;
     EXPECT_EQ(boxes, QStringList(3, GetText(714061)));
-}
-
-TEST_F(Printer, OnTheMachinesPortsWritesToTheNamedDevice) {
-    QFile device(Path(Text("lines")));
-    ASSERT_TRUE(device.open(QIODevice::WriteOnly));
-    IniWrite(Text("Ports"), Text("LPT4"), device.fileName());
-    DirectPrinting machine;
-    machine.setPort(Text("LPT4"));
-    EXPECT_EQ(machine.PrintLine(Text("one")), QString());
-    machine.ClosePrinter();
-    EXPECT_EQ(machine.PrintLine(Text("two")), QString());
-    EXPECT_EQ(BytesOf(Text("lines")), QByteArray("one\rtwo\r"));
-    machine.setPort(Text("LPT5"));
-    IniWrite(Text("Ports"), Text("LPT5"), Path(Text("missing")));
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < 100; ++i)
-        EXPECT_NE(machine.PrintLine(Text("none")), QString());
-    EXPECT_LT(timer.elapsed(), 60000) << "a printer that isn't there costs nothing";
 }
 
 } // namespace

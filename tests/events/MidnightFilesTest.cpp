@@ -137,7 +137,7 @@ TEST_F(Midnight, HistoriesGoByTheTimeTheyWereWritten) {
     EXPECT_EQ(boxes, QStringList());
 }
 
-TEST_F(Midnight, WithoutARetentionNothingGoesAndAllIsCopied) {
+TEST_F(Midnight, BothFoldersHaveOneRetentionAndWithoutItNothingGoes) {
     const QString second = UseSecond();
     for (const char* period : {"0", "-3", "x", ""}) {
         Set("PeriodTime", Text(period));
