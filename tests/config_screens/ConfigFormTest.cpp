@@ -16,7 +16,7 @@ struct Log {
 class Editor : public ConfigForm {
 public:
     explicit Editor(Log& log)
-        : ConfigForm(QStringLiteral("wEditor"))
+        : ConfigForm("wEditor")
         , log_(log) {}
     using ConfigForm::Leave;
 
@@ -44,7 +44,7 @@ protected:
         form->Show();
         const bool left = form->Leave();
         if (!left)
-            Forms::Find(QStringLiteral("wEditor"))->Hide();
+            Forms::Find("wEditor")->Hide();
         log.differs = left && log.differs;
         Forms::UnloadAllBut({FormNames::wMain});
         RemoveUnloaded();
@@ -61,10 +61,10 @@ TEST_F(ConfigFormTest, LeavingAsksOnlyForWhatDiffers) {
     EXPECT_TRUE(Left(Messages::Yes));
     EXPECT_EQ(boxes.last(), GetText(30010));
     EXPECT_EQ(styles.last(), 35);
-    EXPECT_EQ(log.calls.join(u' '), QStringLiteral("take closing"));
+    EXPECT_EQ(log.calls.join(u' '), "take closing");
     EXPECT_NE(Screen(FormNames::wMain), nullptr);
     EXPECT_TRUE(Left(Messages::No));
-    EXPECT_EQ(log.calls.join(u' '), QStringLiteral("drop closing"));
+    EXPECT_EQ(log.calls.join(u' '), "drop closing");
     EXPECT_FALSE(Left(Messages::Cancel));
     EXPECT_FALSE(Left(Messages::Closed)) << "no answer is none";
     log.takes = false;
@@ -78,5 +78,5 @@ TEST_F(ConfigFormTest, LeavingAsksOnlyForWhatDiffers) {
 TEST_F(ConfigFormTest, AnAlarmDropsNothingThatDiffers) {
     (new Editor(log))->Show();
     AlarmComes();
-    EXPECT_EQ(log.calls.join(u' '), QStringLiteral("keep closing"));
+    EXPECT_EQ(log.calls.join(u' '), "keep closing");
 }

@@ -33,11 +33,11 @@ protected:
     static void Choose(const QString& form, const QString& control, const QString& value) {
         Script script;
         script.On(FormNames::dlgListInput, [&] {
-            auto* list = Find<QListWidget>(FormNames::dlgListInput, QStringLiteral("lstValue"));
+            auto* list = Find<QListWidget>(FormNames::dlgListInput, "lstValue");
             QListWidgetItem* item = list->findItems(value, Qt::MatchExactly).value(0);
             EXPECT_NE(item, nullptr) << value.toStdString();
             list->setCurrentItem(item);
-            Tap(FormNames::dlgListInput, QStringLiteral("imgControl_2"));
+            Tap(FormNames::dlgListInput, "imgControl_2");
         });
         Tap(form, control);
     }
@@ -45,14 +45,14 @@ protected:
     static void TakeFile(Script& script, const QString& name) {
         script.On(FormNames::dlgFilePicker, [name] {
             const QString picker = FormNames::dlgFilePicker;
-            auto* files = Find<QListWidget>(picker, QStringLiteral("lstFiles"));
+            auto* files = Find<QListWidget>(picker, "lstFiles");
             const QListWidgetItem* file = files->findItems(name, Qt::MatchExactly).value(0);
             ASSERT_NE(file, nullptr);
             files->scrollToItem(file);
             QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
                               files->visualItemRect(file).center());
             QCoreApplication::processEvents();
-            Tap(picker, QStringLiteral("imgControl_1"));
+            Tap(picker, "imgControl_1");
         });
     }
 

@@ -26,7 +26,7 @@ protected:
         for (int rule = 1; rule <= 20; ++rule)
             Site().Mirrors().Add(qint16(rule), qint16(rule % 12), 30, 1, 1);
         QFile::copy(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers/escp.prt"),
-                    Path(QStringLiteral("escp.prt")));
+                    Path("escp.prt"));
     }
     ~MonkeyTest() override { platform::Ports::Override(std::nullopt); }
     MonkeyTest(const MonkeyTest&) = delete;
@@ -47,7 +47,7 @@ TEST_P(MonkeyTest, NoTapsHarmTheProgramOrTheSite) {
     Monkey monkey(form, 20240315);
     monkey.Run(MonkeyTaps());
     RemoveUnloaded();
-    const QString file = Path(QStringLiteral("monkey.kv2"));
+    const QString file = Path("monkey.kv2");
     ASSERT_EQ(Site().Save(file), ConfigClass::Saved);
     ConfigClass again;
     EXPECT_EQ(again.Read(file), 0);

@@ -42,9 +42,9 @@ protected:
             fields += TextOf(Form, QStringLiteral("lblDate_%1").arg(field));
         return fields.join(u' ');
     }
-    QTimer& Timer() { return *Screen(Form)->findChild<QTimer*>(QStringLiteral("tmrTimeUpdate")); }
+    QTimer& Timer() { return *Screen(Form)->findChild<QTimer*>("tmrTimeUpdate"); }
     void Tick() { QMetaObject::invokeMethod(&Timer(), "timeout"); }
-    void Set() { Tap(Form, QStringLiteral("cmdBoutons_1")); }
+    void Set() { Tap(Form, "cmdBoutons_1"); }
 
     NotedClock machine;
     const QString Form = FormNames::dlgSysTime;
@@ -53,41 +53,41 @@ protected:
 } // namespace
 
 TEST_F(SysTimeTest, RunsUntilAFieldIsTouched) {
-    EXPECT_EQ(Fields(), QStringLiteral("30 03 2024 23 59 58"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTimeZone")), machine.TimeZone());
+    EXPECT_EQ(Fields(), "30 03 2024 23 59 58");
+    EXPECT_EQ(TextOf(Form, "lblTimeZone"), machine.TimeZone());
     clock.Advance(9000);
     Tick();
-    EXPECT_EQ(Fields(), QStringLiteral("31 03 2024 00 00 07"));
+    EXPECT_EQ(Fields(), "31 03 2024 00 00 07");
     EXPECT_TRUE(Timer().isActive()) << "its own tick is no edit";
     TapArrow(1, 3);
     TapArrow(8, 2);
-    EXPECT_EQ(Fields(), QStringLiteral("31 03 2024 00 00 07")) << "no field wraps around";
+    EXPECT_EQ(Fields(), "31 03 2024 00 00 07") << "no field wraps around";
     EXPECT_TRUE(Timer().isActive());
     TapArrow(3);
     TapArrow(4);
-    EXPECT_EQ(Fields(), QStringLiteral("31 04 2023 00 00 07"));
+    EXPECT_EQ(Fields(), "31 04 2023 00 00 07");
     EXPECT_FALSE(Timer().isActive());
     Set();
     EXPECT_EQ(machine.set.value(0), QDateTime(QDate(2023, 5, 1), QTime(0, 0, 7)))
         << "a day that April doesn't have";
     EXPECT_TRUE(Timer().isActive());
-    EXPECT_EQ(Fields(), QStringLiteral("31 03 2024 00 00 07")) << "what the clock then says";
+    EXPECT_EQ(Fields(), "31 03 2024 00 00 07") << "what the clock then says";
 }
 
 TEST_F(SysTimeTest, ARefusalSaysWhatToDo) {
     TapArrow(6);
-    machine.answer = {SystemClock::Outcome::KeptByNetwork, QStringLiteral("words")};
+    machine.answer = {SystemClock::Outcome::KeptByNetwork, "words"};
     Set();
     EXPECT_EQ(boxes, QStringList(GetText(630210)));
     machine.answer.outcome = SystemClock::Outcome::Refused;
     Set();
     ASSERT_EQ(boxes.size(), 2);
-    EXPECT_EQ(boxes[1], ErrorHandling::ErrorText(QStringLiteral("dlgSysTime.cmdBoutons_Click"),
+    EXPECT_EQ(boxes[1], ErrorHandling::ErrorText("dlgSysTime.cmdBoutons_Click",
                                                  platform::errors::PermissionDenied));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblNote")), GetText(630211));
+    EXPECT_EQ(TextOf(Form, "lblNote"), GetText(630211));
     machine.answer.outcome = SystemClock::Outcome::Failed;
     Set();
-    EXPECT_TRUE(TextOf(Form, QStringLiteral("lblNote")).contains(QStringLiteral("words")));
+    EXPECT_TRUE(TextOf(Form, "lblNote").contains("words"));
     EXPECT_FALSE(Timer().isActive()) << "what was entered stays";
-    EXPECT_EQ(Fields(), QStringLiteral("30 03 2024 22 59 58"));
+    EXPECT_EQ(Fields(), "30 03 2024 22 59 58");
 }

@@ -11,8 +11,8 @@
 namespace {
 
 const QString Picker = FormNames::dlgFilePicker;
-const QString Import = QStringLiteral("imgImportExport_0");
-const QString Export = QStringLiteral("imgImportExport_1");
+const QString Import = "imgImportExport_0";
+const QString Export = "imgImportExport_1";
 
 class BusModulesTest : public ConfigScreensTest {
 protected:
@@ -37,20 +37,19 @@ protected:
     }
     void Confirm(const QString& name) {
         script.On(FormNames::dlgKeyboard, [name] {
-            Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))->setText(name);
-            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
+            Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0")->setText(name);
+            Tap(FormNames::dlgKeyboard, "imgControl_1");
         });
     }
     QString InFolder(const char* name) const { return Path(QString::fromLatin1(name)); }
     void SaveAs(const QString& name) {
         script.On(Picker, [this, name] {
             script.Next(FormNames::dlgKeyboard, [name] {
-                Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))
-                    ->setText(name);
-                Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
+                Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0")->setText(name);
+                Tap(FormNames::dlgKeyboard, "imgControl_1");
             });
-            Tap(Picker, QStringLiteral("imgName"));
-            Tap(Picker, QStringLiteral("imgControl_1"));
+            Tap(Picker, "imgName");
+            Tap(Picker, "imgControl_1");
         });
     }
     static QByteArray Content(const QString& path) {
@@ -72,36 +71,35 @@ protected:
 TEST_F(BusModulesTest, TilesShowThePanelsOfAPage) {
     PanelClass& panel = Site().Panel(18);
     panel.setModel(2);
-    panel.setTitle(QStringLiteral("Pumps|north"));
+    panel.setTitle("Pumps|north");
     Site().Panel(19).setActive(true);
     Site().Panel(20).setModel(1);
     Site().Panel(20).setActive(true);
     Forms::Show(FormNames::wBusModules);
-    EXPECT_EQ(Page(), QStringLiteral("-01+"));
+    EXPECT_EQ(Page(), "-01+");
     Turn(1);
-    EXPECT_EQ(Page(), QStringLiteral("-01+"));
+    EXPECT_EQ(Page(), "-01+");
     Turn(2);
-    EXPECT_EQ(Page(), QStringLiteral("+17+"));
-    EXPECT_EQ(Text("lblNumPan", 15), QStringLiteral("32"));
-    EXPECT_EQ(Text("lblTypePan", 1), QStringLiteral("Q6200XT"));
-    EXPECT_EQ(Text("lblLblPan", 1), QStringLiteral("Pumps\nnorth"));
-    EXPECT_EQ(Text("lblTypePan", 2), QStringLiteral("-----"));
+    EXPECT_EQ(Page(), "+17+");
+    EXPECT_EQ(Text("lblNumPan", 15), "32");
+    EXPECT_EQ(Text("lblTypePan", 1), "Q6200XT");
+    EXPECT_EQ(Text("lblLblPan", 1), "Pumps\nnorth");
+    EXPECT_EQ(Text("lblTypePan", 2), "-----");
     EXPECT_TRUE(Crossed(1)) << "a model that isn't active";
     EXPECT_TRUE(Crossed(2)) << "active without a model";
     EXPECT_FALSE(Crossed(3));
     Turn(2);
     Turn(2);
     Turn(2);
-    EXPECT_EQ(Page(), QStringLiteral("+49-"));
-    EXPECT_EQ(Text("lblNumPan", 15), QStringLiteral("64"));
+    EXPECT_EQ(Page(), "+49-");
+    EXPECT_EQ(Text("lblNumPan", 15), "64");
 }
 
 TEST_F(BusModulesTest, BeginsAtThePageOfTheSettings) {
     const QPair<const char*, const char*> pages[] = {{"33", "+33+"}, {"49", "+49-"}, {"64", "+49-"},
                                                      {"20", "+17+"}, {"0", "-01+"},  {"x", "-01+"}};
     for (const auto& [setting, page] : pages) {
-        IniWrite(QStringLiteral("General"), QStringLiteral("PanelPage"),
-                 QString::fromLatin1(setting));
+        IniWrite("General", "PanelPage", QString::fromLatin1(setting));
         Forms::Show(FormNames::wBusModules);
         EXPECT_EQ(Page(), QString::fromLatin1(page)) << setting;
         Forms::Unload(FormNames::wBusModules);
@@ -115,7 +113,7 @@ TEST_F(BusModulesTest, TitlesOfAnyColourAndLengthCanBeRead) {
         Site().Panel(tile + 1).setTitle(QString(PanelClass::MaxTitle, u'W'));
         Site().Panel(tile + 1).setTitleColor(colours[tile]);
     }
-    Site().Panel(8).setTitle(QStringLiteral("Main switchboard of the water treatment"));
+    Site().Panel(8).setTitle("Main switchboard of the water treatment");
     Forms::Show(FormNames::wBusModules);
     for (int tile = 0; tile < 7; ++tile) {
         const auto* title = Find<PanelTitle>(FormNames::wBusModules, Part("lblLblPan", tile));
@@ -138,8 +136,7 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
         Forms::Show(FormNames::wBusModules);
         Turn(2);
         Tap(FormNames::wBusModules, Part(array, tile));
-        EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblNumModule_0")),
-                  QString::number(17 + tile));
+        EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblNumModule_0"), QString::number(17 + tile));
         EXPECT_EQ(NbInstances(FormNames::wBusModules), 0) << array;
         Forms::Unload(FormNames::wBusPanneau);
         RemoveUnloaded();
@@ -149,7 +146,7 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
                                                 {"imgNavig_0", FormNames::wMain}};
     for (const auto& [control, form] : ways) {
         Forms::Show(FormNames::wBusModules);
-        Tap(FormNames::wBusModules, QString::fromLatin1(control));
+        Tap(FormNames::wBusModules, control);
         EXPECT_TRUE(NbInstances(form) == 1 && NbInstances(FormNames::wBusModules) == 0) << control;
         Forms::Unload(form);
         RemoveUnloaded();
@@ -158,42 +155,37 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
 
 TEST_F(BusModulesTest, TheKeyboardTurnsToAPanel) {
     Forms::Show(FormNames::wBusModules);
-    Confirm(QStringLiteral("50"));
+    Confirm("50");
     QTest::keyClick(Screen(FormNames::wBusModules), Qt::Key_F12);
-    EXPECT_EQ(Page(), QStringLiteral("+49-"));
-    script.On(FormNames::dlgKeyboard,
-              [] { Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_0")); });
+    EXPECT_EQ(Page(), "+49-");
+    script.On(FormNames::dlgKeyboard, [] { Tap(FormNames::dlgKeyboard, "imgControl_0"); });
     QTest::keyClick(Screen(FormNames::wBusModules), Qt::Key_F12);
-    EXPECT_EQ(Page(), QStringLiteral("+49-"));
+    EXPECT_EQ(Page(), "+49-");
 }
 
 TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
-    Site().Panel(5).Channel(6).setScreenText(QStringLiteral("Pump"));
+    Site().Panel(5).Channel(6).setScreenText("Pump");
     Forms::Show(FormNames::wBusModules);
-    SaveAs(QStringLiteral("channels"));
+    SaveAs("channels");
     Tap(FormNames::wBusModules, Export);
-    EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', QStringLiteral("768")));
+    EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', "768"));
     QByteArray sheet = Content(InFolder("channels.txt"));
     EXPECT_TRUE(sheet.contains("Pump\t"));
     Site().setModified(false);
     Write(InFolder("channels.txt"), sheet.replace("Pump", "D\xC3\xA9"
                                                           "bit"));
-    TakeFile(script, QStringLiteral("channels.txt"));
+    TakeFile(script, "channels.txt");
     Tap(FormNames::wBusModules, Import);
-    EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), QStringLiteral("Débit"));
+    EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), "Débit");
     EXPECT_TRUE(Site().Modified());
     EXPECT_FALSE(QFile::exists(CurrentConfigFile()));
-    EXPECT_EQ(boxes.last(), GetText(300511)
-                                    .replace(QStringLiteral("$1"), QStringLiteral("768"))
-                                    .replace(QStringLiteral("$2"), QStringLiteral("1")) +
+    EXPECT_EQ(boxes.last(), GetText(300511).replace("$1", "768").replace("$2", "1") +
                                 QStringLiteral("\r\n") + GetText(300513));
     // A text that the sheet can't give back is told at once.
-    Site().Panel(7).Channel(8).setPrintText(QStringLiteral("a\tb"));
-    SaveAs(QStringLiteral("torn"));
+    Site().Panel(7).Channel(8).setPrintText("a\tb");
+    SaveAs("torn");
     Tap(FormNames::wBusModules, Export);
-    EXPECT_TRUE(boxes.last().endsWith(GetText(300514)
-                                          .replace(QStringLiteral("$1"), QStringLiteral("7"))
-                                          .replace(QStringLiteral("$2"), QStringLiteral("8"))));
+    EXPECT_TRUE(boxes.last().endsWith(GetText(300514).replace("$1", "7").replace("$2", "8")));
     EXPECT_EQ(styles.last(), Messages::Warning);
 }
 
@@ -201,14 +193,12 @@ TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
     Write(InFolder("bad.txt"), "1\t1\t1\t0\t0\t0\t5\t1\t0\t0\t0\t0\tPump\tPump\n"
                                "1\t2\t1\t0\t0\t0\t100\t1\t0\t0\t0\t0\tPump\tPump\n");
     Forms::Show(FormNames::wBusModules);
-    TakeFile(script, QStringLiteral("bad.txt"));
+    TakeFile(script, "bad.txt");
     Tap(FormNames::wBusModules, Import);
     ASSERT_EQ(boxes.size(), 2);
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Error Nr 380")));
-    EXPECT_TRUE(boxes[0].endsWith(QStringLiteral("Object : imgImportExport\r\nEvent : Click")));
-    EXPECT_TRUE(boxes[1].endsWith(GetText(300512)
-                                      .replace(QStringLiteral("$1"), QStringLiteral("2"))
-                                      .replace(QStringLiteral("$2"), QStringLiteral("Prio"))));
+    EXPECT_TRUE(boxes[0].contains("Error Nr 380"));
+    EXPECT_TRUE(boxes[0].endsWith("Object : imgImportExport\r\nEvent : Click"));
+    EXPECT_TRUE(boxes[1].endsWith(GetText(300512).replace("$1", "2").replace("$2", "Prio")));
     EXPECT_EQ(Site().Panel(1).Channel(1).AlmPrio(), 5);
     EXPECT_FALSE(Site().Panel(1).Channel(2).Modified());
 }

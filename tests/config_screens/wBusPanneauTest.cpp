@@ -44,16 +44,16 @@ protected:
     void Set(int parameter, const QString& value) {
         Tap(FormNames::wBusPanneau, Name("lblParamVal", parameter));
         if (All()[parameter].list != nullptr) {
-            Choose(FormNames::wBusPanneau, QStringLiteral("imgModif"), value);
+            Choose(FormNames::wBusPanneau, "imgModif", value);
             return;
         }
         script.On(FormNames::dlgKeyboard, [value] {
-            auto* line = Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"));
+            auto* line = Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0");
             EXPECT_EQ(line->maxLength(), 40);
             line->setText(value);
-            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
+            Tap(FormNames::dlgKeyboard, "imgControl_1");
         });
-        Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
+        Tap(FormNames::wBusPanneau, "imgModif");
     }
     void Leave(int reply) {
         answer = reply;
@@ -73,48 +73,42 @@ protected:
 
 TEST_F(BusPanneauTest, EachParameterIsStoredWhereItBelongs) {
     AddPanel(3, 1);
-    Site().setBiblio(7, QStringLiteral("Pumps"));
+    Site().setBiblio(7, "Pumps");
     Open(3);
     GoTo(5);
-    const QPair<int, QString> values[] = {{Title, QStringLiteral("Pump|room")},
-                                          {OnScreen, GetText(10002)},
-                                          {3, GetText(10002)},
-                                          {Kind, GetText(300312, true)},
-                                          {5, GetText(10002)},
-                                          {Priority, QStringLiteral("99")},
-                                          {7, GetText(10002)},
-                                          {Library, QStringLiteral("7")},
-                                          {Instruction, QStringLiteral("48")},
-                                          {10, GetText(10002)},
-                                          {Delay, QStringLiteral("36:00")},
-                                          {ScreenText, QStringLiteral("Pump 5")},
-                                          {13, QStringLiteral("Paper 5")}};
+    const QPair<int, QString> values[] = {{Title, "Pump|room"}, {OnScreen, GetText(10002)},
+                                          {3, GetText(10002)},  {Kind, GetText(300312, true)},
+                                          {5, GetText(10002)},  {Priority, "99"},
+                                          {7, GetText(10002)},  {Library, "7"},
+                                          {Instruction, "48"},  {10, GetText(10002)},
+                                          {Delay, "36:00"},     {ScreenText, "Pump 5"},
+                                          {13, "Paper 5"}};
     for (const auto& [parameter, value] : values)
         Set(parameter, value);
     GoTo(6);
-    EXPECT_NE(Value(ScreenText), QStringLiteral("Pump 5"));
+    EXPECT_NE(Value(ScreenText), "Pump 5");
     GoTo(5);
     for (const auto& [parameter, value] : values)
         EXPECT_EQ(Value(parameter), value) << parameter;
-    const auto* texts = Find<QListWidget>(FormNames::wBusPanneau, QStringLiteral("lstBiblio"));
-    EXPECT_EQ(texts->currentItem()->text(), QStringLiteral("Pumps"));
+    const auto* texts = Find<QListWidget>(FormNames::wBusPanneau, "lstBiblio");
+    EXPECT_EQ(texts->currentItem()->text(), "Pumps");
     EXPECT_EQ(Site().Panel(3).Title(), QString()) << "nothing reaches the site before the answer";
     Leave(Messages::Yes);
     const PanelClass& panel = Site().Panel(3);
     const ChannelClass& channel = panel.Channel(5);
-    EXPECT_EQ(panel.Title(), QStringLiteral("Pump|room"));
+    EXPECT_EQ(panel.Title(), "Pump|room");
     EXPECT_TRUE(channel.ScrAlm() && channel.PrtAlm() && channel.Klaxon() && channel.Histo() &&
                 channel.React());
     EXPECT_EQ(channel.TypeImp(), 2);
     EXPECT_EQ(channel.AlmPrio(), 99);
     EXPECT_EQ(channel.BibNum(), 7);
     EXPECT_EQ(channel.HelpNum(), 48);
-    EXPECT_EQ(ReactivTime(channel.ReactTpo()), QStringLiteral("36:00"));
-    EXPECT_EQ(channel.ScreenText(), QStringLiteral("Pump 5"));
-    EXPECT_EQ(channel.PrintText(), QStringLiteral("Paper 5"));
+    EXPECT_EQ(ReactivTime(channel.ReactTpo()), "36:00");
+    EXPECT_EQ(channel.ScreenText(), "Pump 5");
+    EXPECT_EQ(channel.PrintText(), "Paper 5");
     ConfigClass saved;
     EXPECT_EQ(saved.Read(CurrentConfigFile()), 0);
-    EXPECT_EQ(saved.Panel(3).Channel(5).PrintText(), QStringLiteral("Paper 5"));
+    EXPECT_EQ(saved.Panel(3).Channel(5).PrintText(), "Paper 5");
 }
 
 TEST_F(BusPanneauTest, ThePointerStepsOverTheChannelNumber) {
@@ -122,9 +116,8 @@ TEST_F(BusPanneauTest, ThePointerStepsOverTheChannelNumber) {
     Open(1);
     EXPECT_FALSE(Enabled("imgNavig", 1));
     Tap(FormNames::wBusPanneau, Name("lblParamVal", Number));
-    script.On(FormNames::dlgKeyboard,
-              [] { Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_0")); });
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
+    script.On(FormNames::dlgKeyboard, [] { Tap(FormNames::dlgKeyboard, "imgControl_0"); });
+    Tap(FormNames::wBusPanneau, "imgModif");
     const auto pointed = [] {
         for (int i = 0; i < All().size(); ++i) {
             if (Find<ValueLabel>(FormNames::wBusPanneau, Name("lblParamVal", i))->IsPointed())
@@ -142,25 +135,25 @@ TEST_F(BusPanneauTest, ThePointerStepsOverTheChannelNumber) {
 }
 
 TEST_F(BusPanneauTest, AChannelIsCarriedToAnotherPanel) {
-    AddPanel(1, 1).Channel(2).setScreenText(QStringLiteral("Carried"));
-    AddPanel(2, 3).Channel(12).setScreenText(QStringLiteral("Old"));
-    Site().Panel(2).Channel(13).setScreenText(QStringLiteral("Beyond"));
+    AddPanel(1, 1).Channel(2).setScreenText("Carried");
+    AddPanel(2, 3).Channel(12).setScreenText("Old");
+    Site().Panel(2).Channel(13).setScreenText("Beyond");
     Open(1);
     GoTo(2);
     Touch(Cut);
     EXPECT_EQ(Value(ScreenText).trimmed(), QString());
     Leave(Messages::No);
-    EXPECT_EQ(Site().Panel(1).Channel(2).ScreenText(), QStringLiteral("Carried"));
+    EXPECT_EQ(Site().Panel(1).Channel(2).ScreenText(), "Carried");
     Open(2);
     for (int i = 0; i < 30; ++i)
         Touch(On);
     EXPECT_EQ(Value(Number), QString::number(Site().Panel(2).ChannelCount()));
     GoTo(12);
     Touch(Paste);
-    EXPECT_EQ(Value(ScreenText), QStringLiteral("Carried"));
+    EXPECT_EQ(Value(ScreenText), "Carried");
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().Panel(2).Channel(12).ScreenText(), QStringLiteral("Carried"));
-    EXPECT_EQ(Site().Panel(2).Channel(13).ScreenText(), QStringLiteral("Beyond"));
+    EXPECT_EQ(Site().Panel(2).Channel(12).ScreenText(), "Carried");
+    EXPECT_EQ(Site().Panel(2).Channel(13).ScreenText(), "Beyond");
 }
 
 TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
@@ -169,28 +162,28 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
         Site().Mirrors().Add(qint16(from), 1, qint16(to), 1, 1);
     Open(1);
     answer = Messages::Cancel;
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, "imgModele");
     EXPECT_EQ(boxes.last(), GetText(30011));
     EXPECT_EQ(styles.last(), 49);
     EXPECT_EQ(Site().Mirrors().Count(), 3);
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(1));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblModele"), ModuleName(1));
     answer = Messages::Ok;
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(2));
+    Tap(FormNames::wBusPanneau, "imgModele");
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblModele"), ModuleName(2));
     ASSERT_EQ(Site().Mirrors().Count(), 1);
     EXPECT_EQ(Site().Mirrors().Item(1).FromModule(), 3);
     const qsizetype asked = boxes.size();
     const auto wayToMirrors = [] {
-        return Child(FormNames::wBusPanneau, QStringLiteral("lblVisuTcde"))->isHidden()
+        return Child(FormNames::wBusPanneau, "lblVisuTcde")->isHidden()
                    ? QString()
-                   : TextOf(FormNames::wBusPanneau, QStringLiteral("lblVisuTcde"));
+                   : TextOf(FormNames::wBusPanneau, "lblVisuTcde");
     };
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, "imgModele");
     EXPECT_EQ(wayToMirrors(), GetText(300130));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, "imgModele");
     EXPECT_EQ(wayToMirrors(), GetText(300131)) << "a remote-controlled model";
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    Tap(FormNames::wBusPanneau, "imgModele");
+    Tap(FormNames::wBusPanneau, "imgModele");
     EXPECT_EQ(wayToMirrors(), QString()) << "from the last back to none";
     EXPECT_EQ(boxes.size(), asked) << "in no mirror any more";
     Leave(Messages::No);
@@ -201,30 +194,30 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
 TEST_F(BusPanneauTest, WhatTheBusFoundOutMeanwhileStays) {
     PanelClass& panel = AddPanel(1, 1);
     Open(1);
-    Set(ScreenText, QStringLiteral("Pump"));
+    Set(ScreenText, "Pump");
     panel.Channel(1).setState(5);
     panel.setPresent(false);
     answer = Messages::Yes;
     Tap(FormNames::wBusPanneau, Name("imgNavPanel", 2));
-    EXPECT_EQ(panel.Channel(1).ScreenText(), QStringLiteral("Pump"));
+    EXPECT_EQ(panel.Channel(1).ScreenText(), "Pump");
     EXPECT_EQ(panel.Channel(1).State(), 5);
     EXPECT_FALSE(panel.Present());
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, Name("lblNumModule", 0)), QStringLiteral("2"));
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, Name("lblNumModule", 0)), "2");
 }
 
 TEST_F(BusPanneauTest, ClearAndUndoTouchTheDraftOnly) {
-    AddPanel(64, 2).setTitle(QStringLiteral("Pumps"));
+    AddPanel(64, 2).setTitle("Pumps");
     Open(64);
     EXPECT_FALSE(Enabled("imgNavPanel", 2));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgActive"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblActive")), GetText(300120));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgCancel"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblActive")), GetText(300121));
+    Tap(FormNames::wBusPanneau, "imgActive");
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblActive"), GetText(300120));
+    Tap(FormNames::wBusPanneau, "imgCancel");
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblActive"), GetText(300121));
     Leave(Messages::Cancel);
     EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
     Open(64);
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgClear"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(0));
+    Tap(FormNames::wBusPanneau, "imgClear");
+    EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblModele"), ModuleName(0));
     Leave(Messages::Cancel);
     EXPECT_EQ(Site().Panel(64).Model(), 2);
     Leave(Messages::Yes);
@@ -236,33 +229,31 @@ TEST_F(BusPanneauTest, AnEditAnAlarmTookAwayComesBackOnItsPanel) {
     AddPanel(1, 1);
     AddPanel(2, 1);
     Open(1);
-    Set(ScreenText, QStringLiteral("Kept"));
+    Set(ScreenText, "Kept");
     AlarmComes();
     EXPECT_TRUE(boxes.isEmpty());
-    const auto told = [] {
-        return !Child(FormNames::wBusPanneau, QStringLiteral("lblKept"))->isHidden();
-    };
+    const auto told = [] { return !Child(FormNames::wBusPanneau, "lblKept")->isHidden(); };
     Open(2);
     EXPECT_FALSE(told());
     Leave(Messages::No);
     Open(1);
     EXPECT_TRUE(told());
-    EXPECT_EQ(Value(ScreenText), QStringLiteral("Kept"));
+    EXPECT_EQ(Value(ScreenText), "Kept");
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().Panel(1).Channel(1).ScreenText(), QStringLiteral("Kept"));
+    EXPECT_EQ(Site().Panel(1).Channel(1).ScreenText(), "Kept");
     Open(1);
-    Set(ScreenText, QStringLiteral("Stale"));
+    Set(ScreenText, "Stale");
     AlarmComes();
-    Site().Panel(1).Channel(1).setScreenText(QStringLiteral("Changed elsewhere"));
+    Site().Panel(1).Channel(1).setScreenText("Changed elsewhere");
     Open(1);
     EXPECT_FALSE(told());
-    EXPECT_EQ(Value(ScreenText), QStringLiteral("Changed elsewhere"));
+    EXPECT_EQ(Value(ScreenText), "Changed elsewhere");
 }
 
 TEST_F(BusPanneauTest, ATitleTakesAColourOfThePaletteOnWhichItIsRead) {
     AddPanel(1, 1);
     Open(1);
-    const QString palette = QStringLiteral("dlgColour");
+    const QString palette = "dlgColour";
     std::set<QRgb> colours;
     script.On(palette, [&] {
         for (int cell = 0; cell < dlgColour::ColourCount; ++cell) {
@@ -273,15 +264,15 @@ TEST_F(BusPanneauTest, ATitleTakesAColourOfThePaletteOnWhichItIsRead) {
             EXPECT_GE(qMin(button->width(), button->height()), 48);
         }
         Tap(palette, Name("cmdColour", 4));
-        Tap(palette, QStringLiteral("imgControl_1"));
+        Tap(palette, "imgControl_1");
     });
-    Tap(FormNames::wBusPanneau, QStringLiteral("lblTitleColor"));
+    Tap(FormNames::wBusPanneau, "lblTitleColor");
     EXPECT_GE(colours.size(), 40U);
     script.On(palette, [palette] {
         Tap(palette, Name("cmdColour", 1));
-        Tap(palette, QStringLiteral("imgControl_0"));
+        Tap(palette, "imgControl_0");
     });
-    Tap(FormNames::wBusPanneau, QStringLiteral("lblTitleColor"));
+    Tap(FormNames::wBusPanneau, "lblTitleColor");
     Leave(Messages::Yes);
     EXPECT_EQ(Site().Panel(1).TitleColor(), 0x0000FF) << "red in the low byte";
 }

@@ -17,7 +17,7 @@ namespace {
 class ConsoleRoad : public Road {
 protected:
     ConsoleRoad()
-        : Road({QStringLiteral("1=Q7100"), QStringLiteral("2=Q7000")}) {
+        : Road({"1=Q7100", "2=Q7000"}) {
         Site().setOptionScreen(2, true);
         Forms::Show(FormNames::wRunAlarms);
     }
@@ -76,7 +76,7 @@ TEST_F(ConsoleRoad, ABoxHoldsUpNeitherMidnightNorWhatFollows) {
     engine->setRun(true);
     ASSERT_TRUE(Until(IsCalm));
     simulator.Do("odd 1");
-    ASSERT_TRUE(Until([] { return NbInstances(QStringLiteral("dlgMessage")) == 1; }));
+    ASSERT_TRUE(Until([] { return NbInstances("dlgMessage") == 1; }));
     const auto traced = [this](const char* part) {
         return folder.Trace().filter(QString::fromLatin1(part)).size();
     };
@@ -113,7 +113,7 @@ TEST_F(ConsoleRoad, OnlyACodeStopsTheBusOfAGuardedSite) {
     Site().setUserLevel(1, 2);
     Touch(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_FALSE(engine->Run());
-    EXPECT_TRUE(folder.Trace().filter(QStringLiteral("COMM   STOP")).size() == 1)
+    EXPECT_TRUE(folder.Trace().filter("COMM   STOP").size() == 1)
         << folder.Trace().join(u'\n').toStdString();
 }
 
@@ -131,7 +131,7 @@ TEST_F(ConsoleRoad, ASiteOpenedOnARunningBusTellsItsSilentPanel) {
         return folder.Trace().filter(QString::fromLatin1(word));
     };
     ASSERT_TRUE(Until([&] { return !told("DISAPP").isEmpty(); }));
-    EXPECT_TRUE(told("DISAPP")[0].contains(QStringLiteral("P09")));
+    EXPECT_TRUE(told("DISAPP")[0].contains("P09"));
     EXPECT_EQ(Rows().size(), 1);
     EXPECT_TRUE(Until([&] { return Words() == GetText(714073) || !Rows().isEmpty(); }));
     EXPECT_TRUE(told("APPEAR").isEmpty()) << "those that are there come without a word";

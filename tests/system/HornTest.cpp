@@ -16,7 +16,7 @@ public:
         qputenv("PULSE_SERVER", "unix:" + Socket().toUtf8());
         qputenv("PULSE_RUNTIME_PATH", folder_.path().toUtf8());
         // The machine's own device is no way out.
-        qputenv("ALSA_CONFIG_PATH", folder_.filePath(QStringLiteral("none")).toUtf8());
+        qputenv("ALSA_CONFIG_PATH", folder_.filePath("none").toUtf8());
     }
     ~SoundServer() {
         Kill();
@@ -28,12 +28,10 @@ public:
         QFile::remove(Socket());
         process_.setProcessChannelMode(QProcess::MergedChannels);
         process_.start(
-            QStringLiteral("pulseaudio"),
-            {QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-             QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
-             QStringLiteral("-L"),
+            "pulseaudio",
+            {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
              QStringLiteral("module-native-protocol-unix auth-anonymous=1 socket=") + Socket(),
-             QStringLiteral("-L"), QStringLiteral("module-null-sink sink_name=horn")});
+             "-L", "module-null-sink sink_name=horn"});
         return process_.waitForStarted() && Eventually([this] {
                    return QFile::exists(Socket()) || process_.waitForFinished(0);
                }) &&
@@ -44,8 +42,7 @@ public:
         process_.waitForFinished();
     }
     static void Control(const QStringList& words) {
-        EXPECT_EQ(QProcess::execute(QStringLiteral("pactl"), words), 0)
-            << words.join(u' ').toStdString();
+        EXPECT_EQ(QProcess::execute("pactl", words), 0) << words.join(u' ').toStdString();
     }
 
     /// Waits until something loud is recorded.
@@ -55,10 +52,8 @@ public:
         bool loud = false;
         const bool heard = Eventually([&] {
             if (recorder.state() == QProcess::NotRunning)
-                recorder.start(QStringLiteral("parec"),
-                               {QStringLiteral("-d"), QStringLiteral("horn.monitor"),
-                                QStringLiteral("--raw"), QStringLiteral("--format=s16le"),
-                                QStringLiteral("--channels=1")});
+                recorder.start("parec",
+                               {"-d", "horn.monitor", "--raw", "--format=s16le", "--channels=1"});
             recorder.waitForReadyRead(50);
             const QByteArray bytes = recorder.readAllStandardOutput();
             for (qsizetype i = 0; i + 1 < bytes.size(); i += 2) {
@@ -74,7 +69,7 @@ public:
     }
 
 private:
-    QString Socket() const { return folder_.filePath(QStringLiteral("socket")); }
+    QString Socket() const { return folder_.filePath("socket"); }
 
     QTemporaryDir folder_;
     QProcess process_;
@@ -83,7 +78,7 @@ private:
 class HornTest : public ::testing::Test {
 protected:
     HornTest()
-        : simulator_(folder_.Bus(), {QStringLiteral("1=Q7100")}) {
+        : simulator_(folder_.Bus(), {"1=Q7100"}) {
         EXPECT_TRUE(Config::OpenConfigBase());
         ConfigClass site;
         site.setAutoStart(true);
@@ -121,7 +116,7 @@ protected:
 } // namespace
 
 TEST_F(HornTest, ABadFileIsReplacedByTheSoundOfTheBase) {
-    QFile file(folder_.Path(QStringLiteral("AlarmSound8.wav")));
+    QFile file(folder_.Path("AlarmSound8.wav"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(Config::Sound(8).value().left(20'000));
     file.close();
@@ -142,21 +137,18 @@ TEST_F(HornTest, ASilenceIsToldAndEndsByItself) {
     EXPECT_TRUE(SoundServer::IsHeard());
     EXPECT_TRUE(Comes("FAULT ENDS   NO HORN", 1));
 
-    SoundServer::Control({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
+    SoundServer::Control({"unload-module", "module-null-sink"});
     EXPECT_TRUE(Comes("FAULT BEGINS NO HORN", 2));
     // What a server offers in the place of a device that has gone can't be heard.
-    SoundServer::Control({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-                          QStringLiteral("sink_name=auto_null")});
+    SoundServer::Control({"load-module", "module-null-sink", "sink_name=auto_null"});
     QThread::sleep(2);
     EXPECT_EQ(Count("FAULT ENDS   NO HORN"), 1);
-    SoundServer::Control({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
-    SoundServer::Control({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-                          QStringLiteral("sink_name=horn")});
+    SoundServer::Control({"unload-module", "module-null-sink"});
+    SoundServer::Control({"load-module", "module-null-sink", "sink_name=horn"});
     EXPECT_TRUE(SoundServer::IsHeard());
     EXPECT_TRUE(Comes("FAULT ENDS   NO HORN", 2));
 
-    SoundServer::Control(
-        {QStringLiteral("set-sink-mute"), QStringLiteral("horn"), QStringLiteral("1")});
+    SoundServer::Control({"set-sink-mute", "horn", "1"});
     EXPECT_TRUE(Comes("FAULT BEGINS NO HORN", 3));
     EXPECT_EQ(program.Terminate(), 0);
 }

@@ -9,8 +9,7 @@ namespace {
 class MirrorRoad : public Road {
 protected:
     MirrorRoad()
-        : Road(
-              {QStringLiteral("1=Q7100"), QStringLiteral("2=Q6200XT"), QStringLiteral("3=Q7100")}) {
+        : Road({"1=Q7100", "2=Q6200XT", "3=Q7100"}) {
         struct {
             qint16 from;
             qint16 module;

@@ -32,7 +32,7 @@ protected:
             Site().Panel(address).setModel(quint8(models[address - 1]));
             Site().Panel(address).setActive(true);
         }
-        IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodUnit"), QStringLiteral("1"));
+        IniWrite("Files", "PeriodUnit", "1");
     }
 
     /// The program starts: engine, port, bus.
@@ -153,8 +153,7 @@ QStringList AllLines(const QString& folder, const QString& pattern) {
     for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
         QFile file(dir.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        lines +=
-            QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        lines += QString::fromLatin1(file.readAll()).split("\r\n", Qt::SkipEmptyParts);
     }
     return lines;
 }
@@ -174,9 +173,9 @@ TEST_F(MonthTest, EveryDroppedEventIsRecordedOnceInOrder) {
     }
     engine_.reset();
 
-    const QStringList trace = AllLines(Path(QStringLiteral("Trace")), QStringLiteral("*.log"));
-    const QStringList history = AllLines(Path(QString()), QStringLiteral("Histo*.his"));
-    EXPECT_GT(QDir(Path(QStringLiteral("Trace"))).count(), 15U);
+    const QStringList trace = AllLines(Path("Trace"), "*.log");
+    const QStringList history = AllLines(Path(QString()), "Histo*.his");
+    EXPECT_GT(QDir(Path("Trace")).count(), 15U);
 
     // In the trace: numbers one behind the other; clock and key of each dropped event, those of one
     // module in the order of its receipts.

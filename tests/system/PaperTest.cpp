@@ -20,11 +20,10 @@ constexpr int Panels = 2;
 class PaperTest : public ::testing::Test {
 protected:
     PaperTest()
-        : simulator_(folder_.Bus(), {QStringLiteral("1=Q7100"), QStringLiteral("2=Q7100")})
-        , printer_(folder_.Path(QStringLiteral("printer"))) {
+        : simulator_(folder_.Bus(), {"1=Q7100", "2=Q7100"})
+        , printer_(folder_.Path("printer")) {
         EXPECT_TRUE(Config::OpenConfigBase());
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"),
-                 folder_.Path(QStringLiteral("printer")));
+        IniWrite("Ports", "LPT1", folder_.Path("printer"));
         site_.setAutoStart(true);
         for (int bit = 0; bit <= 4; ++bit) {
             site_.setOptionScreen(bit, true);
@@ -88,7 +87,7 @@ protected:
         former_.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", former_);
         umount2(QFile::encodeName(disk_.path()).constData(), MNT_DETACH);
     }
-    QString Ballast() const { return disk_.filePath(QStringLiteral("ballast")); }
+    QString Ballast() const { return disk_.filePath("ballast"); }
     void Fill() const {
         QFile file(Ballast());
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
@@ -119,7 +118,7 @@ private:
 
 TEST_F(PaperTest, AStuckPrinterHoldsUpNoAlarm) {
     constexpr int Last = 13;
-    Save(QStringLiteral("LPT1:"));
+    Save("LPT1:");
     printer_.SwitchOn();
     ProgramProcess program(folder_);
     ASSERT_TRUE(WaitForTrace("SYNCHR"));
@@ -152,7 +151,7 @@ TEST_F(PaperTest, AStuckPrinterHoldsUpNoAlarm) {
 }
 
 TEST_F(PaperTest, APrinterThatComesLateIsFound) {
-    Save(QStringLiteral("LPT1:"));
+    Save("LPT1:");
     ProgramProcess program(folder_);
     ASSERT_TRUE(WaitForTrace("SYNCHR"));
     Alarms(1, 1, 2);
@@ -166,8 +165,8 @@ TEST_F(PaperTest, APrinterThatComesLateIsFound) {
 }
 
 TEST_F(PaperTest, ThePortOfTheBusIsNotPrintedOn) {
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"), folder_.Bus());
-    Save(QStringLiteral("LPT1:"));
+    IniWrite("Ports", "LPT1", folder_.Bus());
+    Save("LPT1:");
     ProgramProcess program(folder_);
     ASSERT_TRUE(WaitForTrace("SYNCHR"));
     Alarms(1, 1, 1);
@@ -180,7 +179,7 @@ TEST_F(PaperTest, ADeletedTraceFolderIsMadeAgain) {
     Save(QString());
     ProgramProcess program(folder_);
     ASSERT_TRUE(WaitForTrace("SYNCHR"));
-    ASSERT_TRUE(QDir(folder_.Path(QStringLiteral("Trace"))).removeRecursively());
+    ASSERT_TRUE(QDir(folder_.Path("Trace")).removeRecursively());
     Alarms(1, 1, 1);
     EXPECT_TRUE(WaitForTrace("P01-C01"));
     EXPECT_EQ(TraceLine("FAULT"), -1) << "nothing to tell";
@@ -190,11 +189,10 @@ TEST_F(PaperTest, ADeletedTraceFolderIsMadeAgain) {
 TEST_F(DiskTest, AFullDiskIsToldAndHoldsUpNothing) {
     Plant plant;
     plant.Save(QString());
-    QFile::remove(plant.folder_.Path(QStringLiteral("printer")));
+    QFile::remove(plant.folder_.Path("printer"));
     ProgramProcess program(plant.folder_);
     ASSERT_TRUE(plant.WaitForTrace("SYNCHR"));
-    ASSERT_TRUE(Eventually(
-        [&] { return QFile::exists(plant.folder_.Path(QStringLiteral("AlarmSound99.wav"))); }));
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(plant.folder_.Path("AlarmSound99.wav")); }));
     const QString history = plant.folder_.Path(
         QStringLiteral("Histo%1.his").arg(DateTimes::FileMonth(DateTimes::Now())));
     QFile::remove(history);
@@ -219,6 +217,6 @@ TEST_F(DiskTest, AFullDiskIsToldAndHoldsUpNothing) {
     ASSERT_TRUE(QFile::remove(Ballast()));
     plant.Alarms(1, 3, 3);
     EXPECT_TRUE(plant.WaitForTrace("FAULT ENDS   HISTORY NOT WRITTEN"));
-    EXPECT_EQ(plant.folder_.History().filter(QStringLiteral("P01-C03")).size(), 1);
+    EXPECT_EQ(plant.folder_.History().filter("P01-C03").size(), 1);
     EXPECT_TRUE(program.Running());
 }

@@ -22,9 +22,9 @@
 class SimulatorProcess {
 public:
     SimulatorProcess(const QString& link, const QStringList& models) {
-        QStringList arguments = {QStringLiteral("--link"), link};
+        QStringList arguments = {"--link", link};
         for (const QString& model : models)
-            arguments += {QStringLiteral("--model"), model};
+            arguments += {"--model", model};
         process_.start(QStringLiteral(KORVANELLE_BUILD_DIR "/simulator/korvanelle-sim"), arguments);
         EXPECT_TRUE(process_.waitForStarted());
         EXPECT_FALSE(WaitFor("ready").isEmpty());
@@ -64,7 +64,7 @@ private:
 };
 
 /// Section of the settings that keeps the queue over an end of the program.
-inline const QString Pending = QStringLiteral("PendingCommands");
+inline const QString Pending = "PendingCommands";
 
 /// A folder that the program is installed into, with a site of its own.
 class RunFolder {
@@ -73,17 +73,17 @@ public:
         // Another build can be put to the test in place of this one's.
         const QString program = qEnvironmentVariable(
             "KORVANELLE_PROGRAM", QStringLiteral(KORVANELLE_BUILD_DIR "/src/korvanelle"));
-        const QString target = Path(QStringLiteral("korvanelle"));
+        const QString target = Path("korvanelle");
         EXPECT_TRUE(QFile::copy(program, target));
         EXPECT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
-                                Path(QStringLiteral("korvanelle.cfg"))));
-        platform::OverrideApplication(folder_.path(), QStringLiteral("korvanelle"));
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), Bus());
+                                Path("korvanelle.cfg")));
+        platform::OverrideApplication(folder_.path(), "korvanelle");
+        IniWrite("Ports", "COM1", Bus());
     }
     ~RunFolder() { platform::OverrideApplication(QString(), QString()); }
 
     QString Path(const QString& name) const { return folder_.filePath(name); }
-    QString Bus() const { return Path(QStringLiteral("bus")); }
+    QString Bus() const { return Path("bus"); }
 
     /// Lines of all files of a pattern, in the order of their names.
     QStringList Lines(const QString& folder, const QString& pattern) const {
@@ -92,13 +92,12 @@ public:
         for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
             QFile file(dir.filePath(name));
             EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-            lines += platform::FromCodePage(file.readAll())
-                         .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+            lines += platform::FromCodePage(file.readAll()).split("\r\n", Qt::SkipEmptyParts);
         }
         return lines;
     }
-    QStringList Trace() const { return Lines(QStringLiteral("Trace"), QStringLiteral("*.log")); }
-    QStringList History() const { return Lines(QString(), QStringLiteral("Histo*.his")); }
+    QStringList Trace() const { return Lines("Trace", "*.log"); }
+    QStringList History() const { return Lines(QString(), "Histo*.his"); }
 
 private:
     QTemporaryDir folder_;
@@ -110,12 +109,12 @@ public:
     /// `variables` are further ones of its environment.
     explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
         for (const auto& [name, value] : variables.asKeyValueRange())
             environment.insert(name, value);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.start(folder.Path(QStringLiteral("korvanelle")), QStringList());
+        process_.start(folder.Path("korvanelle"), QStringList());
         EXPECT_TRUE(process_.waitForStarted());
     }
     ~ProgramProcess() {

@@ -14,14 +14,14 @@ namespace {
 class ProgramTest : public ::testing::Test {
 protected:
     ProgramTest()
-        : simulator_(folder_.Bus(), {QStringLiteral("1=Q7100")}) {
+        : simulator_(folder_.Bus(), {"1=Q7100"}) {
         EXPECT_TRUE(Config::OpenConfigBase());
         ConfigClass site;
         site.setAutoStart(true);
         site.Panel(1).setModel(Models::Q7100);
         site.Panel(1).setActive(true);
         site.Panel(1).Channel(2).setScrAlm(true);
-        site.Panel(1).Channel(2).setScreenText(QStringLiteral("Pump"));
+        site.Panel(1).Channel(2).setScreenText("Pump");
         EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
     }
 
@@ -47,32 +47,30 @@ protected:
 TEST_F(ProgramTest, StartsByItselfAndEndsAsToldFromOutside) {
     ProgramProcess program(folder_);
     simulator_.Do("active 1 2");
-    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("P01-C02")); }));
+    ASSERT_TRUE(Eventually([&] { return TraceHolds("P01-C02"); }));
     // The sounds are written behind the start of the bus: an end ahead of it would leave them out.
-    EXPECT_TRUE(Eventually(
-        [&] { return QFile::exists(folder_.Path(QStringLiteral("AlarmSound99.wav"))); }));
+    EXPECT_TRUE(Eventually([&] { return QFile::exists(folder_.Path("AlarmSound99.wav")); }));
     EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_TRUE(TraceHolds(QStringLiteral(" TASK  MANAGER  ******** SYSTEM  APPLI STOP    ***")));
-    EXPECT_EQ(IniRead(QStringLiteral("LastAlarms"), QStringLiteral("1"), QString()).mid(36, 22),
-              QStringLiteral("P01-C02              P"));
+    EXPECT_TRUE(TraceHolds(" TASK  MANAGER  ******** SYSTEM  APPLI STOP    ***"));
+    EXPECT_EQ(IniRead("LastAlarms", "1", QString()).mid(36, 22), "P01-C02              P");
 }
 
 TEST_F(ProgramTest, ASecondInstanceEndsAtOnce) {
     ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("START")); }));
+    ASSERT_TRUE(Eventually([&] { return TraceHolds("START"); }));
     const qsizetype lines = folder_.Trace().size();
     ProgramProcess second(folder_);
     EXPECT_FALSE(second.WaitForEnd(1500)) << "tells and waits for the answer";
     EXPECT_TRUE(program.Running());
-    EXPECT_LE(folder_.Trace().filter(QStringLiteral("APPLI")).size(), 1) << lines;
+    EXPECT_LE(folder_.Trace().filter("APPLI").size(), 1) << lines;
 }
 
 TEST_F(ProgramTest, QueuedCommandsSurviveARestart) {
     const QString tomorrow = DateTimes::DateAndTime(DateTimes::Now() + 1);
     const QString command = QStringLiteral("2|1|0043|%1|0002").arg(tomorrow);
-    IniWrite(Pending, QStringLiteral("1"), command);
-    IniWrite(Pending, QStringLiteral("2"), QString());
-    IniWrite(Pending, QStringLiteral("3"), QStringLiteral("2|1|0042|00:00:00|0001"));
+    IniWrite(Pending, "1", command);
+    IniWrite(Pending, "2", QString());
+    IniWrite(Pending, "3", "2|1|0042|00:00:00|0001");
     {
         ProgramProcess program(folder_);
         EXPECT_EQ(simulator_.WaitFor("write 1 66"), QByteArray("write 1 66 0001"));
@@ -80,25 +78,22 @@ TEST_F(ProgramTest, QueuedCommandsSurviveARestart) {
     }
     QStringList keys;
     EXPECT_EQ(IniReadKeys(keys, Pending), 1);
-    EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
+    EXPECT_EQ(IniRead(Pending, "1", QString()), command);
 }
 
 // The adapter is missing: the start doesn't wait for anybody, and the commands wait for the port.
 TEST_F(ProgramTest, AMissingPortHoldsUpNoStartAndKeepsTheCommands) {
-    const QString command = QStringLiteral("2|1|0043|00:00:00|0002");
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), folder_.Path(QStringLiteral("none")));
-    IniWrite(Pending, QStringLiteral("1"), command);
+    const QString command = "2|1|0043|00:00:00|0002";
+    IniWrite("Ports", "COM1", folder_.Path("none"));
+    IniWrite(Pending, "1", command);
     ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] {
-        return TraceHolds(QStringLiteral("FAULT BEGINS MESSAGE UNREAD"));
-    })) << "told";
-    ASSERT_TRUE(Eventually([&] {
-        return QFile::exists(folder_.Path(QStringLiteral("AlarmSound1.wav")));
-    })) << "and the start went on beneath the box";
+    ASSERT_TRUE(Eventually([&] { return TraceHolds("FAULT BEGINS MESSAGE UNREAD"); })) << "told";
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(folder_.Path("AlarmSound1.wav")); }))
+        << "and the start went on beneath the box";
     EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
-    EXPECT_TRUE(TraceHolds(QStringLiteral("APPLI  START")));
-    EXPECT_TRUE(TraceHolds(QStringLiteral(" TASK  MANAGER  ")));
+    EXPECT_EQ(IniRead(Pending, "1", QString()), command);
+    EXPECT_TRUE(TraceHolds("APPLI  START"));
+    EXPECT_TRUE(TraceHolds(" TASK  MANAGER  "));
 }
 
 // A site that can't be read keeps the bus from starting by itself; the watchdog brings the console.
@@ -106,13 +101,11 @@ TEST_F(ProgramTest, AnUnreadableSiteLeavesTheBusStopped) {
     QFile site(CurrentConfigFile());
     ASSERT_TRUE(site.resize(site.size() / 2));
     ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("APPLI  START")); }));
-    ASSERT_TRUE(
-        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("AlarmSound1.wav"))); }));
+    ASSERT_TRUE(Eventually([&] { return TraceHolds("APPLI  START"); }));
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(folder_.Path("AlarmSound1.wav")); }));
     EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_FALSE(TraceHolds(QStringLiteral("SYNCHR")));
-    EXPECT_EQ(IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString()),
-              GetText(50010));
+    EXPECT_FALSE(TraceHolds("SYNCHR"));
+    EXPECT_EQ(IniRead("Files", "LastUsed", QString()), GetText(50010));
 }
 
 // Each start is killed in the middle of a stream of events. What was written stands whole, no
@@ -142,8 +135,7 @@ TEST_F(ProgramTest, KillsLoseNoLineAndNoNumber) {
         missing += numbers[i] - numbers[i - 1] - 1;
     }
     EXPECT_LE(missing, Kills);
-    EXPECT_GE(IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QString()).toInt(),
-              numbers.last());
+    EXPECT_GE(IniRead("General", "LastEvent", QString()).toInt(), numbers.last());
     for (const QString& line : folder_.History())
         EXPECT_EQ(line.size(), 138);
     QFile history(
@@ -153,12 +145,11 @@ TEST_F(ProgramTest, KillsLoseNoLineAndNoNumber) {
 }
 
 TEST_F(ProgramTest, ADamagedBaseEndsTheStart) {
-    QFile base(folder_.Path(QStringLiteral("korvanelle.cfg")));
+    QFile base(folder_.Path("korvanelle.cfg"));
     ASSERT_TRUE(base.resize(5000));
     ProgramProcess program(folder_);
-    ASSERT_TRUE(
-        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("korvanelle.lock"))); }));
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(folder_.Path("korvanelle.lock")); }));
     EXPECT_FALSE(program.WaitForEnd(1500)) << "tells and waits for the answer";
-    EXPECT_FALSE(TraceHolds(QStringLiteral("START")));
+    EXPECT_FALSE(TraceHolds("START"));
     EXPECT_EQ(program.Terminate(), 1);
 }

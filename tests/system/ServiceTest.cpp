@@ -57,17 +57,16 @@ private:
 
 TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
     const RunFolder folder;
-    SimulatorProcess simulator(folder.Bus(), {QStringLiteral("1=Q7100")});
+    SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});
     ASSERT_TRUE(Config::OpenConfigBase());
     ConfigClass site;
     site.setAutoStart(true);
     site.Panel(1).setModel(Models::Q7100);
     site.Panel(1).setActive(true);
     ASSERT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
-    const NotifySocket socket(folder.Path(QStringLiteral("notify")));
-    ProgramProcess program(
-        folder, {{QStringLiteral("NOTIFY_SOCKET"), folder.Path(QStringLiteral("notify"))},
-                 {QStringLiteral("WATCHDOG_USEC"), QStringLiteral("400000")}});
+    const NotifySocket socket(folder.Path("notify"));
+    ProgramProcess program(folder,
+                           {{"NOTIFY_SOCKET", folder.Path("notify")}, {"WATCHDOG_USEC", "400000"}});
     ASSERT_TRUE(socket.Hears("READY=1"));
     EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
     EXPECT_TRUE(socket.Hears("STATUS=Bus running. Modules watched: 1, missing: 0, alarms: "));
@@ -87,22 +86,21 @@ TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
 
 TEST(ServiceTest, TheFolderOfTheDataIsNamed) {
     const RunFolder folder;
-    const QString data = folder.Path(QStringLiteral("site/data"));
+    const QString data = folder.Path("site/data");
     QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
     program.setProcessEnvironment(environment);
-    program.start(folder.Path(QStringLiteral("korvanelle")), {QStringLiteral("--folder"), data});
+    program.start(folder.Path("korvanelle"), {"--folder", data});
     // The base is the one beside the program.
     EXPECT_TRUE(
         Eventually([&] { return QFile::exists(data + QStringLiteral("/AlarmSound99.wav")); }));
     EXPECT_TRUE(QFile::exists(data + QStringLiteral("/korvanelle.ini")));
-    EXPECT_FALSE(QFile::exists(folder.Path(QStringLiteral("Trace"))));
+    EXPECT_FALSE(QFile::exists(folder.Path("Trace")));
     program.terminate();
     EXPECT_TRUE(program.waitForFinished(20000));
 
-    program.start(folder.Path(QStringLiteral("korvanelle")),
-                  {QStringLiteral("--folder"), QStringLiteral("/proc/none")});
+    program.start(folder.Path("korvanelle"), {"--folder", "/proc/none"});
     EXPECT_TRUE(program.waitForFinished(20000));
     EXPECT_EQ(program.exitCode(), 1);
 }

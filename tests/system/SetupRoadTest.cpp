@@ -33,11 +33,10 @@ enum Parameter {
 class SetupRoad : public Road, public ::testing::WithParamInterface<int> {
 protected:
     SetupRoad()
-        : Road({QStringLiteral("1=Q7100"), QStringLiteral("2=Q6200XT")}, false)
-        , printer(folder.Path(QStringLiteral("printer"))) {
+        : Road({"1=Q7100", "2=Q6200XT"}, false)
+        , printer(folder.Path("printer")) {
         printer.SwitchOn();
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"),
-                 folder.Path(QStringLiteral("printer")));
+        IniWrite("Ports", "LPT1", folder.Path("printer"));
         Global::Get().language = GetParam();
         Global::ReadMarks();
         // Yes to what asks with yes and no, OK to all others.
@@ -80,33 +79,33 @@ protected:
     void Choose(const QString& value) {
         script.On(FormNames::dlgListInput, [value] {
             dynamic_cast<dlgListInput*>(Forms::Find(FormNames::dlgListInput))->Choose(value);
-            TapArray(FormNames::dlgListInput, QStringLiteral("imgControl"), 2);
+            TapArray(FormNames::dlgListInput, "imgControl", 2);
         });
     }
     void Type(const QString& text) {
         script.On(FormNames::dlgKeyboard, [text] {
             dynamic_cast<dlgKeyboard*>(Forms::Find(FormNames::dlgKeyboard))->setText(text);
-            TapArray(FormNames::dlgKeyboard, QStringLiteral("imgControl"), 1);
+            TapArray(FormNames::dlgKeyboard, "imgControl", 1);
         });
     }
     /// Leads from the main menu into a submenu's screen.
     void OpenBySubmenu(int tile, const QString& menu, int button) {
-        script.On(menu, [menu, button] { TapArray(menu, QStringLiteral("cmdButtons"), button); });
-        TapArray(FormNames::wMain, QStringLiteral("imgMenu"), tile);
+        script.On(menu, [menu, button] { TapArray(menu, "cmdButtons", button); });
+        TapArray(FormNames::wMain, "imgMenu", tile);
     }
 
     void SetParameter(int parameter, const QString& value) {
-        TapArray(FormNames::wBusPanneau, QStringLiteral("lblParamVal"), parameter);
+        TapArray(FormNames::wBusPanneau, "lblParamVal", parameter);
         if (parameter == Title || parameter >= ScreenText)
             Type(value);
         else
             Choose(value);
-        Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
+        Tap(FormNames::wBusPanneau, "imgModif");
     }
     void SetModel(int model) {
         for (int i = 0; i < model; ++i)
-            Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-        Tap(FormNames::wBusPanneau, QStringLiteral("imgActive"));
+            Tap(FormNames::wBusPanneau, "imgModele");
+        Tap(FormNames::wBusPanneau, "imgActive");
     }
 
     void SetUpPanels();
@@ -124,29 +123,28 @@ protected:
 void SetupRoad::SetUpPanels() {
     const QString form = FormNames::wBusPanneau;
     const QString yes = GetText(10002);
-    TapArray(FormNames::wMain, QStringLiteral("imgMenu"), 0);
-    TapArray(FormNames::wBusModules, QStringLiteral("imgPanneau"), 0);
+    TapArray(FormNames::wMain, "imgMenu", 0);
+    TapArray(FormNames::wBusModules, "imgPanneau", 0);
     SetModel(Models::Q7100);
-    SetParameter(Title, QStringLiteral("Pumphouse"));
+    SetParameter(Title, "Pumphouse");
     for (const int channel : {7, 8, 9}) {
-        StepTo(form, QStringLiteral("imgControl_1"), QStringLiteral("lblParamVal_1"),
-               QString::number(channel));
+        StepTo(form, "imgControl_1", "lblParamVal_1", QString::number(channel));
         for (const int parameter : {int(OnScreen), int(Printed), int(Horn)})
             SetParameter(parameter, yes);
-        SetParameter(Priority, QStringLiteral("5"));
-        SetParameter(Library, QStringLiteral("2"));
+        SetParameter(Priority, "5");
+        SetParameter(Library, "2");
         SetParameter(ScreenText, QStringLiteral("Pump %1").arg(channel));
         SetParameter(PrintText, QStringLiteral("Paper %1").arg(channel));
     }
-    TapArray(form, QStringLiteral("imgNavPanel"), 2);
+    TapArray(form, "imgNavPanel", 2);
     SetModel(Models::Q6200XT);
-    SetParameter(Title, QStringLiteral("Display"));
-    TapArray(form, QStringLiteral("imgNavig"), 5);
+    SetParameter(Title, "Display");
+    TapArray(form, "imgNavig", 5);
 }
 
 void SetupRoad::SetUpMirrors() {
     const QString form = FormNames::dlgEditMirror;
-    Tap(FormNames::wBusModules, QStringLiteral("imgMiroirs"));
+    Tap(FormNames::wBusModules, "imgMiroirs");
     const struct {
         const char* source;
         const char* target;
@@ -157,24 +155,24 @@ void SetupRoad::SetUpMirrors() {
             const auto arrow = [](int index) {
                 return QStringLiteral("imgPlusMoins_") + QString::number(index);
             };
-            StepTo(form, arrow(1), QStringLiteral("lblSrceModNo"), QStringLiteral("1"));
-            StepTo(form, arrow(3), QStringLiteral("lblSrceChnlNo"), QLatin1String(rule.source));
-            StepTo(form, arrow(5), QStringLiteral("lblDestModNo"), QStringLiteral("2"));
-            StepTo(form, arrow(7), QStringLiteral("lblDestChnlNo"), QLatin1String(rule.target));
+            StepTo(form, arrow(1), "lblSrceModNo", "1");
+            StepTo(form, arrow(3), "lblSrceChnlNo", QLatin1String(rule.source));
+            StepTo(form, arrow(5), "lblDestModNo", "2");
+            StepTo(form, arrow(7), "lblDestChnlNo", QLatin1String(rule.target));
             Tap(form, QLatin1String(rule.kind));
-            TapArray(form, QStringLiteral("imgControl"), 1);
+            TapArray(form, "imgControl", 1);
         });
-        Tap(FormNames::wBusMiroirs, QStringLiteral("imgNew"));
+        Tap(FormNames::wBusMiroirs, "imgNew");
     }
-    TapArray(FormNames::wBusMiroirs, QStringLiteral("imgNavig"), 0);
+    TapArray(FormNames::wBusMiroirs, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpTexts() {
     OpenBySubmenu(1, FormNames::dlgMenuParams, 2);
-    TapArray(FormNames::wParamBiblio, QStringLiteral("imgControl"), 3);
-    Type(QStringLiteral("High water"));
-    TapArray(FormNames::wParamBiblio, QStringLiteral("imgControl"), 10);
-    TapArray(FormNames::wParamBiblio, QStringLiteral("imgNavig"), 0);
+    TapArray(FormNames::wParamBiblio, "imgControl", 3);
+    Type("High water");
+    TapArray(FormNames::wParamBiblio, "imgControl", 10);
+    TapArray(FormNames::wParamBiblio, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpRouting() {
@@ -185,40 +183,37 @@ void SetupRoad::SetUpRouting() {
             label != nullptr && label->text().isEmpty())
             Tap(FormNames::wParamEcran, cell);
     }
-    TapArray(FormNames::wParamEcran, QStringLiteral("imgNavig"), 0);
+    TapArray(FormNames::wParamEcran, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpSounds() {
     const QString form = FormNames::wSysConfSon;
     OpenBySubmenu(2, FormNames::dlgMenuSystem, 2);
-    StepTo(form, QStringLiteral("imgControl_9"), QStringLiteral("lblSoundPrio"),
-           QStringLiteral("5"));
-    StepTo(form, QStringLiteral("imgControl_1"), QStringLiteral("lblSoundNum"),
-           QStringLiteral("3"));
-    TapArray(form, QStringLiteral("imgControl"), 5);
-    TapArray(form, QStringLiteral("imgNavig"), 0);
+    StepTo(form, "imgControl_9", "lblSoundPrio", "5");
+    StepTo(form, "imgControl_1", "lblSoundNum", "3");
+    TapArray(form, "imgControl", 5);
+    TapArray(form, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpPrinter() {
     const QString form = FormNames::wParamPrinter;
     OpenBySubmenu(1, FormNames::dlgMenuParams, 4);
-    TapArray(form, QStringLiteral("lblPort"), 1);
-    TapArray(form, QStringLiteral("imgNavig"), 0);
+    TapArray(form, "lblPort", 1);
+    TapArray(form, "imgNavig", 0);
 }
 
 QString SetupRoad::SaveSite() {
     script.On(FormNames::dlgFilePicker,
-              [] { TapArray(FormNames::dlgFilePicker, QStringLiteral("imgControl"), 1); });
-    TapArray(FormNames::wMain, QStringLiteral("imgNavig"), 8);
-    const QStringList saved =
-        QDir(folder.Path(QString())).entryList({QStringLiteral("*.kv2")}, QDir::Files);
+              [] { TapArray(FormNames::dlgFilePicker, "imgControl", 1); });
+    TapArray(FormNames::wMain, "imgNavig", 8);
+    const QStringList saved = QDir(folder.Path(QString())).entryList({"*.kv2"}, QDir::Files);
     return saved.isEmpty() ? QString() : folder.Path(saved.first());
 }
 
 } // namespace
 
 TEST_P(SetupRoad, FromANewSiteToTheFirstPrintedAlarm) {
-    TapArray(FormNames::wMain, QStringLiteral("imgNavig"), 11);
+    TapArray(FormNames::wMain, "imgNavig", 11);
     SetUpPanels();
     SetUpMirrors();
     SetUpTexts();
@@ -229,7 +224,7 @@ TEST_P(SetupRoad, FromANewSiteToTheFirstPrintedAlarm) {
     const SiteReader site(SaveSite());
     const SiteReader::Panel& panel = site.panels[1];
     EXPECT_EQ(panel.model, Models::Q7100);
-    EXPECT_EQ(panel.title, QStringLiteral("Pumphouse"));
+    EXPECT_EQ(panel.title, "Pumphouse");
     EXPECT_EQ(panel.active, -1);
     EXPECT_EQ(site.panels[2].model, Models::Q6200XT);
     for (const int number : {7, 8, 9}) {
@@ -241,23 +236,23 @@ TEST_P(SetupRoad, FromANewSiteToTheFirstPrintedAlarm) {
         EXPECT_EQ(channel.bibNum, 2);
     }
     EXPECT_EQ(panel.channels[6].scrAlm, 0);
-    EXPECT_EQ(site.biblio[1], QStringLiteral("High water"));
+    EXPECT_EQ(site.biblio[1], "High water");
     EXPECT_EQ(site.sounds[5], 3);
-    EXPECT_EQ(site.prtSettings, QStringLiteral("LPT1:"));
+    EXPECT_EQ(site.prtSettings, "LPT1:");
     const QList<std::array<int, 5>> rules{{1, 7, 2, 20, 1}, {1, 8, 2, 21, 2}};
     EXPECT_EQ(site.mirrors, rules);
 
-    TapArray(FormNames::wMain, QStringLiteral("imgMenu"), 3);
+    TapArray(FormNames::wMain, "imgMenu", 3);
     engine->setRun(true);
     simulator.Do("active 1 7");
     const QString origin = GetText(50011).left(1) + QStringLiteral("01-") +
                            GetText(50011).mid(1, 1) + QStringLiteral("07");
     ASSERT_TRUE(Until([&] { return !Rows().filter(origin).isEmpty(); }));
-    EXPECT_TRUE(Rows().filter(origin).first().contains(QStringLiteral("Pump 7")));
-    EXPECT_TRUE(Rows().filter(origin).first().contains(QStringLiteral("High water")));
+    EXPECT_TRUE(Rows().filter(origin).first().contains("Pump 7"));
+    EXPECT_TRUE(Rows().filter(origin).first().contains("High water"));
     EXPECT_EQ(folder.History().filter(origin).size(), 1);
     const auto& horn = static_cast<const platform::SilentSound&>(*Global::Get().sound);
-    EXPECT_TRUE(horn.playing.endsWith(QStringLiteral("AlarmSound3"))) << horn.playing.toStdString();
+    EXPECT_TRUE(horn.playing.endsWith("AlarmSound3")) << horn.playing.toStdString();
     EXPECT_TRUE(Until([&] { return printer.Paper().contains("Paper 7"); }));
     EXPECT_TRUE(Until([&] { return Shown(2, "states").mid(19, 1) == "1"; })) << "the mirror";
 }

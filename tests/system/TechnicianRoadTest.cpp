@@ -61,15 +61,14 @@ protected:
     }
     static TouchTable* Grid() {
         auto* window = dynamic_cast<ScreenForm*>(Forms::Find(Finder));
-        return window == nullptr ? nullptr
-                                 : window->findChild<TouchTable*>(QStringLiteral("grdPanels"));
+        return window == nullptr ? nullptr : window->findChild<TouchTable*>("grdPanels");
     }
     static void TakeAll() {
         for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
             Grid()->SelectTag(QString::number(address));
-            Tap(Finder, QStringLiteral("imgCommand_2"));
+            Tap(Finder, "imgCommand_2");
             if (FoundAt(address) != Models::None)
-                Tap(Finder, QStringLiteral("imgCommand_1"));
+                Tap(Finder, "imgCommand_1");
         }
     }
 
@@ -83,13 +82,13 @@ TEST_F(TechnicianRoad, ABusOf64AddressesIsFoundTakenOverAndWatched) {
     for (const int address : {1, 12, 40})
         Site().Panel(address).setModel(Models::P5500);
     script.On(Finder, [&] {
-        Tap(Finder, QStringLiteral("imgFind_1"));
+        Tap(Finder, "imgFind_1");
         for (int address = 1; address <= ConfigClass::PanelCount; ++address)
             EXPECT_EQ(Grid()->Cell(address - 1, 4), ModuleName(FoundAt(address))) << address;
         TakeAll();
-        Tap(Finder, QStringLiteral("imgNavig_5"));
+        Tap(Finder, "imgNavig_5");
     });
-    Tap(Console, QStringLiteral("cmdFindPanels"));
+    Tap(Console, "cmdFindPanels");
     int watched = 0;
     for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
         const PanelClass& panel = Site().Panel(address);
@@ -101,7 +100,7 @@ TEST_F(TechnicianRoad, ABusOf64AddressesIsFoundTakenOverAndWatched) {
     EXPECT_EQ(engine->Diagnosis().LastOf(3), BusDiagnosis::Outcome::NoAnswer);
 
     // The first start makes PC and modules agree.
-    Tap(Console, QStringLiteral("imgStopRun_1"));
+    Tap(Console, "imgStopRun_1");
     EXPECT_TRUE(Until([&] { return engine->State() == BusState::Running; }));
     EXPECT_TRUE(Until([&] {
         for (int address = 1; address <= ConfigClass::PanelCount; ++address) {

@@ -70,19 +70,18 @@ TEST_F(WatchRun, AnUnknownCodeLeavesAllOthersWatched) {
     EXPECT_TRUE(Comes("ERROR 9 HistoProcs.FormateTrace"));
     for (const int address : {2, 7, 33, 64})
         EXPECT_TRUE(Polls(simulator, address, 3)) << address;
-    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("ERROR 9 HistoProcs.FormateTrace")).size(), 1)
+    EXPECT_EQ(folder_.Trace().filter("ERROR 9 HistoProcs.FormateTrace").size(), 1)
         << "once, however often it comes";
-    EXPECT_FALSE(folder_.History().filter(QStringLiteral("P64-C03")).isEmpty());
+    EXPECT_FALSE(folder_.History().filter("P64-C03").isEmpty());
     EXPECT_EQ(program.Terminate(), 0);
 }
 
 TEST_F(WatchRun, APortThatComesLateIsFound) {
     Save({1});
     ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] {
-        return QFile::exists(folder_.Path(QStringLiteral("AlarmSound99.wav")));
-    })) << "the start went on without a port";
-    EXPECT_FALSE(TraceHolds(QStringLiteral("COMM   START")));
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(folder_.Path("AlarmSound99.wav")); }))
+        << "the start went on without a port";
+    EXPECT_FALSE(TraceHolds("COMM   START"));
     SimulatorProcess simulator(folder_.Bus(), Modules({1}));
     EXPECT_TRUE(Comes("COMM   START"));
     EXPECT_TRUE(Polls(simulator, 1, 2));
@@ -100,28 +99,27 @@ TEST_F(WatchRun, AnEndInTheSynchronisationWaitsForNoPanel) {
     // 63 silent panels take three minutes.
     EXPECT_TRUE(program.WaitForEnd(60000));
     EXPECT_EQ(program.ExitCode(), 0);
-    EXPECT_EQ(folder_.Trace().filter(QStringLiteral(" TASK  MANAGER  ")).size(), 1);
-    EXPECT_FALSE(TraceHolds(QStringLiteral("DISAPP")));
+    EXPECT_EQ(folder_.Trace().filter(" TASK  MANAGER  ").size(), 1);
+    EXPECT_FALSE(TraceHolds("DISAPP"));
 }
 
 // The first of the stored commands can't be read; a box tells it, and nobody answers.
 TEST_F(WatchRun, AnEndBehindABoxOfTheStartKeepsTheCommands) {
     Save({});
-    const QString command = QStringLiteral("2|1|0043|00:00:00|0002");
+    const QString command = "2|1|0043|00:00:00|0002";
     const SimulatorProcess simulator(folder_.Bus(), Modules({1}));
-    IniWrite(Pending, QStringLiteral("1"), QStringLiteral("garbage"));
-    IniWrite(Pending, QStringLiteral("2"), command);
-    IniWrite(Pending, QStringLiteral("3"), QStringLiteral("2|1|0042|00:00:00|0001"));
+    IniWrite(Pending, "1", "garbage");
+    IniWrite(Pending, "2", command);
+    IniWrite(Pending, "3", "2|1|0042|00:00:00|0001");
     ProgramProcess program(folder_);
-    ASSERT_TRUE(
-        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("korvanelle.lock"))); }));
+    ASSERT_TRUE(Eventually([&] { return QFile::exists(folder_.Path("korvanelle.lock")); }));
     QThread::msleep(2000);
     EXPECT_EQ(program.Terminate(), 0);
     QStringList kept;
     for (const auto& entry : IniReadSection(Pending))
         kept += entry.second;
     EXPECT_TRUE(kept.contains(command)) << kept.join(u' ').toStdString();
-    EXPECT_TRUE(kept.contains(QStringLiteral("2|1|0042|00:00:00|0001")));
+    EXPECT_TRUE(kept.contains("2|1|0042|00:00:00|0001"));
 }
 
 TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
@@ -129,11 +127,10 @@ TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
     SimulatorProcess simulator(folder_.Bus(), Modules({1, 2}));
     ProgramProcess program(folder_);
     ASSERT_TRUE(Polls(simulator, 1, 2));
-    ASSERT_TRUE(QDir(folder_.Path(QStringLiteral("Trace"))).removeRecursively());
+    ASSERT_TRUE(QDir(folder_.Path("Trace")).removeRecursively());
     for (const char* command : {"active 1 3", "active 2 3", "normal 1 3", "active 1 4"})
         simulator.Do(command);
-    EXPECT_TRUE(
-        Eventually([&] { return !folder_.History().filter(QStringLiteral("P01-C04")).isEmpty(); }));
+    EXPECT_TRUE(Eventually([&] { return !folder_.History().filter("P01-C04").isEmpty(); }));
     for (const char* address : {"1", "2"})
         EXPECT_TRUE(Eventually([&] {
             return simulator.Ask(QByteArray("show ") + address, "show").contains("waiting=0");
@@ -145,7 +142,7 @@ TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
 // takes.
 TEST_F(WatchRun, WhatTheBusLeavesUndoneIsTold) {
     Save({1, 2, 64});
-    IniWrite(Pending, QStringLiteral("1"), QStringLiteral("2|2|0500|00:00:00|0002"));
+    IniWrite(Pending, "1", "2|2|0500|00:00:00|0002");
     SimulatorProcess simulator(folder_.Bus(), Modules({1, 2, 64}));
     ProgramProcess program(folder_);
     EXPECT_TRUE(Comes("FAULT BEGINS COMMAND GIVEN UP P02:0500"));

@@ -14,7 +14,7 @@ TEST_F(EveryForm, ThatHasANameIsThere) {
     RegisterConfigScreens();
     QFile names(QStringLiteral(KORVANELLE_SOURCE_DIR "/src/core/FormNames.h"));
     ASSERT_TRUE(names.open(QIODevice::ReadOnly));
-    static const QRegularExpression Name(QStringLiteral("QStringLiteral\\(\"(\\w+)\"\\)"));
+    static const QRegularExpression Name("QStringLiteral\\(\"(\\w+)\"\\)");
     auto found = Name.globalMatch(QString::fromUtf8(names.readAll()));
     // Those that only their callers make.
     const QStringList made{FormNames::dlgMessage, FormNames::dlgPortDevice};

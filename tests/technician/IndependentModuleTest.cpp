@@ -123,7 +123,7 @@ protected:
         engine = std::make_unique<wPolling>(
             platform::MakeSerialPort([this](int) { return cable.End(0); }));
         engine->Form_Load();
-        engine->CommBus().setSettings(QStringLiteral("9600,N,8,1"));
+        engine->CommBus().setSettings("9600,N,8,1");
         engine->CommBus().setPortOpen(true);
     }
     ~IndependentModuleTest() override {
@@ -143,15 +143,15 @@ TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
     slave[133] = 2;
     const QString finder = FormNames::wTechFindPanels;
     Forms::Show(finder);
-    auto* grid = Find<TouchTable>(finder, QStringLiteral("grdPanels"));
+    auto* grid = Find<TouchTable>(finder, "grdPanels");
     // One module is enough: the second address is silent.
     QTimer stop;
     stop.callOnTimeout([&] {
         if (grid->Cell(1, 4) != QStringLiteral("?????"))
-            Tap(finder, QStringLiteral("imgFind_0"));
+            Tap(finder, "imgFind_0");
     });
     stop.start(20);
-    Tap(finder, QStringLiteral("imgFind_1"));
+    Tap(finder, "imgFind_1");
     stop.stop();
     EXPECT_EQ(grid->Cell(0, 4), ModuleName(Models::P5500));
     Forms::Unload(finder);
@@ -163,11 +163,10 @@ TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
         slave[channel] = uint16_t(channel % 5);
     Script script;
     script.On(front, [&] {
-        EXPECT_TRUE(Comes(
-            [&] { return TextOf(front, QStringLiteral("lblCommResult")) == GetText(830102); }));
-        Tap(front, QStringLiteral("cmdBoutons_4"));
+        EXPECT_TRUE(Comes([&] { return TextOf(front, "lblCommResult") == GetText(830102); }));
+        Tap(front, "cmdBoutons_4");
         EXPECT_TRUE(Comes([&] { return slave[64] == 1; }));
-        Tap(front, QStringLiteral("imgClose"));
+        Tap(front, "imgClose");
     });
     dynamic_cast<wTechEtatModule*>(Forms::Load(front))->Present(panel);
 }

@@ -32,7 +32,7 @@ TEST_P(TechnicianMonkey, NoTapsHarmTheProgramOrTheSite) {
     monkey.Run(MonkeyTaps());
     RemoveUnloaded();
     engine->setRun(false);
-    const QString file = Path(QStringLiteral("monkey.kv2"));
+    const QString file = Path("monkey.kv2");
     ASSERT_EQ(Site().Save(file), ConfigClass::Saved);
     ConfigClass again;
     EXPECT_EQ(again.Read(file), 0);

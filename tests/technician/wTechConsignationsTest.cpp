@@ -18,7 +18,7 @@ protected:
         Put(12, Models::Q6200XT).setActive(true);
         Put(3, 1).setActive(true);
         Put(40, 1);
-        Site().Panel(12).Channel(7).setScreenText(QStringLiteral("Oil pressure"));
+        Site().Panel(12).Channel(7).setScreenText("Oil pressure");
         Site().setModified(false);
     }
     /// No entry is kept for the next test.
@@ -44,7 +44,7 @@ protected:
     }
     /// Rows of a list, the cells of a row between blanks.
     static QString Rows(const char* list) {
-        const auto* table = Find<TouchTable>(Form, QString::fromLatin1(list));
+        const auto* table = Find<TouchTable>(Form, list);
         QStringList rows;
         for (int row = 0; row < table->RowCount(); ++row)
             rows += (table->Cell(row, 0) + u' ' + table->Cell(row, 2)).trimmed();
@@ -54,7 +54,7 @@ protected:
     static QString Present() { return Rows("lvwPresent"); }
     void Close(int reply) {
         answer = reply;
-        Press(QStringLiteral("imgNavig_5"));
+        Press("imgNavig_5");
         RemoveUnloaded();
     }
     /// Asks for panel 3 out, channel 12.7 out and panel 40 back.
@@ -74,41 +74,40 @@ protected:
 } // namespace
 
 TEST_F(OutOfServiceTest, KeysAreReadByPositionInEveryLanguage) {
-    EXPECT_EQ(wTechConsignations::FormatKey(12, 7), QStringLiteral("P12C07"));
-    EXPECT_EQ(wTechConsignations::FormatKey(3, 0), QStringLiteral("P03"));
+    EXPECT_EQ(wTechConsignations::FormatKey(12, 7), "P12C07");
+    EXPECT_EQ(wTechConsignations::FormatKey(3, 0), "P03");
     Global::Get().language = 1;
     Global::ReadMarks();
     const QString key = wTechConsignations::FormatKey(12, 7);
-    EXPECT_EQ(key, QStringLiteral("P12V07"));
+    EXPECT_EQ(key, "P12V07");
     EXPECT_EQ(key.mid(4, 2).toInt(), 7);
 }
 
 TEST_F(OutOfServiceTest, ASecondRequestUndoesAndWhatChangesNothingIsRefused) {
     AskForThree();
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40")) << "by panel";
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblChannel")), QStringLiteral("7"));
+    EXPECT_EQ(New(), "P03,P12C07,P40") << "by panel";
+    EXPECT_EQ(TextOf(Form, "lblChannel"), "7");
     Image(7);
     Image(6);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07")) << "back again; out it is already";
+    EXPECT_EQ(New(), "P03,P12C07") << "back again; out it is already";
     Image(2);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40C07"));
+    EXPECT_EQ(New(), "P03,P12C07,P40C07");
     Image(4, 28);
-    EXPECT_FALSE(Child(Form, QStringLiteral("imgControl_3"))->isEnabled());
+    EXPECT_FALSE(Child(Form, "imgControl_3")->isEnabled());
     Image(2);
     Image(7);
-    EXPECT_EQ(New(), QStringLiteral("P03,P40C07"));
-    Press(QStringLiteral("imgDelete"));
+    EXPECT_EQ(New(), "P03,P40C07");
+    Press("imgDelete");
     EXPECT_TRUE(boxes.isEmpty()) << "nothing is selected";
-    Press(QStringLiteral("imgNavig_2"), 2);
-    EXPECT_FALSE(Child(Form, QStringLiteral("imgNavig_2"))->isEnabled());
+    Press("imgNavig_2", 2);
+    EXPECT_FALSE(Child(Form, "imgNavig_2")->isEnabled());
     answer = Messages::Cancel;
-    Press(QStringLiteral("imgDelete"));
+    Press("imgDelete");
     EXPECT_EQ(styles.last(), 33);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModule")), QStringLiteral("40"))
-        << "what is selected is chosen";
+    EXPECT_EQ(TextOf(Form, "lblModule"), "40") << "what is selected is chosen";
     answer = Messages::Ok;
-    Press(QStringLiteral("imgDelete"));
-    EXPECT_EQ(New(), QStringLiteral("P03"));
+    Press("imgDelete");
+    EXPECT_EQ(New(), "P03");
 }
 
 TEST_F(OutOfServiceTest, TheSiteChangesWithAYesAlone) {
@@ -116,7 +115,7 @@ TEST_F(OutOfServiceTest, TheSiteChangesWithAYesAlone) {
     Close(Messages::Cancel);
     ASSERT_NE(Screen(Form), nullptr);
     EXPECT_EQ(styles.last(), 35);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40"));
+    EXPECT_EQ(New(), "P03,P12C07,P40");
     Close(Messages::No);
     EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().Modified());
@@ -137,9 +136,9 @@ TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
     Site().Panel(40).setActive(false);
     clock.Advance(86'400'000);
     Forms::Show(Form);
-    EXPECT_EQ(Present(), QStringLiteral("P03 2025-11-25 02:43,P12C07 2025-11-25 02:43,P40"));
-    Press(QStringLiteral("imgNavig_103"), 2);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTitle_1")), QStringLiteral("Oil pressure"));
+    EXPECT_EQ(Present(), "P03 2025-11-25 02:43,P12C07 2025-11-25 02:43,P40");
+    Press("imgNavig_103", 2);
+    EXPECT_EQ(TextOf(Form, "lblTitle_1"), "Oil pressure");
     Image(3);
     Close(Messages::Yes);
     EXPECT_FALSE(Site().Panel(12).Channel(7).OutOfOrder());
@@ -148,7 +147,7 @@ TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
     OutOfService::DropPast();
     Site().Panel(3).setActive(false);
     Forms::Show(Form);
-    EXPECT_EQ(Present(), QStringLiteral("P03,P40"));
+    EXPECT_EQ(Present(), "P03,P40");
 }
 
 TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {
@@ -160,8 +159,8 @@ TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {
     AskForThree();
     alarm();
     Forms::Show(Form);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40"));
-    EXPECT_FALSE(Child(Form, QStringLiteral("lblKept"))->isHidden());
+    EXPECT_EQ(New(), "P03,P12C07,P40");
+    EXPECT_FALSE(Child(Form, "lblKept")->isHidden());
     alarm();
     Site().Panel(3).setActive(false);
     Forms::Show(Form);
@@ -170,15 +169,14 @@ TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {
 
 TEST_F(OutOfServiceTest, TheConsoleTellsAndLeadsToTheListAtItsLevel) {
     const QString console = FormNames::wRunAlarms;
-    const QString note = QStringLiteral("lblOutOfService");
+    const QString note = "lblOutOfService";
     Site().setUserCount(1);
     Site().setUserLevel(1, 1);
-    Site().setUserPwd(1, QStringLiteral("A"));
+    Site().setUserPwd(1, "A");
     Forms::Show(console);
-    EXPECT_TRUE(TextOf(console, note).startsWith(QStringLiteral("1 ")));
+    EXPECT_TRUE(TextOf(console, note).startsWith("1 "));
     Script script;
-    script.On(FormNames::dlgUserCodes,
-              [] { Tap(FormNames::dlgUserCodes, QStringLiteral("imgControl_0")); });
+    script.On(FormNames::dlgUserCodes, [] { Tap(FormNames::dlgUserCodes, "imgControl_0"); });
     Tap(console, note);
     EXPECT_EQ(Screen(Form), nullptr);
     Global::Get().userLevel = Levels::Technician;

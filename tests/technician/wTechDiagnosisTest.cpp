@@ -11,9 +11,9 @@
 namespace {
 
 const QString Picker = FormNames::dlgFilePicker;
-const QString Hold = QStringLiteral("imgHold");
-const QString ThisPanel = QStringLiteral("imgFilter_0");
-const QString AllPanels = QStringLiteral("imgFilter_1");
+const QString Hold = "imgHold";
+const QString ThisPanel = "imgFilter_0";
+const QString AllPanels = "imgFilter_1";
 
 class TechDiagnosisTest : public TechnicianTest {
 protected:
@@ -35,12 +35,8 @@ protected:
     static void Refresh() {
         dynamic_cast<wTechDiagnosis*>(Forms::Find(FormNames::wTechDiagnosis))->Refresh();
     }
-    static TouchTable& Table() {
-        return *Find<TouchTable>(FormNames::wTechDiagnosis, QStringLiteral("tblPanels"));
-    }
-    static TraceGrid& Trace() {
-        return *Find<TraceGrid>(FormNames::wTechDiagnosis, QStringLiteral("grdTrace"));
-    }
+    static TouchTable& Table() { return *Find<TouchTable>(FormNames::wTechDiagnosis, "tblPanels"); }
+    static TraceGrid& Trace() { return *Find<TraceGrid>(FormNames::wTechDiagnosis, "grdTrace"); }
     static QString Row(int row, int columns = 7) {
         QStringList cells;
         for (int column = 0; column < columns; ++column)
@@ -70,10 +66,10 @@ TEST_F(TechDiagnosisTest, ARowStandsForEachPanelOfTheSiteAndOfTheBus) {
     // The counters of the hour are those of the start until an hour is over.
     clock.Advance(3'600'000);
     Read(9);
-    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSpan_1"));
+    Tap(FormNames::wTechDiagnosis, "imgSpan_1");
     EXPECT_EQ(Row(1), "5 ----- 0 0 0 0 0");
     EXPECT_EQ(Row(2), "9 ----- 1 0 0 0 0");
-    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSpan_0"));
+    Tap(FormNames::wTechDiagnosis, "imgSpan_0");
     EXPECT_EQ(Row(2), "9 ----- 2 0 0 0 0");
 }
 
@@ -109,11 +105,11 @@ TEST_F(TechDiagnosisTest, TheTraceIsFilteredAndHeld) {
     Read(5);
     Refresh();
     EXPECT_EQ(Trace().Count(), 6);
-    Table().SelectTag(QStringLiteral("9"));
+    Table().SelectTag("9");
     Tap(FormNames::wTechDiagnosis, ThisPanel);
     EXPECT_EQ(Trace().Count(), 2);
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTrace")), "Frames of panel 9");
-    Table().SelectTag(QStringLiteral("5"));
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, "lblTrace"), "Frames of panel 9");
+    Table().SelectTag("5");
     EXPECT_EQ(Trace().Count(), 4) << "goes along";
 
     Tap(FormNames::wTechDiagnosis, Hold);
@@ -121,8 +117,7 @@ TEST_F(TechDiagnosisTest, TheTraceIsFilteredAndHeld) {
         Read(9);
     Refresh();
     EXPECT_EQ(Trace().Count(), 4);
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTrace")),
-              "Frames of panel 5 - held");
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, "lblTrace"), "Frames of panel 5 - held");
     Tap(FormNames::wTechDiagnosis, AllPanels);
     EXPECT_EQ(Trace().Count(), 6) << "what was held, whatever is kept by now";
     Tap(FormNames::wTechDiagnosis, Hold);
@@ -142,12 +137,12 @@ TEST_F(TechDiagnosisTest, CountersAndFramesAreSavedAsTheyWere) {
     script.On(Picker, [this] {
         Read(9);
         Refresh();
-        Tap(Picker, QStringLiteral("imgControl_1"));
+        Tap(Picker, "imgControl_1");
     });
-    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSave"));
+    Tap(FormNames::wTechDiagnosis, "imgSave");
     EXPECT_EQ(boxes, QStringList());
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTold")), "Frames saved: 2");
-    QFile file(Path(QStringLiteral("Bus20240315.txt")));
+    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, "lblTold"), "Frames saved: 2");
+    QFile file(Path("Bus20240315.txt"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray text = file.readAll();
     EXPECT_TRUE(text.startsWith("Bus diagnosis\t2024-03-15 12:00:00\r\n")) << text.constData();

@@ -9,7 +9,7 @@
 
 namespace {
 
-const QString Unasked = QStringLiteral("?????");
+const QString Unasked = "?????";
 
 class TechFindPanelsTest : public TechnicianTest {
 protected:
@@ -21,14 +21,12 @@ protected:
                 during();
             return modules.Answer(frame);
         };
-        AddPanel(2, 3).setTitle(QStringLiteral("Pumps|north"));
+        AddPanel(2, 3).setTitle("Pumps|north");
         Site().Panel(5).setActive(true);
         Site().setModified(false);
     }
 
-    static TouchTable* Grid() {
-        return Find<TouchTable>(FormNames::wTechFindPanels, QStringLiteral("grdPanels"));
-    }
+    static TouchTable* Grid() { return Find<TouchTable>(FormNames::wTechFindPanels, "grdPanels"); }
     static QString Found(int panel) { return Grid()->Cell(panel - 1, 4); }
     static QString Row(int panel) {
         QStringList cells;
@@ -36,14 +34,10 @@ protected:
             cells += Grid()->Cell(panel - 1, column);
         return cells.join(u'/');
     }
-    static void Press(const char* name) {
-        Tap(FormNames::wTechFindPanels, QString::fromLatin1(name));
-    }
-    static QString Text(const char* name) {
-        return TextOf(FormNames::wTechFindPanels, QString::fromLatin1(name));
-    }
+    static void Press(const char* name) { Tap(FormNames::wTechFindPanels, name); }
+    static QString Text(const char* name) { return TextOf(FormNames::wTechFindPanels, name); }
     static bool Shown(const char* name) {
-        return Child(FormNames::wTechFindPanels, QLatin1String(name))->isVisible();
+        return Child(FormNames::wTechFindPanels, name)->isVisible();
     }
     static void Search() { Press("imgFind_1"); }
     static void Touch(int panel) {
@@ -84,18 +78,18 @@ TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
         return refused ? WithCrc("\x40\x83\x02") : modules.Answer(frame);
     };
     Forms::Show(FormNames::wTechFindPanels);
-    EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/Yes"));
+    EXPECT_EQ(Row(2), "2/Pumps north/Q7000/Yes");
     EXPECT_EQ(Found(2), Unasked);
     EXPECT_EQ(Text("lblBusConfig_5") + Text("lblBusConfig_6") + Text("lblBusConfig_7") +
                   Text("lblBusConfig_8") + Text("lblBusConfig_9"),
-              QStringLiteral("19600None81"));
+              "19600None81");
     Search();
     const QPair<int, const char*> results[] = {{1, "-----"}, {2, "Q6200XT"}, {3, "Q7100"},
                                                {4, "P5500"}, {6, "-----"},   {64, "Q7000"}};
     for (const auto& [panel, model] : results)
         EXPECT_EQ(Found(panel), QString::fromLatin1(model)) << panel;
-    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 64")) << "the selection went along";
-    EXPECT_EQ(Text("lblProgress"), QStringLiteral("64 of 64 addresses asked, modules found: 4"));
+    EXPECT_EQ(Text("lblFrames_1"), "Panel 64") << "the selection went along";
+    EXPECT_EQ(Text("lblProgress"), "64 of 64 addresses asked, modules found: 4");
     EXPECT_TRUE(Shown("imgFind_1"));
 }
 
@@ -127,7 +121,7 @@ TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
     for (int panel = 1; panel <= 8; ++panel) {
         Grid()->SelectTag(QString::number(panel));
         EXPECT_EQ(Text("lblReason"), QString::fromLatin1(reasons[panel - 1]));
-        EXPECT_EQ(Found(panel), QStringLiteral("-----"));
+        EXPECT_EQ(Found(panel), "-----");
     }
 }
 
@@ -136,26 +130,25 @@ TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
     engine->setRun(true);
     Forms::Show(FormNames::wTechFindPanels);
     While(9, [this] {
-        EXPECT_EQ(Found(9), QStringLiteral("-----"));
-        EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
+        EXPECT_EQ(Found(9), "-----");
+        EXPECT_EQ(Text("lblFrames_1"), "Panel 9");
         // Eight absent ones took a second each.
-        EXPECT_TRUE(Text("lblProgress").startsWith(QStringLiteral("Address 9 of 64, about 0:5")) ||
-                    Text("lblProgress").startsWith(QStringLiteral("Address 9 of 64, about 1:")))
+        EXPECT_TRUE(Text("lblProgress").startsWith("Address 9 of 64, about 0:5") ||
+                    Text("lblProgress").startsWith("Address 9 of 64, about 1:"))
             << Text("lblProgress").toStdString();
         EXPECT_TRUE(Shown("frmWarning"));
         EXPECT_FALSE(Shown("imgFind_1"));
         Press("imgFind_0");
         EXPECT_FALSE(Shown("frmWarning"));
         // A start from inside the search must not nest.
-        QTest::mouseClick(Child(FormNames::wTechFindPanels, QStringLiteral("imgFind_1")),
-                          Qt::LeftButton);
+        QTest::mouseClick(Child(FormNames::wTechFindPanels, "imgFind_1"), Qt::LeftButton);
     });
     Search();
-    EXPECT_EQ(Found(9), QStringLiteral("-----"));
+    EXPECT_EQ(Found(9), "-----");
     EXPECT_EQ(Found(10), Unasked);
     Touch(10);
     Press("imgCommand_2");
-    EXPECT_EQ(Grid()->Cell(9, 2), QStringLiteral("-----")) << "nothing to take over";
+    EXPECT_EQ(Grid()->Cell(9, 2), "-----") << "nothing to take over";
     engine->setRun(false);
     Search();
     EXPECT_NE(Found(64), Unasked) << "a search after a stop goes through";
@@ -173,14 +166,14 @@ TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
         Press("imgCommand_2");
     });
     Search();
-    EXPECT_EQ(Row(3), QStringLiteral("3//Q6200XT/No"));
-    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 3"));
+    EXPECT_EQ(Row(3), "3//Q6200XT/No");
+    EXPECT_EQ(Text("lblFrames_1"), "Panel 3");
     EXPECT_EQ(Grid()->verticalScrollBar()->value(), 0);
-    EXPECT_EQ(Found(64), QStringLiteral("-----")) << "the search went on";
+    EXPECT_EQ(Found(64), "-----") << "the search went on";
     // Left alone, the next search takes the selection along again, until the arrows are touched.
     While(10, [] { Press("imgControl_5"); });
     Search();
-    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
+    EXPECT_EQ(Text("lblFrames_1"), "Panel 9");
 }
 
 TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
@@ -189,18 +182,18 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     Search();
     Touch(64);
     Press("imgControl_4");
-    EXPECT_NE(Text("lblFrames_1"), QStringLiteral("Panel 64"));
+    EXPECT_NE(Text("lblFrames_1"), "Panel 64");
     const auto on = [](int panel, const char* command) {
         Grid()->SelectTag(QString::number(panel));
         Press(command);
         return Row(panel);
     };
-    EXPECT_EQ(on(5, "lblCommand_1"), QStringLiteral("5//-----/Yes")) << "active, without a model";
-    EXPECT_EQ(on(5, "lblCommand_0"), QStringLiteral("5//-----/No"));
-    EXPECT_EQ(on(5, "imgCommand_1"), QStringLiteral("5//-----/No"));
-    EXPECT_EQ(on(7, "lblCommand_2"), QStringLiteral("7//Q7100/No"));
-    EXPECT_EQ(on(7, "imgCommand_1"), QStringLiteral("7//Q7100/Yes"));
-    EXPECT_EQ(on(2, "imgCommand_2"), QStringLiteral("2/Pumps north/-----/Yes")) << "no answer";
+    EXPECT_EQ(on(5, "lblCommand_1"), "5//-----/Yes") << "active, without a model";
+    EXPECT_EQ(on(5, "lblCommand_0"), "5//-----/No");
+    EXPECT_EQ(on(5, "imgCommand_1"), "5//-----/No");
+    EXPECT_EQ(on(7, "lblCommand_2"), "7//Q7100/No");
+    EXPECT_EQ(on(7, "imgCommand_1"), "7//Q7100/Yes");
+    EXPECT_EQ(on(2, "imgCommand_2"), "2/Pumps north/-----/Yes") << "no answer";
     EXPECT_EQ(Site().Panel(7).Model(), 0);
     EXPECT_FALSE(Site().Modified());
     // What the bus finds out meanwhile stays.
@@ -214,8 +207,7 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     Forms::Show(FormNames::wBusModules);
     Leave(Messages::Yes);
     EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
-    EXPECT_EQ(TextOf(FormNames::wBusModules, QStringLiteral("lblTypePan_6")),
-              QStringLiteral("Q7100"));
+    EXPECT_EQ(TextOf(FormNames::wBusModules, "lblTypePan_6"), "Q7100");
     EXPECT_TRUE(Site().Panel(7).Active());
     EXPECT_FALSE(Site().Panel(2).Present());
     EXPECT_EQ(Site().Panel(2).Channel(4).State(), 1);
@@ -246,7 +238,7 @@ TEST_F(TechFindPanelsTest, LeavingEndsTheSearch) {
 
     Forms::Show(FormNames::wTechFindPanels);
     While(4, [this] {
-        Grid()->SelectTag(QStringLiteral("2"));
+        Grid()->SelectTag("2");
         Press("imgCommand_0");
         Leave(Messages::Cancel);
     });
@@ -268,7 +260,7 @@ TEST_F(TechFindPanelsTest, AnAlarmEndsTheSearchAndKeepsTheEdit) {
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_TRUE(Site().Panel(2).Active());
     Forms::Show(FormNames::wTechFindPanels);
-    EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/No"));
+    EXPECT_EQ(Row(2), "2/Pumps north/Q7000/No");
     EXPECT_TRUE(Shown("lblKept"));
     Leave(Messages::No);
     Forms::Show(FormNames::wTechFindPanels);
