@@ -24,7 +24,6 @@ protected:
     MirrorScreensTest() {
         for (int model = 1; model <= 5; ++model)
             AddPanel(model, model);
-        answer = Messages::Ok;
     }
     static void Add(int from, int fromChannel, int to, int toChannel, int kind = 1) {
         Site().Mirrors().Add(qint16(from), qint16(fromChannel), qint16(to), qint16(toChannel),
@@ -32,9 +31,9 @@ protected:
     }
     static void Press(int arrow, int times = 1) {
         while (times-- > 0)
-            Tap(Dialog, QStringLiteral("imgPlusMoins_%1").arg(arrow));
+            Tap(Dialog, Part("imgPlusMoins", arrow));
     }
-    static void Reply(int reply) { Tap(Dialog, QStringLiteral("imgControl_%1").arg(reply)); }
+    static void Reply(int reply) { Tap(Dialog, Part("imgControl", reply)); }
     /// Source and target as the dialog shows them.
     static QString Shown() {
         QStringList texts;
@@ -68,8 +67,7 @@ protected:
     /// Opens the mirrors of a panel from its editor and does something there.
     void InMirrorsOf(int panel, const std::function<void()>& act) {
         if (Screen(Panel) == nullptr) {
-            Forms::Load(Panel);
-            dynamic_cast<wBusPanneau*>(Screen(Panel))->setNumModule(qint16(panel));
+            dynamic_cast<wBusPanneau*>(Forms::Load(Panel))->setNumModule(qint16(panel));
             Forms::Show(Panel);
         }
         script.On(One, [act] {

@@ -6,11 +6,7 @@
 #include "core/ErrorHandling.h"
 #include "model/ConfigClass.h"
 #include "platform/RunTimeError.h"
-#include "support/Script.h"
 
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextEdit>
 #include <unistd.h>
@@ -24,9 +20,7 @@ enum Image { OneUp = 2, OneDown, StepUp, StepDown, Copy, Paste, Cut, Clear, Edit
 
 class TextEditorTest : public ConfigScreensTest {
 protected:
-    static void Touch(const QString& form, int image) {
-        Tap(form, QStringLiteral("imgControl_%1").arg(image));
-    }
+    static void Touch(const QString& form, int image) { Tap(form, Part("imgControl", image)); }
     static QListWidget* List(const QString& form) {
         return Screen(form)->findChild<QListWidget*>();
     }
@@ -34,25 +28,13 @@ protected:
         return List(form)->item(number - 1)->text();
     }
     static void GoTo(const QString& form, int number) { List(form)->setCurrentRow(number - 1); }
-    /// Edits the current entry, by one line or by several.
-    void Type(const QString& form, const QString& text) {
-        script.On(FormNames::dlgKeyboard, [form, text] {
-            if (form == Biblio)
-                Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0")->setText(text);
-            else
-                Find<QPlainTextEdit>(FormNames::dlgKeyboard, "txtValue_1")->setPlainText(text);
-            Tap(FormNames::dlgKeyboard, "imgControl_1");
-        });
+    void Edits(const QString& form, const QString& text) {
+        Type(script, text);
         Touch(form, Edit);
     }
     void Import(const QString& name) {
         TakeFile(script, name);
         Touch(Consignes, FromFile);
-    }
-    static void WriteFile(const QString& name, const QByteArray& bytes) {
-        QFile file(Global::InApplicationFolder(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
     }
     void Leave(const QString& form, int reply) {
         answer = reply;
@@ -74,27 +56,20 @@ TEST(TextLines, AreOneLineOfTheHead) {
 }
 
 TEST_F(TextEditorTest, StepsStopAtTheEnds) {
-    const struct {
-        QString form;
-        int entries;
-        int step;
-    } twins[] = {{Biblio, 64, 19}, {Consignes, 48, 8}};
-    for (const auto& [form, entries, step] : twins) {
-        SCOPED_TRACE(form.toStdString());
+    for (const auto& [form, entries, step] :
+         {std::tuple(Biblio, 64, 19), std::tuple(Consignes, 48, 8)}) {
         Forms::Show(form);
-        const auto number = [form = form] { return TextOf(form, "lblNumero"); };
         EXPECT_EQ(List(form)->count(), entries);
-        EXPECT_FALSE(Child(form, "imgControl_4")->isEnabled());
         Touch(form, StepDown);
-        EXPECT_EQ(number(), QString::number(1 + step));
+        EXPECT_EQ(TextOf(form, "lblNumero"), QString::number(1 + step));
         Touch(form, OneUp);
         Touch(form, StepUp);
-        EXPECT_EQ(number(), "1");
+        EXPECT_EQ(TextOf(form, "lblNumero"), "1");
+        EXPECT_FALSE(Child(form, "imgControl_4")->isEnabled());
         GoTo(form, entries - 1);
         Touch(form, StepDown);
-        EXPECT_EQ(number(), QString::number(entries));
+        EXPECT_EQ(TextOf(form, "lblNumero"), QString::number(entries));
         EXPECT_FALSE(Child(form, "imgControl_3")->isEnabled());
-        Forms::Unload(form);
     }
 }
 
@@ -110,12 +85,17 @@ TEST_F(TextEditorTest, AYesReachesTheSiteAndItsFile) {
     GoTo(Biblio, 64);
     Touch(Biblio, Paste);
     EXPECT_EQ(Line(Biblio, 64), "64 - two");
-    Type(Biblio, "Pump €");
+    Edits(Biblio, "Pump €");
     EXPECT_EQ(Line(Biblio, 64), "64 - Pump €");
     Touch(Biblio, Copy);
     GoTo(Biblio, 3);
     Touch(Biblio, Paste);
     EXPECT_EQ(Site().BiblioText(3), QString()) << "no word before the question";
+    for (const int none : {Messages::Cancel, Messages::Closed}) {
+        Leave(Biblio, none);
+        EXPECT_NE(Screen(Biblio), nullptr);
+        EXPECT_EQ(styles.last(), 35);
+    }
     Leave(Biblio, Messages::Yes);
     EXPECT_EQ(Site().Biblio(64), QStringLiteral("Pump €").leftJustified(24));
     EXPECT_EQ(Site().Biblio(1), QString(24, QChar())) << "what nobody touched keeps its bytes";
@@ -129,11 +109,11 @@ TEST_F(TextEditorTest, AYesReachesTheSiteAndItsFile) {
 TEST_F(TextEditorTest, NothingAskedWhereNothingDiffers) {
     Site().setConsigne(2, "text");
     Forms::Show(Consignes);
-    Type(Consignes, QString());
+    Edits(Consignes, QString());
     GoTo(Consignes, 3);
     Touch(Consignes, Clear);
     GoTo(Consignes, 2);
-    Type(Consignes, "text   ");
+    Edits(Consignes, "text   ");
     Touch(Consignes, Clear);
     Tap(Consignes, "imgCancel");
     EXPECT_EQ(Line(Consignes, 2), "02 - text");
@@ -145,7 +125,7 @@ TEST_F(TextEditorTest, NothingAskedWhereNothingDiffers) {
 
 TEST_F(TextEditorTest, AnAlarmKeepsWhatWasEdited) {
     Forms::Show(Consignes);
-    Type(Consignes, "First\nSecond");
+    Edits(Consignes, "First\nSecond");
     AlarmComes();
     Forms::Show(Biblio);
     EXPECT_TRUE(Child(Biblio, "lblKept")->isHidden()) << "its twin kept nothing";

@@ -27,19 +27,16 @@ public:
 
 class SysTimeTest : public ConfigScreensTest {
 protected:
-    SysTimeTest() {
+    SysTimeTest()
+        : ConfigScreensTest(FormNames::dlgSysTime) {
         clock.Set(2024, 3, 30, 23, 59, 58);
         Forms::Show(Form);
     }
 
-    void TapArrow(int index, int times = 1) {
-        for (int i = 0; i < times; ++i)
-            Tap(Form, QStringLiteral("imgControl_%1").arg(index));
-    }
     QString Fields() {
         QStringList fields;
         for (int field = 0; field < 6; ++field)
-            fields += TextOf(Form, QStringLiteral("lblDate_%1").arg(field));
+            fields += TextOf(Form, Part("lblDate", field));
         return fields.join(u' ');
     }
     QTimer& Timer() { return *Screen(Form)->findChild<QTimer*>("tmrTimeUpdate"); }
@@ -47,24 +44,23 @@ protected:
     void Set() { Tap(Form, "cmdBoutons_1"); }
 
     NotedClock machine;
-    const QString Form = FormNames::dlgSysTime;
 };
 
 } // namespace
 
 TEST_F(SysTimeTest, RunsUntilAFieldIsTouched) {
     EXPECT_EQ(Fields(), "30 03 2024 23 59 58");
-    EXPECT_EQ(TextOf(Form, "lblTimeZone"), machine.TimeZone());
+    EXPECT_EQ(Shown("lblTimeZone"), machine.TimeZone());
     clock.Advance(9000);
     Tick();
     EXPECT_EQ(Fields(), "31 03 2024 00 00 07");
     EXPECT_TRUE(Timer().isActive()) << "its own tick is no edit";
-    TapArrow(1, 3);
-    TapArrow(8, 2);
+    Press("imgControl", 1, 3);
+    Press("imgControl", 8, 2);
     EXPECT_EQ(Fields(), "31 03 2024 00 00 07") << "no field wraps around";
     EXPECT_TRUE(Timer().isActive());
-    TapArrow(3);
-    TapArrow(4);
+    Press("imgControl", 3);
+    Press("imgControl", 4);
     EXPECT_EQ(Fields(), "31 04 2023 00 00 07");
     EXPECT_FALSE(Timer().isActive());
     Set();
@@ -75,7 +71,7 @@ TEST_F(SysTimeTest, RunsUntilAFieldIsTouched) {
 }
 
 TEST_F(SysTimeTest, ARefusalSaysWhatToDo) {
-    TapArrow(6);
+    Press("imgControl", 6);
     machine.answer = {SystemClock::Outcome::KeptByNetwork, "words"};
     Set();
     EXPECT_EQ(boxes, QStringList(GetText(630210)));
@@ -84,10 +80,10 @@ TEST_F(SysTimeTest, ARefusalSaysWhatToDo) {
     ASSERT_EQ(boxes.size(), 2);
     EXPECT_EQ(boxes[1], ErrorHandling::ErrorText("dlgSysTime.cmdBoutons_Click",
                                                  platform::errors::PermissionDenied));
-    EXPECT_EQ(TextOf(Form, "lblNote"), GetText(630211));
+    EXPECT_EQ(Shown("lblNote"), GetText(630211));
     machine.answer.outcome = SystemClock::Outcome::Failed;
     Set();
-    EXPECT_TRUE(TextOf(Form, "lblNote").contains("words"));
+    EXPECT_TRUE(Shown("lblNote").contains("words"));
     EXPECT_FALSE(Timer().isActive()) << "what was entered stays";
     EXPECT_EQ(Fields(), "30 03 2024 22 59 58");
 }

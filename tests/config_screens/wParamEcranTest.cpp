@@ -4,7 +4,8 @@ namespace {
 
 class ParamEcranTest : public ConfigScreensTest {
 protected:
-    ParamEcranTest() {
+    ParamEcranTest()
+        : ConfigScreensTest(FormNames::wParamEcran) {
         SetOptions(0b00001, 0b11111, 0b00000, 0b00100);
         Site().setInactivityTime(7);
         Forms::Show(Form);
@@ -14,19 +15,11 @@ protected:
     QString Column(const char* cells) {
         QString column;
         for (int kind = 0; kind < 5; ++kind) {
-            const QString cell =
-                TextOf(Form, QStringLiteral("%1_%2").arg(QLatin1String(cells)).arg(kind));
+            const QString cell = TextOf(Form, Part(cells, kind));
             column += cell.isEmpty() ? QStringLiteral("-") : cell;
         }
         return column;
     }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, "imgNavig_0");
-        RemoveUnloaded();
-    }
-
-    const QString Form = FormNames::wParamEcran;
 };
 
 } // namespace
@@ -60,11 +53,10 @@ TEST_F(ParamEcranTest, InactivityOfZeroTurnsTheWatchOff) {
 TEST_F(ParamEcranTest, WhatAnAlarmInterruptsStandsThereAgain) {
     Tap(Form, "lblPrint_0");
     AlarmComes();
-    EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().OptionPrinter(0));
     Forms::Show(Form);
     EXPECT_EQ(Column("lblPrint"), "X----");
-    EXPECT_TRUE(Child(Form, "lblKept")->isVisible());
+    EXPECT_TRUE(TellsOfKept());
     Leave(Messages::No);
     Forms::Show(Form);
     EXPECT_EQ(Column("lblPrint"), "-----");

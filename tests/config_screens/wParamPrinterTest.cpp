@@ -5,7 +5,6 @@
 #include "events/PrinterDefinition.h"
 #include "support/PipePrinter.h"
 
-#include <QAbstractButton>
 #include <cstdlib>
 #include <optional>
 
@@ -13,7 +12,8 @@ namespace {
 
 class ParamPrinterTest : public ConfigScreensTest {
 protected:
-    ParamPrinterTest() {
+    ParamPrinterTest()
+        : ConfigScreensTest(FormNames::wParamPrinter) {
         Write("matrix", "[Reset]\nInit=1B 40\n[Colors]\n0=1B 72 06\n2=1B 72 04\n"
                         "[Styles]\nB=1B 45\nU=1B 2D 01\n");
         Write("plain", "[Reset]\nInit=\n");
@@ -27,20 +27,14 @@ protected:
         Forms::Show(Form);
     }
 
-    static void Write(const QString& name, const QByteArray& content) {
-        QFile file(PrinterDefinition::PathOf(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
+    void Write(const QString& name, const QByteArray& content) const {
+        WriteFile(name + ".prt", content);
     }
-    static QString TextIn(const char* label) { return TextOf(FormNames::wParamPrinter, label); }
     /// Taps a printer of the list, in their order.
     void TapPrinter(int row) const {
         auto* list = Find<QListWidget>(Form, "lstPrinterName");
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                           list->visualItemRect(list->item(row)).center());
-    }
-    static QAbstractButton* Option(const char* name) {
-        return Find<QAbstractButton>(FormNames::dlgParamPrinter, name);
     }
     /// Edits a class, and confirms or not.
     void EditClass(int number, const QStringList& taps, bool confirm = true) {
@@ -58,14 +52,13 @@ protected:
         Tap(Form, label);
         Choose(Form, "imgComModif", value);
     }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, "imgNavig_0");
-        answer = Messages::Ok;
-        RemoveUnloaded();
-    }
     void TestPrint() {
         Tap(Form, "cmdPrintTest");
+        QCoreApplication::processEvents();
+    }
+    void LetTwoSecondsPass() {
+        clock.Advance(2000);
+        engine->Paper().Advance();
         QCoreApplication::processEvents();
     }
     /// What the printer of the events is set to.
@@ -73,7 +66,6 @@ protected:
         return engine->dpPrinter().Port() + u':' + engine->dpPrinter().Settings();
     }
 
-    const QString Form = FormNames::wParamPrinter;
     PortsOfTest ports;
     PipePrinter paper{Path("paper")};
 };
@@ -81,11 +73,11 @@ protected:
 } // namespace
 
 TEST_F(ParamPrinterTest, AnEditedClassHoldsItsColourUntilThePrinterIsSelectedAgain) {
-    EXPECT_EQ(TextIn("lblEscCode_1"), "Green Bold Underlined");
+    EXPECT_EQ(Shown("lblEscCode_1"), "Green Bold Underlined");
     EditClass(2, {"optGreen", "chkGras"}, false);
-    EXPECT_EQ(TextIn("lblEscCode_2"), QString());
+    EXPECT_EQ(Shown("lblEscCode_2"), QString());
     EditClass(2, {"optYellow", "chkGras", "optRed", "chkItalic"});
-    EXPECT_EQ(TextIn("lblEscCode_2"), "Yellow Bold") << "no red, no italic";
+    EXPECT_EQ(Shown("lblEscCode_2"), "Yellow Bold") << "no red, no italic";
     Leave(Messages::Yes);
     EXPECT_EQ(Site().PrinterInitCode(2), "2B");
     EXPECT_EQ(Site().PrinterInitString(2), "1B 72 04");
@@ -127,8 +119,7 @@ TEST_F(ParamPrinterTest, APortThatCannotBeReadIsNotTaken) {
     QFile(Path("line")).open(QIODevice::WriteOnly);
     Site().setPrtSettings("COM5:9600,8,N,1");
     Forms::Show(Form);
-    EXPECT_EQ(TextIn("lblComSpeed") + TextIn("lblComParity") + TextIn("lblComBits"),
-              "9600??????????");
+    EXPECT_EQ(Shown("lblComSpeed") + Shown("lblComParity") + Shown("lblComBits"), "9600??????????");
     ChangeField("lblComParity", GetText(100022));
     const QString before = EventPort();
     for (const int said : {1, 2}) {
@@ -163,7 +154,7 @@ TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
     ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
     SLVfonctions::setDevicePath("COM2", QFile::decodeName(ptsname(terminal)));
     Tap(Form, "lblPort_0");
-    EXPECT_EQ(TextIn("lblComPort") + u' ' + TextIn("lblComSpeed"), "2 9600")
+    EXPECT_EQ(Shown("lblComPort") + u' ' + Shown("lblComSpeed"), "2 9600")
         << "the bus has the first";
     TestPrint();
     QByteArray line(64, '\0');
@@ -183,9 +174,7 @@ TEST_F(ParamPrinterTest, AStuckPrinterHoldsNothing) {
     TestPrint();
     EXPECT_EQ(boxes.size(), said);
     EXPECT_FALSE(Child(Form, "cmdPrintTest")->isEnabled());
-    clock.Advance(2000);
-    engine->Paper().Advance();
-    QCoreApplication::processEvents();
+    LetTwoSecondsPass();
     EXPECT_TRUE(boxes.last().startsWith(GetText(430316).section(u'$', 0, 0)));
     EXPECT_EQ(styles.last(), 16);
     EXPECT_EQ(EventPort(), "LPT1:");
@@ -193,9 +182,7 @@ TEST_F(ParamPrinterTest, AStuckPrinterHoldsNothing) {
     TestPrint();
     AlarmComes();
     const auto before = boxes.size();
-    clock.Advance(2000);
-    engine->Paper().Advance();
-    QCoreApplication::processEvents();
+    LetTwoSecondsPass();
     EXPECT_EQ(boxes.size(), before) << "nobody waits for it any more";
 }
 
@@ -208,24 +195,19 @@ TEST_F(ParamPrinterTest, AnAlarmKeepsTheEditAndPutsTheDeviceBack) {
     const QString adapter = ports.AddSerial("ttyUSB0", "FTDI");
     const auto device = [] { return SLVfonctions::DevicePath("COM4"); };
     const QString former = device();
-    Script script;
-    script.On(FormNames::dlgPortDevice, [] {
-        Find<QListWidget>(FormNames::dlgPortDevice, "lstDevices")->setCurrentRow(1);
-        Tap(FormNames::dlgPortDevice, "imgControl_1");
-    });
-    Tap(Form, "lblPortDevice_0");
+    ChooseDevice("lblPortDevice_0", 1);
     EXPECT_EQ(device(), ports.Lasting(adapter));
-    EXPECT_TRUE(TextIn("lblPortDevice_0").startsWith("FTDI"));
+    EXPECT_TRUE(Shown("lblPortDevice_0").startsWith("FTDI"));
     AlarmComes();
     EXPECT_EQ(device(), former);
     EXPECT_EQ(Site().PrtSettings(), "LPT1:");
 
     Forms::Show(Form);
-    EXPECT_TRUE(Child(Form, "lblKept")->isVisible());
-    EXPECT_EQ(TextIn("lblComPort"), "4");
+    EXPECT_TRUE(TellsOfKept());
+    EXPECT_EQ(Shown("lblComPort"), "4");
     EXPECT_EQ(device(), ports.Lasting(adapter)) << "as before the alarm";
     Leave(Messages::No);
     EXPECT_EQ(device(), former);
     Forms::Show(Form);
-    EXPECT_FALSE(Child(Form, "lblKept")->isVisible());
+    EXPECT_FALSE(TellsOfKept());
 }

@@ -7,7 +7,8 @@ namespace {
 
 class SysCommTest : public ConfigScreensTest {
 protected:
-    SysCommTest() {
+    SysCommTest()
+        : ConfigScreensTest(FormNames::wSysComm) {
         Site().setBusSettings("COM3:19200,N,8,2");
         engine->ConfigCommPort();
         engine->setRun(true);
@@ -22,30 +23,14 @@ protected:
     }
     /// Goes to a field, 0 the port, and chooses a value.
     void Change(int field, const QString& value) {
-        for (int i = 0; i < 4; ++i)
-            Tap(Form, "imgBusDir_0");
-        for (int i = 0; i < field; ++i)
-            Tap(Form, "imgBusDir_1");
-        EXPECT_EQ(TextOf(Form, "lblBusPointer"), QString::number(field + 1));
+        Press("imgBusDir", 0, 4);
+        Press("imgBusDir", 1, field);
+        EXPECT_EQ(Shown("lblBusPointer"), QString::number(field + 1));
         Choose(Form, "imgBusModif", value);
-    }
-    void ChooseDevice(int row) {
-        Script script;
-        script.On(FormNames::dlgPortDevice, [&] {
-            Find<QListWidget>(FormNames::dlgPortDevice, "lstDevices")->setCurrentRow(row);
-            Tap(FormNames::dlgPortDevice, "imgControl_1");
-        });
-        Tap(Form, "lblPortDevice");
-    }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, "imgNavig_0");
-        RemoveUnloaded();
     }
     QString Device() { return SLVfonctions::DevicePath("COM3"); }
 
     PortsOfTest ports;
-    const QString Form = FormNames::wSysComm;
 };
 
 } // namespace
@@ -70,7 +55,7 @@ TEST_F(SysCommTest, APortTouchesTheBusAtOnce) {
     EXPECT_EQ(link->CommPort(), 255);
     EXPECT_TRUE(link->PortOpen());
     EXPECT_TRUE(engine->Run());
-    EXPECT_EQ(TextOf(Form, "lblBusConfig_5"), "255");
+    EXPECT_EQ(Shown("lblBusConfig_5"), "255");
     EXPECT_EQ(Site().BusSettings(), "COM3:19200,N,8,2");
     Leave(Messages::No);
     EXPECT_EQ(link->CommPort(), 3) << "the answer no puts it back";
@@ -111,14 +96,14 @@ TEST_F(SysCommTest, AnEmptyFieldIsNotTaken) {
 TEST_F(SysCommTest, TheDeviceOfThePortIsNamedInTheSettings) {
     const QString before = Device();
     const QString adapter = ports.AddSerial("ttyUSB0", "FTDI");
-    ChooseDevice(1);
+    ChooseDevice("lblPortDevice", 1);
     EXPECT_EQ(Device(), ports.Lasting(adapter));
-    EXPECT_TRUE(TextOf(Form, "lblPortDevice").startsWith("FTDI"));
+    EXPECT_TRUE(Shown("lblPortDevice").startsWith("FTDI"));
     EXPECT_TRUE(engine->Run());
     Leave(Messages::No);
     EXPECT_EQ(Device(), before);
     Forms::Show(Form);
-    ChooseDevice(1);
+    ChooseDevice("lblPortDevice", 1);
     Leave(Messages::Yes);
     EXPECT_EQ(Device(), ports.Lasting(adapter));
 
@@ -138,7 +123,7 @@ TEST_F(SysCommTest, TheDirectionIsSwitchedAtOnceAndGoesBackWithTheAnswerNo) {
     EXPECT_TRUE(isRs485());
     EXPECT_EQ(link->openings, openings + 1);
     EXPECT_TRUE(engine->Run());
-    EXPECT_TRUE(TextOf(Form, "lblPortUse").endsWith(GetText(301321)));
+    EXPECT_TRUE(Shown("lblPortUse").endsWith(GetText(301321)));
     Leave(Messages::No);
     EXPECT_FALSE(isRs485());
     EXPECT_EQ(link->openings, openings + 2);
@@ -159,7 +144,7 @@ TEST_F(SysCommTest, AnAlarmPutsTheBusBackAndKeepsTheEdit) {
     EXPECT_TRUE(engine->Run()) << "nobody is there to start it";
     Forms::Show(Form);
     EXPECT_EQ(Values(), "9 19200 2 No");
-    EXPECT_TRUE(Child(Form, "lblKept")->isVisible());
+    EXPECT_TRUE(TellsOfKept());
     Leave(Messages::Yes);
     EXPECT_EQ(link->CommPort(), 9);
     EXPECT_EQ(Site().BusSettings(), "COM9:19200,N,8,2");

@@ -5,39 +5,34 @@
 
 namespace {
 
+enum SoundImage {
+    Down,
+    Up,
+    Stop,
+    Play,
+    UndoSound,
+    ApplySound,
+    UndoFiles,
+    ApplyFiles,
+    LessUrgent,
+    MoreUrgent
+};
+
 class SysConfSonTest : public ConfigScreensTest {
 protected:
-    SysConfSonTest() {
+    SysConfSonTest()
+        : ConfigScreensTest(FormNames::wSysConfSon) {
         Site().setAlarmPrioSound(1, 2);
         Site().setAlarmPrioSound(2, 0);
         Forms::Show(Form);
     }
 
-    void TapImage(int index) { Tap(Form, QStringLiteral("imgControl_%1").arg(index)); }
-    int Sound() { return TextOf(Form, "lblSoundNum").toInt(); }
-    QString Playing() { return TextOf(Form, "lblPlaying"); }
+    void TapImage(int index, int times = 1) { Press("imgControl", index, times); }
+    int Sound() { return Shown("lblSoundNum").toInt(); }
+    QString Playing() { return Shown("lblPlaying"); }
     static QString Key(const char* key) {
         return IniRead("Files", QString::fromLatin1(key), "none");
     }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, "imgNavig_0");
-        RemoveUnloaded();
-    }
-
-    enum {
-        Down,
-        Up,
-        Stop,
-        Play,
-        UndoSound,
-        ApplySound,
-        UndoFiles,
-        ApplyFiles,
-        LessUrgent,
-        MoreUrgent
-    };
-    const QString Form = FormNames::wSysConfSon;
 };
 
 } // namespace
@@ -46,10 +41,10 @@ TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
     EXPECT_FALSE(Child(Form, "cmdPeriod")->isEnabled());
     Tap(Form, "optPeriod_1");
     Tap(Form, "chkPeriod");
-    EXPECT_EQ(TextOf(Form, "lblPeriod"), GetText(630257));
+    EXPECT_EQ(Shown("lblPeriod"), GetText(630257));
     Choose(Form, "cmdPeriod", "730");
     TapImage(UndoFiles);
-    EXPECT_EQ(TextOf(Form, "txtPeriod"), "0");
+    EXPECT_EQ(Shown("txtPeriod"), "0");
     Tap(Form, "chkPeriod");
     Choose(Form, "cmdPeriod", "6");
     Tap(Form, "chkNoResize");
@@ -74,18 +69,16 @@ TEST_F(SysConfSonTest, WithoutTheBoxFilesAreKeptForEver) {
 
 TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
     EXPECT_EQ(Sound(), 2);
-    TapImage(Down);
-    TapImage(Down);
+    TapImage(Down, 2);
     EXPECT_EQ(Sound(), 1) << "the arrow stops there";
-    for (int i = 0; i < Config::HighestSound() + 2; ++i)
-        TapImage(Up);
+    TapImage(Up, Config::HighestSound() + 2);
     EXPECT_EQ(Sound(), Config::HighestSound());
     TapImage(ApplySound);
     EXPECT_EQ(Site().AlarmPrioSound(1), Config::HighestSound());
     EXPECT_EQ(boxes.last(), GetText(30009));
 
     TapImage(MoreUrgent);
-    EXPECT_EQ(TextOf(Form, "lblSoundPrio"), "2");
+    EXPECT_EQ(Shown("lblSoundPrio"), "2");
     EXPECT_EQ(Sound(), 0);
     const qsizetype told = boxes.size();
     TapImage(ApplySound);
@@ -140,8 +133,8 @@ TEST_F(SysConfSonTest, WhatAnAlarmInterruptsStandsThereAgain) {
     Tap(Form, "optPeriod_1");
     AlarmComes();
     Forms::Show(Form);
-    EXPECT_TRUE(Child(Form, "lblKept")->isVisible());
-    EXPECT_EQ(TextOf(Form, "lblSoundPrio"), "2");
+    EXPECT_TRUE(TellsOfKept());
+    EXPECT_EQ(Shown("lblSoundPrio"), "2");
     EXPECT_EQ(Sound(), 1);
     Leave(Messages::Yes);
     EXPECT_EQ(Site().AlarmPrioSound(2), 1);

@@ -2,9 +2,6 @@
 
 #include "system/Processes.h"
 
-#include "core/Config.h"
-#include "model/Models.h"
-
 #include <cstring>
 
 namespace {
@@ -75,40 +72,28 @@ private:
     QProcess process_;
 };
 
-class HornTest : public ::testing::Test {
+class HornTest : public PlantTest {
 protected:
     HornTest()
-        : simulator_(folder_.Bus(), {"1=Q7100"}) {
-        EXPECT_TRUE(Config::OpenConfigBase());
-        ConfigClass site;
-        site.setAutoStart(true);
+        : simulator_(folder.Bus(), {"1=Q7100"}) {
         for (int bit = 0; bit <= 4; ++bit)
             site.setOptionKlaxon(bit, true);
-        site.Panel(1).setModel(Models::Q7100);
-        site.Panel(1).setActive(true);
-        site.Panel(1).Channel(2).setKlaxon(true);
-        site.Panel(1).Channel(2).setAlmPrio(5);
+        ChannelClass& channel = Put(1).Channel(2);
+        channel.setKlaxon(true);
+        channel.setAlmPrio(5);
         site.setAlarmPrioSound(5, 8);
-        EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+        Save();
     }
 
     void SetUp() override {
         if (!server_.Start())
             GTEST_SKIP() << "no sound server can be started";
     }
-
-    int Count(const char* words) const {
-        return int(folder_.Trace().filter(QString::fromLatin1(words)).size());
-    }
-    bool Comes(const char* words, int times = 1) const {
-        return Eventually([&] { return Count(words) >= times; });
-    }
     void Alarm() {
         ASSERT_TRUE(Comes("SYNCHR"));
         simulator_.Do("active 1 2");
     }
 
-    RunFolder folder_;
     SimulatorProcess simulator_;
     SoundServer server_;
 };
@@ -116,18 +101,18 @@ protected:
 } // namespace
 
 TEST_F(HornTest, ABadFileIsReplacedByTheSoundOfTheBase) {
-    QFile file(folder_.Path("AlarmSound8.wav"));
+    QFile file(folder.Path("AlarmSound8.wav"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(Config::Sound(8).value().left(20'000));
     file.close();
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     Alarm();
     EXPECT_TRUE(SoundServer::IsHeard());
     EXPECT_TRUE(Comes("SOUND AlarmSound8.wav NOT PLAYABLE, IN ITS PLACE BASE"));
 }
 
 TEST_F(HornTest, ASilenceIsToldAndEndsByItself) {
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     Alarm();
     EXPECT_TRUE(SoundServer::IsHeard());
 
@@ -142,7 +127,7 @@ TEST_F(HornTest, ASilenceIsToldAndEndsByItself) {
     // What a server offers in the place of a device that has gone can't be heard.
     SoundServer::Control({"load-module", "module-null-sink", "sink_name=auto_null"});
     QThread::sleep(2);
-    EXPECT_EQ(Count("FAULT ENDS   NO HORN"), 1);
+    EXPECT_EQ(Traced("FAULT ENDS   NO HORN").size(), 1);
     SoundServer::Control({"unload-module", "module-null-sink"});
     SoundServer::Control({"load-module", "module-null-sink", "sink_name=horn"});
     EXPECT_TRUE(SoundServer::IsHeard());
@@ -155,7 +140,7 @@ TEST_F(HornTest, ASilenceIsToldAndEndsByItself) {
 
 TEST_F(HornTest, AMissingLoudspeakerIsToldBeforeTheAlarm) {
     server_.Kill();
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     EXPECT_TRUE(Comes("FAULT BEGINS NO HORN"));
     ASSERT_TRUE(server_.Start());
     EXPECT_TRUE(Comes("FAULT ENDS   NO HORN"));

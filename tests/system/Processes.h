@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/Config.h"
 #include "core/SLVfonctions.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "model/Models.h"
 #include "platform/CodePage.h"
 #include "platform/Folders.h"
 #include "support/PrintText.h"
@@ -151,3 +153,34 @@ inline bool Eventually(const std::function<bool()>& condition, int seconds = 60)
     }
     return true;
 }
+
+/// The installed program with a site that starts its bus by itself.
+class PlantTest : public ::testing::Test {
+protected:
+    PlantTest() {
+        EXPECT_TRUE(Config::OpenConfigBase());
+        site.setAutoStart(true);
+    }
+
+    /// An active panel of model `Q7100`.
+    PanelClass& Put(int address) {
+        PanelClass& panel = site.Panel(address);
+        panel.setModel(Models::Q7100);
+        panel.setActive(true);
+        return panel;
+    }
+    void Save() { EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved); }
+    QStringList Traced(const QString& part) const { return folder.Trace().filter(part); }
+    /// Waits for lines of the trace. The first start of a full bus takes half a minute.
+    bool Comes(const QString& part, int times = 1) const {
+        return Eventually([&] { return Traced(part).size() >= times; }, 120);
+    }
+    bool FileComes(const QString& name) const {
+        return Eventually([&] { return QFile::exists(folder.Path(name)); });
+    }
+    /// The start is through: its last file is there.
+    bool Starts() const { return FileComes("AlarmSound99.wav"); }
+
+    RunFolder folder;
+    ConfigClass site;
+};

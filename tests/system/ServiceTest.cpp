@@ -2,9 +2,6 @@
 
 #include "system/Processes.h"
 
-#include "core/Config.h"
-#include "model/Models.h"
-
 #include <array>
 #include <csignal>
 #include <poll.h>
@@ -53,17 +50,14 @@ private:
     int socket_;
 };
 
+class ServiceTest : public PlantTest {};
+
 } // namespace
 
-TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
-    const RunFolder folder;
+TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
     SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});
-    ASSERT_TRUE(Config::OpenConfigBase());
-    ConfigClass site;
-    site.setAutoStart(true);
-    site.Panel(1).setModel(Models::Q7100);
-    site.Panel(1).setActive(true);
-    ASSERT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+    Put(1);
+    Save();
     const NotifySocket socket(folder.Path("notify"));
     ProgramProcess program(folder,
                            {{"NOTIFY_SOCKET", folder.Path("notify")}, {"WATCHDOG_USEC", "400000"}});
@@ -84,8 +78,7 @@ TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
     EXPECT_TRUE(program.WaitForEnd(20000));
 }
 
-TEST(ServiceTest, TheFolderOfTheDataIsNamed) {
-    const RunFolder folder;
+TEST_F(ServiceTest, TheFolderOfTheDataIsNamed) {
     const QString data = folder.Path("site/data");
     QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -4,7 +4,6 @@
 #include "core/SLVfonctions.h"
 #include "screens/dialogs/dlgKeyboard.h"
 #include "screens/dialogs/dlgListInput.h"
-#include "screens/touch/ScreenForm.h"
 #include "screens/touch/ValueLabel.h"
 #include "support/PipePrinter.h"
 #include "support/Road.h"
@@ -12,7 +11,6 @@
 #include "support/SiteReader.h"
 
 #include <QDir>
-#include <QTest>
 
 namespace {
 
@@ -39,29 +37,9 @@ protected:
         IniWrite("Ports", "LPT1", folder.Path("printer"));
         Global::Get().language = GetParam();
         Global::ReadMarks();
-        // Yes to what asks with yes and no, OK to all others.
-        Messages::Install([this](const QString& text, int style, bool) {
-            boxes += text;
-            return int((style & Messages::ButtonSet) == Messages::YesNoCancel ? Messages::Yes
-                                                                              : Messages::Ok);
-        });
         Forms::Show(FormNames::wMain);
     }
 
-    template <class W = QWidget> static W* Find(const QString& form, const QString& name) {
-        auto* window = dynamic_cast<ScreenForm*>(Forms::Find(form));
-        W* control = window == nullptr ? nullptr : window->findChild<W*>(name);
-        EXPECT_NE(control, nullptr) << form.toStdString() << "." << name.toStdString();
-        return control;
-    }
-    static void Tap(const QString& form, const QString& name) {
-        QWidget* control = Find(form, name);
-        if (control == nullptr)
-            return;
-        EXPECT_TRUE(control->isVisible() && control->isEnabled())
-            << form.toStdString() << "." << name.toStdString();
-        QTest::mouseClick(control, Qt::LeftButton);
-    }
     static void TapArray(const QString& form, const QString& array, int index) {
         Tap(form, array + u'_' + QString::number(index));
     }

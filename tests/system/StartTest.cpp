@@ -32,13 +32,11 @@ public:
     QStringList names;
 };
 
+class StartTest : public PlantTest {};
+
 // Nothing can be written into the trace: that stands over the console and not ahead of it.
-TEST(StartTest, ABoxOfTheStartComesOverTheConsole) {
-    const RunFolder folder;
-    ASSERT_TRUE(Config::OpenConfigBase());
-    ConfigClass site;
-    site.setAutoStart(true);
-    ASSERT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+TEST_F(StartTest, ABoxOfTheStartComesOverTheConsole) {
+    Save();
     QFile inTheWay(folder.Path("Trace"));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
     const SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});
