@@ -1,12 +1,12 @@
 // The editors of mirror rules: what a rule may be, and what becomes of the working lists.
 
-#include "ConfigScreensFixture.h"
 #include "config_screens/mirrors/dlgEditMirror.h"
 #include "config_screens/mirrors/wBusMiroirs.h"
 #include "config_screens/mirrors/wBusMirrorOne.h"
 #include "config_screens/panel/wBusPanneau.h"
 #include "screens/touch/TouchTable.h"
 #include "screens/touch/ValueLabel.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 

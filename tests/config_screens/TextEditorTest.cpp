@@ -1,11 +1,11 @@
 // The editors of library and instruction texts.
 
-#include "ConfigScreensFixture.h"
 #include "config_screens/texts/wParamBiblio.h"
 #include "config_screens/texts/wParamConsignes.h"
 #include "core/ErrorHandling.h"
 #include "model/ConfigClass.h"
 #include "platform/RunTimeError.h"
+#include "support/ConfigScreensFixture.h"
 
 #include <QScrollBar>
 #include <QTextEdit>

@@ -1,6 +1,6 @@
 // Copying a panel over another.
 
-#include "ConfigScreensFixture.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // What the operator sees of the machine's devices, and which of them can be chosen for a port.
 
 #include "config_screens/dlgPortDevice.h"
-#include "ConfigScreensFixture.h"
-#include "PortsOfTest.h"
+#include "support/ConfigScreensFixture.h"
+#include "support/PortsOfTest.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The clock is set on a machine that only notes it.
 
-#include "ConfigScreensFixture.h"
 #include "core/ErrorHandling.h"
 #include "platform/SystemClock.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 

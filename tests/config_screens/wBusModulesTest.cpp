@@ -1,8 +1,8 @@
 // The list of the panels: its tiles and pages, the ways out of it, and the sheet of the channels.
 
-#include "ConfigScreensFixture.h"
 #include "config_screens/panels/PanelTitle.h"
 #include "screens/touch/Colours.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 

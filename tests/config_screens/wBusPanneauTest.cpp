@@ -1,12 +1,12 @@
 // The editor of a panel: what it shows and stores, its clipboard, the ways out of it.
 
 #include "config_screens/panel/wBusPanneau.h"
-#include "ConfigScreensFixture.h"
 #include "config_screens/panel/ChannelParameters.h"
 #include "config_screens/panel/dlgColour.h"
 #include "model/Models.h"
 #include "screens/touch/Colours.h"
 #include "screens/touch/ValueLabel.h"
+#include "support/ConfigScreensFixture.h"
 
 #include <QPushButton>
 #include <set>

@@ -1,4 +1,4 @@
-#include "ConfigScreensFixture.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 

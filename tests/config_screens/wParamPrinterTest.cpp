@@ -1,9 +1,9 @@
 // The printer's screen against a named pipe, on which the events go out, and a pseudo-terminal.
 
-#include "ConfigScreensFixture.h"
-#include "PortsOfTest.h"
 #include "events/PrinterDefinition.h"
+#include "support/ConfigScreensFixture.h"
 #include "support/PipePrinter.h"
+#include "support/PortsOfTest.h"
 
 #include <cstdlib>
 #include <optional>

@@ -1,7 +1,7 @@
 // The port of the bus, on a line that opens when the test lets it.
 
-#include "ConfigScreensFixture.h"
-#include "PortsOfTest.h"
+#include "support/ConfigScreensFixture.h"
+#include "support/PortsOfTest.h"
 
 namespace {
 

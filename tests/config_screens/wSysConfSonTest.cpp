@@ -1,7 +1,7 @@
 // Keys of the history files and sounds of the priorities, on a horn that notes what it plays.
 
-#include "ConfigScreensFixture.h"
 #include "events/Klaxon.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 

@@ -88,8 +88,8 @@ TEST_F(ProgramTest, AMissingPortHoldsUpNoStartAndKeepsTheCommands) {
 
 // A site that can't be read keeps the bus from starting by itself; the watchdog brings the console.
 TEST_F(ProgramTest, AnUnreadableSiteLeavesTheBusStopped) {
-    QFile site(CurrentConfigFile());
-    ASSERT_TRUE(site.resize(site.size() / 2));
+    QFile file(CurrentConfigFile());
+    ASSERT_TRUE(file.resize(file.size() / 2));
     ProgramProcess program(folder);
     ASSERT_TRUE(Comes("APPLI  START"));
     ASSERT_TRUE(FileComes("AlarmSound1.wav"));

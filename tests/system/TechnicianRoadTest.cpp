@@ -21,14 +21,15 @@ bool IsSilent(int address) {
 /// The models by turns. What the search reports of a `P5000` is a `Q7100`. Those that refuse a
 /// register cost the whole wait for its reply each time, and are few.
 quint8 ModelAt(int address) {
-    constexpr quint8 Turn[] = {Models::Q7100, Models::Q6200XT, Models::P5500, Models::Q6200XT};
     switch (address % 16) {
     case 5:
         return Models::Q7000;
     case 10:
         return Models::P5000;
+    case 14:
+        return Models::P5500;
     default:
-        return Turn[address % 4];
+        return address % 2 == 0 ? Models::Q7100 : Models::Q6200XT;
     }
 }
 int FoundAt(int address) {

@@ -52,7 +52,7 @@ TEST_F(WatchRun, AnUnknownCodeLeavesAllOthersWatched) {
         EXPECT_TRUE(Polls(simulator, address, 3)) << address;
     EXPECT_EQ(Traced("ERROR 9 HistoProcs.FormateTrace").size(), 1)
         << "once, however often it comes";
-    EXPECT_FALSE(folder.History().filter("P64-C03").isEmpty());
+    EXPECT_TRUE(Eventually([&] { return !folder.History().filter("P64-C03").isEmpty(); }));
     EXPECT_EQ(program.Terminate(), 0);
 }
 

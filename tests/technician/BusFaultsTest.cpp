@@ -58,11 +58,8 @@ protected:
         return all;
     }
     static void ExpectTheOthersAreWell(const QList<BusDiagnosis::Counters>& all) {
-        for (int panel = 1; panel <= Panels; ++panel) {
-            if (panel != Faulty) {
-                EXPECT_EQ(all[panel - 1].Answers(), Reads) << panel;
-            }
-        }
+        for (const int panel : {1, 3, 4})
+            EXPECT_EQ(all[panel - 1].Answers(), Reads) << panel;
     }
 
     Sim::Bus bus{Time};

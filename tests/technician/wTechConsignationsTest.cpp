@@ -14,7 +14,8 @@ namespace {
 /// panel 5, which has no model.
 class OutOfServiceTest : public TechnicianTest {
 protected:
-    OutOfServiceTest() {
+    OutOfServiceTest()
+        : TechnicianTest(FormNames::wTechConsignations) {
         Put(12, Models::Q6200XT).setActive(true);
         Put(3, 1).setActive(true);
         Put(40, 1);
@@ -24,7 +25,7 @@ protected:
     /// No entry is kept for the next test.
     ~OutOfServiceTest() override {
         if (Screen(Form) != nullptr)
-            Close(Messages::No);
+            Leave(Messages::No);
     }
     OutOfServiceTest(const OutOfServiceTest&) = delete;
     OutOfServiceTest& operator=(const OutOfServiceTest&) = delete;
@@ -35,28 +36,17 @@ protected:
         panel.setTitle(QStringLiteral("Panel %1").arg(number));
         return panel;
     }
-    void Press(const QString& name, int times = 1) {
-        for (; times > 0; --times)
-            Tap(Form, name);
-    }
-    void Image(int index, int times = 1) {
-        Press(QStringLiteral("imgControl_%1").arg(index), times);
-    }
+    void Image(int index, int times = 1) const { Press("imgControl", index, times); }
     /// Rows of a list, the cells of a row between blanks.
-    static QString Rows(const char* list) {
+    QString Rows(const char* list) const {
         const auto* table = Find<TouchTable>(Form, list);
         QStringList rows;
         for (int row = 0; row < table->RowCount(); ++row)
             rows += (table->Cell(row, 0) + u' ' + table->Cell(row, 2)).trimmed();
         return rows.join(u',');
     }
-    static QString New() { return Rows("lvwNew"); }
-    static QString Present() { return Rows("lvwPresent"); }
-    void Close(int reply) {
-        answer = reply;
-        Press("imgNavig_5");
-        RemoveUnloaded();
-    }
+    QString New() const { return Rows("lvwNew"); }
+    QString Present() const { return Rows("lvwPresent"); }
     /// Asks for panel 3 out, channel 12.7 out and panel 40 back.
     void AskForThree() {
         Forms::Show(Form);
@@ -68,7 +58,6 @@ protected:
         Image(5, 28);
         Image(7);
     }
-    static inline const QString Form = FormNames::wTechConsignations;
 };
 
 } // namespace
@@ -86,7 +75,7 @@ TEST_F(OutOfServiceTest, KeysAreReadByPositionInEveryLanguage) {
 TEST_F(OutOfServiceTest, ASecondRequestUndoesAndWhatChangesNothingIsRefused) {
     AskForThree();
     EXPECT_EQ(New(), "P03,P12C07,P40") << "by panel";
-    EXPECT_EQ(TextOf(Form, "lblChannel"), "7");
+    EXPECT_EQ(Shown("lblChannel"), "7");
     Image(7);
     Image(6);
     EXPECT_EQ(New(), "P03,P12C07") << "back again; out it is already";
@@ -97,30 +86,30 @@ TEST_F(OutOfServiceTest, ASecondRequestUndoesAndWhatChangesNothingIsRefused) {
     Image(2);
     Image(7);
     EXPECT_EQ(New(), "P03,P40C07");
-    Press("imgDelete");
+    Tap(Form, "imgDelete");
     EXPECT_TRUE(boxes.isEmpty()) << "nothing is selected";
-    Press("imgNavig_2", 2);
+    Press("imgNavig", 2, 2);
     EXPECT_FALSE(Child(Form, "imgNavig_2")->isEnabled());
     answer = Messages::Cancel;
-    Press("imgDelete");
+    Tap(Form, "imgDelete");
     EXPECT_EQ(styles.last(), 33);
-    EXPECT_EQ(TextOf(Form, "lblModule"), "40") << "what is selected is chosen";
+    EXPECT_EQ(Shown("lblModule"), "40") << "what is selected is chosen";
     answer = Messages::Ok;
-    Press("imgDelete");
+    Tap(Form, "imgDelete");
     EXPECT_EQ(New(), "P03");
 }
 
 TEST_F(OutOfServiceTest, TheSiteChangesWithAYesAlone) {
     AskForThree();
-    Close(Messages::Cancel);
+    Leave(Messages::Cancel);
     ASSERT_NE(Screen(Form), nullptr);
     EXPECT_EQ(styles.last(), 35);
     EXPECT_EQ(New(), "P03,P12C07,P40");
-    Close(Messages::No);
+    Leave(Messages::No);
     EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().Modified());
     AskForThree();
-    Close(Messages::Yes);
+    Leave(Messages::Yes);
     EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().Panel(3).Active());
     EXPECT_TRUE(Site().Panel(40).Active());
@@ -132,15 +121,15 @@ TEST_F(OutOfServiceTest, TheSiteChangesWithAYesAlone) {
 TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
     clock.Set(2025, 11, 25, 2, 43, 10);
     AskForThree();
-    Close(Messages::Yes);
+    Leave(Messages::Yes);
     Site().Panel(40).setActive(false);
     clock.Advance(86'400'000);
     Forms::Show(Form);
     EXPECT_EQ(Present(), "P03 2025-11-25 02:43,P12C07 2025-11-25 02:43,P40");
-    Press("imgNavig_103", 2);
-    EXPECT_EQ(TextOf(Form, "lblTitle_1"), "Oil pressure");
+    Press("imgNavig", 103, 2);
+    EXPECT_EQ(Shown("lblTitle_1"), "Oil pressure");
     Image(3);
-    Close(Messages::Yes);
+    Leave(Messages::Yes);
     EXPECT_FALSE(Site().Panel(12).Channel(7).OutOfOrder());
     // Back and out again elsewhere: nobody knows since when.
     Site().Panel(3).setActive(true);
@@ -151,17 +140,12 @@ TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
 }
 
 TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {
-    const auto alarm = [] {
-        Forms::Show(FormNames::wRunAlarms);
-        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
-        RemoveUnloaded();
-    };
     AskForThree();
-    alarm();
+    AlarmComes();
     Forms::Show(Form);
     EXPECT_EQ(New(), "P03,P12C07,P40");
-    EXPECT_FALSE(Child(Form, "lblKept")->isHidden());
-    alarm();
+    EXPECT_TRUE(TellsOfKept());
+    AlarmComes();
     Site().Panel(3).setActive(false);
     Forms::Show(Form);
     EXPECT_EQ(New(), QString());
@@ -183,7 +167,7 @@ TEST_F(OutOfServiceTest, TheConsoleTellsAndLeadsToTheListAtItsLevel) {
     script.On(Form, [&] {
         Image(5, 40);
         Image(7);
-        Close(Messages::Yes);
+        Leave(Messages::Yes);
     });
     Tap(console, note);
     EXPECT_TRUE(Site().Panel(40).Active());

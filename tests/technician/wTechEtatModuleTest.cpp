@@ -15,7 +15,8 @@ constexpr int HornRegister = 64;
 
 class wTechEtatModuleTest : public TechnicianTest {
 protected:
-    wTechEtatModuleTest() {
+    wTechEtatModuleTest()
+        : TechnicianTest(Front) {
         SetOptions(0, 0, 0, 0);
         AddPanel(PanelAddress, Models::Q7100)
             .setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
@@ -49,23 +50,16 @@ protected:
     }
     /// Letter of a lamp's colour.
     static QChar Lamp(const QString& name) {
-        switch (Find<FrontLamp>(Front, name)->FillColor()) {
-        case LampColours::Grey:
-            return u'.';
-        case LampColours::Red:
-            return u'R';
-        default:
-            return u'?';
-        }
+        const auto colour = Find<FrontLamp>(Front, name)->FillColor();
+        return colour == LampColours::Grey ? u'.' : colour == LampColours::Red ? u'R' : u'?';
     }
     static QString Lamps(int count = 12) {
         QString lamps;
         for (int channel = 1; channel <= count; ++channel)
-            lamps += Lamp(QStringLiteral("shpVoyant_%1").arg(channel));
+            lamps += Lamp(Part("shpVoyant", channel));
         return lamps;
     }
     static QChar Horn() { return Lamp("shpKlaxon"); }
-    static QString Text(const char* name) { return TextOf(Front, name); }
 
     FakeModules modules;
     QSet<int> silent;                 // frames that get no reply, from 1 on
@@ -81,11 +75,11 @@ TEST_F(wTechEtatModuleTest, LampsBlinkAsTheWordsSayWithThePollingStopped) {
     modules[PanelAddress][HornRegister] = 7;
     wTechEtatModule& form = Open();
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
-    EXPECT_EQ(Text("lblCommResult"), QString());
+    EXPECT_EQ(Shown("lblCommResult"), QString());
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 64");
     EXPECT_EQ(FakeModules::WordAt(link->sent[0], 4), 12);
-    EXPECT_EQ(Text("lblCommResult"), GetText(830102));
+    EXPECT_EQ(Shown("lblCommResult"), GetText(830102));
     EXPECT_EQ(Horn(), u'R');
     const char* ticks[] = {".R...??", ".R.R.??", ".R.R.??", ".RR.R??", ".R..R??",
                            ".R.RR??", ".R.RR??", ".RR..??", ".R...??"};
@@ -108,7 +102,7 @@ TEST_F(wTechEtatModuleTest, NothingIsKnownAfterThreeFailures) {
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 1 1 64 64 64");
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
-    EXPECT_EQ(Text("lblCommResult"), GetText(830103));
+    EXPECT_EQ(Shown("lblCommResult"), GetText(830103));
     form.tmrClign_Timer();
     EXPECT_EQ(Lamps(), QString(12, u'?'));
     modules[PanelAddress];
@@ -203,10 +197,10 @@ TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
     const char* labels[] = {"lblTestLeds", "lblAckCL", "lbAckKL",
                             "lblKlOn",     "lblKlOff", "lblEffDEf"};
     const auto tells = [&](int text, int button) {
-        return Text("lblCommand") == GetText(text).replace(u'$', Text(labels[button - 1]));
+        return Shown("lblCommand") == GetText(text).replace(u'$', Shown(labels[button - 1]));
     };
     for (int button = 1; button <= 6; ++button) {
-        Tap(Front, QStringLiteral("cmdBoutons_%1").arg(button));
+        Press("cmdBoutons", button);
         EXPECT_TRUE(tells(830012, button));
     }
     Tap(Front, "lblKlOff");
@@ -255,10 +249,9 @@ TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
             QList<QRect> tiles;
             for (int i = 1; i <= count; ++i) {
                 const auto of = [i](const char* array) {
-                    return Child(Front, QString::fromLatin1(array) + u'_' + QString::number(i))
-                        ->geometry();
+                    return Child(Front, Part(array, i))->geometry();
                 };
-                const auto* text = Find<QLabel>(Front, QStringLiteral("lblVoyant_%1").arg(i));
+                const auto* text = Find<QLabel>(Front, Part("lblVoyant", i));
                 const QRect tile = of("shpBkLed") | of("shpBkTxt");
                 EXPECT_TRUE(Child(Front, "fraVoyants")->rect().contains(tile));
                 EXPECT_TRUE(of("shpBkLed").contains(of("shpVoyant")));
@@ -275,10 +268,10 @@ TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
             EXPECT_EQ(columns.size(), count == 24 ? 2 : 1);
             EXPECT_EQ(Screen(Front)->findChild<QWidget*>("shpVoyant_25"), nullptr);
             height[count == 24] = tiles[0].height();
-            EXPECT_EQ(Text("lblVoyant_1"), count == 24 ? "Circuit breaker -\nTransformer north"
-                                                       : "Circuit breaker - Transformer north");
-            EXPECT_TRUE(Text("lblVoyant_2").endsWith(QChar(0x2026)));
-            EXPECT_EQ(Text("lblVoyant_3"), "Circuit breaker");
+            EXPECT_EQ(Shown("lblVoyant_1"), count == 24 ? "Circuit breaker -\nTransformer north"
+                                                        : "Circuit breaker - Transformer north");
+            EXPECT_TRUE(Shown("lblVoyant_2").endsWith(QChar(0x2026)));
+            EXPECT_EQ(Shown("lblVoyant_3"), "Circuit breaker");
             Forms::Unload(Front);
             RemoveUnloaded();
         }
