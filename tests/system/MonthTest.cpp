@@ -6,10 +6,9 @@
 #include "simulator/Frame.h"
 #include "support/Bench.h"
 #include "support/FakeLink.h"
+#include "system/Processes.h"
 
 #include "bus/wPolling.h"
-#include "model/ConfigClass.h"
-#include "model/Models.h"
 
 #include <QSet>
 #include <random>
@@ -147,17 +146,6 @@ protected:
     QHash<int, QStringList> dropped_;
 };
 
-QStringList AllLines(const QString& folder, const QString& pattern) {
-    QStringList lines;
-    const QDir dir(folder);
-    for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
-        QFile file(dir.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        lines += QString::fromLatin1(file.readAll()).split("\r\n", Qt::SkipEmptyParts);
-    }
-    return lines;
-}
-
 } // namespace
 
 TEST_F(MonthTest, EveryDroppedEventIsRecordedOnceInOrder) {
@@ -173,8 +161,8 @@ TEST_F(MonthTest, EveryDroppedEventIsRecordedOnceInOrder) {
     }
     engine_.reset();
 
-    const QStringList trace = AllLines(Path("Trace"), "*.log");
-    const QStringList history = AllLines(Path(QString()), "Histo*.his");
+    const QStringList trace = LinesIn(Path("Trace"), "*.log");
+    const QStringList history = LinesIn(Path(QString()), "Histo*.his");
     EXPECT_GT(QDir(Path("Trace")).count(), 15U);
 
     // In the trace: numbers one behind the other; clock and key of each dropped event, those of one

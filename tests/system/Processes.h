@@ -68,6 +68,18 @@ private:
 /// Section of the settings that keeps the queue over an end of the program.
 inline const QString Pending = "PendingCommands";
 
+/// Lines of all files of a pattern, in the order of their names.
+inline QStringList LinesIn(const QDir& dir, const QString& pattern) {
+    QStringList lines;
+    for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
+        QFile file(dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        lines += platform::FromCodePage(file.readAll())
+                     .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    }
+    return lines;
+}
+
 /// A folder that the program is installed into, with a site of its own.
 class RunFolder {
 public:
@@ -87,19 +99,8 @@ public:
     QString Path(const QString& name) const { return folder_.filePath(name); }
     QString Bus() const { return Path("bus"); }
 
-    /// Lines of all files of a pattern, in the order of their names.
-    QStringList Lines(const QString& folder, const QString& pattern) const {
-        QStringList lines;
-        const QDir dir(Path(folder));
-        for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
-            QFile file(dir.filePath(name));
-            EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-            lines += platform::FromCodePage(file.readAll()).split("\r\n", Qt::SkipEmptyParts);
-        }
-        return lines;
-    }
-    QStringList Trace() const { return Lines("Trace", "*.log"); }
-    QStringList History() const { return Lines(QString(), "Histo*.his"); }
+    QStringList Trace() const { return LinesIn(Path("Trace"), "*.log"); }
+    QStringList History() const { return LinesIn(Path(QString()), "Histo*.his"); }
 
 private:
     QTemporaryDir folder_;
@@ -109,14 +110,15 @@ private:
 class ProgramProcess {
 public:
     /// `variables` are further ones of its environment.
-    explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {}) {
+    explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {},
+                            const QStringList& arguments = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         for (const auto& [name, value] : variables.asKeyValueRange())
             environment.insert(name, value);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.start(folder.Path("korvanelle"), QStringList());
+        process_.start(folder.Path("korvanelle"), arguments);
         EXPECT_TRUE(process_.waitForStarted());
     }
     ~ProgramProcess() {

@@ -80,20 +80,14 @@ TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
 
 TEST_F(ServiceTest, TheFolderOfTheDataIsNamed) {
     const QString data = folder.Path("site/data");
-    QProcess program;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
-    program.setProcessEnvironment(environment);
-    program.start(folder.Path("korvanelle"), {"--folder", data});
+    ProgramProcess program(folder, {}, {"--folder", data});
     // The base is the one beside the program.
-    EXPECT_TRUE(
-        Eventually([&] { return QFile::exists(data + QStringLiteral("/AlarmSound99.wav")); }));
+    EXPECT_TRUE(FileComes("site/data/AlarmSound99.wav"));
     EXPECT_TRUE(QFile::exists(data + QStringLiteral("/korvanelle.ini")));
     EXPECT_FALSE(QFile::exists(folder.Path("Trace")));
-    program.terminate();
-    EXPECT_TRUE(program.waitForFinished(20000));
+    EXPECT_EQ(program.Terminate(), 0);
 
-    program.start(folder.Path("korvanelle"), {"--folder", "/proc/none"});
-    EXPECT_TRUE(program.waitForFinished(20000));
-    EXPECT_EQ(program.exitCode(), 1);
+    ProgramProcess lost(folder, {}, {"--folder", "/proc/none"});
+    EXPECT_TRUE(lost.WaitForEnd(20000));
+    EXPECT_EQ(lost.ExitCode(), 1);
 }

@@ -16,14 +16,11 @@ namespace {
 
 enum Parameter {
     Title,
-    Number,
-    OnScreen,
+    OnScreen = 2,
     Printed,
-    Kind,
-    Horn,
+    Horn = 5,
     Priority,
-    History,
-    Library,
+    Library = 8,
     ScreenText = 12,
     PrintText
 };
@@ -123,21 +120,17 @@ void SetupRoad::SetUpPanels() {
 void SetupRoad::SetUpMirrors() {
     const QString form = FormNames::dlgEditMirror;
     Tap(FormNames::wBusModules, "imgMiroirs");
-    const struct {
-        const char* source;
-        const char* target;
-        const char* kind;
-    } rules[] = {{"7", "20", "optType_1"}, {"8", "21", "optType_2"}};
-    for (const auto& rule : rules) {
-        script.On(form, [form, rule] {
+    for (const auto& [source, target, kind] :
+         {std::tuple("7", "20", "optType_1"), std::tuple("8", "21", "optType_2")}) {
+        script.On(form, [form, source = source, target = target, kind = kind] {
             const auto arrow = [](int index) {
                 return QStringLiteral("imgPlusMoins_") + QString::number(index);
             };
             StepTo(form, arrow(1), "lblSrceModNo", "1");
-            StepTo(form, arrow(3), "lblSrceChnlNo", QLatin1String(rule.source));
+            StepTo(form, arrow(3), "lblSrceChnlNo", source);
             StepTo(form, arrow(5), "lblDestModNo", "2");
-            StepTo(form, arrow(7), "lblDestChnlNo", QLatin1String(rule.target));
-            Tap(form, QLatin1String(rule.kind));
+            StepTo(form, arrow(7), "lblDestChnlNo", target);
+            Tap(form, kind);
             TapArray(form, "imgControl", 1);
         });
         Tap(FormNames::wBusMiroirs, "imgNew");
