@@ -42,6 +42,11 @@ TEST(Scenario, ReadsModulesAndSortsTheTimeline) {
     EXPECT_EQ(scenario.timeline[0].at, 1s);
     EXPECT_EQ(scenario.timeline[1].at, 2250ms);
     EXPECT_EQ(scenario.timeline[1].command.verb, Verb::Normal);
+    // Modules of the command line.
+    EXPECT_THAT(ParseModule("12=Q6200XT"), FieldsAre(12, Model::Q6200XT, ""));
+    for (const auto* text : {"", "12", "=Q7100", "0=Q7100", "65=Q7100", "1=q7100", "1x=Q7100"}) {
+        EXPECT_THROW(ParseModule(text), ScenarioError) << text;
+    }
 }
 
 TEST(Scenario, ComplaintsNameThePlace) {
@@ -69,13 +74,6 @@ TEST(Scenario, ComplaintsNameThePlace) {
     };
     for (const auto& [text, complaint] : cases) {
         EXPECT_THAT(Complaint(text), HasSubstr(complaint)) << text;
-    }
-}
-
-TEST(Scenario, ModulesOfTheCommandLine) {
-    EXPECT_THAT(ParseModule("12=Q6200XT"), FieldsAre(12, Model::Q6200XT, ""));
-    for (const auto* text : {"", "12", "=Q7100", "0=Q7100", "65=Q7100", "1=q7100", "1x=Q7100"}) {
-        EXPECT_THROW(ParseModule(text), ScenarioError) << text;
     }
 }
 

@@ -160,7 +160,7 @@ inline bool Eventually(const std::function<bool()>& condition, int seconds = 60)
 class PlantTest : public ::testing::Test {
 protected:
     PlantTest() {
-        EXPECT_TRUE(Config::OpenConfigBase());
+        EXPECT_TRUE(opened);
         site.setAutoStart(true);
     }
 
@@ -184,5 +184,7 @@ protected:
     bool Starts() const { return FileComes("AlarmSound99.wav"); }
 
     RunFolder folder;
+    /// A new site takes its settings out of the base.
+    const bool opened = Config::OpenConfigBase();
     ConfigClass site;
 };

@@ -106,17 +106,3 @@ TEST_F(OneModuleRoad, ASilentModuleIsToldOnceAndComesBack) {
     EXPECT_TRUE(Rows().isEmpty());
     EXPECT_EQ(Traced(gone).size(), 1);
 }
-
-TEST_F(OneModuleRoad, SpoiledRepliesLoseNoEvent) {
-    for (const auto& [fault, command, word, times] :
-         {std::tuple("corrupt 1 2", "active 1 7", "ACTIVE", 1),
-          std::tuple("surplus 1", "normal 1 7", "NORMAL", 1),
-          std::tuple("alien 1", "active 1 7", "ACTIVE", 2),
-          std::tuple("short 1", "normal 1 7", "NORMAL", 2)}) {
-        simulator.Do(fault);
-        simulator.Do(command);
-        ASSERT_TRUE(Until([&] { return Traced(word).size() == times; })) << fault;
-    }
-    EXPECT_TRUE(Traced("DISAPP").isEmpty());
-    EXPECT_TRUE(Until([&] { return simulator.Ask("show 1", "show 1").contains("waiting=0"); }));
-}

@@ -8,7 +8,6 @@
 #include "support/PipePrinter.h"
 #include "support/Road.h"
 #include "support/Script.h"
-#include "support/SiteReader.h"
 
 #include <QDir>
 
@@ -192,26 +191,29 @@ TEST_P(SetupRoad, FromANewSiteToTheFirstPrintedAlarm) {
     SetUpSounds();
     SetUpPrinter();
 
-    const SiteReader site(SaveSite());
-    const SiteReader::Panel& panel = site.panels[1];
-    EXPECT_EQ(panel.model, Models::Q7100);
-    EXPECT_EQ(panel.title, "Pumphouse");
-    EXPECT_EQ(panel.active, -1);
-    EXPECT_EQ(site.panels[2].model, Models::Q6200XT);
+    ConfigClass site;
+    ASSERT_EQ(site.Read(SaveSite()), ConfigClass::ReadDone);
+    PanelClass& panel = site.Panel(1);
+    EXPECT_EQ(panel.Model(), Models::Q7100);
+    EXPECT_EQ(panel.Title(), "Pumphouse");
+    EXPECT_TRUE(panel.Active());
+    EXPECT_EQ(site.Panel(2).Model(), Models::Q6200XT);
     for (const int number : {7, 8, 9}) {
-        const SiteReader::Channel& channel = panel.channels[size_t(number)];
-        EXPECT_EQ(channel.screenText, QStringLiteral("Pump %1").arg(number));
-        EXPECT_EQ(channel.printText, QStringLiteral("Paper %1").arg(number));
-        EXPECT_EQ(channel.scrAlm & channel.prtAlm & channel.klaxon, -1);
-        EXPECT_EQ(channel.almPrio, 5);
-        EXPECT_EQ(channel.bibNum, 2);
+        const ChannelClass& channel = panel.Channel(number);
+        EXPECT_EQ(channel.ScreenText(), QStringLiteral("Pump %1").arg(number));
+        EXPECT_EQ(channel.PrintText(), QStringLiteral("Paper %1").arg(number));
+        EXPECT_TRUE(channel.ScrAlm() && channel.PrtAlm() && channel.Klaxon());
+        EXPECT_EQ(channel.AlmPrio(), 5);
+        EXPECT_EQ(channel.BibNum(), 2);
     }
-    EXPECT_EQ(panel.channels[6].scrAlm, 0);
-    EXPECT_EQ(site.biblio[1], "High water");
-    EXPECT_EQ(site.sounds[5], 3);
-    EXPECT_EQ(site.prtSettings, "LPT1:");
-    const QList<std::array<int, 5>> rules{{1, 7, 2, 20, 1}, {1, 8, 2, 21, 2}};
-    EXPECT_EQ(site.mirrors, rules);
+    EXPECT_FALSE(panel.Channel(6).ScrAlm());
+    EXPECT_EQ(site.BiblioText(2), "High water");
+    EXPECT_EQ(site.AlarmPrioSound(5), 3);
+    EXPECT_EQ(site.PrtSettings(), "LPT1:");
+    QStringList rules;
+    for (const MirrorClass& rule : site.Mirrors())
+        rules += rule.ID() + u'/' + QString::number(rule.MirrorType());
+    EXPECT_EQ(rules, QStringList({"01070220/1", "01080221/2"}));
 
     TapArray(FormNames::wMain, "imgMenu", 3);
     engine->setRun(true);

@@ -29,7 +29,7 @@ quint8 ModelAt(int address) {
     case 14:
         return Models::P5500;
     default:
-        return address % 2 == 0 ? Models::Q7100 : Models::Q6200XT;
+        return address % 4 == 0 ? Models::Q7100 : Models::Q6200XT;
     }
 }
 int FoundAt(int address) {

@@ -6,6 +6,8 @@
 #include "support/FakeModules.h"
 #include "support/PortsOfTest.h"
 
+#include <QRegularExpression>
+
 namespace {
 
 class MonkeyTest : public TechnicianTest, public ::testing::WithParamInterface<const char*> {
@@ -34,7 +36,25 @@ protected:
     FakeModules modules;
 };
 
+class EveryForm : public TechnicianTest {};
+
 } // namespace
+
+// No button leads nowhere.
+TEST_F(EveryForm, ThatHasANameIsThere) {
+    QFile names(QStringLiteral(KORVANELLE_SOURCE_DIR "/src/core/FormNames.h"));
+    ASSERT_TRUE(names.open(QIODevice::ReadOnly));
+    static const QRegularExpression Name("QStringLiteral\\(\"(\\w+)\"\\)");
+    auto found = Name.globalMatch(QString::fromUtf8(names.readAll()));
+    // Those that only their callers make.
+    const QStringList made{FormNames::dlgMessage, FormNames::dlgPortDevice};
+    int count = 0;
+    for (; found.hasNext(); ++count) {
+        const QString name = found.next().captured(1);
+        EXPECT_TRUE(made.contains(name) || Forms::Names().contains(name)) << name.toStdString();
+    }
+    EXPECT_GT(count, 30);
+}
 
 TEST_P(MonkeyTest, NoTapsHarmTheProgramOrTheSite) {
     const QString form = QString::fromLatin1(GetParam());

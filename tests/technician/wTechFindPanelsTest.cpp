@@ -72,9 +72,10 @@ TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
     Forms::Show(Form);
     EXPECT_EQ(Row(2), "2/Pumps north/Q7000/Yes");
     EXPECT_EQ(Found(2), Unasked);
-    EXPECT_EQ(Shown("lblBusConfig_5") + Shown("lblBusConfig_6") + Shown("lblBusConfig_7") +
-                  Shown("lblBusConfig_8") + Shown("lblBusConfig_9"),
-              "19600None81");
+    QString line;
+    for (int label = 5; label <= 9; ++label)
+        line += TextOf(Form, Part("lblBusConfig", label));
+    EXPECT_EQ(line, "19600None81");
     Search();
     const QPair<int, const char*> results[] = {{1, "-----"}, {2, "Q6200XT"}, {3, "Q7100"},
                                                {4, "P5500"}, {6, "-----"},   {64, "Q7000"}};
@@ -225,19 +226,13 @@ TEST_F(TechFindPanelsTest, LeavingEndsTheSearch) {
     Search();
     EXPECT_EQ(asked, 4);
     EXPECT_EQ(Screen(Form), nullptr);
-    RemoveUnloaded();
-
     Forms::Show(Form);
-    While(4, [this] {
-        Grid()->SelectTag("2");
-        Press("imgCommand_0");
-        Leave(Messages::Cancel);
-    });
+    Grid()->SelectTag("2");
+    Press("imgCommand_0");
+    While(4, [this] { Leave(Messages::Cancel); });
     Search();
     EXPECT_EQ(asked, 4) << "staying has ended the search all the same";
     EXPECT_TRUE(IsShown("imgFind_1"));
-    Search();
-    EXPECT_EQ(asked, 64);
 }
 
 TEST_F(TechFindPanelsTest, AnAlarmEndsTheSearchAndKeepsTheEdit) {
