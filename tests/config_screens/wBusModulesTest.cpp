@@ -135,6 +135,7 @@ TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
     Forms::Show(Form);
     SaveAs("channels");
     EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', "768"));
+    EXPECT_EQ(styles.last(), Messages::Information);
     QByteArray sheet = BytesOf("channels.txt");
     EXPECT_TRUE(sheet.contains("Pump\t"));
     Site().setModified(false);
@@ -159,6 +160,7 @@ TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
     Forms::Show(Form);
     TakeSheet("bad.txt");
     ASSERT_EQ(boxes.size(), 2);
+    EXPECT_EQ(styles.last(), Messages::Warning);
     EXPECT_TRUE(boxes[0].contains("Error Nr 380"));
     EXPECT_TRUE(boxes[0].endsWith("Object : imgImportExport\r\nEvent : Click"));
     EXPECT_TRUE(boxes[1].endsWith(GetText(300512).replace("$1", "2").replace("$2", "Prio")));
@@ -166,9 +168,11 @@ TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
     EXPECT_FALSE(Site().Panel(1).Channel(2).Modified());
 }
 
-TEST_F(BusModulesTest, AnAlarmTakesTheChoiceOfAFileAway) {
+TEST_F(BusModulesTest, AChoiceOfAFileIsGivenUpOrTakenAwayByAnAlarm) {
     for (const QString& image : {Import, Export}) {
         Forms::Show(Form);
+        script.On(Picker, [] { Tap(Picker, "imgControl_0"); });
+        Tap(Form, image);
         script.On(Picker, [] { AlarmComes(); });
         Tap(Form, image);
         EXPECT_EQ(NbInstances(Form) + NbInstances(Picker), 0);

@@ -100,8 +100,10 @@ TEST_F(SysCommTest, TheDeviceOfThePortIsNamedInTheSettings) {
     EXPECT_EQ(Device(), ports.Lasting(adapter));
     EXPECT_TRUE(Shown("lblPortDevice").startsWith("FTDI"));
     EXPECT_TRUE(engine->Run());
+    const int openings = link->openings;
     Leave(Messages::No);
     EXPECT_EQ(Device(), before);
+    EXPECT_EQ(link->openings, openings + 1) << "the bus goes back to it";
     Forms::Show(Form);
     ChooseDevice("lblPortDevice", 1);
     Leave(Messages::Yes);

@@ -21,7 +21,7 @@ bool IsSilent(int address) {
 /// The models by turns. What the search reports of a `P5000` is a `Q7100`. Those that refuse a
 /// register cost the whole wait for its reply each time, and are few.
 quint8 ModelAt(int address) {
-    switch (address % 16) {
+    switch (address % 32) {
     case 5:
         return Models::Q7000;
     case 10:

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <modbus.h>
 #include <stdlib.h>
+#include <termios.h>
 #include <thread>
 #include <unistd.h>
 
@@ -24,6 +25,12 @@ public:
         , registers(modbus_mapping_new(0, 0, 300, 0))
         , line_(posix_openpt(O_RDWR | O_NOCTTY)) {
         EXPECT_EQ(grantpt(line_) + unlockpt(line_), 0);
+        // Held open and raw, the line neither hangs up nor echoes ahead of the program.
+        held_ = open(ptsname(line_), O_RDWR | O_NOCTTY);
+        termios raw{};
+        tcgetattr(held_, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(held_, TCSANOW, &raw);
         modbus_set_slave(context_, Address);
         modbus_set_socket(context_, line_);
         modbus_set_indication_timeout(context_, 0, 100000);
@@ -32,6 +39,7 @@ public:
     ~Slave() {
         ended_ = true;
         server_.join();
+        close(held_);
         close(line_);
         modbus_mapping_free(registers);
         modbus_free(context_);
@@ -55,6 +63,7 @@ private:
     modbus_t* context_;
     modbus_mapping_t* registers;
     int line_;
+    int held_ = -1;
     std::thread server_;
     std::atomic<bool> ended_ = false;
 };

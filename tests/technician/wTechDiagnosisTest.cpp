@@ -83,6 +83,9 @@ TEST_F(TechDiagnosisTest, FramesAreDecoded) {
     EXPECT_EQ(Trace().Lines().value(2).section(u'\t', 3),
               "addr 5  func 16  reg 25  words 2  = 1 65535");
     EXPECT_TRUE(Newest().endsWith("addr 5  func 16  reg 25  words 2"));
+    EcritUnMot(*link, 5, 17, 3);
+    Refresh();
+    EXPECT_EQ(Newest().section(u'\t', 2), "addr 5  func 6  reg 17  = 3");
     // What comes from elsewhere has any form; none may harm.
     const QPair<QByteArray, QString> replies[] = {
         {WithCrc(QByteArray::fromHex("058302")), "addr 5  func 3  exception 2"},

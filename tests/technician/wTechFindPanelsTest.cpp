@@ -170,7 +170,7 @@ TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
 }
 
 TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
-    modules[7][132] = 1;
+    modules[7][132] = modules[64][132] = 1;
     Forms::Show(Form);
     Search();
     Touch(64);
@@ -187,6 +187,7 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     EXPECT_EQ(on(7, "lblCommand_2"), "7//Q7100/No");
     EXPECT_EQ(on(7, "imgCommand_1"), "7//Q7100/Yes");
     EXPECT_EQ(on(2, "imgCommand_2"), "2/Pumps north/-----/Yes") << "no answer";
+    EXPECT_EQ(on(64, "imgCommand_2"), "64//Q7100/No");
     EXPECT_EQ(Site().Panel(7).Model(), 0);
     EXPECT_FALSE(Site().Modified());
     // What the bus finds out meanwhile stays.
@@ -200,6 +201,7 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     Leave(Messages::Yes);
     EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_EQ(TextOf(FormNames::wBusModules, "lblTypePan_6"), "Q7100");
+    EXPECT_EQ(Site().Panel(64).Model(), 1);
     EXPECT_TRUE(Site().Panel(7).Active());
     EXPECT_FALSE(Site().Panel(2).Present());
     EXPECT_EQ(Site().Panel(2).Channel(4).State(), 1);
