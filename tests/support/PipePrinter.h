@@ -24,6 +24,7 @@ public:
         file_ = open(QFile::encodeName(path_).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
         EXPECT_GE(file_, 0);
     }
+    void SwitchOff() { close(std::exchange(file_, -1)); }
     /// Takes nothing any more.
     void Stick() const {
         const QByteArray block(4096, '#');
@@ -40,6 +41,11 @@ public:
             paper_ += bytes.left(qMax<qsizetype>(count, 0)).replace('#', "");
         }
         return paper_;
+    }
+    /// What was printed since the last look.
+    QByteArray Taken() {
+        Paper();
+        return std::exchange(paper_, {});
     }
 
 private:
