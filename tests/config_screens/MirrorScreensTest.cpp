@@ -1,12 +1,12 @@
 // The editors of mirror rules: what a rule may be, and what becomes of the working lists.
 
-#include "ConfigScreensFixture.h"
 #include "config_screens/mirrors/dlgEditMirror.h"
 #include "config_screens/mirrors/wBusMiroirs.h"
 #include "config_screens/mirrors/wBusMirrorOne.h"
 #include "config_screens/panel/wBusPanneau.h"
 #include "screens/touch/TouchTable.h"
 #include "screens/touch/ValueLabel.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 
@@ -24,7 +24,6 @@ protected:
     MirrorScreensTest() {
         for (int model = 1; model <= 5; ++model)
             AddPanel(model, model);
-        answer = Messages::Ok;
     }
     static void Add(int from, int fromChannel, int to, int toChannel, int kind = 1) {
         Site().Mirrors().Add(qint16(from), qint16(fromChannel), qint16(to), qint16(toChannel),
@@ -32,30 +31,28 @@ protected:
     }
     static void Press(int arrow, int times = 1) {
         while (times-- > 0)
-            Tap(Dialog, QStringLiteral("imgPlusMoins_%1").arg(arrow));
+            Tap(Dialog, Part("imgPlusMoins", arrow));
     }
-    static void Reply(int reply) { Tap(Dialog, QStringLiteral("imgControl_%1").arg(reply)); }
+    static void Reply(int reply) { Tap(Dialog, Part("imgControl", reply)); }
     /// Source and target as the dialog shows them.
     static QString Shown() {
         QStringList texts;
         for (const char* label : {"lblSrceModNo", "lblSrceChnlNo", "lblDestModNo", "lblDestChnlNo"})
-            texts += TextOf(Dialog, QLatin1String(label));
+            texts += TextOf(Dialog, label);
         return texts.join(u'/');
     }
-    static bool IsEnabled(const char* control) {
-        return Child(Dialog, QLatin1String(control))->isEnabled();
-    }
+    static bool IsEnabled(const char* control) { return Child(Dialog, control)->isEnabled(); }
     /// Goes from an empty dialog, or from one that stands on lower panels, to both ends of a rule.
     static void Enter(int from, int fromChannel, int to, int toChannel) {
         const auto number = [](const char* label) {
-            return Find<ValueLabel>(Dialog, QLatin1String(label))->Number();
+            return Find<ValueLabel>(Dialog, label)->Number();
         };
         Press(SourceUp, from - number("lblSrceModNo"));
         Press(ChannelUp, fromChannel - number("lblSrceChnlNo"));
         Press(TargetUp, to - number("lblDestModNo"));
         Press(ToUp, toChannel - number("lblDestChnlNo"));
     }
-    static TouchTable* Rows() { return Find<TouchTable>(Table, QStringLiteral("lvwMirrors")); }
+    static TouchTable* Rows() { return Find<TouchTable>(Table, "lvwMirrors"); }
     static QString Ids() {
         QStringList ids;
         for (const MirrorClass& rule : Site().Mirrors())
@@ -64,26 +61,25 @@ protected:
     }
     void LeaveTable(int reply) {
         answer = reply;
-        Tap(Table, QStringLiteral("imgNavig_0"));
+        Tap(Table, "imgNavig_0");
         RemoveUnloaded();
     }
     /// Opens the mirrors of a panel from its editor and does something there.
     void InMirrorsOf(int panel, const std::function<void()>& act) {
         if (Screen(Panel) == nullptr) {
-            Forms::Load(Panel);
-            dynamic_cast<wBusPanneau*>(Screen(Panel))->setNumModule(qint16(panel));
+            dynamic_cast<wBusPanneau*>(Forms::Load(Panel))->setNumModule(qint16(panel));
             Forms::Show(Panel);
         }
         script.On(One, [act] {
             act();
-            Tap(One, QStringLiteral("imgNavig_5"));
+            Tap(One, "imgNavig_5");
         });
-        Tap(Panel, QStringLiteral("imgNavig_12"));
+        Tap(Panel, "imgNavig_12");
         RemoveUnloaded();
     }
     static QStringList Lines(const char* list) {
         QStringList lines;
-        auto* widget = Find<QListWidget>(One, QLatin1String(list));
+        auto* widget = Find<QListWidget>(One, list);
         for (int row = 0; row < widget->count(); ++row)
             lines += widget->item(row)->text();
         return lines;
@@ -98,25 +94,25 @@ TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
     Forms::Show(Table);
     script.On(Dialog, [&] {
         Press(ChannelUp);
-        EXPECT_EQ(Shown(), QStringLiteral("///")) << "no panel, no channel";
+        EXPECT_EQ(Shown(), "///") << "no panel, no channel";
         Reply(Confirm);
         EXPECT_EQ(boxes.last(), GetText(20006));
         Press(SourceUp);
         Press(ChannelUp, 30);
         Press(TargetUp, 2);
         Press(ToUp, 30);
-        EXPECT_EQ(Shown(), QStringLiteral("1/12/2/24"));
+        EXPECT_EQ(Shown(), "1/12/2/24");
         Press(ChannelDown, 30);
-        EXPECT_EQ(Shown(), QStringLiteral("1/All/2/"));
+        EXPECT_EQ(Shown(), "1/All/2/");
         EXPECT_FALSE(IsEnabled("frmType") || IsEnabled("frmDestChnl"));
         Press(SourceUp);
-        EXPECT_EQ(Shown(), QStringLiteral("2/All/2/")) << "as a whole only";
+        EXPECT_EQ(Shown(), "2/All/2/") << "as a whole only";
         EXPECT_FALSE(IsEnabled("imgPlusMoins_2") || IsEnabled("imgPlusMoins_3"));
         Press(SourceUp);
         Press(ChannelUp);
         EXPECT_TRUE(IsEnabled("frmType") && IsEnabled("frmDestChnl"));
         Press(TargetUp, 2);
-        EXPECT_EQ(Shown(), QStringLiteral("3/1/4/---")) << "no channel to address";
+        EXPECT_EQ(Shown(), "3/1/4/---") << "no channel to address";
         boxes.clear();
         Reply(Confirm);
         EXPECT_EQ(boxes, QStringList{GetText(20006)});
@@ -127,13 +123,13 @@ TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
         }
         EXPECT_EQ(boxes.size(), 4) << "no sources";
         Press(SourceDown, 4);
-        EXPECT_EQ(Shown(), QStringLiteral("2/All/4/---"));
+        EXPECT_EQ(Shown(), "2/All/4/---");
         Reply(Confirm);
     });
-    Tap(Table, QStringLiteral("imgNew"));
-    EXPECT_EQ(Rows()->CurrentTag(), QStringLiteral("02000400"));
+    Tap(Table, "imgNew");
+    EXPECT_EQ(Rows()->CurrentTag(), "02000400");
     LeaveTable(Messages::Yes);
-    EXPECT_EQ(Ids(), QStringLiteral("02000400"));
+    EXPECT_EQ(Ids(), "02000400");
     EXPECT_EQ(Site().Mirrors().Item(1).MirrorType(), MirrorClass::NoKind);
 }
 
@@ -143,10 +139,10 @@ TEST_F(MirrorScreensTest, ARefusedRuleIsAskedForAgain) {
     Forms::Show(Table);
     script.On(Dialog, [&] {
         Enter(1, 1, 2, 1);
-        Tap(Dialog, QStringLiteral("optType_2"));
+        Tap(Dialog, "optType_2");
         script.Next(Dialog, [&] {
             EXPECT_EQ(boxes.takeLast(), GetText(20005)) << "another kind is the same rule";
-            EXPECT_EQ(Shown(), QStringLiteral("1/1/2/1"));
+            EXPECT_EQ(Shown(), "1/1/2/1");
             Enter(3, 1, 1, 1);
             Press(TargetDown);
             Press(ToUp);
@@ -160,18 +156,18 @@ TEST_F(MirrorScreensTest, ARefusedRuleIsAskedForAgain) {
         Reply(Confirm);
     });
     Site().Panel(2).setModel(1);
-    Tap(Table, QStringLiteral("imgNew"));
+    Tap(Table, "imgNew");
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(Rows()->RowCount(), 3);
     script.On(Dialog, [&] {
-        EXPECT_EQ(Shown(), QStringLiteral("3/1/1/2"));
-        Tap(Dialog, QStringLiteral("optType_2"));
+        EXPECT_EQ(Shown(), "3/1/1/2");
+        Tap(Dialog, "optType_2");
         Reply(Confirm);
     });
-    Tap(Table, QStringLiteral("imgModif"));
+    Tap(Table, "imgModif");
     EXPECT_TRUE(boxes.isEmpty()) << "the same end points with another kind, of the rule itself";
     LeaveTable(Messages::Yes);
-    ASSERT_EQ(Ids(), QStringLiteral("01010201 02010301 03010102"));
+    ASSERT_EQ(Ids(), "01010201 02010301 03010102");
     EXPECT_EQ(Site().Mirrors().Item(3).MirrorType(), MirrorClass::Pulse);
 }
 
@@ -187,91 +183,91 @@ TEST_F(MirrorScreensTest, TheTableIsAWorkingListOfItsOwn) {
     };
     EXPECT_EQ(row(0), QStringLiteral("Q7100/1/---/Q6200XT/2//%1").arg(GetText(510300)));
     EXPECT_EQ(row(1), QStringLiteral("Q7100/1/7/Q6200XT/2/8/%1").arg(GetText(510301)));
-    Tap(Table, QStringLiteral("imgDelete"));
+    Tap(Table, "imgDelete");
     EXPECT_EQ(boxes.takeLast(), GetText(30004));
-    Rows()->SelectTag(QStringLiteral("01000200"));
-    EXPECT_FALSE(Child(Table, QStringLiteral("imgNavig_1"))->isEnabled());
-    Tap(Table, QStringLiteral("imgNavig_2"));
-    EXPECT_FALSE(Child(Table, QStringLiteral("imgNavig_2"))->isEnabled());
+    Rows()->SelectTag("01000200");
+    EXPECT_FALSE(Child(Table, "imgNavig_1")->isEnabled());
+    Tap(Table, "imgNavig_2");
+    EXPECT_FALSE(Child(Table, "imgNavig_2")->isEnabled());
     answer = Messages::Cancel;
-    Tap(Table, QStringLiteral("imgDelete"));
+    Tap(Table, "imgDelete");
     EXPECT_EQ(Rows()->RowCount(), 2);
     answer = Messages::Ok;
-    Tap(Table, QStringLiteral("imgDelete"));
+    Tap(Table, "imgDelete");
     EXPECT_EQ(Rows()->RowCount(), 1);
     EXPECT_EQ(Site().Mirrors().Count(), 2);
     script.On(Dialog, [&] {
         Enter(1, 3, 2, 4);
         AlarmComes();
     });
-    Tap(Table, QStringLiteral("imgNew"));
+    Tap(Table, "imgNew");
     RemoveUnloaded();
     Forms::Show(Table);
     EXPECT_EQ(Rows()->RowCount(), 1) << "an alarm loses no edit";
     script.On(Dialog, [&] {
-        EXPECT_EQ(Shown(), QStringLiteral("1/3/2/4")) << "nor what was being entered";
+        EXPECT_EQ(Shown(), "1/3/2/4") << "nor what was being entered";
         Reply(Cancel);
     });
-    Tap(Table, QStringLiteral("imgNew"));
-    EXPECT_FALSE(Child(Table, QStringLiteral("lblKept"))->isHidden());
-    Tap(Table, QStringLiteral("imgCancel"));
+    Tap(Table, "imgNew");
+    EXPECT_FALSE(Child(Table, "lblKept")->isHidden());
+    Tap(Table, "imgCancel");
     EXPECT_EQ(Rows()->RowCount(), 2);
     boxes.clear();
     LeaveTable(Messages::Cancel);
     EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
-    EXPECT_EQ(Ids(), QStringLiteral("01000200 01070208"));
+    EXPECT_EQ(Ids(), "01000200 01070208");
 }
 
 TEST_F(MirrorScreensTest, AChannelShowsBothItsSides) {
-    Site().Panel(2).setTitle(QStringLiteral("Display"));
+    Site().Panel(2).setTitle("Display");
     Add(1, 1, 2, 9, 2);
     Add(1, 0, 4, 0, 0);
     Add(3, 11, 1, 1);
     InMirrorsOf(1, [&] {
-        EXPECT_EQ(Lines("lstTo"), QStringList{QStringLiteral("I-P02-C09  Display")});
-        EXPECT_EQ(Lines("lstFrom"), QStringList{QStringLiteral("P-P03-C11  ")});
-        Tap(One, QStringLiteral("imgControl_0"));
-        EXPECT_EQ(Lines("lstTo"), QStringList{QStringLiteral("M-P04-All  ")});
-        EXPECT_EQ(TextOf(One, QStringLiteral("lblChannel")), QStringLiteral("All"));
-        Tap(One, QStringLiteral("imgControl_1"));
-        Tap(One, QStringLiteral("imgControl_1"));
-        EXPECT_EQ(TextOf(One, QStringLiteral("lblChannel")), QStringLiteral("2"));
+        EXPECT_EQ(Lines("lstTo"), QStringList{"I-P02-C09  Display"});
+        EXPECT_EQ(Lines("lstFrom"), QStringList{"P-P03-C11  "});
+        Tap(One, "imgControl_0");
+        EXPECT_EQ(Lines("lstTo"), QStringList{"M-P04-All  "});
+        EXPECT_EQ(TextOf(One, "lblChannel"), "All");
+        Tap(One, "imgControl_1");
+        Tap(One, "imgControl_1");
+        EXPECT_EQ(TextOf(One, "lblChannel"), "2");
         EXPECT_TRUE(Lines("lstTo").isEmpty() && Lines("lstFrom").isEmpty());
     });
     Forms::Unload(Panel);
     RemoveUnloaded();
     InMirrorsOf(2, [&] {
-        EXPECT_EQ(TextOf(One, QStringLiteral("lblChannel")), QStringLiteral("All"));
-        EXPECT_FALSE(Child(One, QStringLiteral("imgControl_1"))->isEnabled());
+        EXPECT_EQ(TextOf(One, "lblChannel"), "All");
+        EXPECT_FALSE(Child(One, "imgControl_1")->isEnabled());
     });
 }
 
 TEST_F(MirrorScreensTest, RulesOfAChannelReachTheSiteWithItsPanel) {
     Add(1, 1, 2, 1);
     InMirrorsOf(1, [&] {
-        Tap(One, QStringLiteral("imgDelete"));
-        EXPECT_EQ(boxes.takeLast(), GetText(30006).replace(QStringLiteral("$$$"), GetText(520120)));
+        Tap(One, "imgDelete");
+        EXPECT_EQ(boxes.takeLast(), GetText(30006).replace("$$$", GetText(520120)));
         script.On(Dialog, [&] {
-            EXPECT_TRUE(Child(Dialog, QStringLiteral("imgPlusMoins_0"))->isHidden());
+            EXPECT_TRUE(Child(Dialog, "imgPlusMoins_0")->isHidden());
             Enter(1, 1, 2, 1);
             Reply(Confirm);
         });
-        Tap(One, QStringLiteral("imgNew"));
+        Tap(One, "imgNew");
         EXPECT_EQ(boxes.takeLast(), GetText(20005)) << "and the dialog is gone";
         EXPECT_EQ(Forms::Find(Dialog), nullptr);
         script.On(Dialog, [&] {
             Enter(1, 1, 3, 12);
             Reply(Confirm);
         });
-        Tap(One, QStringLiteral("imgNew"));
+        Tap(One, "imgNew");
         ASSERT_EQ(Lines("lstTo").size(), 2);
-        Find<QListWidget>(One, QStringLiteral("lstTo"))->setCurrentRow(0);
-        Tap(One, QStringLiteral("imgDelete"));
+        Find<QListWidget>(One, "lstTo")->setCurrentRow(0);
+        Tap(One, "imgDelete");
         EXPECT_EQ(Lines("lstTo").size(), 1);
     });
-    EXPECT_EQ(Ids(), QStringLiteral("01010201")) << "the site's own list waits for the answer";
+    EXPECT_EQ(Ids(), "01010201") << "the site's own list waits for the answer";
     answer = Messages::Yes;
-    Tap(Panel, QStringLiteral("imgNavig_5"));
+    Tap(Panel, "imgNavig_5");
     EXPECT_EQ(boxes.last(), GetText(30010));
-    EXPECT_EQ(Ids(), QStringLiteral("01010312"));
+    EXPECT_EQ(Ids(), "01010312");
 }

@@ -1,16 +1,12 @@
 // The editors of library and instruction texts.
 
-#include "ConfigScreensFixture.h"
 #include "config_screens/texts/wParamBiblio.h"
 #include "config_screens/texts/wParamConsignes.h"
 #include "core/ErrorHandling.h"
 #include "model/ConfigClass.h"
 #include "platform/RunTimeError.h"
-#include "support/Script.h"
+#include "support/ConfigScreensFixture.h"
 
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextEdit>
 #include <unistd.h>
@@ -24,9 +20,7 @@ enum Image { OneUp = 2, OneDown, StepUp, StepDown, Copy, Paste, Cut, Clear, Edit
 
 class TextEditorTest : public ConfigScreensTest {
 protected:
-    static void Touch(const QString& form, int image) {
-        Tap(form, QStringLiteral("imgControl_%1").arg(image));
-    }
+    static void Touch(const QString& form, int image) { Tap(form, Part("imgControl", image)); }
     static QListWidget* List(const QString& form) {
         return Screen(form)->findChild<QListWidget*>();
     }
@@ -34,31 +28,17 @@ protected:
         return List(form)->item(number - 1)->text();
     }
     static void GoTo(const QString& form, int number) { List(form)->setCurrentRow(number - 1); }
-    /// Edits the current entry, by one line or by several.
-    void Type(const QString& form, const QString& text) {
-        script.On(FormNames::dlgKeyboard, [form, text] {
-            if (form == Biblio)
-                Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))
-                    ->setText(text);
-            else
-                Find<QPlainTextEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_1"))
-                    ->setPlainText(text);
-            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
-        });
+    void Edits(const QString& form, const QString& text) {
+        Type(script, text);
         Touch(form, Edit);
     }
     void Import(const QString& name) {
         TakeFile(script, name);
         Touch(Consignes, FromFile);
     }
-    static void WriteFile(const QString& name, const QByteArray& bytes) {
-        QFile file(Global::InApplicationFolder(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
     void Leave(const QString& form, int reply) {
         answer = reply;
-        Tap(form, QStringLiteral("imgNavig_0"));
+        Tap(form, "imgNavig_0");
         RemoveUnloaded();
     }
 
@@ -68,79 +48,76 @@ protected:
 } // namespace
 
 TEST(TextLines, AreOneLineOfTheHead) {
-    EXPECT_EQ(FormatBiblio(7, QStringLiteral("  Pump\r\n1  ")), QStringLiteral("07 - Pump¶1"));
-    EXPECT_EQ(FormatBiblio(64, QString(24, QChar())), QStringLiteral("64 - "));
-    EXPECT_EQ(FormateConsigne(3, QStringLiteral("Call\r\nthe\nman")),
-              QStringLiteral("03 - Call the man"));
+    EXPECT_EQ(FormatBiblio(7, "  Pump\r\n1  "), "07 - Pump¶1");
+    EXPECT_EQ(FormatBiblio(64, QString(24, QChar())), "64 - ");
+    EXPECT_EQ(FormateConsigne(3, "Call\r\nthe\nman"), "03 - Call the man");
     const QString cut = QString(63, u'W') + QStringLiteral("\r\nmore");
     EXPECT_EQ(FormateConsigne(1, cut), QStringLiteral("01 - ") + QString(63, u'W') + u' ');
 }
 
 TEST_F(TextEditorTest, StepsStopAtTheEnds) {
-    const struct {
-        QString form;
-        int entries;
-        int step;
-    } twins[] = {{Biblio, 64, 19}, {Consignes, 48, 8}};
-    for (const auto& [form, entries, step] : twins) {
-        SCOPED_TRACE(form.toStdString());
+    for (const auto& [form, entries, step] :
+         {std::tuple(Biblio, 64, 19), std::tuple(Consignes, 48, 8)}) {
         Forms::Show(form);
-        const auto number = [form = form] { return TextOf(form, QStringLiteral("lblNumero")); };
         EXPECT_EQ(List(form)->count(), entries);
-        EXPECT_FALSE(Child(form, QStringLiteral("imgControl_4"))->isEnabled());
         Touch(form, StepDown);
-        EXPECT_EQ(number(), QString::number(1 + step));
+        EXPECT_EQ(TextOf(form, "lblNumero"), QString::number(1 + step));
         Touch(form, OneUp);
         Touch(form, StepUp);
-        EXPECT_EQ(number(), QStringLiteral("1"));
+        EXPECT_EQ(TextOf(form, "lblNumero"), "1");
+        EXPECT_FALSE(Child(form, "imgControl_4")->isEnabled());
         GoTo(form, entries - 1);
         Touch(form, StepDown);
-        EXPECT_EQ(number(), QString::number(entries));
-        EXPECT_FALSE(Child(form, QStringLiteral("imgControl_3"))->isEnabled());
-        Forms::Unload(form);
+        EXPECT_EQ(TextOf(form, "lblNumero"), QString::number(entries));
+        EXPECT_FALSE(Child(form, "imgControl_3")->isEnabled());
     }
 }
 
 TEST_F(TextEditorTest, AYesReachesTheSiteAndItsFile) {
-    Site().setBiblio(2, QStringLiteral(" two"));
+    Site().setBiblio(2, " two");
     Site().setModified(false);
     Forms::Show(Biblio);
     Touch(Biblio, Paste);
-    EXPECT_EQ(Line(Biblio, 1), QStringLiteral("01 - ")) << "nothing was copied";
+    EXPECT_EQ(Line(Biblio, 1), "01 - ") << "nothing was copied";
     GoTo(Biblio, 2);
     Touch(Biblio, Cut);
-    EXPECT_EQ(Line(Biblio, 2), QStringLiteral("02 - "));
+    EXPECT_EQ(Line(Biblio, 2), "02 - ");
     GoTo(Biblio, 64);
     Touch(Biblio, Paste);
-    EXPECT_EQ(Line(Biblio, 64), QStringLiteral("64 - two"));
-    Type(Biblio, QStringLiteral("Pump €"));
-    EXPECT_EQ(Line(Biblio, 64), QStringLiteral("64 - Pump €"));
+    EXPECT_EQ(Line(Biblio, 64), "64 - two");
+    Edits(Biblio, "Pump €");
+    EXPECT_EQ(Line(Biblio, 64), "64 - Pump €");
     Touch(Biblio, Copy);
     GoTo(Biblio, 3);
     Touch(Biblio, Paste);
     EXPECT_EQ(Site().BiblioText(3), QString()) << "no word before the question";
+    for (const int none : {Messages::Cancel, Messages::Closed}) {
+        Leave(Biblio, none);
+        EXPECT_NE(Screen(Biblio), nullptr);
+        EXPECT_EQ(styles.last(), 35);
+    }
     Leave(Biblio, Messages::Yes);
     EXPECT_EQ(Site().Biblio(64), QStringLiteral("Pump €").leftJustified(24));
     EXPECT_EQ(Site().Biblio(1), QString(24, QChar())) << "what nobody touched keeps its bytes";
     ConfigClass saved;
     ASSERT_EQ(saved.Read(CurrentConfigFile()), ConfigClass::ReadDone);
     EXPECT_EQ(saved.BiblioText(2), QString());
-    EXPECT_EQ(saved.BiblioText(3), QStringLiteral("Pump €"));
+    EXPECT_EQ(saved.BiblioText(3), "Pump €");
     EXPECT_NE(Screen(FormNames::wMain), nullptr);
 }
 
 TEST_F(TextEditorTest, NothingAskedWhereNothingDiffers) {
-    Site().setConsigne(2, QStringLiteral("text"));
+    Site().setConsigne(2, "text");
     Forms::Show(Consignes);
-    Type(Consignes, QString());
+    Edits(Consignes, QString());
     GoTo(Consignes, 3);
     Touch(Consignes, Clear);
     GoTo(Consignes, 2);
-    Type(Consignes, QStringLiteral("text   "));
+    Edits(Consignes, "text   ");
     Touch(Consignes, Clear);
-    Tap(Consignes, QStringLiteral("imgCancel"));
-    EXPECT_EQ(Line(Consignes, 2), QStringLiteral("02 - text"));
-    EXPECT_EQ(TextOf(Consignes, QStringLiteral("lblNumero")), QStringLiteral("2"));
+    Tap(Consignes, "imgCancel");
+    EXPECT_EQ(Line(Consignes, 2), "02 - text");
+    EXPECT_EQ(TextOf(Consignes, "lblNumero"), "2");
     Leave(Consignes, Messages::Cancel);
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(Screen(Consignes), nullptr);
@@ -148,29 +125,29 @@ TEST_F(TextEditorTest, NothingAskedWhereNothingDiffers) {
 
 TEST_F(TextEditorTest, AnAlarmKeepsWhatWasEdited) {
     Forms::Show(Consignes);
-    Type(Consignes, QStringLiteral("First\nSecond"));
+    Edits(Consignes, "First\nSecond");
     AlarmComes();
     Forms::Show(Biblio);
-    EXPECT_TRUE(Child(Biblio, QStringLiteral("lblKept"))->isHidden()) << "its twin kept nothing";
+    EXPECT_TRUE(Child(Biblio, "lblKept")->isHidden()) << "its twin kept nothing";
     Forms::Show(Consignes);
-    EXPECT_EQ(Line(Consignes, 1), QStringLiteral("01 - First Second"));
-    EXPECT_FALSE(Child(Consignes, QStringLiteral("lblKept"))->isHidden());
-    auto* whole = Find<QTextEdit>(Consignes, QStringLiteral("txtConsigne"));
-    EXPECT_EQ(whole->toPlainText(), QStringLiteral("First\nSecond"));
-    Tap(Consignes, QStringLiteral("imgCancel"));
-    EXPECT_EQ(Line(Consignes, 1), QStringLiteral("01 - "));
-    EXPECT_TRUE(Child(Consignes, QStringLiteral("lblKept"))->isHidden());
+    EXPECT_EQ(Line(Consignes, 1), "01 - First Second");
+    EXPECT_FALSE(Child(Consignes, "lblKept")->isHidden());
+    auto* whole = Find<QTextEdit>(Consignes, "txtConsigne");
+    EXPECT_EQ(whole->toPlainText(), "First\nSecond");
+    Tap(Consignes, "imgCancel");
+    EXPECT_EQ(Line(Consignes, 1), "01 - ");
+    EXPECT_TRUE(Child(Consignes, "lblKept")->isHidden());
     EXPECT_TRUE(whole->toPlainText().isEmpty());
 }
 
 TEST_F(TextEditorTest, ImportTakesTheHeadOfAFile) {
-    WriteFile(QStringLiteral("long.txt"), QByteArray("\x80 1\r\n") + QByteArray(1995, 'W'));
+    WriteFile("long.txt", QByteArray("\x80 1\r\n") + QByteArray(1995, 'W'));
     Forms::Show(Consignes);
-    Import(QStringLiteral("long.txt"));
-    const auto* whole = Find<QTextEdit>(Consignes, QStringLiteral("txtConsigne"));
+    Import("long.txt");
+    const auto* whole = Find<QTextEdit>(Consignes, "txtConsigne");
     EXPECT_EQ(whole->toPlainText(), QStringLiteral("€ 1\n") + QString(1019, u'W'));
-    EXPECT_TRUE(Line(Consignes, 1).startsWith(QStringLiteral("01 - € 1 WWW")));
-    EXPECT_EQ(IniRead(QStringLiteral("Files"), QStringLiteral("Import"), QString()),
+    EXPECT_TRUE(Line(Consignes, 1).startsWith("01 - € 1 WWW"));
+    EXPECT_EQ(IniRead("Files", "Import", QString()),
               QDir::cleanPath(Global::InApplicationFolder(QString())));
     QScrollBar* bar = whole->verticalScrollBar();
     EXPECT_GT(bar->maximum(), 0);
@@ -180,21 +157,20 @@ TEST_F(TextEditorTest, ImportTakesTheHeadOfAFile) {
     EXPECT_EQ(bar->value(), 90) << "a finger pushes the text";
     Leave(Consignes, Messages::Yes);
     EXPECT_EQ(Site().Consigne(1).size(), 1024);
-    EXPECT_TRUE(Site().Consigne(1).startsWith(QStringLiteral("€ 1\r\nW")));
+    EXPECT_TRUE(Site().Consigne(1).startsWith("€ 1\r\nW"));
     EXPECT_EQ(boxes, QStringList{GetText(30010)});
 }
 
 TEST_F(TextEditorTest, AFileThatCannotBeOpenedIsTold) {
     if (geteuid() == 0)
         GTEST_SKIP() << "rights mean nothing to this user";
-    WriteFile(QStringLiteral("shut.txt"), "text");
-    QFile::setPermissions(Global::InApplicationFolder(QStringLiteral("shut.txt")), {});
-    Site().setConsigne(1, QStringLiteral("as it was"));
+    WriteFile("shut.txt", "text");
+    QFile::setPermissions(Global::InApplicationFolder("shut.txt"), {});
+    Site().setConsigne(1, "as it was");
     Forms::Show(Consignes);
-    Import(QStringLiteral("shut.txt"));
-    EXPECT_EQ(boxes, QStringList{ErrorHandling::ErrorText(
-                         QStringLiteral("wParamConsignes.imgControl_Click"),
-                         platform::errors::PathAccess)});
-    EXPECT_EQ(Line(Consignes, 1), QStringLiteral("01 - as it was"));
-    EXPECT_TRUE(IniRead(QStringLiteral("Files"), QStringLiteral("Import"), QString()).isEmpty());
+    Import("shut.txt");
+    EXPECT_EQ(boxes, QStringList{ErrorHandling::ErrorText("wParamConsignes.imgControl_Click",
+                                                          platform::errors::PathAccess)});
+    EXPECT_EQ(Line(Consignes, 1), "01 - as it was");
+    EXPECT_TRUE(IniRead("Files", "Import", QString()).isEmpty());
 }

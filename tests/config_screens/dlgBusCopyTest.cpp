@@ -1,91 +1,61 @@
 // Copying a panel over another.
 
-#include "ConfigScreensFixture.h"
-#include "support/Script.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 
-const QString ConfirmCopy = QStringLiteral("cmdBoutons_1");
-
 class BusCopyTest : public ConfigScreensTest {
 protected:
-    /// Opens the dialog from the list of the panels and does something there, then closes it.
-    void InDialog(const std::function<void()>& act) {
-        Forms::Show(FormNames::wBusModules);
-        script.On(FormNames::dlgBusCopy, [act] {
-            act();
-            Tap(FormNames::dlgBusCopy, QStringLiteral("cmdBoutons_0"));
-        });
-        Tap(FormNames::wBusModules, QStringLiteral("imgCopyPanel"));
-        EXPECT_EQ(NbInstances(FormNames::dlgBusCopy), 0);
-    }
-    static void Arrow(int index, int times = 1) {
-        while (times-- > 0)
-            Tap(FormNames::dlgBusCopy, QStringLiteral("imgControl_%1").arg(index));
-    }
-    static QString Shown() {
-        return TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelNo_0")) + u' ' +
-               TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelNo_1"));
-    }
-    static bool CanCopy() { return Child(FormNames::dlgBusCopy, ConfirmCopy)->isEnabled(); }
+    BusCopyTest()
+        : ConfigScreensTest(FormNames::dlgBusCopy) {}
 
-    Script script;
+    QString Numbers() const { return Shown("lblPanelNo_0") + u' ' + Shown("lblPanelNo_1"); }
+    bool CanCopy() const { return Child(Form, "cmdBoutons_1")->isEnabled(); }
 };
 
 } // namespace
 
-TEST_F(BusCopyTest, ShowsBothPanelsAndCopiesOnlyOntoAnother) {
-    PanelClass& source = AddPanel(2, 4);
-    source.setTitle(QStringLiteral("Pumps|north"));
-    InDialog([] {
-        EXPECT_EQ(Shown(), QStringLiteral("01 01"));
-        EXPECT_FALSE(CanCopy());
-        Arrow(0);
-        EXPECT_EQ(Shown(), QStringLiteral("01 01"));
-        Arrow(1);
-        EXPECT_TRUE(CanCopy());
-        EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelModel_0")),
-                  QStringLiteral("P5000"));
-        EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelTitle_0")),
-                  QStringLiteral("Pumps\nnorth"));
-        EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelModel_1")),
-                  QStringLiteral("-----"));
-        Arrow(3);
-        EXPECT_FALSE(CanCopy());
-        Arrow(3, 70);
-        EXPECT_EQ(Shown(), QStringLiteral("02 64"));
-    });
-    EXPECT_EQ(Site().Panel(1).Model(), 0);
-}
-
 TEST_F(BusCopyTest, TheTargetKeepsItsNumberAndWhatThePollingKnows) {
     PanelClass& source = AddPanel(2, 4);
-    source.setTitle(QStringLiteral("Pumps"));
-    source.Channel(3).setScreenText(QStringLiteral("Pump 3"));
+    source.setTitle("Pumps|north");
+    source.Channel(3).setScreenText("Pump 3");
     source.Channel(3).setState(1);
     Site().setModified(false);
-    InDialog([] {
-        Arrow(1);
+    Forms::Show(FormNames::wBusModules);
+    Script script;
+    script.On(Form, [&] {
+        Press("imgControl", 0);
+        EXPECT_EQ(Numbers(), "01 01");
+        EXPECT_FALSE(CanCopy());
+        Press("imgControl", 1);
+        EXPECT_TRUE(CanCopy());
+        EXPECT_EQ(Shown("lblPanelModel_0") + Shown("lblPanelModel_1"), "P5000-----");
+        Press("imgControl", 3);
+        EXPECT_FALSE(CanCopy()) << "onto itself";
         for (const int target : {3, 4}) {
-            Arrow(3, target == 3 ? 2 : 1);
-            Tap(FormNames::dlgBusCopy, ConfirmCopy);
-            EXPECT_EQ(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblPanelTitle_1")),
-                      QStringLiteral("Pumps"));
-            EXPECT_FALSE(TextOf(FormNames::dlgBusCopy, QStringLiteral("lblCopied")).isEmpty());
+            Press("imgControl", 3);
+            Tap(Form, "cmdBoutons_1");
+            EXPECT_EQ(Shown("lblPanelTitle_1"), "Pumps\nnorth");
+            EXPECT_FALSE(Shown("lblCopied").isEmpty());
             const PanelClass& copied = Site().Panel(target);
             EXPECT_EQ(copied.Numero(), target);
-            EXPECT_EQ(copied.Channel(3).ScreenText(), QStringLiteral("Pump 3"));
+            EXPECT_EQ(copied.Channel(3).ScreenText(), "Pump 3");
             EXPECT_TRUE(copied.Active());
             EXPECT_FALSE(copied.Present());
             EXPECT_EQ(copied.Channel(3).State(), 0);
         }
+        Press("imgControl", 3, 70);
+        EXPECT_EQ(Numbers(), "02 64");
+        Tap(Form, "cmdBoutons_0");
     });
+    Tap(FormNames::wBusModules, "imgCopyPanel");
+    EXPECT_EQ(NbInstances(Form), 0);
     EXPECT_TRUE(boxes.isEmpty()) << "nothing is asked";
-    EXPECT_EQ(TextOf(FormNames::wBusModules, QStringLiteral("lblLblPan_2")),
-              QStringLiteral("Pumps"));
+    EXPECT_EQ(Site().Panel(1).Model() + Site().Panel(64).Model(), 0);
+    EXPECT_EQ(TextOf(FormNames::wBusModules, "lblLblPan_2"), "Pumps\nnorth");
     ConfigClass saved;
     EXPECT_EQ(saved.Read(CurrentConfigFile()), 0);
-    EXPECT_EQ(saved.Panel(4).Title(), QStringLiteral("Pumps"));
+    EXPECT_EQ(saved.Panel(4).Title(), "Pumps|north");
     EXPECT_EQ(saved.Panel(4).Numero(), 4);
     EXPECT_TRUE(Site().Modified());
 }

@@ -1,8 +1,8 @@
 // The clock is set on a machine that only notes it.
 
-#include "ConfigScreensFixture.h"
 #include "core/ErrorHandling.h"
 #include "platform/SystemClock.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 
@@ -27,67 +27,63 @@ public:
 
 class SysTimeTest : public ConfigScreensTest {
 protected:
-    SysTimeTest() {
+    SysTimeTest()
+        : ConfigScreensTest(FormNames::dlgSysTime) {
         clock.Set(2024, 3, 30, 23, 59, 58);
         Forms::Show(Form);
     }
 
-    void TapArrow(int index, int times = 1) {
-        for (int i = 0; i < times; ++i)
-            Tap(Form, QStringLiteral("imgControl_%1").arg(index));
-    }
     QString Fields() {
         QStringList fields;
         for (int field = 0; field < 6; ++field)
-            fields += TextOf(Form, QStringLiteral("lblDate_%1").arg(field));
+            fields += TextOf(Form, Part("lblDate", field));
         return fields.join(u' ');
     }
-    QTimer& Timer() { return *Screen(Form)->findChild<QTimer*>(QStringLiteral("tmrTimeUpdate")); }
+    QTimer& Timer() { return *Screen(Form)->findChild<QTimer*>("tmrTimeUpdate"); }
     void Tick() { QMetaObject::invokeMethod(&Timer(), "timeout"); }
-    void Set() { Tap(Form, QStringLiteral("cmdBoutons_1")); }
+    void Set() { Tap(Form, "cmdBoutons_1"); }
 
     NotedClock machine;
-    const QString Form = FormNames::dlgSysTime;
 };
 
 } // namespace
 
 TEST_F(SysTimeTest, RunsUntilAFieldIsTouched) {
-    EXPECT_EQ(Fields(), QStringLiteral("30 03 2024 23 59 58"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTimeZone")), machine.TimeZone());
+    EXPECT_EQ(Fields(), "30 03 2024 23 59 58");
+    EXPECT_EQ(Shown("lblTimeZone"), machine.TimeZone());
     clock.Advance(9000);
     Tick();
-    EXPECT_EQ(Fields(), QStringLiteral("31 03 2024 00 00 07"));
+    EXPECT_EQ(Fields(), "31 03 2024 00 00 07");
     EXPECT_TRUE(Timer().isActive()) << "its own tick is no edit";
-    TapArrow(1, 3);
-    TapArrow(8, 2);
-    EXPECT_EQ(Fields(), QStringLiteral("31 03 2024 00 00 07")) << "no field wraps around";
+    Press("imgControl", 1, 3);
+    Press("imgControl", 8, 2);
+    EXPECT_EQ(Fields(), "31 03 2024 00 00 07") << "no field wraps around";
     EXPECT_TRUE(Timer().isActive());
-    TapArrow(3);
-    TapArrow(4);
-    EXPECT_EQ(Fields(), QStringLiteral("31 04 2023 00 00 07"));
+    Press("imgControl", 3);
+    Press("imgControl", 4);
+    EXPECT_EQ(Fields(), "31 04 2023 00 00 07");
     EXPECT_FALSE(Timer().isActive());
     Set();
     EXPECT_EQ(machine.set.value(0), QDateTime(QDate(2023, 5, 1), QTime(0, 0, 7)))
         << "a day that April doesn't have";
     EXPECT_TRUE(Timer().isActive());
-    EXPECT_EQ(Fields(), QStringLiteral("31 03 2024 00 00 07")) << "what the clock then says";
+    EXPECT_EQ(Fields(), "31 03 2024 00 00 07") << "what the clock then says";
 }
 
 TEST_F(SysTimeTest, ARefusalSaysWhatToDo) {
-    TapArrow(6);
-    machine.answer = {SystemClock::Outcome::KeptByNetwork, QStringLiteral("words")};
+    Press("imgControl", 6);
+    machine.answer = {SystemClock::Outcome::KeptByNetwork, "words"};
     Set();
     EXPECT_EQ(boxes, QStringList(GetText(630210)));
     machine.answer.outcome = SystemClock::Outcome::Refused;
     Set();
     ASSERT_EQ(boxes.size(), 2);
-    EXPECT_EQ(boxes[1], ErrorHandling::ErrorText(QStringLiteral("dlgSysTime.cmdBoutons_Click"),
+    EXPECT_EQ(boxes[1], ErrorHandling::ErrorText("dlgSysTime.cmdBoutons_Click",
                                                  platform::errors::PermissionDenied));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblNote")), GetText(630211));
+    EXPECT_EQ(Shown("lblNote"), GetText(630211));
     machine.answer.outcome = SystemClock::Outcome::Failed;
     Set();
-    EXPECT_TRUE(TextOf(Form, QStringLiteral("lblNote")).contains(QStringLiteral("words")));
+    EXPECT_TRUE(Shown("lblNote").contains("words"));
     EXPECT_FALSE(Timer().isActive()) << "what was entered stays";
-    EXPECT_EQ(Fields(), QStringLiteral("30 03 2024 22 59 58"));
+    EXPECT_EQ(Fields(), "30 03 2024 22 59 58");
 }

@@ -1,67 +1,43 @@
 // The list of the panels: its tiles and pages, the ways out of it, and the sheet of the channels.
 
-#include "ConfigScreensFixture.h"
 #include "config_screens/panels/PanelTitle.h"
 #include "screens/touch/Colours.h"
-#include "support/Script.h"
-
-#include <QLineEdit>
-#include <QListWidget>
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 
 const QString Picker = FormNames::dlgFilePicker;
-const QString Import = QStringLiteral("imgImportExport_0");
-const QString Export = QStringLiteral("imgImportExport_1");
+const QString Import = "imgImportExport_0";
+const QString Export = "imgImportExport_1";
 
 class BusModulesTest : public ConfigScreensTest {
 protected:
-    static QString Part(const char* array, int tile) {
-        return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(tile);
-    }
-    static QString Text(const char* array, int tile) {
-        return TextOf(FormNames::wBusModules, Part(array, tile));
-    }
-    static bool Crossed(int tile) {
-        return !Child(FormNames::wBusModules, Part("imgCroix", tile))->isHidden();
-    }
-    static void Turn(int way) { Tap(FormNames::wBusModules, Part("imgNavig", way)); }
+    BusModulesTest()
+        : ConfigScreensTest(FormNames::wBusModules) {}
+
+    QString Text(const char* array, int tile) const { return TextOf(Form, Part(array, tile)); }
+    void Turn(int way, int times = 1) const { Press("imgNavig", way, times); }
     /// The first number of the page, and which arrows are enabled.
-    static QString Page() {
-        const auto enabled = [](int way) {
-            return Child(FormNames::wBusModules, Part("imgNavig", way))->isEnabled()
-                       ? QStringLiteral("+")
-                       : QStringLiteral("-");
+    QString Page() const {
+        const auto enabled = [&](int way) {
+            return Child(Form, Part("imgNavig", way))->isEnabled() ? u'+' : u'-';
         };
         return enabled(1) + Text("lblNumPan", 0) + enabled(2);
     }
-    void Confirm(const QString& name) {
-        script.On(FormNames::dlgKeyboard, [name] {
-            Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))->setText(name);
-            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
-        });
-    }
-    QString InFolder(const char* name) const { return Path(QString::fromLatin1(name)); }
     void SaveAs(const QString& name) {
         script.On(Picker, [this, name] {
             script.Next(FormNames::dlgKeyboard, [name] {
-                Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"))
-                    ->setText(name);
-                Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
+                Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0")->setText(name);
+                Tap(FormNames::dlgKeyboard, "imgControl_1");
             });
-            Tap(Picker, QStringLiteral("imgName"));
-            Tap(Picker, QStringLiteral("imgControl_1"));
+            Tap(Picker, "imgName");
+            Tap(Picker, "imgControl_1");
         });
+        Tap(Form, Export);
     }
-    static QByteArray Content(const QString& path) {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    }
-    static void Write(const QString& path, const QByteArray& bytes) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+    void TakeSheet(const QString& name) {
+        TakeFile(script, name);
+        Tap(Form, Import);
     }
 
     Script script;
@@ -72,40 +48,39 @@ protected:
 TEST_F(BusModulesTest, TilesShowThePanelsOfAPage) {
     PanelClass& panel = Site().Panel(18);
     panel.setModel(2);
-    panel.setTitle(QStringLiteral("Pumps|north"));
+    panel.setTitle("Pumps|north");
     Site().Panel(19).setActive(true);
     Site().Panel(20).setModel(1);
     Site().Panel(20).setActive(true);
-    Forms::Show(FormNames::wBusModules);
-    EXPECT_EQ(Page(), QStringLiteral("-01+"));
+    Forms::Show(Form);
     Turn(1);
-    EXPECT_EQ(Page(), QStringLiteral("-01+"));
+    EXPECT_EQ(Page(), "-01+");
     Turn(2);
-    EXPECT_EQ(Page(), QStringLiteral("+17+"));
-    EXPECT_EQ(Text("lblNumPan", 15), QStringLiteral("32"));
-    EXPECT_EQ(Text("lblTypePan", 1), QStringLiteral("Q6200XT"));
-    EXPECT_EQ(Text("lblLblPan", 1), QStringLiteral("Pumps\nnorth"));
-    EXPECT_EQ(Text("lblTypePan", 2), QStringLiteral("-----"));
-    EXPECT_TRUE(Crossed(1)) << "a model that isn't active";
-    EXPECT_TRUE(Crossed(2)) << "active without a model";
-    EXPECT_FALSE(Crossed(3));
-    Turn(2);
-    Turn(2);
-    Turn(2);
-    EXPECT_EQ(Page(), QStringLiteral("+49-"));
-    EXPECT_EQ(Text("lblNumPan", 15), QStringLiteral("64"));
-}
-
-TEST_F(BusModulesTest, BeginsAtThePageOfTheSettings) {
-    const QPair<const char*, const char*> pages[] = {{"33", "+33+"}, {"49", "+49-"}, {"64", "+49-"},
-                                                     {"20", "+17+"}, {"0", "-01+"},  {"x", "-01+"}};
-    for (const auto& [setting, page] : pages) {
-        IniWrite(QStringLiteral("General"), QStringLiteral("PanelPage"),
-                 QString::fromLatin1(setting));
-        Forms::Show(FormNames::wBusModules);
-        EXPECT_EQ(Page(), QString::fromLatin1(page)) << setting;
-        Forms::Unload(FormNames::wBusModules);
+    EXPECT_EQ(Page(), "+17+");
+    EXPECT_EQ(Text("lblNumPan", 15), "32");
+    EXPECT_EQ(Text("lblTypePan", 1), "Q6200XT");
+    EXPECT_EQ(Text("lblLblPan", 1), "Pumps\nnorth");
+    EXPECT_EQ(Text("lblTypePan", 2), "-----");
+    for (const int tile : {1, 2, 3})
+        EXPECT_EQ(Child(Form, Part("imgCroix", tile))->isHidden(), tile == 3)
+            << "without a model or not active";
+    Turn(2, 3);
+    EXPECT_EQ(Page(), "+49-");
+    EXPECT_EQ(Text("lblNumPan", 15), "64");
+    // The keyboard turns as well, and so does the page of the settings.
+    for (const auto& [number, page] : {std::pair("20", "+17+"), std::pair("50", "+49-")}) {
+        Type(script, number);
+        QTest::keyClick(Screen(Form), Qt::Key_F12);
+        EXPECT_EQ(Page(), page);
+    }
+    for (const auto& [setting, page] :
+         {std::pair("33", "+33+"), std::pair("49", "+49-"), std::pair("64", "+49-"),
+          std::pair("20", "+17+"), std::pair("0", "-01+"), std::pair("x", "-01+")}) {
+        Forms::Unload(Form);
         RemoveUnloaded();
+        IniWrite("General", "PanelPage", setting);
+        Forms::Show(Form);
+        EXPECT_EQ(Page(), page) << setting;
     }
 }
 
@@ -115,16 +90,16 @@ TEST_F(BusModulesTest, TitlesOfAnyColourAndLengthCanBeRead) {
         Site().Panel(tile + 1).setTitle(QString(PanelClass::MaxTitle, u'W'));
         Site().Panel(tile + 1).setTitleColor(colours[tile]);
     }
-    Site().Panel(8).setTitle(QStringLiteral("Main switchboard of the water treatment"));
-    Forms::Show(FormNames::wBusModules);
+    Site().Panel(8).setTitle("Main switchboard of the water treatment");
+    Forms::Show(Form);
     for (int tile = 0; tile < 7; ++tile) {
-        const auto* title = Find<PanelTitle>(FormNames::wBusModules, Part("lblLblPan", tile));
+        const auto* title = Find<PanelTitle>(Form, Part("lblLblPan", tile));
         EXPECT_EQ(title->Ink(), Colours::FromBgr(colours[tile]));
         EXPECT_GE(Colours::Contrast(title->Ink(), title->Ground()), 4.5) << tile;
         EXPECT_EQ(title->Lines().size(), 3);
         EXPECT_TRUE(title->Lines().last().endsWith(QChar(0x2026)));
     }
-    EXPECT_EQ(Find<PanelTitle>(FormNames::wBusModules, Part("lblLblPan", 7))->Lines().join(u' '),
+    EXPECT_EQ(Find<PanelTitle>(Form, Part("lblLblPan", 7))->Lines().join(u' '),
               Site().Panel(8).Title());
 }
 
@@ -135,12 +110,11 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
                                              {"lblLblPan", 11},
                                              {"imgCroix", 15}};
     for (const auto& [array, tile] : parts) {
-        Forms::Show(FormNames::wBusModules);
+        Forms::Show(Form);
         Turn(2);
-        Tap(FormNames::wBusModules, Part(array, tile));
-        EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblNumModule_0")),
-                  QString::number(17 + tile));
-        EXPECT_EQ(NbInstances(FormNames::wBusModules), 0) << array;
+        Tap(Form, Part(array, tile));
+        EXPECT_EQ(TextOf(FormNames::wBusPanneau, "lblNumModule_0"), QString::number(17 + tile));
+        EXPECT_EQ(NbInstances(Form), 0) << array;
         Forms::Unload(FormNames::wBusPanneau);
         RemoveUnloaded();
     }
@@ -148,77 +122,60 @@ TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
                                                 {"lblMiroirs", FormNames::wBusMiroirs},
                                                 {"imgNavig_0", FormNames::wMain}};
     for (const auto& [control, form] : ways) {
-        Forms::Show(FormNames::wBusModules);
-        Tap(FormNames::wBusModules, QString::fromLatin1(control));
-        EXPECT_TRUE(NbInstances(form) == 1 && NbInstances(FormNames::wBusModules) == 0) << control;
+        Forms::Show(Form);
+        Tap(Form, control);
+        EXPECT_TRUE(NbInstances(form) == 1 && NbInstances(Form) == 0) << control;
         Forms::Unload(form);
         RemoveUnloaded();
     }
 }
 
-TEST_F(BusModulesTest, TheKeyboardTurnsToAPanel) {
-    Forms::Show(FormNames::wBusModules);
-    Confirm(QStringLiteral("50"));
-    QTest::keyClick(Screen(FormNames::wBusModules), Qt::Key_F12);
-    EXPECT_EQ(Page(), QStringLiteral("+49-"));
-    script.On(FormNames::dlgKeyboard,
-              [] { Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_0")); });
-    QTest::keyClick(Screen(FormNames::wBusModules), Qt::Key_F12);
-    EXPECT_EQ(Page(), QStringLiteral("+49-"));
-}
-
 TEST_F(BusModulesTest, ChannelsGoOutAndComeBack) {
-    Site().Panel(5).Channel(6).setScreenText(QStringLiteral("Pump"));
-    Forms::Show(FormNames::wBusModules);
-    SaveAs(QStringLiteral("channels"));
-    Tap(FormNames::wBusModules, Export);
-    EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', QStringLiteral("768")));
-    QByteArray sheet = Content(InFolder("channels.txt"));
+    Site().Panel(5).Channel(6).setScreenText("Pump");
+    Forms::Show(Form);
+    SaveAs("channels");
+    EXPECT_EQ(boxes.last(), GetText(300510).replace(u'$', "768"));
+    EXPECT_EQ(styles.last(), Messages::Information);
+    QByteArray sheet = BytesOf("channels.txt");
     EXPECT_TRUE(sheet.contains("Pump\t"));
     Site().setModified(false);
-    Write(InFolder("channels.txt"), sheet.replace("Pump", "D\xC3\xA9"
-                                                          "bit"));
-    TakeFile(script, QStringLiteral("channels.txt"));
-    Tap(FormNames::wBusModules, Import);
-    EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), QStringLiteral("Débit"));
+    WriteFile("channels.txt", sheet.replace("Pump", "D\xC3\xA9"
+                                                    "bit"));
+    TakeSheet("channels.txt");
+    EXPECT_EQ(Site().Panel(5).Channel(6).ScreenText(), "Débit");
     EXPECT_TRUE(Site().Modified());
     EXPECT_FALSE(QFile::exists(CurrentConfigFile()));
-    EXPECT_EQ(boxes.last(), GetText(300511)
-                                    .replace(QStringLiteral("$1"), QStringLiteral("768"))
-                                    .replace(QStringLiteral("$2"), QStringLiteral("1")) +
+    EXPECT_EQ(boxes.last(), GetText(300511).replace("$1", "768").replace("$2", "1") +
                                 QStringLiteral("\r\n") + GetText(300513));
     // A text that the sheet can't give back is told at once.
-    Site().Panel(7).Channel(8).setPrintText(QStringLiteral("a\tb"));
-    SaveAs(QStringLiteral("torn"));
-    Tap(FormNames::wBusModules, Export);
-    EXPECT_TRUE(boxes.last().endsWith(GetText(300514)
-                                          .replace(QStringLiteral("$1"), QStringLiteral("7"))
-                                          .replace(QStringLiteral("$2"), QStringLiteral("8"))));
+    Site().Panel(7).Channel(8).setPrintText("a\tb");
+    SaveAs("torn");
+    EXPECT_TRUE(boxes.last().endsWith(GetText(300514).replace("$1", "7").replace("$2", "8")));
     EXPECT_EQ(styles.last(), Messages::Warning);
 }
 
 TEST_F(BusModulesTest, ABadLineIsReportedAndTold) {
-    Write(InFolder("bad.txt"), "1\t1\t1\t0\t0\t0\t5\t1\t0\t0\t0\t0\tPump\tPump\n"
-                               "1\t2\t1\t0\t0\t0\t100\t1\t0\t0\t0\t0\tPump\tPump\n");
-    Forms::Show(FormNames::wBusModules);
-    TakeFile(script, QStringLiteral("bad.txt"));
-    Tap(FormNames::wBusModules, Import);
+    WriteFile("bad.txt", "1\t1\t1\t0\t0\t0\t5\t1\t0\t0\t0\t0\tPump\tPump\n"
+                         "1\t2\t1\t0\t0\t0\t100\t1\t0\t0\t0\t0\tPump\tPump\n");
+    Forms::Show(Form);
+    TakeSheet("bad.txt");
     ASSERT_EQ(boxes.size(), 2);
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Error Nr 380")));
-    EXPECT_TRUE(boxes[0].endsWith(QStringLiteral("Object : imgImportExport\r\nEvent : Click")));
-    EXPECT_TRUE(boxes[1].endsWith(GetText(300512)
-                                      .replace(QStringLiteral("$1"), QStringLiteral("2"))
-                                      .replace(QStringLiteral("$2"), QStringLiteral("Prio"))));
+    EXPECT_EQ(styles.last(), Messages::Warning);
+    EXPECT_TRUE(boxes[0].contains("Error Nr 380"));
+    EXPECT_TRUE(boxes[0].endsWith("Object : imgImportExport\r\nEvent : Click"));
+    EXPECT_TRUE(boxes[1].endsWith(GetText(300512).replace("$1", "2").replace("$2", "Prio")));
     EXPECT_EQ(Site().Panel(1).Channel(1).AlmPrio(), 5);
     EXPECT_FALSE(Site().Panel(1).Channel(2).Modified());
 }
 
-TEST_F(BusModulesTest, AnAlarmTakesTheChoiceOfAFileAway) {
+TEST_F(BusModulesTest, AChoiceOfAFileIsGivenUpOrTakenAwayByAnAlarm) {
     for (const QString& image : {Import, Export}) {
-        Forms::Show(FormNames::wBusModules);
+        Forms::Show(Form);
+        script.On(Picker, [] { Tap(Picker, "imgControl_0"); });
+        Tap(Form, image);
         script.On(Picker, [] { AlarmComes(); });
-        Tap(FormNames::wBusModules, image);
-        EXPECT_EQ(NbInstances(FormNames::wBusModules) + NbInstances(Picker), 0);
+        Tap(Form, image);
+        EXPECT_EQ(NbInstances(Form) + NbInstances(Picker), 0);
         EXPECT_TRUE(boxes.isEmpty());
     }
 }

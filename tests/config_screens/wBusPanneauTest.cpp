@@ -1,14 +1,13 @@
 // The editor of a panel: what it shows and stores, its clipboard, the ways out of it.
 
 #include "config_screens/panel/wBusPanneau.h"
-#include "ConfigScreensFixture.h"
 #include "config_screens/panel/ChannelParameters.h"
 #include "config_screens/panel/dlgColour.h"
 #include "model/Models.h"
 #include "screens/touch/Colours.h"
 #include "screens/touch/ValueLabel.h"
+#include "support/ConfigScreensFixture.h"
 
-#include <QLineEdit>
 #include <QPushButton>
 #include <set>
 
@@ -22,48 +21,37 @@ class BusPanneauTest : public ConfigScreensTest {
 protected:
     enum Image { Back, On, Copy, Paste, Cut, Clear };
 
-    static void Open(int number) {
-        Forms::Load(FormNames::wBusPanneau);
-        dynamic_cast<wBusPanneau*>(Screen(FormNames::wBusPanneau))->setNumModule(qint16(number));
-        Forms::Show(FormNames::wBusPanneau);
+    BusPanneauTest()
+        : ConfigScreensTest(FormNames::wBusPanneau, "imgNavig_5") {}
+
+    void Open(int number) const {
+        dynamic_cast<wBusPanneau*>(Forms::Load(Form))->setNumModule(qint16(number));
+        Forms::Show(Form);
     }
-    static QString Name(const char* array, int index) {
-        return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(index);
-    }
-    static QString Value(int parameter) {
-        return TextOf(FormNames::wBusPanneau, Name("lblParamVal", parameter));
-    }
-    static void Touch(int image) { Tap(FormNames::wBusPanneau, Name("imgControl", image)); }
-    static void GoTo(int channel) {
+    QString Value(int parameter) const { return TextOf(Form, Part("lblParamVal", parameter)); }
+    void Touch(int image, int times = 1) const { Press("imgControl", image, times); }
+    void GoTo(int channel) const {
         const int from = Value(Number).toInt();
-        for (int i = 0; i < qAbs(channel - from); ++i)
-            Touch(channel > from ? On : Back);
+        Touch(channel > from ? On : Back, qAbs(channel - from));
         EXPECT_EQ(Value(Number), QString::number(channel));
     }
     /// Changes a parameter by its button, from the list or with the keyboard.
     void Set(int parameter, const QString& value) {
-        Tap(FormNames::wBusPanneau, Name("lblParamVal", parameter));
+        Press("lblParamVal", parameter);
         if (All()[parameter].list != nullptr) {
-            Choose(FormNames::wBusPanneau, QStringLiteral("imgModif"), value);
+            Choose(Form, "imgModif", value);
             return;
         }
-        script.On(FormNames::dlgKeyboard, [value] {
-            auto* line = Find<QLineEdit>(FormNames::dlgKeyboard, QStringLiteral("txtValue_0"));
-            EXPECT_EQ(line->maxLength(), 40);
-            line->setText(value);
-            Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_1"));
-        });
-        Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
+        Type(script, value);
+        Tap(Form, "imgModif");
     }
     void Leave(int reply) {
-        answer = reply;
-        Tap(FormNames::wBusPanneau, Name("imgNavig", 5));
-        RemoveUnloaded();
+        ConfigScreensTest::Leave(reply);
         Forms::Unload(FormNames::wBusModules);
         RemoveUnloaded();
     }
-    static bool Enabled(const char* array, int index) {
-        return Child(FormNames::wBusPanneau, Name(array, index))->isEnabled();
+    bool Enabled(const char* array, int index) const {
+        return Child(Form, Part(array, index))->isEnabled();
     }
 
     Script script;
@@ -73,94 +61,84 @@ protected:
 
 TEST_F(BusPanneauTest, EachParameterIsStoredWhereItBelongs) {
     AddPanel(3, 1);
-    Site().setBiblio(7, QStringLiteral("Pumps"));
+    Site().setBiblio(7, "Pumps");
     Open(3);
     GoTo(5);
-    const QPair<int, QString> values[] = {{Title, QStringLiteral("Pump|room")},
-                                          {OnScreen, GetText(10002)},
-                                          {3, GetText(10002)},
-                                          {Kind, GetText(300312, true)},
-                                          {5, GetText(10002)},
-                                          {Priority, QStringLiteral("99")},
-                                          {7, GetText(10002)},
-                                          {Library, QStringLiteral("7")},
-                                          {Instruction, QStringLiteral("48")},
-                                          {10, GetText(10002)},
-                                          {Delay, QStringLiteral("36:00")},
-                                          {ScreenText, QStringLiteral("Pump 5")},
-                                          {13, QStringLiteral("Paper 5")}};
+    const QPair<int, QString> values[] = {{Title, "Pump|room"}, {OnScreen, GetText(10002)},
+                                          {3, GetText(10002)},  {Kind, GetText(300312, true)},
+                                          {5, GetText(10002)},  {Priority, "99"},
+                                          {7, GetText(10002)},  {Library, "7"},
+                                          {Instruction, "48"},  {10, GetText(10002)},
+                                          {Delay, "36:00"},     {ScreenText, "Pump 5"},
+                                          {13, "Paper 5"}};
     for (const auto& [parameter, value] : values)
         Set(parameter, value);
     GoTo(6);
-    EXPECT_NE(Value(ScreenText), QStringLiteral("Pump 5"));
+    EXPECT_NE(Value(ScreenText), "Pump 5");
     GoTo(5);
     for (const auto& [parameter, value] : values)
         EXPECT_EQ(Value(parameter), value) << parameter;
-    const auto* texts = Find<QListWidget>(FormNames::wBusPanneau, QStringLiteral("lstBiblio"));
-    EXPECT_EQ(texts->currentItem()->text(), QStringLiteral("Pumps"));
+    const auto* texts = Find<QListWidget>(Form, "lstBiblio");
+    EXPECT_EQ(texts->currentItem()->text(), "Pumps");
     EXPECT_EQ(Site().Panel(3).Title(), QString()) << "nothing reaches the site before the answer";
     Leave(Messages::Yes);
     const PanelClass& panel = Site().Panel(3);
     const ChannelClass& channel = panel.Channel(5);
-    EXPECT_EQ(panel.Title(), QStringLiteral("Pump|room"));
+    EXPECT_EQ(panel.Title(), "Pump|room");
     EXPECT_TRUE(channel.ScrAlm() && channel.PrtAlm() && channel.Klaxon() && channel.Histo() &&
                 channel.React());
-    EXPECT_EQ(channel.TypeImp(), 2);
-    EXPECT_EQ(channel.AlmPrio(), 99);
-    EXPECT_EQ(channel.BibNum(), 7);
-    EXPECT_EQ(channel.HelpNum(), 48);
-    EXPECT_EQ(ReactivTime(channel.ReactTpo()), QStringLiteral("36:00"));
-    EXPECT_EQ(channel.ScreenText(), QStringLiteral("Pump 5"));
-    EXPECT_EQ(channel.PrintText(), QStringLiteral("Paper 5"));
+    const QList<int> numbers{channel.TypeImp(), channel.AlmPrio(), channel.BibNum(),
+                             channel.HelpNum()};
+    EXPECT_EQ(numbers, QList<int>({2, 99, 7, 48}));
+    EXPECT_EQ(ReactivTime(channel.ReactTpo()), "36:00");
+    EXPECT_EQ(channel.ScreenText() + channel.PrintText(), "Pump 5Paper 5");
     ConfigClass saved;
     EXPECT_EQ(saved.Read(CurrentConfigFile()), 0);
-    EXPECT_EQ(saved.Panel(3).Channel(5).PrintText(), QStringLiteral("Paper 5"));
+    EXPECT_EQ(saved.Panel(3).Channel(5).PrintText(), "Paper 5");
 }
 
 TEST_F(BusPanneauTest, ThePointerStepsOverTheChannelNumber) {
     AddPanel(1, 1);
     Open(1);
     EXPECT_FALSE(Enabled("imgNavig", 1));
-    Tap(FormNames::wBusPanneau, Name("lblParamVal", Number));
-    script.On(FormNames::dlgKeyboard,
-              [] { Tap(FormNames::dlgKeyboard, QStringLiteral("imgControl_0")); });
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
-    const auto pointed = [] {
+    Press("lblParamVal", Number);
+    script.On(FormNames::dlgKeyboard, [] { Tap(FormNames::dlgKeyboard, "imgControl_0"); });
+    Tap(Form, "imgModif");
+    const auto pointed = [this] {
         for (int i = 0; i < All().size(); ++i) {
-            if (Find<ValueLabel>(FormNames::wBusPanneau, Name("lblParamVal", i))->IsPointed())
+            if (Find<ValueLabel>(Form, Part("lblParamVal", i))->IsPointed())
                 return i;
         }
         return -1;
     };
     EXPECT_EQ(pointed(), int(Title));
-    Tap(FormNames::wBusPanneau, Name("imgNavig", 2));
+    Press("imgNavig", 2);
     EXPECT_EQ(pointed(), int(OnScreen));
-    Tap(FormNames::wBusPanneau, Name("imgNavig", 1));
+    Press("imgNavig", 1);
     EXPECT_EQ(pointed(), int(Title));
-    Tap(FormNames::wBusPanneau, Name("lblParamVal", 13));
+    Press("lblParamVal", 13);
     EXPECT_FALSE(Enabled("imgNavig", 2));
 }
 
 TEST_F(BusPanneauTest, AChannelIsCarriedToAnotherPanel) {
-    AddPanel(1, 1).Channel(2).setScreenText(QStringLiteral("Carried"));
-    AddPanel(2, 3).Channel(12).setScreenText(QStringLiteral("Old"));
-    Site().Panel(2).Channel(13).setScreenText(QStringLiteral("Beyond"));
+    AddPanel(1, 1).Channel(2).setScreenText("Carried");
+    AddPanel(2, 3).Channel(12).setScreenText("Old");
+    Site().Panel(2).Channel(13).setScreenText("Beyond");
     Open(1);
     GoTo(2);
     Touch(Cut);
     EXPECT_EQ(Value(ScreenText).trimmed(), QString());
     Leave(Messages::No);
-    EXPECT_EQ(Site().Panel(1).Channel(2).ScreenText(), QStringLiteral("Carried"));
+    EXPECT_EQ(Site().Panel(1).Channel(2).ScreenText(), "Carried");
     Open(2);
-    for (int i = 0; i < 30; ++i)
-        Touch(On);
+    Touch(On, 30);
     EXPECT_EQ(Value(Number), QString::number(Site().Panel(2).ChannelCount()));
     GoTo(12);
     Touch(Paste);
-    EXPECT_EQ(Value(ScreenText), QStringLiteral("Carried"));
+    EXPECT_EQ(Value(ScreenText), "Carried");
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().Panel(2).Channel(12).ScreenText(), QStringLiteral("Carried"));
-    EXPECT_EQ(Site().Panel(2).Channel(13).ScreenText(), QStringLiteral("Beyond"));
+    EXPECT_EQ(Site().Panel(2).Channel(12).ScreenText(), "Carried");
+    EXPECT_EQ(Site().Panel(2).Channel(13).ScreenText(), "Beyond");
 }
 
 TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
@@ -169,29 +147,25 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
         Site().Mirrors().Add(qint16(from), 1, qint16(to), 1, 1);
     Open(1);
     answer = Messages::Cancel;
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
+    Tap(Form, "imgModele");
     EXPECT_EQ(boxes.last(), GetText(30011));
     EXPECT_EQ(styles.last(), 49);
     EXPECT_EQ(Site().Mirrors().Count(), 3);
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(1));
+    EXPECT_EQ(Shown("lblModele"), ModuleName(1));
     answer = Messages::Ok;
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(2));
+    Tap(Form, "imgModele");
+    EXPECT_EQ(Shown("lblModele"), ModuleName(2));
     ASSERT_EQ(Site().Mirrors().Count(), 1);
     EXPECT_EQ(Site().Mirrors().Item(1).FromModule(), 3);
     const qsizetype asked = boxes.size();
-    const auto wayToMirrors = [] {
-        return Child(FormNames::wBusPanneau, QStringLiteral("lblVisuTcde"))->isHidden()
-                   ? QString()
-                   : TextOf(FormNames::wBusPanneau, QStringLiteral("lblVisuTcde"));
-    };
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    EXPECT_EQ(wayToMirrors(), GetText(300130));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    EXPECT_EQ(wayToMirrors(), GetText(300131)) << "a remote-controlled model";
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-    EXPECT_EQ(wayToMirrors(), QString()) << "from the last back to none";
+    // Remote-controlled models have another way, and from the last back to none there is none.
+    for (const auto& [taps, way] :
+         {std::pair(1, GetText(300130)), {1, GetText(300131)}, {2, QString()}}) {
+        for (int tap = 0; tap < taps; ++tap)
+            Tap(Form, "imgModele");
+        EXPECT_EQ(Child(Form, "lblVisuTcde")->isHidden(), way.isEmpty());
+        EXPECT_TRUE(way.isEmpty() || Shown("lblVisuTcde") == way) << way.toStdString();
+    }
     EXPECT_EQ(boxes.size(), asked) << "in no mirror any more";
     Leave(Messages::No);
     EXPECT_EQ(Site().Panel(1).Model(), 1);
@@ -201,30 +175,30 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
 TEST_F(BusPanneauTest, WhatTheBusFoundOutMeanwhileStays) {
     PanelClass& panel = AddPanel(1, 1);
     Open(1);
-    Set(ScreenText, QStringLiteral("Pump"));
+    Set(ScreenText, "Pump");
     panel.Channel(1).setState(5);
     panel.setPresent(false);
     answer = Messages::Yes;
-    Tap(FormNames::wBusPanneau, Name("imgNavPanel", 2));
-    EXPECT_EQ(panel.Channel(1).ScreenText(), QStringLiteral("Pump"));
+    Press("imgNavPanel", 2);
+    EXPECT_EQ(panel.Channel(1).ScreenText(), "Pump");
     EXPECT_EQ(panel.Channel(1).State(), 5);
     EXPECT_FALSE(panel.Present());
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, Name("lblNumModule", 0)), QStringLiteral("2"));
+    EXPECT_EQ(TextOf(Form, Part("lblNumModule", 0)), "2");
 }
 
 TEST_F(BusPanneauTest, ClearAndUndoTouchTheDraftOnly) {
-    AddPanel(64, 2).setTitle(QStringLiteral("Pumps"));
+    AddPanel(64, 2).setTitle("Pumps");
     Open(64);
     EXPECT_FALSE(Enabled("imgNavPanel", 2));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgActive"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblActive")), GetText(300120));
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgCancel"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblActive")), GetText(300121));
+    Tap(Form, "imgActive");
+    EXPECT_EQ(Shown("lblActive"), GetText(300120));
+    Tap(Form, "imgCancel");
+    EXPECT_EQ(Shown("lblActive"), GetText(300121));
     Leave(Messages::Cancel);
     EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
     Open(64);
-    Tap(FormNames::wBusPanneau, QStringLiteral("imgClear"));
-    EXPECT_EQ(TextOf(FormNames::wBusPanneau, QStringLiteral("lblModele")), ModuleName(0));
+    Tap(Form, "imgClear");
+    EXPECT_EQ(Shown("lblModele"), ModuleName(0));
     Leave(Messages::Cancel);
     EXPECT_EQ(Site().Panel(64).Model(), 2);
     Leave(Messages::Yes);
@@ -236,52 +210,49 @@ TEST_F(BusPanneauTest, AnEditAnAlarmTookAwayComesBackOnItsPanel) {
     AddPanel(1, 1);
     AddPanel(2, 1);
     Open(1);
-    Set(ScreenText, QStringLiteral("Kept"));
+    Set(ScreenText, "Kept");
     AlarmComes();
     EXPECT_TRUE(boxes.isEmpty());
-    const auto told = [] {
-        return !Child(FormNames::wBusPanneau, QStringLiteral("lblKept"))->isHidden();
-    };
     Open(2);
-    EXPECT_FALSE(told());
+    EXPECT_FALSE(TellsOfKept());
     Leave(Messages::No);
     Open(1);
-    EXPECT_TRUE(told());
-    EXPECT_EQ(Value(ScreenText), QStringLiteral("Kept"));
+    EXPECT_TRUE(TellsOfKept());
+    EXPECT_EQ(Value(ScreenText), "Kept");
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().Panel(1).Channel(1).ScreenText(), QStringLiteral("Kept"));
+    EXPECT_EQ(Site().Panel(1).Channel(1).ScreenText(), "Kept");
     Open(1);
-    Set(ScreenText, QStringLiteral("Stale"));
+    Set(ScreenText, "Stale");
     AlarmComes();
-    Site().Panel(1).Channel(1).setScreenText(QStringLiteral("Changed elsewhere"));
+    Site().Panel(1).Channel(1).setScreenText("Changed elsewhere");
     Open(1);
-    EXPECT_FALSE(told());
-    EXPECT_EQ(Value(ScreenText), QStringLiteral("Changed elsewhere"));
+    EXPECT_FALSE(TellsOfKept());
+    EXPECT_EQ(Value(ScreenText), "Changed elsewhere");
 }
 
 TEST_F(BusPanneauTest, ATitleTakesAColourOfThePaletteOnWhichItIsRead) {
     AddPanel(1, 1);
     Open(1);
-    const QString palette = QStringLiteral("dlgColour");
+    const QString palette = "dlgColour";
     std::set<QRgb> colours;
     script.On(palette, [&] {
         for (int cell = 0; cell < dlgColour::ColourCount; ++cell) {
-            auto* button = Find<QPushButton>(palette, Name("cmdColour", cell));
+            auto* button = Find<QPushButton>(palette, Part("cmdColour", cell));
             const QColor colour = button->grab().toImage().pixelColor(8, 8);
             colours.insert(colour.rgb());
             EXPECT_GE(Colours::Contrast(colour, Colours::InkOn(colour)), 4.5) << cell;
             EXPECT_GE(qMin(button->width(), button->height()), 48);
         }
-        Tap(palette, Name("cmdColour", 4));
-        Tap(palette, QStringLiteral("imgControl_1"));
+        Tap(palette, Part("cmdColour", 4));
+        Tap(palette, "imgControl_1");
     });
-    Tap(FormNames::wBusPanneau, QStringLiteral("lblTitleColor"));
+    Tap(Form, "lblTitleColor");
     EXPECT_GE(colours.size(), 40U);
     script.On(palette, [palette] {
-        Tap(palette, Name("cmdColour", 1));
-        Tap(palette, QStringLiteral("imgControl_0"));
+        Tap(palette, Part("cmdColour", 1));
+        Tap(palette, "imgControl_0");
     });
-    Tap(FormNames::wBusPanneau, QStringLiteral("lblTitleColor"));
+    Tap(Form, "lblTitleColor");
     Leave(Messages::Yes);
     EXPECT_EQ(Site().Panel(1).TitleColor(), 0x0000FF) << "red in the low byte";
 }

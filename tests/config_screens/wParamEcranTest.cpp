@@ -1,10 +1,11 @@
-#include "ConfigScreensFixture.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 
 class ParamEcranTest : public ConfigScreensTest {
 protected:
-    ParamEcranTest() {
+    ParamEcranTest()
+        : ConfigScreensTest(FormNames::wParamEcran) {
         SetOptions(0b00001, 0b11111, 0b00000, 0b00100);
         Site().setInactivityTime(7);
         Forms::Show(Form);
@@ -14,30 +15,22 @@ protected:
     QString Column(const char* cells) {
         QString column;
         for (int kind = 0; kind < 5; ++kind) {
-            const QString cell =
-                TextOf(Form, QStringLiteral("%1_%2").arg(QLatin1String(cells)).arg(kind));
+            const QString cell = TextOf(Form, Part(cells, kind));
             column += cell.isEmpty() ? QStringLiteral("-") : cell;
         }
         return column;
     }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, QStringLiteral("imgNavig_0"));
-        RemoveUnloaded();
-    }
-
-    const QString Form = FormNames::wParamEcran;
 };
 
 } // namespace
 
 TEST_F(ParamEcranTest, ACellIsABitOfItsRoad) {
-    EXPECT_EQ(Column("lblAffich"), QStringLiteral("X----"));
-    EXPECT_EQ(Column("lblHisto"), QStringLiteral("XXXXX"));
-    EXPECT_EQ(Column("lblPrint"), QStringLiteral("-----"));
-    EXPECT_EQ(Column("lblKlaxon"), QStringLiteral("--X--"));
-    Tap(Form, QStringLiteral("lblPrint_4"));
-    Tap(Form, QStringLiteral("lblKlaxon_2"));
+    EXPECT_EQ(Column("lblAffich"), "X----");
+    EXPECT_EQ(Column("lblHisto"), "XXXXX");
+    EXPECT_EQ(Column("lblPrint"), "-----");
+    EXPECT_EQ(Column("lblKlaxon"), "--X--");
+    Tap(Form, "lblPrint_4");
+    Tap(Form, "lblKlaxon_2");
     EXPECT_FALSE(Site().OptionPrinter(4)) << "nothing is taken before the answer";
     Leave(Messages::Yes);
     EXPECT_TRUE(Site().OptionPrinter(4));
@@ -50,7 +43,7 @@ TEST_F(ParamEcranTest, InactivityOfZeroTurnsTheWatchOff) {
     engine->SetupUserSleep();
     for (const auto& [minutes, watched] : {std::pair{"0", false}, {"60", true}}) {
         Forms::Show(Form);
-        Choose(Form, QStringLiteral("imgControl_0"), QString::fromLatin1(minutes));
+        Choose(Form, "imgControl_0", QString::fromLatin1(minutes));
         Leave(Messages::Yes);
         EXPECT_EQ(Site().InactivityTime(), QByteArray(minutes).toInt());
         EXPECT_EQ(engine->UserSleep().Enabled(), watched);
@@ -58,14 +51,13 @@ TEST_F(ParamEcranTest, InactivityOfZeroTurnsTheWatchOff) {
 }
 
 TEST_F(ParamEcranTest, WhatAnAlarmInterruptsStandsThereAgain) {
-    Tap(Form, QStringLiteral("lblPrint_0"));
+    Tap(Form, "lblPrint_0");
     AlarmComes();
-    EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().OptionPrinter(0));
     Forms::Show(Form);
-    EXPECT_EQ(Column("lblPrint"), QStringLiteral("X----"));
-    EXPECT_TRUE(Child(Form, QStringLiteral("lblKept"))->isVisible());
+    EXPECT_EQ(Column("lblPrint"), "X----");
+    EXPECT_TRUE(TellsOfKept());
     Leave(Messages::No);
     Forms::Show(Form);
-    EXPECT_EQ(Column("lblPrint"), QStringLiteral("-----"));
+    EXPECT_EQ(Column("lblPrint"), "-----");
 }

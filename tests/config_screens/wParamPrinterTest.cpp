@@ -1,11 +1,10 @@
 // The printer's screen against a named pipe, on which the events go out, and a pseudo-terminal.
 
-#include "ConfigScreensFixture.h"
-#include "PortsOfTest.h"
 #include "events/PrinterDefinition.h"
+#include "support/ConfigScreensFixture.h"
 #include "support/PipePrinter.h"
+#include "support/PortsOfTest.h"
 
-#include <QAbstractButton>
 #include <cstdlib>
 #include <optional>
 
@@ -13,36 +12,29 @@ namespace {
 
 class ParamPrinterTest : public ConfigScreensTest {
 protected:
-    ParamPrinterTest() {
-        Write(QStringLiteral("matrix"), "[Reset]\nInit=1B 40\n[Colors]\n0=1B 72 06\n2=1B 72 04\n"
-                                        "[Styles]\nB=1B 45\nU=1B 2D 01\n");
-        Write(QStringLiteral("plain"), "[Reset]\nInit=\n");
-        SLVfonctions::setDevicePath(QStringLiteral("LPT1"), Path(QStringLiteral("paper")));
+    ParamPrinterTest()
+        : ConfigScreensTest(FormNames::wParamPrinter) {
+        Write("matrix", "[Reset]\nInit=1B 40\n[Colors]\n0=1B 72 06\n2=1B 72 04\n"
+                        "[Styles]\nB=1B 45\nU=1B 2D 01\n");
+        Write("plain", "[Reset]\nInit=\n");
+        SLVfonctions::setDevicePath("LPT1", Path("paper"));
         paper.SwitchOn();
-        Site().setPrtSettings(QStringLiteral("LPT1:"));
-        Site().setPrinterName(QStringLiteral("matrix"));
-        Site().setPrinterInitCode(1, QStringLiteral("0BU"));
-        engine->dpPrinter().setPort(QStringLiteral("LPT1"));
+        Site().setPrtSettings("LPT1:");
+        Site().setPrinterName("matrix");
+        Site().setPrinterInitCode(1, "0BU");
+        engine->dpPrinter().setPort("LPT1");
         engine->dpPrinter().setSettings(QString());
         Forms::Show(Form);
     }
 
-    static void Write(const QString& name, const QByteArray& content) {
-        QFile file(PrinterDefinition::PathOf(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-    static QString TextIn(const char* label) {
-        return TextOf(FormNames::wParamPrinter, QString::fromLatin1(label));
+    void Write(const QString& name, const QByteArray& content) const {
+        WriteFile(name + ".prt", content);
     }
     /// Taps a printer of the list, in their order.
     void TapPrinter(int row) const {
-        auto* list = Find<QListWidget>(Form, QStringLiteral("lstPrinterName"));
+        auto* list = Find<QListWidget>(Form, "lstPrinterName");
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                           list->visualItemRect(list->item(row)).center());
-    }
-    static QAbstractButton* Option(const char* name) {
-        return Find<QAbstractButton>(FormNames::dlgParamPrinter, QString::fromLatin1(name));
     }
     /// Edits a class, and confirms or not.
     void EditClass(int number, const QStringList& taps, bool confirm = true) {
@@ -54,20 +46,19 @@ protected:
             Tap(FormNames::dlgParamPrinter,
                 confirm ? QStringLiteral("imgControl_1") : QStringLiteral("imgControl_0"));
         });
-        Tap(Form, QStringLiteral("imgCharModif"));
+        Tap(Form, "imgCharModif");
     }
     void ChangeField(const char* label, const QString& value) {
-        Tap(Form, QString::fromLatin1(label));
-        Choose(Form, QStringLiteral("imgComModif"), value);
-    }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, QStringLiteral("imgNavig_0"));
-        answer = Messages::Ok;
-        RemoveUnloaded();
+        Tap(Form, label);
+        Choose(Form, "imgComModif", value);
     }
     void TestPrint() {
-        Tap(Form, QStringLiteral("cmdPrintTest"));
+        Tap(Form, "cmdPrintTest");
+        QCoreApplication::processEvents();
+    }
+    void LetTwoSecondsPass() {
+        clock.Advance(2000);
+        engine->Paper().Advance();
         QCoreApplication::processEvents();
     }
     /// What the printer of the events is set to.
@@ -75,63 +66,60 @@ protected:
         return engine->dpPrinter().Port() + u':' + engine->dpPrinter().Settings();
     }
 
-    const QString Form = FormNames::wParamPrinter;
     PortsOfTest ports;
-    PipePrinter paper{Path(QStringLiteral("paper"))};
+    PipePrinter paper{Path("paper")};
 };
 
 } // namespace
 
 TEST_F(ParamPrinterTest, AnEditedClassHoldsItsColourUntilThePrinterIsSelectedAgain) {
-    EXPECT_EQ(TextIn("lblEscCode_1"), QStringLiteral("Green Bold Underlined"));
-    EditClass(2, {QStringLiteral("optGreen"), QStringLiteral("chkGras")}, false);
-    EXPECT_EQ(TextIn("lblEscCode_2"), QString());
-    EditClass(2, {QStringLiteral("optYellow"), QStringLiteral("chkGras"), QStringLiteral("optRed"),
-                  QStringLiteral("chkItalic")});
-    EXPECT_EQ(TextIn("lblEscCode_2"), QStringLiteral("Yellow Bold")) << "no red, no italic";
+    EXPECT_EQ(Shown("lblEscCode_1"), "Green Bold Underlined");
+    EditClass(2, {"optGreen", "chkGras"}, false);
+    EXPECT_EQ(Shown("lblEscCode_2"), QString());
+    EditClass(2, {"optYellow", "chkGras", "optRed", "chkItalic"});
+    EXPECT_EQ(Shown("lblEscCode_2"), "Yellow Bold") << "no red, no italic";
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().PrinterInitCode(2), QStringLiteral("2B"));
-    EXPECT_EQ(Site().PrinterInitString(2), QStringLiteral("1B 72 04"));
+    EXPECT_EQ(Site().PrinterInitCode(2), "2B");
+    EXPECT_EQ(Site().PrinterInitString(2), "1B 72 04");
 
     Forms::Show(Form);
     TapPrinter(0);
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().PrinterInitString(0), QStringLiteral("1B 40"));
-    EXPECT_EQ(Site().PrinterInitString(1), QStringLiteral("1B 72 06 1B 45 1B 2D 01"));
-    EXPECT_EQ(Site().PrinterInitString(2), QStringLiteral("1B 72 04 1B 45"));
+    EXPECT_EQ(Site().PrinterInitString(0), "1B 40");
+    EXPECT_EQ(Site().PrinterInitString(1), "1B 72 06 1B 45 1B 2D 01");
+    EXPECT_EQ(Site().PrinterInitString(2), "1B 72 04 1B 45");
 
     Forms::Show(Form);
     TapPrinter(1);
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().PrinterName(), QStringLiteral("plain"));
+    EXPECT_EQ(Site().PrinterName(), "plain");
     EXPECT_EQ(Site().PrinterInitString(1), QString());
-    EXPECT_EQ(Site().PrinterInitCode(1), QStringLiteral("0BU"));
+    EXPECT_EQ(Site().PrinterInitCode(1), "0BU");
 }
 
 TEST_F(ParamPrinterTest, WithoutADefinitionNothingIsEdited) {
-    QFile::remove(PrinterDefinition::PathOf(QStringLiteral("matrix")));
-    Tap(Form, QStringLiteral("imgCharModif"));
+    QFile::remove(PrinterDefinition::PathOf("matrix"));
+    Tap(Form, "imgCharModif");
     EXPECT_EQ(boxes.last(), GetText(30021));
     Leave(Messages::Cancel);
     EXPECT_EQ(Screen(Form), nullptr) << "nothing differs, nothing is asked";
     Forms::Show(Form);
     for (const char* button : {"imgCharModif", "imgChangePrinter"}) {
-        Tap(Form, QString::fromLatin1(button));
+        Tap(Form, button);
         EXPECT_EQ(boxes.last(), GetText(30019));
         EXPECT_EQ(styles.last(), 16);
     }
     Leave(Messages::No);
-    EXPECT_EQ(Site().PrinterName(), QStringLiteral("matrix"));
+    EXPECT_EQ(Site().PrinterName(), "matrix");
 }
 
 TEST_F(ParamPrinterTest, APortThatCannotBeReadIsNotTaken) {
     Leave(Messages::No);
-    SLVfonctions::setDevicePath(QStringLiteral("COM5"), Path(QStringLiteral("line")));
-    QFile(Path(QStringLiteral("line"))).open(QIODevice::WriteOnly);
-    Site().setPrtSettings(QStringLiteral("COM5:9600,8,N,1"));
+    SLVfonctions::setDevicePath("COM5", Path("line"));
+    QFile(Path("line")).open(QIODevice::WriteOnly);
+    Site().setPrtSettings("COM5:9600,8,N,1");
     Forms::Show(Form);
-    EXPECT_EQ(TextIn("lblComSpeed") + TextIn("lblComParity") + TextIn("lblComBits"),
-              QStringLiteral("9600??????????"));
+    EXPECT_EQ(Shown("lblComSpeed") + Shown("lblComParity") + Shown("lblComBits"), "9600??????????");
     ChangeField("lblComParity", GetText(100022));
     const QString before = EventPort();
     for (const int said : {1, 2}) {
@@ -140,20 +128,20 @@ TEST_F(ParamPrinterTest, APortThatCannotBeReadIsNotTaken) {
         EXPECT_EQ(boxes.last(), GetText(30014));
         EXPECT_EQ(EventPort(), before);
         if (said == 1) {
-            ChangeField("lblComBits", QStringLiteral("7"));
-            SLVfonctions::setDevicePath(QStringLiteral("COM5"), Path(QStringLiteral("gone")));
+            ChangeField("lblComBits", "7");
+            SLVfonctions::setDevicePath("COM5", Path("gone"));
         }
     }
-    SLVfonctions::setDevicePath(QStringLiteral("COM5"), Path(QStringLiteral("line")));
+    SLVfonctions::setDevicePath("COM5", Path("line"));
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().PrtSettings(), QStringLiteral("COM5:9600,E,7,1"));
+    EXPECT_EQ(Site().PrtSettings(), "COM5:9600,E,7,1");
     EXPECT_EQ(EventPort(), Site().PrtSettings()) << "the events go there from now on";
 
     Forms::Show(Form);
-    Tap(Form, QStringLiteral("lblPort_2"));
-    EXPECT_FALSE(Child(Form, QStringLiteral("cmdPrintTest"))->isEnabled());
+    Tap(Form, "lblPort_2");
+    EXPECT_FALSE(Child(Form, "cmdPrintTest")->isEnabled());
     Leave(Messages::Yes);
-    EXPECT_EQ(Site().PrtSettings() + EventPort(), QStringLiteral(":"));
+    EXPECT_EQ(Site().PrtSettings() + EventPort(), ":");
 }
 
 TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
@@ -164,9 +152,9 @@ TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
 
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
     ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
-    SLVfonctions::setDevicePath(QStringLiteral("COM2"), QFile::decodeName(ptsname(terminal)));
-    Tap(Form, QStringLiteral("lblPort_0"));
-    EXPECT_EQ(TextIn("lblComPort") + u' ' + TextIn("lblComSpeed"), QStringLiteral("2 9600"))
+    SLVfonctions::setDevicePath("COM2", QFile::decodeName(ptsname(terminal)));
+    Tap(Form, "lblPort_0");
+    EXPECT_EQ(Shown("lblComPort") + u' ' + Shown("lblComSpeed"), "2 9600")
         << "the bus has the first";
     TestPrint();
     QByteArray line(64, '\0');
@@ -174,9 +162,9 @@ TEST_F(ParamPrinterTest, ATestLineLeavesThePrinterOfTheEventsAsItWas) {
     close(terminal);
     EXPECT_EQ(line, QByteArray("***** TEST *****\r\n"));
     EXPECT_EQ(boxes.last(), GetText(430310));
-    EXPECT_EQ(EventPort(), QStringLiteral("LPT1:"));
+    EXPECT_EQ(EventPort(), "LPT1:");
 
-    engine->Paper().Print(QStringLiteral("event"));
+    engine->Paper().Print("event");
     EXPECT_TRUE(paper.Paper().endsWith("event\r\n"));
 }
 
@@ -185,50 +173,41 @@ TEST_F(ParamPrinterTest, AStuckPrinterHoldsNothing) {
     const auto said = boxes.size();
     TestPrint();
     EXPECT_EQ(boxes.size(), said);
-    EXPECT_FALSE(Child(Form, QStringLiteral("cmdPrintTest"))->isEnabled());
-    clock.Advance(2000);
-    engine->Paper().Advance();
-    QCoreApplication::processEvents();
+    EXPECT_FALSE(Child(Form, "cmdPrintTest")->isEnabled());
+    LetTwoSecondsPass();
     EXPECT_TRUE(boxes.last().startsWith(GetText(430316).section(u'$', 0, 0)));
     EXPECT_EQ(styles.last(), 16);
-    EXPECT_EQ(EventPort(), QStringLiteral("LPT1:"));
+    EXPECT_EQ(EventPort(), "LPT1:");
 
     TestPrint();
     AlarmComes();
     const auto before = boxes.size();
-    clock.Advance(2000);
-    engine->Paper().Advance();
-    QCoreApplication::processEvents();
+    LetTwoSecondsPass();
     EXPECT_EQ(boxes.size(), before) << "nobody waits for it any more";
 }
 
 TEST_F(ParamPrinterTest, AnAlarmKeepsTheEditAndPutsTheDeviceBack) {
-    Site().setBusSettings(QStringLiteral("COM3:9600,N,8,1"));
-    Tap(Form, QStringLiteral("lblPortName_0"));
-    ChangeField("lblComPort", QStringLiteral("3"));
+    Site().setBusSettings("COM3:9600,N,8,1");
+    Tap(Form, "lblPortName_0");
+    ChangeField("lblComPort", "3");
     EXPECT_EQ(boxes.last(), GetText(714061));
-    ChangeField("lblComPort", QStringLiteral("4"));
-    const QString adapter = ports.AddSerial(QStringLiteral("ttyUSB0"), QStringLiteral("FTDI"));
-    const auto device = [] { return SLVfonctions::DevicePath(QStringLiteral("COM4")); };
+    ChangeField("lblComPort", "4");
+    const QString adapter = ports.AddSerial("ttyUSB0", "FTDI");
+    const auto device = [] { return SLVfonctions::DevicePath("COM4"); };
     const QString former = device();
-    Script script;
-    script.On(FormNames::dlgPortDevice, [] {
-        Find<QListWidget>(FormNames::dlgPortDevice, QStringLiteral("lstDevices"))->setCurrentRow(1);
-        Tap(FormNames::dlgPortDevice, QStringLiteral("imgControl_1"));
-    });
-    Tap(Form, QStringLiteral("lblPortDevice_0"));
+    ChooseDevice("lblPortDevice_0", 1);
     EXPECT_EQ(device(), ports.Lasting(adapter));
-    EXPECT_TRUE(TextIn("lblPortDevice_0").startsWith(QStringLiteral("FTDI")));
+    EXPECT_TRUE(Shown("lblPortDevice_0").startsWith("FTDI"));
     AlarmComes();
     EXPECT_EQ(device(), former);
-    EXPECT_EQ(Site().PrtSettings(), QStringLiteral("LPT1:"));
+    EXPECT_EQ(Site().PrtSettings(), "LPT1:");
 
     Forms::Show(Form);
-    EXPECT_TRUE(Child(Form, QStringLiteral("lblKept"))->isVisible());
-    EXPECT_EQ(TextIn("lblComPort"), QStringLiteral("4"));
+    EXPECT_TRUE(TellsOfKept());
+    EXPECT_EQ(Shown("lblComPort"), "4");
     EXPECT_EQ(device(), ports.Lasting(adapter)) << "as before the alarm";
     Leave(Messages::No);
     EXPECT_EQ(device(), former);
     Forms::Show(Form);
-    EXPECT_FALSE(Child(Form, QStringLiteral("lblKept"))->isVisible());
+    EXPECT_FALSE(TellsOfKept());
 }

@@ -1,93 +1,84 @@
 // Keys of the history files and sounds of the priorities, on a horn that notes what it plays.
 
-#include "ConfigScreensFixture.h"
 #include "events/Klaxon.h"
+#include "support/ConfigScreensFixture.h"
 
 namespace {
 
+enum SoundImage {
+    Down,
+    Up,
+    Stop,
+    Play,
+    UndoSound,
+    ApplySound,
+    UndoFiles,
+    ApplyFiles,
+    LessUrgent,
+    MoreUrgent
+};
+
 class SysConfSonTest : public ConfigScreensTest {
 protected:
-    SysConfSonTest() {
+    SysConfSonTest()
+        : ConfigScreensTest(FormNames::wSysConfSon) {
         Site().setAlarmPrioSound(1, 2);
         Site().setAlarmPrioSound(2, 0);
         Forms::Show(Form);
     }
 
-    void TapImage(int index) { Tap(Form, QStringLiteral("imgControl_%1").arg(index)); }
-    int Sound() { return TextOf(Form, QStringLiteral("lblSoundNum")).toInt(); }
-    QString Playing() { return TextOf(Form, QStringLiteral("lblPlaying")); }
+    void TapImage(int index, int times = 1) { Press("imgControl", index, times); }
+    int Sound() { return Shown("lblSoundNum").toInt(); }
+    QString Playing() { return Shown("lblPlaying"); }
     static QString Key(const char* key) {
-        return IniRead(QStringLiteral("Files"), QString::fromLatin1(key), QStringLiteral("none"));
+        return IniRead("Files", QString::fromLatin1(key), "none");
     }
-    void Leave(int reply) {
-        answer = reply;
-        Tap(Form, QStringLiteral("imgNavig_0"));
-        RemoveUnloaded();
-    }
-
-    enum {
-        Down,
-        Up,
-        Stop,
-        Play,
-        UndoSound,
-        ApplySound,
-        UndoFiles,
-        ApplyFiles,
-        LessUrgent,
-        MoreUrgent
-    };
-    const QString Form = FormNames::wSysConfSon;
 };
 
 } // namespace
 
 TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
-    EXPECT_FALSE(Child(Form, QStringLiteral("cmdPeriod"))->isEnabled());
-    Tap(Form, QStringLiteral("optPeriod_1"));
-    Tap(Form, QStringLiteral("chkPeriod"));
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblPeriod")), GetText(630257));
-    Choose(Form, QStringLiteral("cmdPeriod"), QStringLiteral("730"));
+    EXPECT_FALSE(Child(Form, "cmdPeriod")->isEnabled());
+    Tap(Form, "optPeriod_1");
+    Tap(Form, "chkPeriod");
+    EXPECT_EQ(Shown("lblPeriod"), GetText(630257));
+    Choose(Form, "cmdPeriod", "730");
     TapImage(UndoFiles);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("txtPeriod")), QStringLiteral("0"));
-    Tap(Form, QStringLiteral("chkPeriod"));
-    Choose(Form, QStringLiteral("cmdPeriod"), QStringLiteral("6"));
-    Tap(Form, QStringLiteral("chkNoResize"));
-    EXPECT_EQ(Key("PeriodTime"), QStringLiteral("none"));
+    EXPECT_EQ(Shown("txtPeriod"), "0");
+    Tap(Form, "chkPeriod");
+    Choose(Form, "cmdPeriod", "6");
+    Tap(Form, "chkNoResize");
+    EXPECT_EQ(Key("PeriodTime"), "none");
     TapImage(ApplyFiles);
     EXPECT_EQ(boxes.last(), GetText(30009));
     EXPECT_EQ(styles.last(), 64);
-    EXPECT_EQ(Key("PeriodTime") + Key("PeriodUnit") + Key("PeriodLimit"), QStringLiteral("601"));
+    EXPECT_EQ(Key("PeriodTime") + Key("PeriodUnit") + Key("PeriodLimit"), "601");
     EXPECT_EQ(Key("Histo"), platform::ApplicationFolder());
     Leave(Messages::Yes);
-    EXPECT_EQ(IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QString()),
-              QStringLiteral("0"));
+    EXPECT_EQ(IniRead("General", "NoResize", QString()), "0");
 }
 
 TEST_F(SysConfSonTest, WithoutTheBoxFilesAreKeptForEver) {
-    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodTime"), QStringLiteral("6"));
-    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodLimit"), QStringLiteral("1"));
+    IniWrite("Files", "PeriodTime", "6");
+    IniWrite("Files", "PeriodLimit", "1");
     TapImage(UndoFiles);
-    Tap(Form, QStringLiteral("chkPeriod"));
+    Tap(Form, "chkPeriod");
     Leave(Messages::Yes);
-    EXPECT_EQ(Key("PeriodTime") + Key("PeriodLimit"), QStringLiteral("00"))
-        << "the purge goes by the time alone";
+    EXPECT_EQ(Key("PeriodTime") + Key("PeriodLimit"), "00") << "the purge goes by the time alone";
 }
 
 TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
     EXPECT_EQ(Sound(), 2);
-    TapImage(Down);
-    TapImage(Down);
+    TapImage(Down, 2);
     EXPECT_EQ(Sound(), 1) << "the arrow stops there";
-    for (int i = 0; i < Config::HighestSound() + 2; ++i)
-        TapImage(Up);
+    TapImage(Up, Config::HighestSound() + 2);
     EXPECT_EQ(Sound(), Config::HighestSound());
     TapImage(ApplySound);
     EXPECT_EQ(Site().AlarmPrioSound(1), Config::HighestSound());
     EXPECT_EQ(boxes.last(), GetText(30009));
 
     TapImage(MoreUrgent);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblSoundPrio")), QStringLiteral("2"));
+    EXPECT_EQ(Shown("lblSoundPrio"), "2");
     EXPECT_EQ(Sound(), 0);
     const qsizetype told = boxes.size();
     TapImage(ApplySound);
@@ -96,14 +87,14 @@ TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
     EXPECT_EQ(Sound(), 1);
     TapImage(UndoSound);
     EXPECT_EQ(Sound(), 0);
-    Choose(Form, QStringLiteral("lblSoundPrio"), QStringLiteral("99"));
+    Choose(Form, "lblSoundPrio", "99");
     EXPECT_EQ(Sound(), Site().AlarmPrioSound(99));
 }
 
 TEST_F(SysConfSonTest, ASoundOfTheBaseIsPlayedFromAFileOfItsOwn) {
     TapImage(Play);
-    EXPECT_EQ(horn->playing, Path(QStringLiteral("SoundTest.wav")));
-    EXPECT_EQ(BytesOf(QStringLiteral("SoundTest.wav")), Config::Sound(2).value());
+    EXPECT_EQ(horn->playing, Path("SoundTest.wav"));
+    EXPECT_EQ(BytesOf("SoundTest.wav"), Config::Sound(2).value());
     EXPECT_TRUE(Playing().contains(u'2'));
     TapImage(Stop);
     EXPECT_EQ(horn->playing, QString());
@@ -111,9 +102,9 @@ TEST_F(SysConfSonTest, ASoundOfTheBaseIsPlayedFromAFileOfItsOwn) {
     TapImage(Play);
     AlarmComes();
     EXPECT_EQ(horn->playing, QString()) << "whichever way the screen goes";
-    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("SoundTest.wav"))));
+    EXPECT_FALSE(QFile::exists(Path("SoundTest.wav")));
 
-    QFile file(Path(QStringLiteral("AlarmSound2.wav")));
+    QFile file(Path("AlarmSound2.wav"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     Forms::Show(Form);
     TapImage(Play);
@@ -128,24 +119,24 @@ TEST_F(SysConfSonTest, ASoundOfTheBaseIsPlayedFromAFileOfItsOwn) {
 TEST_F(SysConfSonTest, AnAlarmIsHeardAboveATrial) {
     TapImage(Play);
     Alarme(1);
-    EXPECT_EQ(horn->playing, Path(QStringLiteral("AlarmSound2")));
+    EXPECT_EQ(horn->playing, Path("AlarmSound2"));
     EXPECT_EQ(Playing(), QString());
     TapImage(Play);
     EXPECT_EQ(boxes.last(), GetText(630268));
     Leave(Messages::No);
-    EXPECT_EQ(horn->playing, Path(QStringLiteral("AlarmSound2"))) << "it goes on";
+    EXPECT_EQ(horn->playing, Path("AlarmSound2")) << "it goes on";
 }
 
 TEST_F(SysConfSonTest, WhatAnAlarmInterruptsStandsThereAgain) {
     TapImage(MoreUrgent);
     TapImage(Up);
-    Tap(Form, QStringLiteral("optPeriod_1"));
+    Tap(Form, "optPeriod_1");
     AlarmComes();
     Forms::Show(Form);
-    EXPECT_TRUE(Child(Form, QStringLiteral("lblKept"))->isVisible());
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblSoundPrio")), QStringLiteral("2"));
+    EXPECT_TRUE(TellsOfKept());
+    EXPECT_EQ(Shown("lblSoundPrio"), "2");
     EXPECT_EQ(Sound(), 1);
     Leave(Messages::Yes);
     EXPECT_EQ(Site().AlarmPrioSound(2), 1);
-    EXPECT_EQ(Key("PeriodUnit"), QStringLiteral("1"));
+    EXPECT_EQ(Key("PeriodUnit"), "1");
 }

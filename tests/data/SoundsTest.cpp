@@ -25,20 +25,20 @@ struct WaveFile {
 WaveFile ParseWave(const QByteArray& bytes) {
     WaveFile wave;
     const auto* data = bytes.constData();
+    const auto word = [data](int at) { return qFromLittleEndian<quint16>(data + at); };
+    const auto longWord = [data](int at) { return qFromLittleEndian<quint32>(data + at); };
     if (bytes.size() < 44 || bytes.mid(0, 4) != "RIFF" || bytes.mid(8, 8) != "WAVEfmt " ||
         bytes.mid(36, 4) != "data") {
         return wave;
     }
-    wave.rate = qFromLittleEndian<quint32>(data + 24);
-    const auto length = qFromLittleEndian<quint32>(data + 40);
-    wave.valid = qFromLittleEndian<quint32>(data + 4) == quint32(bytes.size() - 8) &&
-                 qFromLittleEndian<quint16>(data + 20) == 1 &&  // PCM
-                 qFromLittleEndian<quint16>(data + 22) == 1 &&  // channels
-                 qFromLittleEndian<quint16>(data + 34) == 16 && // bits
-                 qFromLittleEndian<quint32>(data + 28) == wave.rate * 2 &&
+    wave.rate = longWord(24);
+    constexpr quint16 Pcm = 1, Mono = 1, Bits = 16;
+    const auto length = longWord(40);
+    wave.valid = longWord(4) == quint32(bytes.size() - 8) && word(20) == Pcm && word(22) == Mono &&
+                 word(34) == Bits && longWord(28) == wave.rate * 2 &&
                  length == quint32(bytes.size() - 44);
     for (quint32 i = 0; wave.valid && i + 1 < length; i += 2) {
-        wave.samples.append(qFromLittleEndian<qint16>(data + 44 + i));
+        wave.samples.append(qint16(word(int(44 + i))));
     }
     return wave;
 }
@@ -48,81 +48,54 @@ QByteArray Content(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-class Sounds : public ::testing::Test {
-protected:
-    void SetUp() override {
-        base_test::BaseReader base(base_test::BasePath());
-        rows_ = base.Query(
-            QStringLiteral("SELECT ID, Size, Content, Extension FROM T_Sounds ORDER BY ID"));
-        ASSERT_FALSE(rows_.isEmpty());
-    }
-    QList<QVariantList> rows_;
-};
-
-TEST_F(Sounds, BaseHoldsTheFilesUnchanged) {
-    for (const QVariantList& row : rows_) {
-        const QString name = QStringLiteral("/sounds/%1.wav").arg(row[0].toInt());
-        EXPECT_EQ(row[2].toByteArray(), Content(base_test::DataFolder() + name));
-        EXPECT_EQ(row[1].toLongLong(), row[2].toByteArray().size());
-        EXPECT_EQ(row[3].toString(), QStringLiteral("wav"));
-    }
-}
-
-TEST_F(Sounds, AreShortPcmThatLoopsWithoutAClick) {
-    for (const QVariantList& row : rows_) {
-        SCOPED_TRACE(row[0].toInt());
-        const WaveFile wave = ParseWave(row[2].toByteArray());
+TEST(Sounds, ArePcmThatIsHeardAndLoopsWithoutAClick) {
+    BaseReader base;
+    const auto rows = base.Query("SELECT ID, Size, Content, Extension FROM T_Sounds ORDER BY ID");
+    EXPECT_GE(rows.size(), 9);
+    QSet<QByteArray> contents;
+    for (int number = 0; number < rows.size(); ++number) {
+        SCOPED_TRACE(number);
+        const QVariantList& row = rows[number];
+        EXPECT_EQ(row[0].toInt(), number) << "sounds are stepped through without gaps";
+        const QByteArray bytes = row[2].toByteArray();
+        contents += bytes;
+        EXPECT_EQ(bytes, Content(DataFolder + QStringLiteral("/sounds/%1.wav").arg(number)));
+        EXPECT_EQ(row[1].toLongLong(), bytes.size());
+        EXPECT_EQ(row[3].toString(), "wav");
+        const WaveFile wave = ParseWave(bytes);
         ASSERT_TRUE(wave.valid);
         const double seconds = double(wave.samples.size()) / wave.rate;
-        EXPECT_GE(seconds, 1.0);
-        EXPECT_LE(seconds, 3.0);
-        EXPECT_LT(row[1].toInt(), 150 * 1024);
+        EXPECT_TRUE(seconds >= 1 && seconds <= 3) << seconds;
+        EXPECT_LT(bytes.size(), 150 * 1024);
         // Value and slope are zero on both sides of the seam.
         EXPECT_EQ(wave.samples.first(), 0);
         EXPECT_EQ(wave.samples.last(), 0);
         EXPECT_LT(std::abs(wave.samples[1]), 64);
         EXPECT_LT(std::abs(wave.samples[wave.samples.size() - 2]), 64);
-    }
-}
-
-TEST_F(Sounds, NumberZeroIsSilentAndTheOthersAreHeardAndDiffer) {
-    QSet<QByteArray> contents;
-    for (const QVariantList& row : rows_) {
-        SCOPED_TRACE(row[0].toInt());
-        const WaveFile wave = ParseWave(row[2].toByteArray());
         const auto [low, high] = std::minmax_element(wave.samples.begin(), wave.samples.end());
-        if (row[0].toInt() == 0) {
-            EXPECT_EQ(*low, 0);
-            EXPECT_EQ(*high, 0);
+        if (number == 0) {
+            EXPECT_TRUE(*low == 0 && *high == 0) << "number 0 is silent";
         } else {
-            EXPECT_GT(*high, 8000);
-            EXPECT_LT(*low, -8000);
+            EXPECT_TRUE(*low < -8000 && *high > 8000) << *low << ' ' << *high;
         }
-        contents.insert(row[2].toByteArray());
     }
-    EXPECT_EQ(contents.size(), rows_.size());
-    EXPECT_EQ(rows_.first()[0].toInt(), 0);
-    EXPECT_GE(rows_.size(), 9);
-    EXPECT_EQ(rows_.last()[0].toInt(), rows_.size() - 1)
-        << "sounds are stepped through without gaps";
+    EXPECT_EQ(contents.size(), rows.size()) << "two sound alike";
 }
 
-TEST_F(Sounds, ScriptMakesTheKeptFiles) {
-    const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+TEST(Sounds, ScriptMakesTheKeptFiles) {
+    const QString python = QStandardPaths::findExecutable("python3");
     if (python.isEmpty()) {
         GTEST_SKIP() << "no python3";
     }
     const QTemporaryDir folder;
     ASSERT_EQ(
-        QProcess::execute(
-            python, {base_test::DataFolder() + QStringLiteral("/make_sounds.py"), folder.path()}),
+        QProcess::execute(python, {DataFolder + QStringLiteral("/make_sounds.py"), folder.path()}),
         0);
     const QStringList made = QDir(folder.path()).entryList(QDir::Files);
-    EXPECT_EQ(made,
-              QDir(base_test::DataFolder() + QStringLiteral("/sounds")).entryList(QDir::Files));
+    EXPECT_EQ(made, QDir(DataFolder + QStringLiteral("/sounds")).entryList(QDir::Files));
     for (const QString& name : made) {
         EXPECT_EQ(Content(folder.filePath(name)),
-                  Content(base_test::DataFolder() + QStringLiteral("/sounds/") + name))
+                  Content(DataFolder + QStringLiteral("/sounds/") + name))
             << name.toStdString();
     }
 }

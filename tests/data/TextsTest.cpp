@@ -9,8 +9,6 @@
 #include <QSet>
 #include <gtest/gtest.h>
 
-using base_test::BaseTexts;
-
 namespace {
 
 /// The words of `id` in every language; fails the test when the base lacks it.
@@ -31,7 +29,7 @@ QSet<int> Numbers(const QString& source, const QString& pattern) {
 }
 
 // A number as it stands in a call: plain, or as a string in one of its wrappings.
-const QString Number = QStringLiteral("\\s*(?:Q\\w+\\(\\s*)?(?:u?\")?(\\d{5,6})\\b");
+const QString Number = "\\s*(?:Q\\w+\\(\\s*)?(?:u?\")?(\\d{5,6})\\b";
 
 /// Numbers of texts in a C++ source: handed to a look-up of words, given as a control's Tag, or
 /// named by a constant.
@@ -43,36 +41,20 @@ QSet<int> TextNumbersOfCode(const QString& source) {
 
 /// Numbers of texts in a designed form.
 QSet<int> TextNumbersOfForm(const QString& source) {
-    return Numbers(source, QStringLiteral("<property name=\"Tag\"[^>]*>\\s*<\\w+[^>]*>(\\d+)<"));
+    return Numbers(source, "<property name=\"Tag\"[^>]*>\\s*<\\w+[^>]*>(\\d+)<");
 }
 
 QSet<int> ConfigNumbersOfCode(const QString& source) {
     return Numbers(source, QStringLiteral("\\bGetConfig\\(") + Number);
 }
 
-TEST(Texts, SourcesAreSearchedForTheirNumbers) {
-    const QString code = QStringLiteral(
-        "x = GetText(QStringLiteral(\"20008\"), false); Message(GetText(30010), 35);\n"
-        "Config::GetText( \"50011\" ); label->setProperty(\"Tag\", 710001);\n"
-        "button->setTag(u\"710002\"_s); constexpr int NoInstructionText = 710021;\n"
-        "width = 10000; GetConfig(QStringLiteral(\"100110\"));");
-    EXPECT_EQ(TextNumbersOfCode(code), QSet<int>({20008, 30010, 50011, 710001, 710002, 710021}));
-    EXPECT_EQ(ConfigNumbersOfCode(code), QSet<int>({100110}));
-    const QString form = QStringLiteral(
-        "<property name=\"Tag\" stdset=\"0\">\n <string notr=\"true\">610001</string>\n</property>"
-        "<property name=\"text\"><string>99999</string></property>"
-        "<property name=\"Tag\"><number>610002</number></property>");
-    EXPECT_EQ(TextNumbersOfForm(form), QSet<int>({610001, 610002}));
-}
-
 TEST(Texts, EveryNumberUsedByTheProgramHasWords) {
-    base_test::BaseReader base(base_test::BasePath());
-    QSet<int> config;
-    for (const QVariantList& row : base.Query(QStringLiteral("SELECT ID FROM T_Config"))) {
+    BaseReader base;
+    QSet<int> config, used, usedByForms, usedConfig;
+    for (const QVariantList& row : base.Query("SELECT ID FROM T_Config")) {
         config.insert(row[0].toInt());
     }
-    QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"),
-                       {QStringLiteral("*.cpp"), QStringLiteral("*.h"), QStringLiteral("*.ui")},
+    QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"), {"*.cpp", "*.h", "*.ui"},
                        QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         QFile file(files.next());
@@ -80,72 +62,59 @@ TEST(Texts, EveryNumberUsedByTheProgramHasWords) {
         const QString source = QString::fromUtf8(file.readAll());
         const std::string name = files.fileName().toStdString();
         const bool isForm = files.fileName().endsWith(QLatin1String(".ui"));
-        for (const int id : isForm ? TextNumbersOfForm(source) : TextNumbersOfCode(source)) {
+        const QSet<int> texts = isForm ? TextNumbersOfForm(source) : TextNumbersOfCode(source);
+        for (const int id : texts)
             EXPECT_TRUE(BaseTexts().words.contains(id)) << name << " uses text " << id;
-        }
+        (isForm ? usedByForms : used) += texts;
         for (const int id : ConfigNumbersOfCode(source)) {
             EXPECT_TRUE(config.contains(id)) << name << " uses the default " << id;
+            usedConfig += id;
         }
     }
+    // Numbers of each way of asking are found.
+    EXPECT_GT(used.size(), 50);
+    EXPECT_GT(usedByForms.size(), 200);
+    EXPECT_GE(usedConfig.size(), 2);
 }
 
-TEST(Texts, NumbersReckonedByTheProgramHaveWords) {
-    // First and last number of each run that the program adds an offset to, or gets as a result.
-    const QList<QPair<int, int>> runs = {
-        {10001, 10007},   {20001, 20006},   {20008, 20011},   {51000, 51001},   {51010, 51014},
-        {51020, 51023},   {51031, 51039},   {51041, 51041},   {51047, 51051},   {100020, 100023},
-        {300120, 300121}, {300130, 300131}, {300310, 300313}, {430120, 430129}, {510300, 510302},
-        {640100, 640101}, {830101, 830103}};
-    for (const auto& [first, last] : runs) {
-        for (int id = first; id <= last; ++id) {
-            for (const QString& words : Words(id)) {
-                EXPECT_FALSE(words.trimmed().isEmpty()) << "text " << id;
-            }
-        }
-    }
-}
-
-TEST(Texts, MarksAgreeInAllLanguages) {
-    const QList<QPair<int, int>> fillings = {{20008, 1}, {20011, 1}, {30006, 3}, {50001, 2}};
-    for (const auto& [id, count] : fillings) {
-        EXPECT_EQ(Words(id).value(0).count(u'$'), count) << "text " << id;
-    }
-    const QList<QPair<int, int>> bars = {{50001, 1}, {50004, 3}, {51011, 1}};
-    for (const auto& [id, count] : bars) {
-        EXPECT_EQ(Words(id).value(0).count(u'|'), count) << "text " << id;
-    }
-    for (auto text = BaseTexts().words.begin(); text != BaseTexts().words.end(); ++text) {
-        for (const QString& words : text.value()) {
-            EXPECT_EQ(words.count(u'$'), text.value()[0].count(u'$')) << "text " << text.key();
-            EXPECT_EQ(words.count(u'|'), text.value()[0].count(u'|')) << "text " << text.key();
-        }
-    }
-}
-
-TEST(Texts, FixedColumnsHoldTheirWords) {
-    struct Field {
+// What the program reckons by an offset or gets as a result, and what stands in fixed columns.
+TEST(Texts, NumbersReckonedByTheProgramHaveWordsThatFit) {
+    constexpr int AnyLength = 1000;
+    const struct {
         int first;
         int last;
         int columns;
-    };
-    const QList<Field> fields = {{51000, 51001, 11},   {51010, 51014, 15},   {51020, 51023, 15},
-                                 {51031, 51032, 15},   {51033, 51034, 26},   {51035, 51036, 40},
-                                 {51037, 51038, 11},   {51039, 51039, 15},   {51041, 51041, 11},
-                                 {51047, 51047, 15},   {51048, 51048, 11},   {51049, 51051, 26},
-                                 {610001, 610006, 22}, {710001, 710005, 16}, {720002, 720012, 16}};
-    for (const Field& field : fields) {
-        for (int id = field.first; id <= field.last; ++id) {
+    } runs[] = {
+        {10001, 10007, AnyLength},   {20001, 20006, AnyLength},   {20008, 20011, AnyLength},
+        {51000, 51001, 6}, // the parameter of the trace
+        {51010, 51014, 15},          {51020, 51023, 15},          {51031, 51032, 15},
+        {51033, 51034, 26},          {51035, 51036, 40},          {51037, 51038, 11},
+        {51039, 51039, 15},          {51041, 51041, 11},          {51047, 51047, 15},
+        {51048, 51048, 11},          {51049, 51051, 26},          {100020, 100023, AnyLength},
+        {300120, 300121, AnyLength}, {300130, 300131, AnyLength}, {300310, 300313, AnyLength},
+        {430120, 430129, AnyLength}, {510300, 510302, AnyLength}, {610001, 610006, 22},
+        {640100, 640101, AnyLength}, {710001, 710005, 16},        {720002, 720012, 16},
+        {830101, 830103, AnyLength}};
+    for (const auto& [first, last, columns] : runs) {
+        for (int id = first; id <= last; ++id) {
             for (const QString& words : Words(id)) {
-                for (const QString& part : words.split(u'|')) {
-                    EXPECT_LE(part.size(), field.columns) << id << ": " << part.toStdString();
-                }
+                for (const QString& part : words.split(u'|'))
+                    EXPECT_LE(part.size(), columns) << id << ": " << part.toStdString();
             }
         }
     }
-    // The trace has six columns for the parameter.
-    for (const QString& words : Words(51000) + Words(51001)) {
-        EXPECT_LE(words.size(), 6) << words.toStdString();
-    }
+}
+
+// All languages have as many marks: the build sees to that.
+TEST(Texts, MarksStandWhereTheProgramFillsAndParts) {
+    const struct {
+        int id;
+        char mark;
+        int count;
+    } texts[] = {{20008, '$', 1}, {20011, '$', 1}, {30006, '$', 3}, {50001, '$', 2},
+                 {50001, '|', 1}, {50004, '|', 3}, {51011, '|', 1}};
+    for (const auto& [id, mark, count] : texts)
+        EXPECT_EQ(Words(id).value(0).count(QLatin1Char(mark)), count) << id << mark;
 }
 
 TEST(Texts, WordsTakenApartByTheProgramKeepTheirForm) {
@@ -161,7 +130,7 @@ TEST(Texts, WordsTakenApartByTheProgramKeepTheirForm) {
         EXPECT_FALSE(all[0].isDigit());
     }
     for (const QString& unnamed : Words(50010)) {
-        EXPECT_FALSE(unnamed.contains(QRegularExpression(QStringLiteral("[\\\\/.:]"))))
+        EXPECT_FALSE(unnamed.contains(QRegularExpression("[\\\\/.:]")))
             << "stands where a path is looked for";
     }
 }

@@ -5,6 +5,9 @@
 using namespace Sim;
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
+using ::testing::FieldsAre;
+using ::testing::IsEmpty;
+using ::testing::Optional;
 
 namespace {
 
@@ -19,40 +22,22 @@ const Bytes ReadFrame{0x01, 0x03, 0x00, 0x00, 0x00, 0x0A, 0xC5, 0xCD};
 
 TEST(FrameCrc, KnownVectors) {
     EXPECT_EQ(WithCrc({0x01, 0x03, 0x00, 0x00, 0x00, 0x0A}), ReadFrame);
-    EXPECT_THAT(WithCrc({0x11, 0x06, 0x00, 0x01, 0x00, 0x03}),
-                ElementsAre(0x11, 0x06, 0x00, 0x01, 0x00, 0x03, 0x9A, 0x9B));
     const std::string check = "123456789";
     EXPECT_EQ(FrameCrc(Bytes(check.begin(), check.end())), 0x4B37);
 }
 
 TEST(FrameReader, AllFunctionsBackToBack) {
-    Bytes stream = ReadFrame;
-    for (const auto& frame :
-         {WithCrc({2, 6, 0x01, 0x21, 0xAB, 0xCD}),
-          WithCrc({0, 16, 0x00, 0x19, 0x00, 0x02, 4, 0x30, 0x81, 0x00, 0x07})}) {
-        stream.insert(stream.end(), frame.begin(), frame.end());
-    }
     FrameReader reader;
-    reader.Feed(stream, 1s);
-
-    const auto read = reader.Next();
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->address, 1);
-    EXPECT_EQ(read->function, Function::ReadRegisters);
-    EXPECT_EQ(read->first, 0);
-    EXPECT_EQ(read->count, 10);
-
-    const auto write = reader.Next();
-    ASSERT_TRUE(write);
-    EXPECT_EQ(write->first, 289);
-    EXPECT_EQ(write->count, 1);
-    EXPECT_THAT(write->values, ElementsAre(0xABCD));
-
-    const auto several = reader.Next();
-    ASSERT_TRUE(several);
-    EXPECT_EQ(several->address, 0);
-    EXPECT_EQ(several->first, 25);
-    EXPECT_THAT(several->values, ElementsAre(0x3081, 0x0007));
+    for (const auto& frame :
+         {ReadFrame, WithCrc({2, 6, 0x01, 0x21, 0xAB, 0xCD}),
+          WithCrc({0, 16, 0x00, 0x19, 0x00, 0x02, 4, 0x30, 0x81, 0x00, 0x07})}) {
+        reader.Feed(frame, 1s);
+    }
+    EXPECT_THAT(reader.Next(), Optional(FieldsAre(1, Function::ReadRegisters, 0, 10, IsEmpty())));
+    EXPECT_THAT(reader.Next(),
+                Optional(FieldsAre(2, Function::WriteRegister, 289, 1, ElementsAre(0xABCD))));
+    EXPECT_THAT(reader.Next(), Optional(FieldsAre(0, Function::WriteRegisters, 25, 2,
+                                                  ElementsAre(0x3081, 0x0007))));
     EXPECT_FALSE(reader.Next());
 }
 

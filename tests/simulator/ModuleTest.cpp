@@ -124,7 +124,7 @@ TEST_F(ModuleTest, HornAndClearing) {
     EXPECT_THAT(At(3).Describe(), HasSubstr("horn=1 lamps=1"));
 }
 
-TEST_F(ModuleTest, ReceiptDropsTheOldestOnly) {
+TEST_F(ModuleTest, TheMemoryLosesTheOldest) {
     for (int channel = 1; channel <= 5; ++channel) {
         At(1).SetContact(channel, Contact::Active);
     }
@@ -134,20 +134,16 @@ TEST_F(ModuleTest, ReceiptDropsTheOldestOnly) {
     EXPECT_EQ(Events(1).size(), 3U);
     Write(1, 288, {500});
     EXPECT_THAT(Events(1), IsEmpty());
-}
-
-TEST_F(ModuleTest, FullMemoryLosesTheOldest) {
-    At(1).SetContact(1, Contact::Active);
-    At(1).SetContact(2, Contact::Active);
-    for (int i = 0; i < 99; ++i) {
-        At(1).SetContact(3, Contact::Active);
-        At(1).SetContact(3, Contact::Normal);
+    // A full memory loses the oldest.
+    for (int i = 0; i < 101; ++i) {
+        At(1).SetContact(6, Contact::Active);
+        At(1).SetContact(6, Contact::Normal);
+        EXPECT_THAT(Read(1, 144, 1), ElementsAre(std::min(2 * i + 2, 200)));
+        EXPECT_THAT(Read(1, 146, 1), ElementsAre(0x6010));
     }
+    At(1).SetContact(7, Contact::Active);
     EXPECT_THAT(Read(1, 144, 1), ElementsAre(200));
-    EXPECT_THAT(Read(1, 146, 1), ElementsAre(0x1010));
-    At(1).SetContact(4, Contact::Active);
-    EXPECT_THAT(Read(1, 144, 1), ElementsAre(200));
-    EXPECT_THAT(Read(1, 146, 1), ElementsAre(0x2010));
+    EXPECT_THAT(Read(1, 146, 1), ElementsAre(0x6000));
 }
 
 TEST_F(ModuleTest, ClockCountsTenthsWrapsAndIsReset) {
@@ -194,7 +190,7 @@ TEST_F(ModuleTest, StatesOfTheModelsWithoutMemory) {
     EXPECT_THAT(Read(5, 2, 1), ElementsAre(0));
 }
 
-TEST_F(ModuleTest, DisplayTellsAnAcknowledgementOnce) {
+TEST_F(ModuleTest, DisplayTellsAnAcknowledgementOnceAndHasLamps) {
     EXPECT_THAT(Read(2, 68, 1), ElementsAre(0));
     At(2).Acknowledge();
     EXPECT_THAT(Read(2, 68, 2), IsEmpty()); // refused, so the flag stays
@@ -202,10 +198,8 @@ TEST_F(ModuleTest, DisplayTellsAnAcknowledgementOnce) {
     EXPECT_THAT(Read(2, 68, 1), ElementsAre(0));
     Write(2, 67, {2});
     EXPECT_NE(Read(2, 68, 1).at(0), 0);
-}
 
-TEST_F(ModuleTest, DisplayLamps) {
-    // Channels 1 to 5 as 1, 0, 2, 0, 3; channel 24 as 4.
+    // Lamps of channels 1 to 5 as 1, 0, 2, 0, 3; channel 24 as 4.
     EXPECT_TRUE(Write(2, 25, {12417, 0, 0, 0, 4 << 9}));
     EXPECT_THAT(Read(2, 1, 6), ElementsAre(1, 0, 2, 0, 3, 0));
     EXPECT_THAT(Read(2, 24, 1), ElementsAre(4));

@@ -89,6 +89,12 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
+    void WriteFile(const QString& name, const QByteArray& bytes) const {
+        QFile file(Path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << name.toStdString();
+        file.write(bytes);
+    }
+
     /// The lines of a file without their ends; every line must have one.
     QStringList LinesOf(const QString& name) const {
         QStringList lines = QString::fromLatin1(BytesOf(name)).split(QStringLiteral("\r\n"));

@@ -36,9 +36,11 @@ protected:
         RegisterScreens();
         RegisterConfigScreens();
         RegisterTechnician();
-        Messages::Install([this](const QString& text, int, bool) {
+        // Yes to what asks with yes and no, OK to all others.
+        Messages::Install([this](const QString& text, int style, bool) {
             boxes += text;
-            return int(Messages::Ok);
+            return int((style & Messages::ButtonSet) == Messages::YesNoCancel ? Messages::Yes
+                                                                              : Messages::Ok);
         });
         Trace::OpenToday();
         engine = std::make_unique<wPolling>(
@@ -69,6 +71,24 @@ protected:
         for (int number = 1; number <= 24; ++number)
             panel.Channel(number).setScrAlm(true);
     }
+
+    /// A control of a form that is loaded.
+    template <class W = QWidget> static W* Find(const QString& form, const QString& name) {
+        const auto* window = dynamic_cast<const QWidget*>(Forms::Find(form));
+        W* control = window == nullptr ? nullptr : window->findChild<W*>(name);
+        EXPECT_NE(control, nullptr) << form.toStdString() << "." << name.toStdString();
+        return control;
+    }
+    static void Tap(const QString& form, const QString& name) {
+        QWidget* control = Find(form, name);
+        if (control == nullptr)
+            return;
+        EXPECT_TRUE(control->isVisible() && control->isEnabled())
+            << form.toStdString() << "." << name.toStdString();
+        QTest::mouseClick(control, Qt::LeftButton);
+    }
+    /// What the trace holds of an event.
+    QStringList Traced(const QString& part) const { return folder.Trace().filter(part); }
 
     /// Lets the bus run until a condition holds, at most a minute.
     static bool Until(const std::function<bool()>& condition) {

@@ -51,6 +51,10 @@ protected:
     static ScreenForm* Screen(const QString& name) {
         return dynamic_cast<ScreenForm*>(Forms::Find(name));
     }
+    /// Name of a control of an array.
+    static QString Part(const char* array, int index) {
+        return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(index);
+    }
     static QWidget* Child(const QString& form, const QString& name) {
         ScreenForm* screen = Screen(form);
         QWidget* child = screen ? screen->findChild<QWidget*>(name) : nullptr;

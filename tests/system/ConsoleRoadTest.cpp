@@ -10,32 +10,21 @@
 #include "support/Script.h"
 
 #include <QLabel>
-#include <QMouseEvent>
 
 namespace {
 
 class ConsoleRoad : public Road {
 protected:
     ConsoleRoad()
-        : Road({QStringLiteral("1=Q7100"), QStringLiteral("2=Q7000")}) {
+        : Road({"1=Q7100", "2=Q7000"}) {
         Site().setOptionScreen(2, true);
         Forms::Show(FormNames::wRunAlarms);
     }
 
-    template <typename Control> static Control* Child(const QString& form, const char* name) {
-        const auto* screen = dynamic_cast<const QWidget*>(Forms::Find(form));
-        return screen != nullptr ? screen->findChild<Control*>(QString::fromLatin1(name)) : nullptr;
-    }
     static bool IsCalm() {
-        return Child<AlarmMark>(FormNames::wRunAlarms, "imgNoAlarm")->Picture() ==
-               QStringLiteral("console_calm");
+        return Find<AlarmMark>(FormNames::wRunAlarms, "imgNoAlarm")->Picture() == "console_calm";
     }
-    static QString Words() { return Child<QLabel>(FormNames::wRunAlarms, "txtNoAlarm")->text(); }
-    static void Touch(const QString& form, const char* name) {
-        auto* control = Child<QWidget>(form, name);
-        ASSERT_NE(control, nullptr) << name;
-        QTest::mouseClick(control, Qt::LeftButton);
-    }
+    static QString Words() { return Find<QLabel>(FormNames::wRunAlarms, "txtNoAlarm")->text(); }
 
     LeadingClock clock;
     Script script;
@@ -76,14 +65,11 @@ TEST_F(ConsoleRoad, ABoxHoldsUpNeitherMidnightNorWhatFollows) {
     engine->setRun(true);
     ASSERT_TRUE(Until(IsCalm));
     simulator.Do("odd 1");
-    ASSERT_TRUE(Until([] { return NbInstances(QStringLiteral("dlgMessage")) == 1; }));
-    const auto traced = [this](const char* part) {
-        return folder.Trace().filter(QString::fromLatin1(part)).size();
-    };
+    ASSERT_TRUE(Until([] { return NbInstances("dlgMessage") == 1; }));
     clock.Lead(1);
-    EXPECT_TRUE(Until([&] { return traced("COMMAND P00:0121 0000") == 1; }));
+    EXPECT_TRUE(Until([&] { return Traced("COMMAND P00:0121 0000").size() == 1; }));
     simulator.Do("active 2 7");
-    EXPECT_TRUE(Until([&] { return traced("P02-C07 State  ACTIVE") == 1; }));
+    EXPECT_TRUE(Until([&] { return Traced("P02-C07 State  ACTIVE").size() == 1; }));
     EXPECT_GT(Boxes::Unread(), 0) << "nobody has read it";
 
     // What stops the bus is seen and heard beneath it as well.
@@ -91,8 +77,8 @@ TEST_F(ConsoleRoad, ABoxHoldsUpNeitherMidnightNorWhatFollows) {
                      [] { throw platform::RunTimeError(platform::errors::Subscript); });
     EXPECT_TRUE(Until([&] { return !engine->Run(); }));
     EXPECT_EQ(Global::Get().currentPriority, 99);
-    EXPECT_FALSE(Child<QWidget>(FormNames::wRunAlarms, "lblFaults")->isHidden());
-    EXPECT_EQ(traced("FAULT BEGINS BUS STOPPED BY AN ERROR"), 1);
+    EXPECT_FALSE(Find(FormNames::wRunAlarms, "lblFaults")->isHidden());
+    EXPECT_EQ(Traced("FAULT BEGINS BUS STOPPED BY AN ERROR").size(), 1);
 }
 
 TEST_F(ConsoleRoad, OnlyACodeStopsTheBusOfAGuardedSite) {
@@ -101,20 +87,19 @@ TEST_F(ConsoleRoad, OnlyACodeStopsTheBusOfAGuardedSite) {
     Site().setUserLevel(1, 1);
     Site().setUserLevel(2, 2);
     engine->setRun(true);
-    script.On(codes, [&] { Touch(codes, "imgControl_0"); });
-    Touch(FormNames::wRunAlarms, "imgStopRun");
+    script.On(codes, [&] { Tap(codes, "imgControl_0"); });
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_TRUE(engine->Run()) << "the prompt was given up";
     // An alarm takes the prompt's screen, or it is taken from outside.
     script.On(codes, [&] { Forms::Unload(codes); });
-    Touch(FormNames::wRunAlarms, "imgStopRun");
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_TRUE(engine->Run());
     // Nobody could enter a code.
     Site().setUserCount(1);
     Site().setUserLevel(1, 2);
-    Touch(FormNames::wRunAlarms, "imgStopRun");
+    Tap(FormNames::wRunAlarms, "imgStopRun");
     EXPECT_FALSE(engine->Run());
-    EXPECT_TRUE(folder.Trace().filter(QStringLiteral("COMM   STOP")).size() == 1)
-        << folder.Trace().join(u'\n').toStdString();
+    EXPECT_EQ(Traced("COMM   STOP").size(), 1) << folder.Trace().join(u'\n').toStdString();
 }
 
 // The site that is opened holds a panel that nobody has ever heard.
@@ -127,12 +112,9 @@ TEST_F(ConsoleRoad, ASiteOpenedOnARunningBusTellsItsSilentPanel) {
     for (const auto& [address, model] :
          {std::pair(1, "Q7100"), std::pair(2, "Q7000"), std::pair(9, "Q7100")})
         AddPanel(address, QString::fromLatin1(model));
-    const auto told = [this](const char* word) {
-        return folder.Trace().filter(QString::fromLatin1(word));
-    };
-    ASSERT_TRUE(Until([&] { return !told("DISAPP").isEmpty(); }));
-    EXPECT_TRUE(told("DISAPP")[0].contains(QStringLiteral("P09")));
+    ASSERT_TRUE(Until([&] { return !Traced("DISAPP").isEmpty(); }));
+    EXPECT_TRUE(Traced("DISAPP")[0].contains("P09"));
     EXPECT_EQ(Rows().size(), 1);
     EXPECT_TRUE(Until([&] { return Words() == GetText(714073) || !Rows().isEmpty(); }));
-    EXPECT_TRUE(told("APPEAR").isEmpty()) << "those that are there come without a word";
+    EXPECT_TRUE(Traced("APPEAR").isEmpty()) << "those that are there come without a word";
 }

@@ -2,9 +2,6 @@
 
 #include "system/Processes.h"
 
-#include "core/Config.h"
-#include "model/Models.h"
-
 #include <cstring>
 
 namespace {
@@ -16,7 +13,7 @@ public:
         qputenv("PULSE_SERVER", "unix:" + Socket().toUtf8());
         qputenv("PULSE_RUNTIME_PATH", folder_.path().toUtf8());
         // The machine's own device is no way out.
-        qputenv("ALSA_CONFIG_PATH", folder_.filePath(QStringLiteral("none")).toUtf8());
+        qputenv("ALSA_CONFIG_PATH", folder_.filePath("none").toUtf8());
     }
     ~SoundServer() {
         Kill();
@@ -28,12 +25,10 @@ public:
         QFile::remove(Socket());
         process_.setProcessChannelMode(QProcess::MergedChannels);
         process_.start(
-            QStringLiteral("pulseaudio"),
-            {QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-             QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
-             QStringLiteral("-L"),
+            "pulseaudio",
+            {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
              QStringLiteral("module-native-protocol-unix auth-anonymous=1 socket=") + Socket(),
-             QStringLiteral("-L"), QStringLiteral("module-null-sink sink_name=horn")});
+             "-L", "module-null-sink sink_name=horn"});
         return process_.waitForStarted() && Eventually([this] {
                    return QFile::exists(Socket()) || process_.waitForFinished(0);
                }) &&
@@ -44,8 +39,7 @@ public:
         process_.waitForFinished();
     }
     static void Control(const QStringList& words) {
-        EXPECT_EQ(QProcess::execute(QStringLiteral("pactl"), words), 0)
-            << words.join(u' ').toStdString();
+        EXPECT_EQ(QProcess::execute("pactl", words), 0) << words.join(u' ').toStdString();
     }
 
     /// Waits until something loud is recorded.
@@ -55,10 +49,8 @@ public:
         bool loud = false;
         const bool heard = Eventually([&] {
             if (recorder.state() == QProcess::NotRunning)
-                recorder.start(QStringLiteral("parec"),
-                               {QStringLiteral("-d"), QStringLiteral("horn.monitor"),
-                                QStringLiteral("--raw"), QStringLiteral("--format=s16le"),
-                                QStringLiteral("--channels=1")});
+                recorder.start("parec",
+                               {"-d", "horn.monitor", "--raw", "--format=s16le", "--channels=1"});
             recorder.waitForReadyRead(50);
             const QByteArray bytes = recorder.readAllStandardOutput();
             for (qsizetype i = 0; i + 1 < bytes.size(); i += 2) {
@@ -74,46 +66,34 @@ public:
     }
 
 private:
-    QString Socket() const { return folder_.filePath(QStringLiteral("socket")); }
+    QString Socket() const { return folder_.filePath("socket"); }
 
     QTemporaryDir folder_;
     QProcess process_;
 };
 
-class HornTest : public ::testing::Test {
+class HornTest : public PlantTest {
 protected:
     HornTest()
-        : simulator_(folder_.Bus(), {QStringLiteral("1=Q7100")}) {
-        EXPECT_TRUE(Config::OpenConfigBase());
-        ConfigClass site;
-        site.setAutoStart(true);
+        : simulator_(folder.Bus(), {"1=Q7100"}) {
         for (int bit = 0; bit <= 4; ++bit)
             site.setOptionKlaxon(bit, true);
-        site.Panel(1).setModel(Models::Q7100);
-        site.Panel(1).setActive(true);
-        site.Panel(1).Channel(2).setKlaxon(true);
-        site.Panel(1).Channel(2).setAlmPrio(5);
+        ChannelClass& channel = Put(1).Channel(2);
+        channel.setKlaxon(true);
+        channel.setAlmPrio(5);
         site.setAlarmPrioSound(5, 8);
-        EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+        Save();
     }
 
     void SetUp() override {
         if (!server_.Start())
             GTEST_SKIP() << "no sound server can be started";
     }
-
-    int Count(const char* words) const {
-        return int(folder_.Trace().filter(QString::fromLatin1(words)).size());
-    }
-    bool Comes(const char* words, int times = 1) const {
-        return Eventually([&] { return Count(words) >= times; });
-    }
     void Alarm() {
         ASSERT_TRUE(Comes("SYNCHR"));
         simulator_.Do("active 1 2");
     }
 
-    RunFolder folder_;
     SimulatorProcess simulator_;
     SoundServer server_;
 };
@@ -121,18 +101,18 @@ protected:
 } // namespace
 
 TEST_F(HornTest, ABadFileIsReplacedByTheSoundOfTheBase) {
-    QFile file(folder_.Path(QStringLiteral("AlarmSound8.wav")));
+    QFile file(folder.Path("AlarmSound8.wav"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(Config::Sound(8).value().left(20'000));
     file.close();
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     Alarm();
     EXPECT_TRUE(SoundServer::IsHeard());
     EXPECT_TRUE(Comes("SOUND AlarmSound8.wav NOT PLAYABLE, IN ITS PLACE BASE"));
 }
 
 TEST_F(HornTest, ASilenceIsToldAndEndsByItself) {
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     Alarm();
     EXPECT_TRUE(SoundServer::IsHeard());
 
@@ -142,28 +122,25 @@ TEST_F(HornTest, ASilenceIsToldAndEndsByItself) {
     EXPECT_TRUE(SoundServer::IsHeard());
     EXPECT_TRUE(Comes("FAULT ENDS   NO HORN", 1));
 
-    SoundServer::Control({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
+    SoundServer::Control({"unload-module", "module-null-sink"});
     EXPECT_TRUE(Comes("FAULT BEGINS NO HORN", 2));
     // What a server offers in the place of a device that has gone can't be heard.
-    SoundServer::Control({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-                          QStringLiteral("sink_name=auto_null")});
+    SoundServer::Control({"load-module", "module-null-sink", "sink_name=auto_null"});
     QThread::sleep(2);
-    EXPECT_EQ(Count("FAULT ENDS   NO HORN"), 1);
-    SoundServer::Control({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
-    SoundServer::Control({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-                          QStringLiteral("sink_name=horn")});
+    EXPECT_EQ(Traced("FAULT ENDS   NO HORN").size(), 1);
+    SoundServer::Control({"unload-module", "module-null-sink"});
+    SoundServer::Control({"load-module", "module-null-sink", "sink_name=horn"});
     EXPECT_TRUE(SoundServer::IsHeard());
     EXPECT_TRUE(Comes("FAULT ENDS   NO HORN", 2));
 
-    SoundServer::Control(
-        {QStringLiteral("set-sink-mute"), QStringLiteral("horn"), QStringLiteral("1")});
+    SoundServer::Control({"set-sink-mute", "horn", "1"});
     EXPECT_TRUE(Comes("FAULT BEGINS NO HORN", 3));
     EXPECT_EQ(program.Terminate(), 0);
 }
 
 TEST_F(HornTest, AMissingLoudspeakerIsToldBeforeTheAlarm) {
     server_.Kill();
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     EXPECT_TRUE(Comes("FAULT BEGINS NO HORN"));
     ASSERT_TRUE(server_.Start());
     EXPECT_TRUE(Comes("FAULT ENDS   NO HORN"));

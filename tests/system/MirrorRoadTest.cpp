@@ -9,20 +9,13 @@ namespace {
 class MirrorRoad : public Road {
 protected:
     MirrorRoad()
-        : Road(
-              {QStringLiteral("1=Q7100"), QStringLiteral("2=Q6200XT"), QStringLiteral("3=Q7100")}) {
-        struct {
-            qint16 from;
-            qint16 module;
-            qint16 to;
-            qint16 kind;
-        } const rules[] = {
+        : Road({"1=Q7100", "2=Q6200XT", "3=Q7100"}) {
+        constexpr qint16 Rules[][4] = {
             {7, 3, 4, MirrorClass::Permanent},  {8, 3, 5, MirrorClass::Pulse},
             {7, 2, 20, MirrorClass::Permanent}, {8, 2, 21, MirrorClass::Pulse},
-            {0, 3, 0, MirrorClass::NoKind},     {0, 2, 0, MirrorClass::NoKind},
-        };
-        for (const auto& rule : rules)
-            Site().Mirrors().Add(1, rule.from, rule.module, rule.to, rule.kind);
+            {0, 3, 0, MirrorClass::NoKind},     {0, 2, 0, MirrorClass::NoKind}};
+        for (const auto& [from, module, to, kind] : Rules)
+            Site().Mirrors().Add(1, from, module, to, kind);
         engine->setRun(true);
     }
 

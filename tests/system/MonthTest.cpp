@@ -6,10 +6,9 @@
 #include "simulator/Frame.h"
 #include "support/Bench.h"
 #include "support/FakeLink.h"
+#include "system/Processes.h"
 
 #include "bus/wPolling.h"
-#include "model/ConfigClass.h"
-#include "model/Models.h"
 
 #include <QSet>
 #include <random>
@@ -32,7 +31,7 @@ protected:
             Site().Panel(address).setModel(quint8(models[address - 1]));
             Site().Panel(address).setActive(true);
         }
-        IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodUnit"), QStringLiteral("1"));
+        IniWrite("Files", "PeriodUnit", "1");
     }
 
     /// The program starts: engine, port, bus.
@@ -147,18 +146,6 @@ protected:
     QHash<int, QStringList> dropped_;
 };
 
-QStringList AllLines(const QString& folder, const QString& pattern) {
-    QStringList lines;
-    const QDir dir(folder);
-    for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
-        QFile file(dir.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        lines +=
-            QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
-    }
-    return lines;
-}
-
 } // namespace
 
 TEST_F(MonthTest, EveryDroppedEventIsRecordedOnceInOrder) {
@@ -174,9 +161,9 @@ TEST_F(MonthTest, EveryDroppedEventIsRecordedOnceInOrder) {
     }
     engine_.reset();
 
-    const QStringList trace = AllLines(Path(QStringLiteral("Trace")), QStringLiteral("*.log"));
-    const QStringList history = AllLines(Path(QString()), QStringLiteral("Histo*.his"));
-    EXPECT_GT(QDir(Path(QStringLiteral("Trace"))).count(), 15U);
+    const QStringList trace = LinesIn(Path("Trace"), "*.log");
+    const QStringList history = LinesIn(Path(QString()), "Histo*.his");
+    EXPECT_GT(QDir(Path("Trace")).count(), 15U);
 
     // In the trace: numbers one behind the other; clock and key of each dropped event, those of one
     // module in the order of its receipts.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/Config.h"
 #include "core/SLVfonctions.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "model/Models.h"
 #include "platform/CodePage.h"
 #include "platform/Folders.h"
 #include "support/PrintText.h"
@@ -22,9 +24,9 @@
 class SimulatorProcess {
 public:
     SimulatorProcess(const QString& link, const QStringList& models) {
-        QStringList arguments = {QStringLiteral("--link"), link};
+        QStringList arguments = {"--link", link};
         for (const QString& model : models)
-            arguments += {QStringLiteral("--model"), model};
+            arguments += {"--model", model};
         process_.start(QStringLiteral(KORVANELLE_BUILD_DIR "/simulator/korvanelle-sim"), arguments);
         EXPECT_TRUE(process_.waitForStarted());
         EXPECT_FALSE(WaitFor("ready").isEmpty());
@@ -64,7 +66,19 @@ private:
 };
 
 /// Section of the settings that keeps the queue over an end of the program.
-inline const QString Pending = QStringLiteral("PendingCommands");
+inline const QString Pending = "PendingCommands";
+
+/// Lines of all files of a pattern, in the order of their names.
+inline QStringList LinesIn(const QDir& dir, const QString& pattern) {
+    QStringList lines;
+    for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
+        QFile file(dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        lines += platform::FromCodePage(file.readAll())
+                     .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    }
+    return lines;
+}
 
 /// A folder that the program is installed into, with a site of its own.
 class RunFolder {
@@ -73,32 +87,20 @@ public:
         // Another build can be put to the test in place of this one's.
         const QString program = qEnvironmentVariable(
             "KORVANELLE_PROGRAM", QStringLiteral(KORVANELLE_BUILD_DIR "/src/korvanelle"));
-        const QString target = Path(QStringLiteral("korvanelle"));
+        const QString target = Path("korvanelle");
         EXPECT_TRUE(QFile::copy(program, target));
         EXPECT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
-                                Path(QStringLiteral("korvanelle.cfg"))));
-        platform::OverrideApplication(folder_.path(), QStringLiteral("korvanelle"));
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), Bus());
+                                Path("korvanelle.cfg")));
+        platform::OverrideApplication(folder_.path(), "korvanelle");
+        IniWrite("Ports", "COM1", Bus());
     }
     ~RunFolder() { platform::OverrideApplication(QString(), QString()); }
 
     QString Path(const QString& name) const { return folder_.filePath(name); }
-    QString Bus() const { return Path(QStringLiteral("bus")); }
+    QString Bus() const { return Path("bus"); }
 
-    /// Lines of all files of a pattern, in the order of their names.
-    QStringList Lines(const QString& folder, const QString& pattern) const {
-        QStringList lines;
-        const QDir dir(Path(folder));
-        for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
-            QFile file(dir.filePath(name));
-            EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-            lines += platform::FromCodePage(file.readAll())
-                         .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
-        }
-        return lines;
-    }
-    QStringList Trace() const { return Lines(QStringLiteral("Trace"), QStringLiteral("*.log")); }
-    QStringList History() const { return Lines(QString(), QStringLiteral("Histo*.his")); }
+    QStringList Trace() const { return LinesIn(Path("Trace"), "*.log"); }
+    QStringList History() const { return LinesIn(Path(QString()), "Histo*.his"); }
 
 private:
     QTemporaryDir folder_;
@@ -108,14 +110,15 @@ private:
 class ProgramProcess {
 public:
     /// `variables` are further ones of its environment.
-    explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {}) {
+    explicit ProgramProcess(const RunFolder& folder, const QMap<QString, QString>& variables = {},
+                            const QStringList& arguments = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
         for (const auto& [name, value] : variables.asKeyValueRange())
             environment.insert(name, value);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.start(folder.Path(QStringLiteral("korvanelle")), QStringList());
+        process_.start(folder.Path("korvanelle"), arguments);
         EXPECT_TRUE(process_.waitForStarted());
     }
     ~ProgramProcess() {
@@ -152,3 +155,36 @@ inline bool Eventually(const std::function<bool()>& condition, int seconds = 60)
     }
     return true;
 }
+
+/// The installed program with a site that starts its bus by itself.
+class PlantTest : public ::testing::Test {
+protected:
+    PlantTest() {
+        EXPECT_TRUE(opened);
+        site.setAutoStart(true);
+    }
+
+    /// An active panel of model `Q7100`.
+    PanelClass& Put(int address) {
+        PanelClass& panel = site.Panel(address);
+        panel.setModel(Models::Q7100);
+        panel.setActive(true);
+        return panel;
+    }
+    void Save() { EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved); }
+    QStringList Traced(const QString& part) const { return folder.Trace().filter(part); }
+    /// Waits for lines of the trace. The first start of a full bus takes half a minute.
+    bool Comes(const QString& part, int times = 1) const {
+        return Eventually([&] { return Traced(part).size() >= times; }, 120);
+    }
+    bool FileComes(const QString& name) const {
+        return Eventually([&] { return QFile::exists(folder.Path(name)); });
+    }
+    /// The start is through: its last file is there.
+    bool Starts() const { return FileComes("AlarmSound99.wav"); }
+
+    RunFolder folder;
+    /// A new site takes its settings out of the base.
+    const bool opened = Config::OpenConfigBase();
+    ConfigClass site;
+};

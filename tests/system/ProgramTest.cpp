@@ -2,34 +2,26 @@
 
 #include "system/Processes.h"
 
-#include "core/Config.h"
 #include "core/DateTimes.h"
-#include "model/Models.h"
 
-#include <QFile>
 #include <QRandomGenerator>
 
 namespace {
 
-class ProgramTest : public ::testing::Test {
+class ProgramTest : public PlantTest {
 protected:
     ProgramTest()
-        : simulator_(folder_.Bus(), {QStringLiteral("1=Q7100")}) {
-        EXPECT_TRUE(Config::OpenConfigBase());
-        ConfigClass site;
-        site.setAutoStart(true);
-        site.Panel(1).setModel(Models::Q7100);
-        site.Panel(1).setActive(true);
-        site.Panel(1).Channel(2).setScrAlm(true);
-        site.Panel(1).Channel(2).setScreenText(QStringLiteral("Pump"));
-        EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+        : simulator_(folder.Bus(), {"1=Q7100"}) {
+        ChannelClass& channel = Put(1).Channel(2);
+        channel.setScrAlm(true);
+        channel.setScreenText("Pump");
+        Save();
     }
 
-    bool TraceHolds(const QString& part) const { return !folder_.Trace().filter(part).isEmpty(); }
     /// Numbers of the events of the trace, in its order.
     QList<int> Numbers() const {
         QList<int> numbers;
-        for (const QString& line : folder_.Trace()) {
+        for (const QString& line : folder.Trace()) {
             bool isNumber = false;
             const int number = line.mid(20, 6).toInt(&isNumber);
             if (isNumber)
@@ -38,81 +30,72 @@ protected:
         return numbers;
     }
 
-    RunFolder folder_;
     SimulatorProcess simulator_;
 };
 
 } // namespace
 
 TEST_F(ProgramTest, StartsByItselfAndEndsAsToldFromOutside) {
-    ProgramProcess program(folder_);
+    ProgramProcess program(folder);
     simulator_.Do("active 1 2");
-    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("P01-C02")); }));
+    ASSERT_TRUE(Comes("P01-C02"));
     // The sounds are written behind the start of the bus: an end ahead of it would leave them out.
-    EXPECT_TRUE(Eventually(
-        [&] { return QFile::exists(folder_.Path(QStringLiteral("AlarmSound99.wav"))); }));
+    EXPECT_TRUE(Starts());
     EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_TRUE(TraceHolds(QStringLiteral(" TASK  MANAGER  ******** SYSTEM  APPLI STOP    ***")));
-    EXPECT_EQ(IniRead(QStringLiteral("LastAlarms"), QStringLiteral("1"), QString()).mid(36, 22),
-              QStringLiteral("P01-C02              P"));
+    EXPECT_FALSE(Traced(" TASK  MANAGER  ******** SYSTEM  APPLI STOP    ***").isEmpty());
+    EXPECT_EQ(IniRead("LastAlarms", "1", QString()).mid(36, 22), "P01-C02              P");
 }
 
 TEST_F(ProgramTest, ASecondInstanceEndsAtOnce) {
-    ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("START")); }));
-    const qsizetype lines = folder_.Trace().size();
-    ProgramProcess second(folder_);
+    ProgramProcess program(folder);
+    ASSERT_TRUE(Comes("START"));
+    const qsizetype lines = folder.Trace().size();
+    ProgramProcess second(folder);
     EXPECT_FALSE(second.WaitForEnd(1500)) << "tells and waits for the answer";
     EXPECT_TRUE(program.Running());
-    EXPECT_LE(folder_.Trace().filter(QStringLiteral("APPLI")).size(), 1) << lines;
+    EXPECT_LE(Traced("APPLI").size(), 1) << lines;
 }
 
 TEST_F(ProgramTest, QueuedCommandsSurviveARestart) {
     const QString tomorrow = DateTimes::DateAndTime(DateTimes::Now() + 1);
     const QString command = QStringLiteral("2|1|0043|%1|0002").arg(tomorrow);
-    IniWrite(Pending, QStringLiteral("1"), command);
-    IniWrite(Pending, QStringLiteral("2"), QString());
-    IniWrite(Pending, QStringLiteral("3"), QStringLiteral("2|1|0042|00:00:00|0001"));
+    IniWrite(Pending, "1", command);
+    IniWrite(Pending, "2", QString());
+    IniWrite(Pending, "3", "2|1|0042|00:00:00|0001");
     {
-        ProgramProcess program(folder_);
+        ProgramProcess program(folder);
         EXPECT_EQ(simulator_.WaitFor("write 1 66"), QByteArray("write 1 66 0001"));
         EXPECT_EQ(program.Terminate(), 0);
     }
     QStringList keys;
     EXPECT_EQ(IniReadKeys(keys, Pending), 1);
-    EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
+    EXPECT_EQ(IniRead(Pending, "1", QString()), command);
 }
 
 // The adapter is missing: the start doesn't wait for anybody, and the commands wait for the port.
 TEST_F(ProgramTest, AMissingPortHoldsUpNoStartAndKeepsTheCommands) {
-    const QString command = QStringLiteral("2|1|0043|00:00:00|0002");
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM1"), folder_.Path(QStringLiteral("none")));
-    IniWrite(Pending, QStringLiteral("1"), command);
-    ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] {
-        return TraceHolds(QStringLiteral("FAULT BEGINS MESSAGE UNREAD"));
-    })) << "told";
-    ASSERT_TRUE(Eventually([&] {
-        return QFile::exists(folder_.Path(QStringLiteral("AlarmSound1.wav")));
-    })) << "and the start went on beneath the box";
+    const QString command = "2|1|0043|00:00:00|0002";
+    IniWrite("Ports", "COM1", folder.Path("none"));
+    IniWrite(Pending, "1", command);
+    ProgramProcess program(folder);
+    ASSERT_TRUE(Comes("FAULT BEGINS MESSAGE UNREAD")) << "told";
+    ASSERT_TRUE(FileComes("AlarmSound1.wav")) << "and the start went on beneath the box";
     EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_EQ(IniRead(Pending, QStringLiteral("1"), QString()), command);
-    EXPECT_TRUE(TraceHolds(QStringLiteral("APPLI  START")));
-    EXPECT_TRUE(TraceHolds(QStringLiteral(" TASK  MANAGER  ")));
+    EXPECT_EQ(IniRead(Pending, "1", QString()), command);
+    EXPECT_FALSE(Traced("APPLI  START").isEmpty());
+    EXPECT_FALSE(Traced(" TASK  MANAGER  ").isEmpty());
 }
 
 // A site that can't be read keeps the bus from starting by itself; the watchdog brings the console.
 TEST_F(ProgramTest, AnUnreadableSiteLeavesTheBusStopped) {
-    QFile site(CurrentConfigFile());
-    ASSERT_TRUE(site.resize(site.size() / 2));
-    ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] { return TraceHolds(QStringLiteral("APPLI  START")); }));
-    ASSERT_TRUE(
-        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("AlarmSound1.wav"))); }));
+    QFile file(CurrentConfigFile());
+    ASSERT_TRUE(file.resize(file.size() / 2));
+    ProgramProcess program(folder);
+    ASSERT_TRUE(Comes("APPLI  START"));
+    ASSERT_TRUE(FileComes("AlarmSound1.wav"));
     EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_FALSE(TraceHolds(QStringLiteral("SYNCHR")));
-    EXPECT_EQ(IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString()),
-              GetText(50010));
+    EXPECT_TRUE(Traced("SYNCHR").isEmpty());
+    EXPECT_EQ(IniRead("Files", "LastUsed", QString()), GetText(50010));
 }
 
 // Each start is killed in the middle of a stream of events. What was written stands whole, no
@@ -122,7 +105,7 @@ TEST_F(ProgramTest, KillsLoseNoLineAndNoNumber) {
     constexpr int Kills = 6;
     QRandomGenerator random(7);
     for (int kill = 0; kill < Kills; ++kill) {
-        ProgramProcess program(folder_);
+        ProgramProcess program(folder);
         const qsizetype before = Numbers().size();
         for (int i = 0; i < 40; ++i)
             simulator_.Do(i % 2 == 0 ? "active 1 2" : "normal 1 2");
@@ -142,23 +125,21 @@ TEST_F(ProgramTest, KillsLoseNoLineAndNoNumber) {
         missing += numbers[i] - numbers[i - 1] - 1;
     }
     EXPECT_LE(missing, Kills);
-    EXPECT_GE(IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QString()).toInt(),
-              numbers.last());
-    for (const QString& line : folder_.History())
+    EXPECT_GE(IniRead("General", "LastEvent", QString()).toInt(), numbers.last());
+    for (const QString& line : folder.History())
         EXPECT_EQ(line.size(), 138);
     QFile history(
-        folder_.Path(QStringLiteral("Histo%1.his").arg(DateTimes::FileMonth(DateTimes::Now()))));
+        folder.Path(QStringLiteral("Histo%1.his").arg(DateTimes::FileMonth(DateTimes::Now()))));
     ASSERT_TRUE(history.open(QIODevice::ReadOnly));
     EXPECT_TRUE(history.readAll().endsWith("\r\n"));
 }
 
 TEST_F(ProgramTest, ADamagedBaseEndsTheStart) {
-    QFile base(folder_.Path(QStringLiteral("korvanelle.cfg")));
+    QFile base(folder.Path("korvanelle.cfg"));
     ASSERT_TRUE(base.resize(5000));
-    ProgramProcess program(folder_);
-    ASSERT_TRUE(
-        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("korvanelle.lock"))); }));
+    ProgramProcess program(folder);
+    ASSERT_TRUE(FileComes("korvanelle.lock"));
     EXPECT_FALSE(program.WaitForEnd(1500)) << "tells and waits for the answer";
-    EXPECT_FALSE(TraceHolds(QStringLiteral("START")));
+    EXPECT_TRUE(Traced("START").isEmpty());
     EXPECT_EQ(program.Terminate(), 1);
 }

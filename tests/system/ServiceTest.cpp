@@ -2,9 +2,6 @@
 
 #include "system/Processes.h"
 
-#include "core/Config.h"
-#include "model/Models.h"
-
 #include <array>
 #include <csignal>
 #include <poll.h>
@@ -53,21 +50,17 @@ private:
     int socket_;
 };
 
+class ServiceTest : public PlantTest {};
+
 } // namespace
 
-TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
-    const RunFolder folder;
-    SimulatorProcess simulator(folder.Bus(), {QStringLiteral("1=Q7100")});
-    ASSERT_TRUE(Config::OpenConfigBase());
-    ConfigClass site;
-    site.setAutoStart(true);
-    site.Panel(1).setModel(Models::Q7100);
-    site.Panel(1).setActive(true);
-    ASSERT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
-    const NotifySocket socket(folder.Path(QStringLiteral("notify")));
-    ProgramProcess program(
-        folder, {{QStringLiteral("NOTIFY_SOCKET"), folder.Path(QStringLiteral("notify"))},
-                 {QStringLiteral("WATCHDOG_USEC"), QStringLiteral("400000")}});
+TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
+    SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});
+    Put(1);
+    Save();
+    const NotifySocket socket(folder.Path("notify"));
+    ProgramProcess program(folder,
+                           {{"NOTIFY_SOCKET", folder.Path("notify")}, {"WATCHDOG_USEC", "400000"}});
     ASSERT_TRUE(socket.Hears("READY=1"));
     EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
     EXPECT_TRUE(socket.Hears("STATUS=Bus running. Modules watched: 1, missing: 0, alarms: "));
@@ -85,24 +78,16 @@ TEST(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
     EXPECT_TRUE(program.WaitForEnd(20000));
 }
 
-TEST(ServiceTest, TheFolderOfTheDataIsNamed) {
-    const RunFolder folder;
-    const QString data = folder.Path(QStringLiteral("site/data"));
-    QProcess program;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    program.setProcessEnvironment(environment);
-    program.start(folder.Path(QStringLiteral("korvanelle")), {QStringLiteral("--folder"), data});
+TEST_F(ServiceTest, TheFolderOfTheDataIsNamed) {
+    const QString data = folder.Path("site/data");
+    ProgramProcess program(folder, {}, {"--folder", data});
     // The base is the one beside the program.
-    EXPECT_TRUE(
-        Eventually([&] { return QFile::exists(data + QStringLiteral("/AlarmSound99.wav")); }));
+    EXPECT_TRUE(FileComes("site/data/AlarmSound99.wav"));
     EXPECT_TRUE(QFile::exists(data + QStringLiteral("/korvanelle.ini")));
-    EXPECT_FALSE(QFile::exists(folder.Path(QStringLiteral("Trace"))));
-    program.terminate();
-    EXPECT_TRUE(program.waitForFinished(20000));
+    EXPECT_FALSE(QFile::exists(folder.Path("Trace")));
+    EXPECT_EQ(program.Terminate(), 0);
 
-    program.start(folder.Path(QStringLiteral("korvanelle")),
-                  {QStringLiteral("--folder"), QStringLiteral("/proc/none")});
-    EXPECT_TRUE(program.waitForFinished(20000));
-    EXPECT_EQ(program.exitCode(), 1);
+    ProgramProcess lost(folder, {}, {"--folder", "/proc/none"});
+    EXPECT_TRUE(lost.WaitForEnd(20000));
+    EXPECT_EQ(lost.ExitCode(), 1);
 }

@@ -4,28 +4,22 @@
 #include "core/SLVfonctions.h"
 #include "screens/dialogs/dlgKeyboard.h"
 #include "screens/dialogs/dlgListInput.h"
-#include "screens/touch/ScreenForm.h"
 #include "screens/touch/ValueLabel.h"
 #include "support/PipePrinter.h"
 #include "support/Road.h"
 #include "support/Script.h"
-#include "support/SiteReader.h"
 
 #include <QDir>
-#include <QTest>
 
 namespace {
 
 enum Parameter {
     Title,
-    Number,
-    OnScreen,
+    OnScreen = 2,
     Printed,
-    Kind,
-    Horn,
+    Horn = 5,
     Priority,
-    History,
-    Library,
+    Library = 8,
     ScreenText = 12,
     PrintText
 };
@@ -33,36 +27,15 @@ enum Parameter {
 class SetupRoad : public Road, public ::testing::WithParamInterface<int> {
 protected:
     SetupRoad()
-        : Road({QStringLiteral("1=Q7100"), QStringLiteral("2=Q6200XT")}, false)
-        , printer(folder.Path(QStringLiteral("printer"))) {
+        : Road({"1=Q7100", "2=Q6200XT"}, false)
+        , printer(folder.Path("printer")) {
         printer.SwitchOn();
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"),
-                 folder.Path(QStringLiteral("printer")));
+        IniWrite("Ports", "LPT1", folder.Path("printer"));
         Global::Get().language = GetParam();
         Global::ReadMarks();
-        // Yes to what asks with yes and no, OK to all others.
-        Messages::Install([this](const QString& text, int style, bool) {
-            boxes += text;
-            return int((style & Messages::ButtonSet) == Messages::YesNoCancel ? Messages::Yes
-                                                                              : Messages::Ok);
-        });
         Forms::Show(FormNames::wMain);
     }
 
-    template <class W = QWidget> static W* Find(const QString& form, const QString& name) {
-        auto* window = dynamic_cast<ScreenForm*>(Forms::Find(form));
-        W* control = window == nullptr ? nullptr : window->findChild<W*>(name);
-        EXPECT_NE(control, nullptr) << form.toStdString() << "." << name.toStdString();
-        return control;
-    }
-    static void Tap(const QString& form, const QString& name) {
-        QWidget* control = Find(form, name);
-        if (control == nullptr)
-            return;
-        EXPECT_TRUE(control->isVisible() && control->isEnabled())
-            << form.toStdString() << "." << name.toStdString();
-        QTest::mouseClick(control, Qt::LeftButton);
-    }
     static void TapArray(const QString& form, const QString& array, int index) {
         Tap(form, array + u'_' + QString::number(index));
     }
@@ -80,33 +53,33 @@ protected:
     void Choose(const QString& value) {
         script.On(FormNames::dlgListInput, [value] {
             dynamic_cast<dlgListInput*>(Forms::Find(FormNames::dlgListInput))->Choose(value);
-            TapArray(FormNames::dlgListInput, QStringLiteral("imgControl"), 2);
+            TapArray(FormNames::dlgListInput, "imgControl", 2);
         });
     }
     void Type(const QString& text) {
         script.On(FormNames::dlgKeyboard, [text] {
             dynamic_cast<dlgKeyboard*>(Forms::Find(FormNames::dlgKeyboard))->setText(text);
-            TapArray(FormNames::dlgKeyboard, QStringLiteral("imgControl"), 1);
+            TapArray(FormNames::dlgKeyboard, "imgControl", 1);
         });
     }
     /// Leads from the main menu into a submenu's screen.
     void OpenBySubmenu(int tile, const QString& menu, int button) {
-        script.On(menu, [menu, button] { TapArray(menu, QStringLiteral("cmdButtons"), button); });
-        TapArray(FormNames::wMain, QStringLiteral("imgMenu"), tile);
+        script.On(menu, [menu, button] { TapArray(menu, "cmdButtons", button); });
+        TapArray(FormNames::wMain, "imgMenu", tile);
     }
 
     void SetParameter(int parameter, const QString& value) {
-        TapArray(FormNames::wBusPanneau, QStringLiteral("lblParamVal"), parameter);
+        TapArray(FormNames::wBusPanneau, "lblParamVal", parameter);
         if (parameter == Title || parameter >= ScreenText)
             Type(value);
         else
             Choose(value);
-        Tap(FormNames::wBusPanneau, QStringLiteral("imgModif"));
+        Tap(FormNames::wBusPanneau, "imgModif");
     }
     void SetModel(int model) {
         for (int i = 0; i < model; ++i)
-            Tap(FormNames::wBusPanneau, QStringLiteral("imgModele"));
-        Tap(FormNames::wBusPanneau, QStringLiteral("imgActive"));
+            Tap(FormNames::wBusPanneau, "imgModele");
+        Tap(FormNames::wBusPanneau, "imgActive");
     }
 
     void SetUpPanels();
@@ -124,57 +97,52 @@ protected:
 void SetupRoad::SetUpPanels() {
     const QString form = FormNames::wBusPanneau;
     const QString yes = GetText(10002);
-    TapArray(FormNames::wMain, QStringLiteral("imgMenu"), 0);
-    TapArray(FormNames::wBusModules, QStringLiteral("imgPanneau"), 0);
+    TapArray(FormNames::wMain, "imgMenu", 0);
+    TapArray(FormNames::wBusModules, "imgPanneau", 0);
     SetModel(Models::Q7100);
-    SetParameter(Title, QStringLiteral("Pumphouse"));
+    SetParameter(Title, "Pumphouse");
     for (const int channel : {7, 8, 9}) {
-        StepTo(form, QStringLiteral("imgControl_1"), QStringLiteral("lblParamVal_1"),
-               QString::number(channel));
+        StepTo(form, "imgControl_1", "lblParamVal_1", QString::number(channel));
         for (const int parameter : {int(OnScreen), int(Printed), int(Horn)})
             SetParameter(parameter, yes);
-        SetParameter(Priority, QStringLiteral("5"));
-        SetParameter(Library, QStringLiteral("2"));
+        SetParameter(Priority, "5");
+        SetParameter(Library, "2");
         SetParameter(ScreenText, QStringLiteral("Pump %1").arg(channel));
         SetParameter(PrintText, QStringLiteral("Paper %1").arg(channel));
     }
-    TapArray(form, QStringLiteral("imgNavPanel"), 2);
+    TapArray(form, "imgNavPanel", 2);
     SetModel(Models::Q6200XT);
-    SetParameter(Title, QStringLiteral("Display"));
-    TapArray(form, QStringLiteral("imgNavig"), 5);
+    SetParameter(Title, "Display");
+    TapArray(form, "imgNavig", 5);
 }
 
 void SetupRoad::SetUpMirrors() {
     const QString form = FormNames::dlgEditMirror;
-    Tap(FormNames::wBusModules, QStringLiteral("imgMiroirs"));
-    const struct {
-        const char* source;
-        const char* target;
-        const char* kind;
-    } rules[] = {{"7", "20", "optType_1"}, {"8", "21", "optType_2"}};
-    for (const auto& rule : rules) {
-        script.On(form, [form, rule] {
+    Tap(FormNames::wBusModules, "imgMiroirs");
+    for (const auto& [source, target, kind] :
+         {std::tuple("7", "20", "optType_1"), std::tuple("8", "21", "optType_2")}) {
+        script.On(form, [form, source = source, target = target, kind = kind] {
             const auto arrow = [](int index) {
                 return QStringLiteral("imgPlusMoins_") + QString::number(index);
             };
-            StepTo(form, arrow(1), QStringLiteral("lblSrceModNo"), QStringLiteral("1"));
-            StepTo(form, arrow(3), QStringLiteral("lblSrceChnlNo"), QLatin1String(rule.source));
-            StepTo(form, arrow(5), QStringLiteral("lblDestModNo"), QStringLiteral("2"));
-            StepTo(form, arrow(7), QStringLiteral("lblDestChnlNo"), QLatin1String(rule.target));
-            Tap(form, QLatin1String(rule.kind));
-            TapArray(form, QStringLiteral("imgControl"), 1);
+            StepTo(form, arrow(1), "lblSrceModNo", "1");
+            StepTo(form, arrow(3), "lblSrceChnlNo", source);
+            StepTo(form, arrow(5), "lblDestModNo", "2");
+            StepTo(form, arrow(7), "lblDestChnlNo", target);
+            Tap(form, kind);
+            TapArray(form, "imgControl", 1);
         });
-        Tap(FormNames::wBusMiroirs, QStringLiteral("imgNew"));
+        Tap(FormNames::wBusMiroirs, "imgNew");
     }
-    TapArray(FormNames::wBusMiroirs, QStringLiteral("imgNavig"), 0);
+    TapArray(FormNames::wBusMiroirs, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpTexts() {
     OpenBySubmenu(1, FormNames::dlgMenuParams, 2);
-    TapArray(FormNames::wParamBiblio, QStringLiteral("imgControl"), 3);
-    Type(QStringLiteral("High water"));
-    TapArray(FormNames::wParamBiblio, QStringLiteral("imgControl"), 10);
-    TapArray(FormNames::wParamBiblio, QStringLiteral("imgNavig"), 0);
+    TapArray(FormNames::wParamBiblio, "imgControl", 3);
+    Type("High water");
+    TapArray(FormNames::wParamBiblio, "imgControl", 10);
+    TapArray(FormNames::wParamBiblio, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpRouting() {
@@ -185,40 +153,37 @@ void SetupRoad::SetUpRouting() {
             label != nullptr && label->text().isEmpty())
             Tap(FormNames::wParamEcran, cell);
     }
-    TapArray(FormNames::wParamEcran, QStringLiteral("imgNavig"), 0);
+    TapArray(FormNames::wParamEcran, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpSounds() {
     const QString form = FormNames::wSysConfSon;
     OpenBySubmenu(2, FormNames::dlgMenuSystem, 2);
-    StepTo(form, QStringLiteral("imgControl_9"), QStringLiteral("lblSoundPrio"),
-           QStringLiteral("5"));
-    StepTo(form, QStringLiteral("imgControl_1"), QStringLiteral("lblSoundNum"),
-           QStringLiteral("3"));
-    TapArray(form, QStringLiteral("imgControl"), 5);
-    TapArray(form, QStringLiteral("imgNavig"), 0);
+    StepTo(form, "imgControl_9", "lblSoundPrio", "5");
+    StepTo(form, "imgControl_1", "lblSoundNum", "3");
+    TapArray(form, "imgControl", 5);
+    TapArray(form, "imgNavig", 0);
 }
 
 void SetupRoad::SetUpPrinter() {
     const QString form = FormNames::wParamPrinter;
     OpenBySubmenu(1, FormNames::dlgMenuParams, 4);
-    TapArray(form, QStringLiteral("lblPort"), 1);
-    TapArray(form, QStringLiteral("imgNavig"), 0);
+    TapArray(form, "lblPort", 1);
+    TapArray(form, "imgNavig", 0);
 }
 
 QString SetupRoad::SaveSite() {
     script.On(FormNames::dlgFilePicker,
-              [] { TapArray(FormNames::dlgFilePicker, QStringLiteral("imgControl"), 1); });
-    TapArray(FormNames::wMain, QStringLiteral("imgNavig"), 8);
-    const QStringList saved =
-        QDir(folder.Path(QString())).entryList({QStringLiteral("*.kv2")}, QDir::Files);
+              [] { TapArray(FormNames::dlgFilePicker, "imgControl", 1); });
+    TapArray(FormNames::wMain, "imgNavig", 8);
+    const QStringList saved = QDir(folder.Path(QString())).entryList({"*.kv2"}, QDir::Files);
     return saved.isEmpty() ? QString() : folder.Path(saved.first());
 }
 
 } // namespace
 
 TEST_P(SetupRoad, FromANewSiteToTheFirstPrintedAlarm) {
-    TapArray(FormNames::wMain, QStringLiteral("imgNavig"), 11);
+    TapArray(FormNames::wMain, "imgNavig", 11);
     SetUpPanels();
     SetUpMirrors();
     SetUpTexts();
@@ -226,38 +191,41 @@ TEST_P(SetupRoad, FromANewSiteToTheFirstPrintedAlarm) {
     SetUpSounds();
     SetUpPrinter();
 
-    const SiteReader site(SaveSite());
-    const SiteReader::Panel& panel = site.panels[1];
-    EXPECT_EQ(panel.model, Models::Q7100);
-    EXPECT_EQ(panel.title, QStringLiteral("Pumphouse"));
-    EXPECT_EQ(panel.active, -1);
-    EXPECT_EQ(site.panels[2].model, Models::Q6200XT);
+    ConfigClass site;
+    ASSERT_EQ(site.Read(SaveSite()), ConfigClass::ReadDone);
+    PanelClass& panel = site.Panel(1);
+    EXPECT_EQ(panel.Model(), Models::Q7100);
+    EXPECT_EQ(panel.Title(), "Pumphouse");
+    EXPECT_TRUE(panel.Active());
+    EXPECT_EQ(site.Panel(2).Model(), Models::Q6200XT);
     for (const int number : {7, 8, 9}) {
-        const SiteReader::Channel& channel = panel.channels[size_t(number)];
-        EXPECT_EQ(channel.screenText, QStringLiteral("Pump %1").arg(number));
-        EXPECT_EQ(channel.printText, QStringLiteral("Paper %1").arg(number));
-        EXPECT_EQ(channel.scrAlm & channel.prtAlm & channel.klaxon, -1);
-        EXPECT_EQ(channel.almPrio, 5);
-        EXPECT_EQ(channel.bibNum, 2);
+        const ChannelClass& channel = panel.Channel(number);
+        EXPECT_EQ(channel.ScreenText(), QStringLiteral("Pump %1").arg(number));
+        EXPECT_EQ(channel.PrintText(), QStringLiteral("Paper %1").arg(number));
+        EXPECT_TRUE(channel.ScrAlm() && channel.PrtAlm() && channel.Klaxon());
+        EXPECT_EQ(channel.AlmPrio(), 5);
+        EXPECT_EQ(channel.BibNum(), 2);
     }
-    EXPECT_EQ(panel.channels[6].scrAlm, 0);
-    EXPECT_EQ(site.biblio[1], QStringLiteral("High water"));
-    EXPECT_EQ(site.sounds[5], 3);
-    EXPECT_EQ(site.prtSettings, QStringLiteral("LPT1:"));
-    const QList<std::array<int, 5>> rules{{1, 7, 2, 20, 1}, {1, 8, 2, 21, 2}};
-    EXPECT_EQ(site.mirrors, rules);
+    EXPECT_FALSE(panel.Channel(6).ScrAlm());
+    EXPECT_EQ(site.BiblioText(2), "High water");
+    EXPECT_EQ(site.AlarmPrioSound(5), 3);
+    EXPECT_EQ(site.PrtSettings(), "LPT1:");
+    QStringList rules;
+    for (const MirrorClass& rule : site.Mirrors())
+        rules += rule.ID() + u'/' + QString::number(rule.MirrorType());
+    EXPECT_EQ(rules, QStringList({"01070220/1", "01080221/2"}));
 
-    TapArray(FormNames::wMain, QStringLiteral("imgMenu"), 3);
+    TapArray(FormNames::wMain, "imgMenu", 3);
     engine->setRun(true);
     simulator.Do("active 1 7");
     const QString origin = GetText(50011).left(1) + QStringLiteral("01-") +
                            GetText(50011).mid(1, 1) + QStringLiteral("07");
     ASSERT_TRUE(Until([&] { return !Rows().filter(origin).isEmpty(); }));
-    EXPECT_TRUE(Rows().filter(origin).first().contains(QStringLiteral("Pump 7")));
-    EXPECT_TRUE(Rows().filter(origin).first().contains(QStringLiteral("High water")));
+    EXPECT_TRUE(Rows().filter(origin).first().contains("Pump 7"));
+    EXPECT_TRUE(Rows().filter(origin).first().contains("High water"));
     EXPECT_EQ(folder.History().filter(origin).size(), 1);
     const auto& horn = static_cast<const platform::SilentSound&>(*Global::Get().sound);
-    EXPECT_TRUE(horn.playing.endsWith(QStringLiteral("AlarmSound3"))) << horn.playing.toStdString();
+    EXPECT_TRUE(horn.playing.endsWith("AlarmSound3")) << horn.playing.toStdString();
     EXPECT_TRUE(Until([&] { return printer.Paper().contains("Paper 7"); }));
     EXPECT_TRUE(Until([&] { return Shown(2, "states").mid(19, 1) == "1"; })) << "the mirror";
 }

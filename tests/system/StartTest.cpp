@@ -23,7 +23,7 @@ public:
         const auto* form = qobject_cast<const ScreenForm*>(watched);
         if (form == nullptr || event->type() != QEvent::Show)
             return false;
-        const auto* button = form->findChild<const QWidget*>(QStringLiteral("cmdButton_0"));
+        const auto* button = form->findChild<const QWidget*>("cmdButton_0");
         if (button == nullptr || !button->isHidden())
             names += form->Name();
         return false;
@@ -32,23 +32,20 @@ public:
     QStringList names;
 };
 
+class StartTest : public PlantTest {};
+
 // Nothing can be written into the trace: that stands over the console and not ahead of it.
-TEST(StartTest, ABoxOfTheStartComesOverTheConsole) {
-    const RunFolder folder;
-    ASSERT_TRUE(Config::OpenConfigBase());
-    ConfigClass site;
-    site.setAutoStart(true);
-    ASSERT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
-    QFile inTheWay(folder.Path(QStringLiteral("Trace")));
+TEST_F(StartTest, ABoxOfTheStartComesOverTheConsole) {
+    Save();
+    QFile inTheWay(folder.Path("Trace"));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
-    const SimulatorProcess simulator(folder.Bus(), {QStringLiteral("1=Q7100")});
+    const SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});
     const Appearances shown;
     {
         Startup startup;
         ASSERT_TRUE(startup.Main());
         EXPECT_GT(Boxes::Unread(), 0);
-        EXPECT_EQ(shown.names, QStringList({QStringLiteral("wMain"), QStringLiteral("wRunAlarms"),
-                                            QStringLiteral("dlgMessage")}));
+        EXPECT_EQ(shown.names, QStringList({"wMain", "wRunAlarms", "dlgMessage"}));
         Polling()->Form_Unload();
         Forms::UnloadAllBut({});
     }

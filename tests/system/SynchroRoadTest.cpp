@@ -8,8 +8,7 @@ namespace {
 class SynchroRoad : public Road {
 protected:
     SynchroRoad()
-        : Road({QStringLiteral("1=Q7100"), QStringLiteral("2=Q6200XT"), QStringLiteral("3=Q7000"),
-                QStringLiteral("4=P5000"), QStringLiteral("5=P5500"), QStringLiteral("6=Q7100")}) {}
+        : Road({"1=Q7100", "2=Q6200XT", "3=Q7000", "4=P5000", "5=P5500", "6=Q7100"}) {}
 };
 
 TEST_F(SynchroRoad, TheBusBeginsWithOnePicture) {
@@ -31,14 +30,12 @@ TEST_F(SynchroRoad, TheBusBeginsWithOnePicture) {
     for (const QString& row : rows)
         origins += row.mid(28, 7);
     origins.sort();
-    EXPECT_EQ(origins, (QStringList{QStringLiteral("P01-C07"), QStringLiteral("P01-C10"),
-                                    QStringLiteral("P03-C02"), QStringLiteral("P04-C01"),
-                                    QStringLiteral("P05-C03")}));
-    const QStringList told = folder.Trace().filter(QStringLiteral(" SYNCHRO "));
+    EXPECT_EQ(origins, (QStringList{"P01-C07", "P01-C10", "P03-C02", "P04-C01", "P05-C03"}));
+    const QStringList told = folder.Trace().filter(" SYNCHRO ");
     ASSERT_EQ(told.size(), 5);
-    EXPECT_EQ(told[0].mid(27, 38), QStringLiteral("SYNCHRO 01070001 P01-C07 State  ACTIVE"));
+    EXPECT_EQ(told[0].mid(27, 38), "SYNCHRO 01070001 P01-C07 State  ACTIVE");
     // A fault that the reset acknowledged stands on as an acknowledged alarm.
-    EXPECT_EQ(told[2].mid(27, 38), QStringLiteral("SYNCHRO 03020101 P03-C02 Alarm  ACKLGD"));
+    EXPECT_EQ(told[2].mid(27, 38), "SYNCHRO 03020101 P03-C02 Alarm  ACKLGD");
     for (const int address : {1, 3})
         EXPECT_EQ(Shown(address, "waiting"), "0") << "the past is thrown away";
     EXPECT_EQ(Shown(1, "forced"), "000000000000");

@@ -2,31 +2,22 @@
 
 #include "system/Processes.h"
 
-#include "core/Config.h"
-#include "model/Models.h"
-
-#include <QDir>
-#include <QFile>
 #include <csignal>
 #include <numeric>
 
 namespace {
 
-class WatchRun : public ::testing::Test {
+class WatchRun : public PlantTest {
 protected:
-    WatchRun() { EXPECT_TRUE(Config::OpenConfigBase()); }
-
     /// A site with panels of one model, which starts by itself if it has any.
-    static void Save(const QList<int>& panels) {
-        ConfigClass site;
+    void Save(const QList<int>& panels) {
         site.setAutoStart(!panels.isEmpty());
         for (const int address : panels) {
-            site.Panel(address).setModel(Models::Q7100);
-            site.Panel(address).setActive(true);
+            PanelClass& panel = Put(address);
             for (int channel = 1; channel <= 12; ++channel)
-                site.Panel(address).Channel(channel).setHisto(true);
+                panel.Channel(channel).setHisto(true);
         }
-        EXPECT_EQ(site.Save(CurrentConfigFile()), ConfigClass::Saved);
+        PlantTest::Save();
     }
     static QList<int> UpTo(int count) {
         QList<int> addresses(count);
@@ -39,51 +30,38 @@ protected:
             modules += QStringLiteral("%1=Q7100").arg(address);
         return modules;
     }
-    bool TraceHolds(const QString& part) const { return !folder_.Trace().filter(part).isEmpty(); }
-    /// The first start of a full bus takes half a minute.
-    bool Comes(const char* part) const {
-        return Eventually([&] { return TraceHolds(QString::fromLatin1(part)); }, LongWait);
-    }
     /// The bus polls: its first start is through.
     bool Polls(SimulatorProcess& simulator, int address, int channel) const {
         simulator.Do(QByteArray("active ") + QByteArray::number(address) + ' ' +
                      QByteArray::number(channel));
         return Comes(QStringLiteral("P%1-C%2")
                          .arg(address, 2, 10, QChar(u'0'))
-                         .arg(channel, 2, 10, QChar(u'0'))
-                         .toLatin1()
-                         .constData());
+                         .arg(channel, 2, 10, QChar(u'0')));
     }
-
-    static constexpr int LongWait = 120; // s
-
-    RunFolder folder_;
 };
 
 TEST_F(WatchRun, AnUnknownCodeLeavesAllOthersWatched) {
     Save(UpTo(64));
-    SimulatorProcess simulator(folder_.Bus(), Modules(UpTo(64)));
-    ProgramProcess program(folder_);
+    SimulatorProcess simulator(folder.Bus(), Modules(UpTo(64)));
+    ProgramProcess program(folder);
     ASSERT_TRUE(Polls(simulator, 1, 2));
     for (int i = 0; i < 3; ++i)
         simulator.Do("odd 7");
     EXPECT_TRUE(Comes("ERROR 9 HistoProcs.FormateTrace"));
     for (const int address : {2, 7, 33, 64})
         EXPECT_TRUE(Polls(simulator, address, 3)) << address;
-    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("ERROR 9 HistoProcs.FormateTrace")).size(), 1)
+    EXPECT_EQ(Traced("ERROR 9 HistoProcs.FormateTrace").size(), 1)
         << "once, however often it comes";
-    EXPECT_FALSE(folder_.History().filter(QStringLiteral("P64-C03")).isEmpty());
+    EXPECT_TRUE(Eventually([&] { return !folder.History().filter("P64-C03").isEmpty(); }));
     EXPECT_EQ(program.Terminate(), 0);
 }
 
 TEST_F(WatchRun, APortThatComesLateIsFound) {
     Save({1});
-    ProgramProcess program(folder_);
-    ASSERT_TRUE(Eventually([&] {
-        return QFile::exists(folder_.Path(QStringLiteral("AlarmSound99.wav")));
-    })) << "the start went on without a port";
-    EXPECT_FALSE(TraceHolds(QStringLiteral("COMM   START")));
-    SimulatorProcess simulator(folder_.Bus(), Modules({1}));
+    ProgramProcess program(folder);
+    ASSERT_TRUE(Starts()) << "the start went on without a port";
+    EXPECT_TRUE(Traced("COMM   START").isEmpty());
+    SimulatorProcess simulator(folder.Bus(), Modules({1}));
     EXPECT_TRUE(Comes("COMM   START"));
     EXPECT_TRUE(Polls(simulator, 1, 2));
     EXPECT_EQ(program.Terminate(), 0);
@@ -91,8 +69,8 @@ TEST_F(WatchRun, APortThatComesLateIsFound) {
 
 TEST_F(WatchRun, AnEndInTheSynchronisationWaitsForNoPanel) {
     Save(UpTo(64));
-    SimulatorProcess simulator(folder_.Bus(), Modules({1}));
-    ProgramProcess program(folder_);
+    SimulatorProcess simulator(folder.Bus(), Modules({1}));
+    ProgramProcess program(folder);
     ASSERT_TRUE(Comes("REINIT"));
     QThread::msleep(300);
     program.Signal(SIGTERM);
@@ -100,40 +78,40 @@ TEST_F(WatchRun, AnEndInTheSynchronisationWaitsForNoPanel) {
     // 63 silent panels take three minutes.
     EXPECT_TRUE(program.WaitForEnd(60000));
     EXPECT_EQ(program.ExitCode(), 0);
-    EXPECT_EQ(folder_.Trace().filter(QStringLiteral(" TASK  MANAGER  ")).size(), 1);
-    EXPECT_FALSE(TraceHolds(QStringLiteral("DISAPP")));
+    EXPECT_EQ(Traced(" TASK  MANAGER  ").size(), 1);
+    EXPECT_TRUE(Traced("DISAPP").isEmpty());
 }
 
 // The first of the stored commands can't be read; a box tells it, and nobody answers.
 TEST_F(WatchRun, AnEndBehindABoxOfTheStartKeepsTheCommands) {
     Save({});
-    const QString command = QStringLiteral("2|1|0043|00:00:00|0002");
-    const SimulatorProcess simulator(folder_.Bus(), Modules({1}));
-    IniWrite(Pending, QStringLiteral("1"), QStringLiteral("garbage"));
-    IniWrite(Pending, QStringLiteral("2"), command);
-    IniWrite(Pending, QStringLiteral("3"), QStringLiteral("2|1|0042|00:00:00|0001"));
-    ProgramProcess program(folder_);
-    ASSERT_TRUE(
-        Eventually([&] { return QFile::exists(folder_.Path(QStringLiteral("korvanelle.lock"))); }));
+    const QString command = "2|1|0043|00:00:00|0002";
+    const SimulatorProcess simulator(folder.Bus(), Modules({1}));
+    IniWrite(Pending, "1", "garbage");
+    IniWrite(Pending, "2", command);
+    IniWrite(Pending, "3", "2|1|0042|00:00:00|0001");
+    ProgramProcess program(folder);
+    ASSERT_TRUE(FileComes("korvanelle.lock"));
     QThread::msleep(2000);
     EXPECT_EQ(program.Terminate(), 0);
     QStringList kept;
     for (const auto& entry : IniReadSection(Pending))
         kept += entry.second;
     EXPECT_TRUE(kept.contains(command)) << kept.join(u' ').toStdString();
-    EXPECT_TRUE(kept.contains(QStringLiteral("2|1|0042|00:00:00|0001")));
+    EXPECT_TRUE(kept.contains("2|1|0042|00:00:00|0001"));
 }
 
 TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
     Save({1, 2});
-    SimulatorProcess simulator(folder_.Bus(), Modules({1, 2}));
-    ProgramProcess program(folder_);
+    SimulatorProcess simulator(folder.Bus(), Modules({1, 2}));
+    ProgramProcess program(folder);
     ASSERT_TRUE(Polls(simulator, 1, 2));
-    ASSERT_TRUE(QDir(folder_.Path(QStringLiteral("Trace"))).removeRecursively());
+    ASSERT_TRUE(QDir(folder.Path("Trace")).removeRecursively());
     for (const char* command : {"active 1 3", "active 2 3", "normal 1 3", "active 1 4"})
         simulator.Do(command);
-    EXPECT_TRUE(
-        Eventually([&] { return !folder_.History().filter(QStringLiteral("P01-C04")).isEmpty(); }));
+    EXPECT_TRUE(Eventually([&] { return !folder.History().filter("P01-C04").isEmpty(); }));
+    EXPECT_TRUE(Comes("P01-C04")) << "made again";
+    EXPECT_TRUE(Traced("FAULT").isEmpty()) << "nothing to tell";
     for (const char* address : {"1", "2"})
         EXPECT_TRUE(Eventually([&] {
             return simulator.Ask(QByteArray("show ") + address, "show").contains("waiting=0");
@@ -145,9 +123,9 @@ TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
 // takes.
 TEST_F(WatchRun, WhatTheBusLeavesUndoneIsTold) {
     Save({1, 2, 64});
-    IniWrite(Pending, QStringLiteral("1"), QStringLiteral("2|2|0500|00:00:00|0002"));
-    SimulatorProcess simulator(folder_.Bus(), Modules({1, 2, 64}));
-    ProgramProcess program(folder_);
+    IniWrite(Pending, "1", "2|2|0500|00:00:00|0002");
+    SimulatorProcess simulator(folder.Bus(), Modules({1, 2, 64}));
+    ProgramProcess program(folder);
     EXPECT_TRUE(Comes("FAULT BEGINS COMMAND GIVEN UP P02:0500"));
     EXPECT_TRUE(Comes("FAULT BEGINS PANEL NOT POLLED 1"));
     EXPECT_EQ(program.Terminate(), 0);

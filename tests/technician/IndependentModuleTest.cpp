@@ -8,7 +8,6 @@
 #include <atomic>
 #include <fcntl.h>
 #include <modbus.h>
-#include <poll.h>
 #include <stdlib.h>
 #include <termios.h>
 #include <thread>
@@ -18,82 +17,37 @@ namespace {
 
 constexpr int Address = 1;
 
-/// Two pseudo-terminals joined like the ends of a cable.
-class Cable {
-public:
-    Cable() {
-        for (int end = 0; end < 2; ++end) {
-            masters_[end] = posix_openpt(O_RDWR | O_NOCTTY);
-            EXPECT_GE(masters_[end], 0);
-            EXPECT_EQ(grantpt(masters_[end]), 0);
-            EXPECT_EQ(unlockpt(masters_[end]), 0);
-            names_[end] = QString::fromLocal8Bit(ptsname(masters_[end]));
-            termios line{};
-            tcgetattr(masters_[end], &line);
-            cfmakeraw(&line);
-            tcsetattr(masters_[end], TCSANOW, &line);
-        }
-        carrier_ = std::thread([this] { Carry(); });
-    }
-    ~Cable() {
-        ended_ = true;
-        carrier_.join();
-        for (const int master : masters_)
-            close(master);
-    }
-    Cable(const Cable&) = delete;
-    Cable& operator=(const Cable&) = delete;
-
-    const QString& End(int end) const { return names_[end]; }
-
-private:
-    void Carry() {
-        while (!ended_) {
-            pollfd ends[] = {{masters_[0], POLLIN, 0}, {masters_[1], POLLIN, 0}};
-            // An end that nobody holds open hangs up at once.
-            if (poll(ends, 2, 10) <= 0)
-                continue;
-            for (int end = 0; end < 2; ++end) {
-                char bytes[512];
-                if ((ends[end].revents & POLLIN) == 0) {
-                    usleep(500);
-                    continue;
-                }
-                const ssize_t count = read(masters_[end], bytes, sizeof bytes);
-                if (count > 0) {
-                    EXPECT_EQ(write(masters_[1 - end], bytes, size_t(count)), count);
-                }
-            }
-        }
-    }
-
-    int masters_[2] = {-1, -1};
-    QString names_[2];
-    std::thread carrier_;
-    std::atomic<bool> ended_ = false;
-};
-
-/// A slave at one address with 300 registers.
+/// A slave at one address with 300 registers, at the far end of a pseudo-terminal.
 class Slave {
 public:
-    explicit Slave(const QString& device)
-        : context_(modbus_new_rtu(device.toLocal8Bit().constData(), 9600, 'N', 8, 1))
-        , registers(modbus_mapping_new(0, 0, 300, 0)) {
+    Slave()
+        : context_(modbus_new_rtu("none", 9600, 'N', 8, 1))
+        , registers(modbus_mapping_new(0, 0, 300, 0))
+        , line_(posix_openpt(O_RDWR | O_NOCTTY)) {
+        EXPECT_EQ(grantpt(line_) + unlockpt(line_), 0);
+        // Held open and raw, the line neither hangs up nor echoes ahead of the program.
+        held_ = open(ptsname(line_), O_RDWR | O_NOCTTY);
+        termios raw{};
+        tcgetattr(held_, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(held_, TCSANOW, &raw);
         modbus_set_slave(context_, Address);
-        EXPECT_EQ(modbus_connect(context_), 0);
+        modbus_set_socket(context_, line_);
         modbus_set_indication_timeout(context_, 0, 100000);
         server_ = std::thread([this] { Serve(); });
     }
     ~Slave() {
         ended_ = true;
         server_.join();
-        modbus_close(context_);
+        close(held_);
+        close(line_);
         modbus_mapping_free(registers);
         modbus_free(context_);
     }
     Slave(const Slave&) = delete;
     Slave& operator=(const Slave&) = delete;
 
+    QString Device() const { return QString::fromLocal8Bit(ptsname(line_)); }
     uint16_t& operator[](int number) { return registers->tab_registers[number]; }
 
 private:
@@ -108,6 +62,8 @@ private:
 
     modbus_t* context_;
     modbus_mapping_t* registers;
+    int line_;
+    int held_ = -1;
     std::thread server_;
     std::atomic<bool> ended_ = false;
 };
@@ -115,15 +71,14 @@ private:
 /// On the machine's own clock and serial port.
 class IndependentModuleTest : public TechnicianTest {
 protected:
-    IndependentModuleTest()
-        : slave(cable.End(1)) {
+    IndependentModuleTest() {
         platform::Clock::Install(nullptr);
         engine->Form_Unload();
         engine.reset();
         engine = std::make_unique<wPolling>(
-            platform::MakeSerialPort([this](int) { return cable.End(0); }));
+            platform::MakeSerialPort([this](int) { return slave.Device(); }));
         engine->Form_Load();
-        engine->CommBus().setSettings(QStringLiteral("9600,N,8,1"));
+        engine->CommBus().setSettings("9600,N,8,1");
         engine->CommBus().setPortOpen(true);
     }
     ~IndependentModuleTest() override {
@@ -132,7 +87,6 @@ protected:
         engine.reset();
     }
 
-    Cable cable;
     Slave slave;
 };
 
@@ -143,15 +97,15 @@ TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
     slave[133] = 2;
     const QString finder = FormNames::wTechFindPanels;
     Forms::Show(finder);
-    auto* grid = Find<TouchTable>(finder, QStringLiteral("grdPanels"));
+    auto* grid = Find<TouchTable>(finder, "grdPanels");
     // One module is enough: the second address is silent.
     QTimer stop;
     stop.callOnTimeout([&] {
         if (grid->Cell(1, 4) != QStringLiteral("?????"))
-            Tap(finder, QStringLiteral("imgFind_0"));
+            Tap(finder, "imgFind_0");
     });
     stop.start(20);
-    Tap(finder, QStringLiteral("imgFind_1"));
+    Tap(finder, "imgFind_1");
     stop.stop();
     EXPECT_EQ(grid->Cell(0, 4), ModuleName(Models::P5500));
     Forms::Unload(finder);
@@ -163,11 +117,10 @@ TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
         slave[channel] = uint16_t(channel % 5);
     Script script;
     script.On(front, [&] {
-        EXPECT_TRUE(Comes(
-            [&] { return TextOf(front, QStringLiteral("lblCommResult")) == GetText(830102); }));
-        Tap(front, QStringLiteral("cmdBoutons_4"));
+        EXPECT_TRUE(Comes([&] { return TextOf(front, "lblCommResult") == GetText(830102); }));
+        Tap(front, "cmdBoutons_4");
         EXPECT_TRUE(Comes([&] { return slave[64] == 1; }));
-        Tap(front, QStringLiteral("imgClose"));
+        Tap(front, "imgClose");
     });
     dynamic_cast<wTechEtatModule*>(Forms::Load(front))->Present(panel);
 }

@@ -1,16 +1,13 @@
 #pragma once
 
-#include "core/FormNames.h"
-#include "model/CurrentConfig.h"
-#include "support/ScreensFixture.h"
-#include "support/Script.h"
+#include "support/ConfigScreensFixture.h"
 #include "technician/Technician.h"
 
-/// A bench with the technician's screens and a site of its own.
-class TechnicianTest : public ScreensTest {
+/// A bench with the technician's screens as well.
+class TechnicianTest : public ConfigScreensTest {
 protected:
-    TechnicianTest() {
+    explicit TechnicianTest(const QString& form = {}, const QString& out = "imgNavig_5")
+        : ConfigScreensTest(form, out) {
         RegisterTechnician();
-        Global::setConfiguration(nullptr);
     }
 };

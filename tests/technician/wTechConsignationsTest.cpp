@@ -14,17 +14,18 @@ namespace {
 /// panel 5, which has no model.
 class OutOfServiceTest : public TechnicianTest {
 protected:
-    OutOfServiceTest() {
+    OutOfServiceTest()
+        : TechnicianTest(FormNames::wTechConsignations) {
         Put(12, Models::Q6200XT).setActive(true);
         Put(3, 1).setActive(true);
         Put(40, 1);
-        Site().Panel(12).Channel(7).setScreenText(QStringLiteral("Oil pressure"));
+        Site().Panel(12).Channel(7).setScreenText("Oil pressure");
         Site().setModified(false);
     }
     /// No entry is kept for the next test.
     ~OutOfServiceTest() override {
         if (Screen(Form) != nullptr)
-            Close(Messages::No);
+            Leave(Messages::No);
     }
     OutOfServiceTest(const OutOfServiceTest&) = delete;
     OutOfServiceTest& operator=(const OutOfServiceTest&) = delete;
@@ -35,28 +36,17 @@ protected:
         panel.setTitle(QStringLiteral("Panel %1").arg(number));
         return panel;
     }
-    void Press(const QString& name, int times = 1) {
-        for (; times > 0; --times)
-            Tap(Form, name);
-    }
-    void Image(int index, int times = 1) {
-        Press(QStringLiteral("imgControl_%1").arg(index), times);
-    }
+    void Image(int index, int times = 1) const { Press("imgControl", index, times); }
     /// Rows of a list, the cells of a row between blanks.
-    static QString Rows(const char* list) {
-        const auto* table = Find<TouchTable>(Form, QString::fromLatin1(list));
+    QString Rows(const char* list) const {
+        const auto* table = Find<TouchTable>(Form, list);
         QStringList rows;
         for (int row = 0; row < table->RowCount(); ++row)
             rows += (table->Cell(row, 0) + u' ' + table->Cell(row, 2)).trimmed();
         return rows.join(u',');
     }
-    static QString New() { return Rows("lvwNew"); }
-    static QString Present() { return Rows("lvwPresent"); }
-    void Close(int reply) {
-        answer = reply;
-        Press(QStringLiteral("imgNavig_5"));
-        RemoveUnloaded();
-    }
+    QString New() const { return Rows("lvwNew"); }
+    QString Present() const { return Rows("lvwPresent"); }
     /// Asks for panel 3 out, channel 12.7 out and panel 40 back.
     void AskForThree() {
         Forms::Show(Form);
@@ -68,60 +58,58 @@ protected:
         Image(5, 28);
         Image(7);
     }
-    static inline const QString Form = FormNames::wTechConsignations;
 };
 
 } // namespace
 
 TEST_F(OutOfServiceTest, KeysAreReadByPositionInEveryLanguage) {
-    EXPECT_EQ(wTechConsignations::FormatKey(12, 7), QStringLiteral("P12C07"));
-    EXPECT_EQ(wTechConsignations::FormatKey(3, 0), QStringLiteral("P03"));
+    EXPECT_EQ(wTechConsignations::FormatKey(12, 7), "P12C07");
+    EXPECT_EQ(wTechConsignations::FormatKey(3, 0), "P03");
     Global::Get().language = 1;
     Global::ReadMarks();
     const QString key = wTechConsignations::FormatKey(12, 7);
-    EXPECT_EQ(key, QStringLiteral("P12V07"));
+    EXPECT_EQ(key, "P12V07");
     EXPECT_EQ(key.mid(4, 2).toInt(), 7);
 }
 
 TEST_F(OutOfServiceTest, ASecondRequestUndoesAndWhatChangesNothingIsRefused) {
     AskForThree();
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40")) << "by panel";
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblChannel")), QStringLiteral("7"));
+    EXPECT_EQ(New(), "P03,P12C07,P40") << "by panel";
+    EXPECT_EQ(Shown("lblChannel"), "7");
     Image(7);
     Image(6);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07")) << "back again; out it is already";
+    EXPECT_EQ(New(), "P03,P12C07") << "back again; out it is already";
     Image(2);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40C07"));
+    EXPECT_EQ(New(), "P03,P12C07,P40C07");
     Image(4, 28);
-    EXPECT_FALSE(Child(Form, QStringLiteral("imgControl_3"))->isEnabled());
+    EXPECT_FALSE(Child(Form, "imgControl_3")->isEnabled());
     Image(2);
     Image(7);
-    EXPECT_EQ(New(), QStringLiteral("P03,P40C07"));
-    Press(QStringLiteral("imgDelete"));
+    EXPECT_EQ(New(), "P03,P40C07");
+    Tap(Form, "imgDelete");
     EXPECT_TRUE(boxes.isEmpty()) << "nothing is selected";
-    Press(QStringLiteral("imgNavig_2"), 2);
-    EXPECT_FALSE(Child(Form, QStringLiteral("imgNavig_2"))->isEnabled());
+    Press("imgNavig", 2, 2);
+    EXPECT_FALSE(Child(Form, "imgNavig_2")->isEnabled());
     answer = Messages::Cancel;
-    Press(QStringLiteral("imgDelete"));
+    Tap(Form, "imgDelete");
     EXPECT_EQ(styles.last(), 33);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblModule")), QStringLiteral("40"))
-        << "what is selected is chosen";
+    EXPECT_EQ(Shown("lblModule"), "40") << "what is selected is chosen";
     answer = Messages::Ok;
-    Press(QStringLiteral("imgDelete"));
-    EXPECT_EQ(New(), QStringLiteral("P03"));
+    Tap(Form, "imgDelete");
+    EXPECT_EQ(New(), "P03");
 }
 
 TEST_F(OutOfServiceTest, TheSiteChangesWithAYesAlone) {
     AskForThree();
-    Close(Messages::Cancel);
+    Leave(Messages::Cancel);
     ASSERT_NE(Screen(Form), nullptr);
     EXPECT_EQ(styles.last(), 35);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40"));
-    Close(Messages::No);
+    EXPECT_EQ(New(), "P03,P12C07,P40");
+    Leave(Messages::No);
     EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().Modified());
     AskForThree();
-    Close(Messages::Yes);
+    Leave(Messages::Yes);
     EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_FALSE(Site().Panel(3).Active());
     EXPECT_TRUE(Site().Panel(40).Active());
@@ -133,36 +121,31 @@ TEST_F(OutOfServiceTest, TheSiteChangesWithAYesAlone) {
 TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
     clock.Set(2025, 11, 25, 2, 43, 10);
     AskForThree();
-    Close(Messages::Yes);
+    Leave(Messages::Yes);
     Site().Panel(40).setActive(false);
     clock.Advance(86'400'000);
     Forms::Show(Form);
-    EXPECT_EQ(Present(), QStringLiteral("P03 2025-11-25 02:43,P12C07 2025-11-25 02:43,P40"));
-    Press(QStringLiteral("imgNavig_103"), 2);
-    EXPECT_EQ(TextOf(Form, QStringLiteral("lblTitle_1")), QStringLiteral("Oil pressure"));
+    EXPECT_EQ(Present(), "P03 2025-11-25 02:43,P12C07 2025-11-25 02:43,P40");
+    Press("imgNavig", 103, 2);
+    EXPECT_EQ(Shown("lblTitle_1"), "Oil pressure");
     Image(3);
-    Close(Messages::Yes);
+    Leave(Messages::Yes);
     EXPECT_FALSE(Site().Panel(12).Channel(7).OutOfOrder());
     // Back and out again elsewhere: nobody knows since when.
     Site().Panel(3).setActive(true);
     OutOfService::DropPast();
     Site().Panel(3).setActive(false);
     Forms::Show(Form);
-    EXPECT_EQ(Present(), QStringLiteral("P03,P40"));
+    EXPECT_EQ(Present(), "P03,P40");
 }
 
 TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {
-    const auto alarm = [] {
-        Forms::Show(FormNames::wRunAlarms);
-        Forms::GiveWayTo({FormNames::wPolling, FormNames::wRunAlarms});
-        RemoveUnloaded();
-    };
     AskForThree();
-    alarm();
+    AlarmComes();
     Forms::Show(Form);
-    EXPECT_EQ(New(), QStringLiteral("P03,P12C07,P40"));
-    EXPECT_FALSE(Child(Form, QStringLiteral("lblKept"))->isHidden());
-    alarm();
+    EXPECT_EQ(New(), "P03,P12C07,P40");
+    EXPECT_TRUE(TellsOfKept());
+    AlarmComes();
     Site().Panel(3).setActive(false);
     Forms::Show(Form);
     EXPECT_EQ(New(), QString());
@@ -170,22 +153,21 @@ TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {
 
 TEST_F(OutOfServiceTest, TheConsoleTellsAndLeadsToTheListAtItsLevel) {
     const QString console = FormNames::wRunAlarms;
-    const QString note = QStringLiteral("lblOutOfService");
+    const QString note = "lblOutOfService";
     Site().setUserCount(1);
     Site().setUserLevel(1, 1);
-    Site().setUserPwd(1, QStringLiteral("A"));
+    Site().setUserPwd(1, "A");
     Forms::Show(console);
-    EXPECT_TRUE(TextOf(console, note).startsWith(QStringLiteral("1 ")));
+    EXPECT_TRUE(TextOf(console, note).startsWith("1 "));
     Script script;
-    script.On(FormNames::dlgUserCodes,
-              [] { Tap(FormNames::dlgUserCodes, QStringLiteral("imgControl_0")); });
+    script.On(FormNames::dlgUserCodes, [] { Tap(FormNames::dlgUserCodes, "imgControl_0"); });
     Tap(console, note);
     EXPECT_EQ(Screen(Form), nullptr);
     Global::Get().userLevel = Levels::Technician;
     script.On(Form, [&] {
         Image(5, 40);
         Image(7);
-        Close(Messages::Yes);
+        Leave(Messages::Yes);
     });
     Tap(console, note);
     EXPECT_TRUE(Site().Panel(40).Active());

@@ -11,13 +11,14 @@
 namespace {
 
 const QString Picker = FormNames::dlgFilePicker;
-const QString Hold = QStringLiteral("imgHold");
-const QString ThisPanel = QStringLiteral("imgFilter_0");
-const QString AllPanels = QStringLiteral("imgFilter_1");
+const QString Hold = "imgHold";
+const QString ThisPanel = "imgFilter_0";
+const QString AllPanels = "imgFilter_1";
 
 class TechDiagnosisTest : public TechnicianTest {
 protected:
-    TechDiagnosisTest() {
+    TechDiagnosisTest()
+        : TechnicianTest(FormNames::wTechDiagnosis) {
         modules[5][144] = 7;
         modules[5][145] = 0xFFFF;
         modules[9];
@@ -26,29 +27,29 @@ protected:
         Site().Panel(3).setActive(true);
         Site().Panel(3).setModel(1);
         Read(5);
-        Forms::Show(FormNames::wTechDiagnosis);
+        Forms::Show(Form);
     }
     void Read(int panel) {
         Words words(2);
         LitMots(*link, quint8(panel), 144, words);
     }
-    static void Refresh() {
-        dynamic_cast<wTechDiagnosis*>(Forms::Find(FormNames::wTechDiagnosis))->Refresh();
+    void Refresh() const { dynamic_cast<wTechDiagnosis*>(Forms::Find(Form))->Refresh(); }
+    /// What has gone by is shown.
+    void Read(std::initializer_list<int> panels) {
+        for (const int panel : panels)
+            Read(panel);
+        Refresh();
     }
-    static TouchTable& Table() {
-        return *Find<TouchTable>(FormNames::wTechDiagnosis, QStringLiteral("tblPanels"));
-    }
-    static TraceGrid& Trace() {
-        return *Find<TraceGrid>(FormNames::wTechDiagnosis, QStringLiteral("grdTrace"));
-    }
-    static QString Row(int row, int columns = 7) {
+    TouchTable& Table() const { return *Find<TouchTable>(Form, "tblPanels"); }
+    TraceGrid& Trace() const { return *Find<TraceGrid>(Form, "grdTrace"); }
+    QString Row(int row, int columns = 7) const {
         QStringList cells;
         for (int column = 0; column < columns; ++column)
             cells += Table().Cell(row, column);
         return cells.join(u' ');
     }
     /// The last frame without its time.
-    static QString Newest() { return Trace().Lines().value(Trace().Count() - 1).mid(13); }
+    QString Newest() const { return Trace().Lines().value(Trace().Count() - 1).mid(13); }
 
     FakeModules modules;
     Script script;
@@ -60,20 +61,17 @@ TEST_F(TechDiagnosisTest, ARowStandsForEachPanelOfTheSiteAndOfTheBus) {
     EXPECT_EQ(Table().RowCount(), 2);
     EXPECT_EQ(Row(0), "3 Q7100 0 0 0 0 0") << "active, never asked";
     EXPECT_EQ(Row(1, 10), "5 ----- 1 0 0 0 0 0 0.0 0");
-    Read(5);
-    Read(3);
-    Read(9);
-    Refresh();
+    Read({5, 3, 9});
     EXPECT_EQ(Table().RowCount(), 3);
     EXPECT_EQ(Row(0, 10), "3 Q7100 1 1 0 0 0   ") << "no time without a reply";
     EXPECT_EQ(Row(1), "5 ----- 2 0 0 0 0");
     // The counters of the hour are those of the start until an hour is over.
     clock.Advance(3'600'000);
     Read(9);
-    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSpan_1"));
+    Tap(Form, "imgSpan_1");
     EXPECT_EQ(Row(1), "5 ----- 0 0 0 0 0");
     EXPECT_EQ(Row(2), "9 ----- 1 0 0 0 0");
-    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSpan_0"));
+    Tap(Form, "imgSpan_0");
     EXPECT_EQ(Row(2), "9 ----- 2 0 0 0 0");
 }
 
@@ -85,6 +83,9 @@ TEST_F(TechDiagnosisTest, FramesAreDecoded) {
     EXPECT_EQ(Trace().Lines().value(2).section(u'\t', 3),
               "addr 5  func 16  reg 25  words 2  = 1 65535");
     EXPECT_TRUE(Newest().endsWith("addr 5  func 16  reg 25  words 2"));
+    EcritUnMot(*link, 5, 17, 3);
+    Refresh();
+    EXPECT_EQ(Newest().section(u'\t', 2), "addr 5  func 6  reg 17  = 3");
     // What comes from elsewhere has any form; none may harm.
     const QPair<QByteArray, QString> replies[] = {
         {WithCrc(QByteArray::fromHex("058302")), "addr 5  func 3  exception 2"},
@@ -96,36 +97,32 @@ TEST_F(TechDiagnosisTest, FramesAreDecoded) {
     };
     for (const auto& [reply, text] : replies) {
         link->answer = [bytes = reply](const QByteArray&) { return bytes; };
-        Read(5);
-        Refresh();
+        Read({5});
         EXPECT_EQ(Newest().section(u'\t', 2), text);
     }
-    Screen(FormNames::wTechDiagnosis)->grab();
+    Screen(Form)->grab();
 }
 
 TEST_F(TechDiagnosisTest, TheTraceIsFilteredAndHeld) {
-    EXPECT_FALSE(Child(FormNames::wTechDiagnosis, ThisPanel)->isEnabled()) << "none is chosen";
-    Read(9);
-    Read(5);
-    Refresh();
+    EXPECT_FALSE(Child(Form, ThisPanel)->isEnabled()) << "none is chosen";
+    Read({9, 5});
     EXPECT_EQ(Trace().Count(), 6);
-    Table().SelectTag(QStringLiteral("9"));
-    Tap(FormNames::wTechDiagnosis, ThisPanel);
+    Table().SelectTag("9");
+    Tap(Form, ThisPanel);
     EXPECT_EQ(Trace().Count(), 2);
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTrace")), "Frames of panel 9");
-    Table().SelectTag(QStringLiteral("5"));
+    EXPECT_EQ(Shown("lblTrace"), "Frames of panel 9");
+    Table().SelectTag("5");
     EXPECT_EQ(Trace().Count(), 4) << "goes along";
 
-    Tap(FormNames::wTechDiagnosis, Hold);
+    Tap(Form, Hold);
     for (int i = 0; i < BusDiagnosis::FrameRing; ++i)
         Read(9);
     Refresh();
     EXPECT_EQ(Trace().Count(), 4);
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTrace")),
-              "Frames of panel 5 - held");
-    Tap(FormNames::wTechDiagnosis, AllPanels);
+    EXPECT_EQ(Shown("lblTrace"), "Frames of panel 5 - held");
+    Tap(Form, AllPanels);
     EXPECT_EQ(Trace().Count(), 6) << "what was held, whatever is kept by now";
-    Tap(FormNames::wTechDiagnosis, Hold);
+    Tap(Form, Hold);
     EXPECT_EQ(Trace().Count(), BusDiagnosis::FrameRing);
     EXPECT_EQ(Trace().Position().First() + Trace().Position().Page(), Trace().Count());
     // A look back stays where it is while frames come.
@@ -133,23 +130,19 @@ TEST_F(TechDiagnosisTest, TheTraceIsFilteredAndHeld) {
     for (int page = 0; page < 3; ++page)
         QTest::keyClick(&Trace(), Qt::Key_PageDown);
     const int first = Trace().Position().First();
-    Read(5);
-    Refresh();
+    Read({5});
     EXPECT_EQ(Trace().Position().First(), first - 2) << "on its rows";
 }
 
 TEST_F(TechDiagnosisTest, CountersAndFramesAreSavedAsTheyWere) {
     script.On(Picker, [this] {
-        Read(9);
-        Refresh();
-        Tap(Picker, QStringLiteral("imgControl_1"));
+        Read({9});
+        Tap(Picker, "imgControl_1");
     });
-    Tap(FormNames::wTechDiagnosis, QStringLiteral("imgSave"));
+    Tap(Form, "imgSave");
     EXPECT_EQ(boxes, QStringList());
-    EXPECT_EQ(TextOf(FormNames::wTechDiagnosis, QStringLiteral("lblTold")), "Frames saved: 2");
-    QFile file(Path(QStringLiteral("Bus20240315.txt")));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray text = file.readAll();
+    EXPECT_EQ(Shown("lblTold"), "Frames saved: 2");
+    const QByteArray text = BytesOf("Bus20240315.txt");
     EXPECT_TRUE(text.startsWith("Bus diagnosis\t2024-03-15 12:00:00\r\n")) << text.constData();
     EXPECT_EQ(text.count("\r\n5\t-----\t1\t0\t0\t0\t0\t0\t0.0\t0\r\n"), 2) << text.constData();
     EXPECT_TRUE(text.endsWith("\taddr 5  func 3  reg 144  = 7 65535\r\n"));

@@ -9,13 +9,14 @@
 
 namespace {
 
-const QString Front = QStringLiteral("wTechEtatModule");
+const QString Front = "wTechEtatModule";
 constexpr int PanelAddress = 9;
 constexpr int HornRegister = 64;
 
 class wTechEtatModuleTest : public TechnicianTest {
 protected:
-    wTechEtatModuleTest() {
+    wTechEtatModuleTest()
+        : TechnicianTest(Front) {
         SetOptions(0, 0, 0, 0);
         AddPanel(PanelAddress, Models::Q7100)
             .setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
@@ -49,23 +50,16 @@ protected:
     }
     /// Letter of a lamp's colour.
     static QChar Lamp(const QString& name) {
-        switch (Find<FrontLamp>(Front, name)->FillColor()) {
-        case LampColours::Grey:
-            return u'.';
-        case LampColours::Red:
-            return u'R';
-        default:
-            return u'?';
-        }
+        const auto colour = Find<FrontLamp>(Front, name)->FillColor();
+        return colour == LampColours::Grey ? u'.' : colour == LampColours::Red ? u'R' : u'?';
     }
     static QString Lamps(int count = 12) {
         QString lamps;
         for (int channel = 1; channel <= count; ++channel)
-            lamps += Lamp(QStringLiteral("shpVoyant_%1").arg(channel));
+            lamps += Lamp(Part("shpVoyant", channel));
         return lamps;
     }
-    static QChar Horn() { return Lamp(QStringLiteral("shpKlaxon")); }
-    static QString Text(const char* name) { return TextOf(Front, QString::fromLatin1(name)); }
+    static QChar Horn() { return Lamp("shpKlaxon"); }
 
     FakeModules modules;
     QSet<int> silent;                 // frames that get no reply, from 1 on
@@ -81,11 +75,11 @@ TEST_F(wTechEtatModuleTest, LampsBlinkAsTheWordsSayWithThePollingStopped) {
     modules[PanelAddress][HornRegister] = 7;
     wTechEtatModule& form = Open();
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
-    EXPECT_EQ(Text("lblCommResult"), QString());
+    EXPECT_EQ(Shown("lblCommResult"), QString());
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 64");
     EXPECT_EQ(FakeModules::WordAt(link->sent[0], 4), 12);
-    EXPECT_EQ(Text("lblCommResult"), GetText(830102));
+    EXPECT_EQ(Shown("lblCommResult"), GetText(830102));
     EXPECT_EQ(Horn(), u'R');
     const char* ticks[] = {".R...??", ".R.R.??", ".R.R.??", ".RR.R??", ".R..R??",
                            ".R.RR??", ".R.RR??", ".RR..??", ".R...??"};
@@ -108,7 +102,7 @@ TEST_F(wTechEtatModuleTest, NothingIsKnownAfterThreeFailures) {
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 1 1 64 64 64");
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
-    EXPECT_EQ(Text("lblCommResult"), GetText(830103));
+    EXPECT_EQ(Shown("lblCommResult"), GetText(830103));
     form.tmrClign_Timer();
     EXPECT_EQ(Lamps(), QString(12, u'?'));
     modules[PanelAddress];
@@ -123,7 +117,7 @@ TEST_F(wTechEtatModuleTest, AfterAFailureTheRegisterIsReadUntilTheCountHasComeRo
     QStringList lamp;
     onFrame = [&](int) {
         form.tmrClign_Timer();
-        lamp += Lamp(QStringLiteral("shpVoyant_1"));
+        lamp += Lamp("shpVoyant_1");
     };
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 1 1 1 1 1 64 64 64 64 64");
@@ -138,7 +132,7 @@ TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
     const auto oneFails = [this] { silent = {1}; };
     const std::function<void()> lines[] = {[] {}, noneAnswers, oneFails};
     const int exchanges[] = {2, 6, 8};
-    const std::function<void()> ends[] = {[] { Tap(Front, QStringLiteral("imgClose")); },
+    const std::function<void()> ends[] = {[] { Tap(Front, "imgClose"); },
                                           [] {
                                               Forms::GiveWayTo({});
                                               RemoveUnloaded();
@@ -193,9 +187,9 @@ TEST_F(wTechEtatModuleTest, ReadsKeepOutOfARoundAndOutOfEachOther) {
     engine->RunComm();
     EXPECT_EQ(Sent(), "200=1 200=2 144");
     onFrame = {};
-    EXPECT_EQ(form.findChild<QTimer*>(QStringLiteral("tmrPoll"))->interval(), 50)
+    EXPECT_EQ(form.findChild<QTimer*>("tmrPoll")->interval(), 50)
         << "the tick that was put off comes again long before a second is over";
-    EXPECT_TRUE(Comes([&] { return Sent().endsWith(QStringLiteral("1 64")); }));
+    EXPECT_TRUE(Comes([&] { return Sent().endsWith("1 64"); }));
 }
 
 TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
@@ -203,32 +197,32 @@ TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
     const char* labels[] = {"lblTestLeds", "lblAckCL", "lbAckKL",
                             "lblKlOn",     "lblKlOff", "lblEffDEf"};
     const auto tells = [&](int text, int button) {
-        return Text("lblCommand") == GetText(text).replace(u'$', Text(labels[button - 1]));
+        return Shown("lblCommand") == GetText(text).replace(u'$', Shown(labels[button - 1]));
     };
     for (int button = 1; button <= 6; ++button) {
-        Tap(Front, QStringLiteral("cmdBoutons_%1").arg(button));
+        Press("cmdBoutons", button);
         EXPECT_TRUE(tells(830012, button));
     }
-    Tap(Front, QStringLiteral("lblKlOff"));
+    Tap(Front, "lblKlOff");
     EXPECT_EQ(Sent(), "66=1 67=2 67=1 64=1 64=0 67=3 64=0");
     link->sent.clear();
     modules.Remove(PanelAddress);
-    Tap(Front, QStringLiteral("cmdBoutons_1"));
+    Tap(Front, "cmdBoutons_1");
     EXPECT_EQ(Sent(), "66=1 66=1 66=1 66=1");
     EXPECT_TRUE(tells(830013, 1));
     modules[PanelAddress];
     engine->setRun(true);
     link->sent.clear();
     // Held off while a command is sent, as it was behind it.
-    Tap(Front, QStringLiteral("cmdBoutons_4"));
+    Tap(Front, "cmdBoutons_4");
     EXPECT_TRUE(tells(830011, 4));
     EXPECT_TRUE(Comes([&] { return tells(830012, 4); }));
-    EXPECT_TRUE(Sent().startsWith(QStringLiteral("64=1")));
+    EXPECT_TRUE(Sent().startsWith("64=1"));
     link->sent.clear();
     form.tmrPoll_Timer();
-    EXPECT_TRUE(Sent().contains(QStringLiteral("1 64")));
+    EXPECT_TRUE(Sent().contains("1 64"));
     form.EnableTimers(false);
-    Tap(Front, QStringLiteral("cmdBoutons_1"));
+    Tap(Front, "cmdBoutons_1");
     link->sent.clear();
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), QString());
@@ -237,10 +231,10 @@ TEST_F(wTechEtatModuleTest, ButtonsWriteAndTellWhatBecameOfIt) {
 // A large module has two columns of tall tiles, the others one column of low ones, and all texts
 // are readable at both sizes of display.
 TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
-    Site().setBiblio(1, QStringLiteral("Circuit breaker"));
+    Site().setBiblio(1, "Circuit breaker");
     for (int i = 1; i <= 24; ++i) {
         Site().Panel(PanelAddress).Channel(i).setBibNum(1);
-        Site().Panel(PanelAddress).Channel(i).setScreenText(QStringLiteral("Transformer north"));
+        Site().Panel(PanelAddress).Channel(i).setScreenText("Transformer north");
     }
     Site().Panel(PanelAddress).Channel(2).setScreenText(QString(40, u'W'));
     Site().Panel(PanelAddress).Channel(3).setScreenText(QString());
@@ -255,12 +249,11 @@ TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
             QList<QRect> tiles;
             for (int i = 1; i <= count; ++i) {
                 const auto of = [i](const char* array) {
-                    return Child(Front, QString::fromLatin1(array) + u'_' + QString::number(i))
-                        ->geometry();
+                    return Child(Front, Part(array, i))->geometry();
                 };
-                const auto* text = Find<QLabel>(Front, QStringLiteral("lblVoyant_%1").arg(i));
+                const auto* text = Find<QLabel>(Front, Part("lblVoyant", i));
                 const QRect tile = of("shpBkLed") | of("shpBkTxt");
-                EXPECT_TRUE(Child(Front, QStringLiteral("fraVoyants"))->rect().contains(tile));
+                EXPECT_TRUE(Child(Front, "fraVoyants")->rect().contains(tile));
                 EXPECT_TRUE(of("shpBkLed").contains(of("shpVoyant")));
                 EXPECT_TRUE(of("shpBkTxt").contains(of("lblNum") | of("lblVoyant")));
                 EXPECT_FALSE(of("lblNum").intersects(of("lblVoyant")));
@@ -273,12 +266,12 @@ TEST_F(wTechEtatModuleTest, TilesOfBothKindsFitBothDisplays) {
                 columns += tile.left();
             }
             EXPECT_EQ(columns.size(), count == 24 ? 2 : 1);
-            EXPECT_EQ(Screen(Front)->findChild<QWidget*>(QStringLiteral("shpVoyant_25")), nullptr);
+            EXPECT_EQ(Screen(Front)->findChild<QWidget*>("shpVoyant_25"), nullptr);
             height[count == 24] = tiles[0].height();
-            EXPECT_EQ(Text("lblVoyant_1"), count == 24 ? "Circuit breaker -\nTransformer north"
-                                                       : "Circuit breaker - Transformer north");
-            EXPECT_TRUE(Text("lblVoyant_2").endsWith(QChar(0x2026)));
-            EXPECT_EQ(Text("lblVoyant_3"), "Circuit breaker");
+            EXPECT_EQ(Shown("lblVoyant_1"), count == 24 ? "Circuit breaker -\nTransformer north"
+                                                        : "Circuit breaker - Transformer north");
+            EXPECT_TRUE(Shown("lblVoyant_2").endsWith(QChar(0x2026)));
+            EXPECT_EQ(Shown("lblVoyant_3"), "Circuit breaker");
             Forms::Unload(Front);
             RemoveUnloaded();
         }

@@ -1,7 +1,6 @@
 // The search for panels: what it finds and why not, whom it lets through, and what is taken of it.
 
 #include "TechnicianFixture.h"
-#include "config_screens/ConfigScreens.h"
 #include "screens/touch/TouchTable.h"
 #include "support/FakeModules.h"
 
@@ -9,11 +8,12 @@
 
 namespace {
 
-const QString Unasked = QStringLiteral("?????");
+const QString Unasked = "?????";
 
 class TechFindPanelsTest : public TechnicianTest {
 protected:
-    TechFindPanelsTest() {
+    TechFindPanelsTest()
+        : TechnicianTest(FormNames::wTechFindPanels) {
         link->setPortOpen(true);
         link->answer = [this](const QByteArray& frame) {
             asked = quint8(frame[0]);
@@ -21,32 +21,23 @@ protected:
                 during();
             return modules.Answer(frame);
         };
-        AddPanel(2, 3).setTitle(QStringLiteral("Pumps|north"));
+        AddPanel(2, 3).setTitle("Pumps|north");
         Site().Panel(5).setActive(true);
         Site().setModified(false);
     }
 
-    static TouchTable* Grid() {
-        return Find<TouchTable>(FormNames::wTechFindPanels, QStringLiteral("grdPanels"));
-    }
-    static QString Found(int panel) { return Grid()->Cell(panel - 1, 4); }
-    static QString Row(int panel) {
+    TouchTable* Grid() const { return Find<TouchTable>(Form, "grdPanels"); }
+    QString Found(int panel) const { return Grid()->Cell(panel - 1, 4); }
+    QString Row(int panel) const {
         QStringList cells;
         for (int column = 0; column < 4; ++column)
             cells += Grid()->Cell(panel - 1, column);
         return cells.join(u'/');
     }
-    static void Press(const char* name) {
-        Tap(FormNames::wTechFindPanels, QString::fromLatin1(name));
-    }
-    static QString Text(const char* name) {
-        return TextOf(FormNames::wTechFindPanels, QString::fromLatin1(name));
-    }
-    static bool Shown(const char* name) {
-        return Child(FormNames::wTechFindPanels, QLatin1String(name))->isVisible();
-    }
-    static void Search() { Press("imgFind_1"); }
-    static void Touch(int panel) {
+    void Press(const char* name) const { Tap(Form, name); }
+    bool IsShown(const char* name) const { return Child(Form, name)->isVisible(); }
+    void Search() const { Press("imgFind_1"); }
+    void Touch(int panel) const {
         QTest::mouseClick(Grid()->viewport(), Qt::LeftButton, {},
                           QPoint(20, Grid()->rowViewportPosition(panel - 1) + 10));
     }
@@ -58,11 +49,6 @@ protected:
             QTimer::singleShot(0, engine.get(), touch);
             during = nullptr;
         };
-    }
-    void Leave(int reply) {
-        answer = reply;
-        Press("imgNavig_5");
-        RemoveUnloaded();
     }
 
     FakeModules modules;
@@ -83,20 +69,21 @@ TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
         const bool refused = frame[0] == 64 && FakeModules::WordAt(frame, 2) == 133;
         return refused ? WithCrc("\x40\x83\x02") : modules.Answer(frame);
     };
-    Forms::Show(FormNames::wTechFindPanels);
-    EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/Yes"));
+    Forms::Show(Form);
+    EXPECT_EQ(Row(2), "2/Pumps north/Q7000/Yes");
     EXPECT_EQ(Found(2), Unasked);
-    EXPECT_EQ(Text("lblBusConfig_5") + Text("lblBusConfig_6") + Text("lblBusConfig_7") +
-                  Text("lblBusConfig_8") + Text("lblBusConfig_9"),
-              QStringLiteral("19600None81"));
+    QString line;
+    for (int label = 5; label <= 9; ++label)
+        line += TextOf(Form, Part("lblBusConfig", label));
+    EXPECT_EQ(line, "19600None81");
     Search();
     const QPair<int, const char*> results[] = {{1, "-----"}, {2, "Q6200XT"}, {3, "Q7100"},
                                                {4, "P5500"}, {6, "-----"},   {64, "Q7000"}};
     for (const auto& [panel, model] : results)
         EXPECT_EQ(Found(panel), QString::fromLatin1(model)) << panel;
-    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 64")) << "the selection went along";
-    EXPECT_EQ(Text("lblProgress"), QStringLiteral("64 of 64 addresses asked, modules found: 4"));
-    EXPECT_TRUE(Shown("imgFind_1"));
+    EXPECT_EQ(Shown("lblFrames_1"), "Panel 64") << "the selection went along";
+    EXPECT_EQ(Shown("lblProgress"), "64 of 64 addresses asked, modules found: 4");
+    EXPECT_TRUE(IsShown("imgFind_1"));
 }
 
 TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
@@ -114,7 +101,7 @@ TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
             return modules.Answer(frame);
         }
     };
-    Forms::Show(FormNames::wTechFindPanels);
+    Forms::Show(Form);
     Search();
     const char* reasons[] = {"Panel 1: no answer",
                              "Panel 2: answer with a bad CRC",
@@ -126,96 +113,95 @@ TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
                              "Panel 8: the bus port is closed"};
     for (int panel = 1; panel <= 8; ++panel) {
         Grid()->SelectTag(QString::number(panel));
-        EXPECT_EQ(Text("lblReason"), QString::fromLatin1(reasons[panel - 1]));
-        EXPECT_EQ(Found(panel), QStringLiteral("-----"));
+        EXPECT_EQ(Shown("lblReason"), QString::fromLatin1(reasons[panel - 1]));
+        EXPECT_EQ(Found(panel), "-----");
     }
 }
 
 TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
     Site().Panel(2).setActive(false); // its loss would take the screen away
     engine->setRun(true);
-    Forms::Show(FormNames::wTechFindPanels);
+    Forms::Show(Form);
     While(9, [this] {
-        EXPECT_EQ(Found(9), QStringLiteral("-----"));
-        EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
+        EXPECT_EQ(Found(9), "-----");
+        EXPECT_EQ(Shown("lblFrames_1"), "Panel 9");
         // Eight absent ones took a second each.
-        EXPECT_TRUE(Text("lblProgress").startsWith(QStringLiteral("Address 9 of 64, about 0:5")) ||
-                    Text("lblProgress").startsWith(QStringLiteral("Address 9 of 64, about 1:")))
-            << Text("lblProgress").toStdString();
-        EXPECT_TRUE(Shown("frmWarning"));
-        EXPECT_FALSE(Shown("imgFind_1"));
+        EXPECT_TRUE(Shown("lblProgress").startsWith("Address 9 of 64, about 0:5") ||
+                    Shown("lblProgress").startsWith("Address 9 of 64, about 1:"))
+            << Shown("lblProgress").toStdString();
+        EXPECT_TRUE(IsShown("frmWarning"));
+        EXPECT_FALSE(IsShown("imgFind_1"));
         Press("imgFind_0");
-        EXPECT_FALSE(Shown("frmWarning"));
+        EXPECT_FALSE(IsShown("frmWarning"));
         // A start from inside the search must not nest.
-        QTest::mouseClick(Child(FormNames::wTechFindPanels, QStringLiteral("imgFind_1")),
-                          Qt::LeftButton);
+        QTest::mouseClick(Child(Form, "imgFind_1"), Qt::LeftButton);
     });
     Search();
-    EXPECT_EQ(Found(9), QStringLiteral("-----"));
+    EXPECT_EQ(Found(9), "-----");
     EXPECT_EQ(Found(10), Unasked);
     Touch(10);
     Press("imgCommand_2");
-    EXPECT_EQ(Grid()->Cell(9, 2), QStringLiteral("-----")) << "nothing to take over";
+    EXPECT_EQ(Grid()->Cell(9, 2), "-----") << "nothing to take over";
     engine->setRun(false);
     Search();
     EXPECT_NE(Found(64), Unasked) << "a search after a stop goes through";
-    EXPECT_FALSE(Shown("frmWarning"));
+    EXPECT_FALSE(IsShown("frmWarning"));
 }
 
 TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
     for (int panel = 1; panel <= 20; ++panel)
         modules[panel][132] = 2;
-    Forms::Show(FormNames::wTechFindPanels);
+    Forms::Show(Form);
     const int inSight = Grid()->viewport()->height() / Grid()->rowHeight(0);
     // The search is about to turn the page.
-    While(inSight, [] {
+    While(inSight, [this] {
         Touch(3);
         Press("imgCommand_2");
     });
     Search();
-    EXPECT_EQ(Row(3), QStringLiteral("3//Q6200XT/No"));
-    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 3"));
+    EXPECT_EQ(Row(3), "3//Q6200XT/No");
+    EXPECT_EQ(Shown("lblFrames_1"), "Panel 3");
     EXPECT_EQ(Grid()->verticalScrollBar()->value(), 0);
-    EXPECT_EQ(Found(64), QStringLiteral("-----")) << "the search went on";
+    EXPECT_EQ(Found(64), "-----") << "the search went on";
     // Left alone, the next search takes the selection along again, until the arrows are touched.
-    While(10, [] { Press("imgControl_5"); });
+    While(10, [this] { Press("imgControl_5"); });
     Search();
-    EXPECT_EQ(Text("lblFrames_1"), QStringLiteral("Panel 9"));
+    EXPECT_EQ(Shown("lblFrames_1"), "Panel 9");
 }
 
 TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
-    modules[7][132] = 1;
-    Forms::Show(FormNames::wTechFindPanels);
+    modules[7][132] = modules[64][132] = 1;
+    Forms::Show(Form);
     Search();
     Touch(64);
     Press("imgControl_4");
-    EXPECT_NE(Text("lblFrames_1"), QStringLiteral("Panel 64"));
-    const auto on = [](int panel, const char* command) {
+    EXPECT_NE(Shown("lblFrames_1"), "Panel 64");
+    const auto on = [this](int panel, const char* command) {
         Grid()->SelectTag(QString::number(panel));
         Press(command);
         return Row(panel);
     };
-    EXPECT_EQ(on(5, "lblCommand_1"), QStringLiteral("5//-----/Yes")) << "active, without a model";
-    EXPECT_EQ(on(5, "lblCommand_0"), QStringLiteral("5//-----/No"));
-    EXPECT_EQ(on(5, "imgCommand_1"), QStringLiteral("5//-----/No"));
-    EXPECT_EQ(on(7, "lblCommand_2"), QStringLiteral("7//Q7100/No"));
-    EXPECT_EQ(on(7, "imgCommand_1"), QStringLiteral("7//Q7100/Yes"));
-    EXPECT_EQ(on(2, "imgCommand_2"), QStringLiteral("2/Pumps north/-----/Yes")) << "no answer";
+    EXPECT_EQ(on(5, "lblCommand_1"), "5//-----/Yes") << "active, without a model";
+    EXPECT_EQ(on(5, "lblCommand_0"), "5//-----/No");
+    EXPECT_EQ(on(5, "imgCommand_1"), "5//-----/No");
+    EXPECT_EQ(on(7, "lblCommand_2"), "7//Q7100/No");
+    EXPECT_EQ(on(7, "imgCommand_1"), "7//Q7100/Yes");
+    EXPECT_EQ(on(2, "imgCommand_2"), "2/Pumps north/-----/Yes") << "no answer";
+    EXPECT_EQ(on(64, "imgCommand_2"), "64//Q7100/No");
     EXPECT_EQ(Site().Panel(7).Model(), 0);
     EXPECT_FALSE(Site().Modified());
     // What the bus finds out meanwhile stays.
     Site().Panel(2).setPresent(false);
     Site().Panel(2).Channel(4).setState(1);
     Leave(Messages::Cancel);
-    EXPECT_NE(Screen(FormNames::wTechFindPanels), nullptr);
+    EXPECT_NE(Screen(Form), nullptr);
     EXPECT_EQ(boxes.last(), GetText(50003));
     EXPECT_EQ(styles.last(), 35);
-    RegisterConfigScreens();
     Forms::Show(FormNames::wBusModules);
     Leave(Messages::Yes);
-    EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
-    EXPECT_EQ(TextOf(FormNames::wBusModules, QStringLiteral("lblTypePan_6")),
-              QStringLiteral("Q7100"));
+    EXPECT_EQ(Screen(Form), nullptr);
+    EXPECT_EQ(TextOf(FormNames::wBusModules, "lblTypePan_6"), "Q7100");
+    EXPECT_EQ(Site().Panel(64).Model(), 1);
     EXPECT_TRUE(Site().Panel(7).Active());
     EXPECT_FALSE(Site().Panel(2).Present());
     EXPECT_EQ(Site().Panel(2).Channel(4).State(), 1);
@@ -226,51 +212,45 @@ TEST_F(TechFindPanelsTest, AsksForAnyPanelButTheLast) {
     for (const int panel : {64, 63}) {
         AddPanel(panel, 1);
         boxes.clear();
-        Forms::Show(FormNames::wTechFindPanels);
+        Forms::Show(Form);
         Grid()->SelectTag(QString::number(panel));
         Press("imgCommand_0");
         Leave(Messages::No);
         EXPECT_EQ(boxes.size(), panel == 64 ? 0 : 1);
         EXPECT_TRUE(Site().Panel(panel).Active());
-        EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
+        EXPECT_EQ(Screen(Form), nullptr);
     }
 }
 
 TEST_F(TechFindPanelsTest, LeavingEndsTheSearch) {
-    Forms::Show(FormNames::wTechFindPanels);
+    Forms::Show(Form);
     While(4, [this] { Leave(Messages::No); });
     Search();
     EXPECT_EQ(asked, 4);
-    EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
-    RemoveUnloaded();
-
-    Forms::Show(FormNames::wTechFindPanels);
-    While(4, [this] {
-        Grid()->SelectTag(QStringLiteral("2"));
-        Press("imgCommand_0");
-        Leave(Messages::Cancel);
-    });
+    EXPECT_EQ(Screen(Form), nullptr);
+    Forms::Show(Form);
+    Grid()->SelectTag("2");
+    Press("imgCommand_0");
+    While(4, [this] { Leave(Messages::Cancel); });
     Search();
     EXPECT_EQ(asked, 4) << "staying has ended the search all the same";
-    EXPECT_TRUE(Shown("imgFind_1"));
-    Search();
-    EXPECT_EQ(asked, 64);
+    EXPECT_TRUE(IsShown("imgFind_1"));
 }
 
 TEST_F(TechFindPanelsTest, AnAlarmEndsTheSearchAndKeepsTheEdit) {
-    Forms::Show(FormNames::wTechFindPanels);
+    Forms::Show(Form);
     Press("imgControl_6");
     Press("imgCommand_0");
     While(4, [] { AlarmComes(); });
     Search();
     EXPECT_EQ(asked, 4);
-    EXPECT_EQ(Screen(FormNames::wTechFindPanels), nullptr);
+    EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_TRUE(Site().Panel(2).Active());
-    Forms::Show(FormNames::wTechFindPanels);
-    EXPECT_EQ(Row(2), QStringLiteral("2/Pumps north/Q7000/No"));
-    EXPECT_TRUE(Shown("lblKept"));
+    Forms::Show(Form);
+    EXPECT_EQ(Row(2), "2/Pumps north/Q7000/No");
+    EXPECT_TRUE(TellsOfKept());
     Leave(Messages::No);
-    Forms::Show(FormNames::wTechFindPanels);
-    EXPECT_FALSE(Shown("lblKept"));
+    Forms::Show(Form);
+    EXPECT_FALSE(TellsOfKept());
 }

@@ -15,42 +15,31 @@ namespace {
 
 class wTechnicianTest : public TechnicianTest {
 protected:
-    wTechnicianTest() {
+    wTechnicianTest()
+        : TechnicianTest(FormNames::wTechnician) {
         for (int model = 1; model <= 5; ++model)
             AddPanel(model, model);
         link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
-        Forms::Show(FormNames::wTechnician);
+        Forms::Show(Form);
     }
 
-    static wTechnician& Console() {
-        return *dynamic_cast<wTechnician*>(Screen(FormNames::wTechnician));
-    }
-    static QString Shown() { return TextOf(FormNames::wTechnician, QStringLiteral("lblNumero")); }
-    static void Step(int index) {
-        Tap(FormNames::wTechnician, QStringLiteral("imgControl_%1").arg(index));
-    }
+    wTechnician& Console() const { return *dynamic_cast<wTechnician*>(Screen(Form)); }
+    QString Module() const { return Shown("lblNumero"); }
+    void Step(int index) const { Press("imgControl", index); }
+    void Touch(const char* button) const { Tap(Form, button); }
+    bool IsHidden(const char* control) const { return Child(Form, control)->isHidden(); }
     /// Which of state, reset, counter and LEDs a module takes.
-    static QString Takes(int number) {
+    QString Takes(int number) const {
         Console().setNumero(number);
         QString marks;
         for (const char* button : {"cmdPanelState", "cmdPanelReset", "cmdRazCptr", "cmdTestLeds"})
-            marks +=
-                Child(FormNames::wTechnician, QLatin1String(button))->isEnabled() ? u'+' : u'-';
+            marks += Child(Form, button)->isEnabled() ? u'+' : u'-';
         return marks;
     }
-    static QString Outcome(const char* label) {
-        return TextOf(FormNames::wTechnician, QLatin1String(label));
-    }
-    static QString CopyLine() { return TextOf(FormNames::wTechnician, QStringLiteral("lblCopy")); }
-    void Named(const QString& histories) const {
-        IniWrite(QStringLiteral("Files"), QStringLiteral("Histo"), histories);
-    }
+    void Named(const QString& histories) const { IniWrite("Files", "Histo", histories); }
     QString TraceFile(const QString& name, int size) const {
-        QDir(Path(QString())).mkpath(QStringLiteral("Trace"));
-        QFile file(Path(QStringLiteral("Trace/") + name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(size, 't'));
-        return file.fileName();
+        WriteFile("Trace/" + name, QByteArray(size, 't'));
+        return Path("Trace/" + name);
     }
 
     FakeModules modules;
@@ -59,36 +48,31 @@ protected:
 } // namespace
 
 TEST_F(wTechnicianTest, TheModelDecidesWhichCommandsThereAre) {
-    EXPECT_EQ(Takes(0), QStringLiteral("--++")) << "all modules";
-    EXPECT_EQ(Takes(1), QStringLiteral("++++"));
-    EXPECT_EQ(Takes(2), QStringLiteral("+--+"));
-    EXPECT_EQ(Takes(3), QStringLiteral("++++"));
-    EXPECT_EQ(Takes(4), QStringLiteral("+--+"));
-    EXPECT_EQ(Takes(5), QStringLiteral("+--+"));
-    EXPECT_EQ(Takes(6), QStringLiteral("----")) << "no model";
+    // All modules, the five models, none.
+    const char* takes[] = {"--++", "++++", "+--+", "++++", "+--+", "+--+", "----"};
+    for (int model = 0; model <= 6; ++model)
+        EXPECT_EQ(Takes(model), takes[model]) << model;
 }
 
 TEST_F(wTechnicianTest, TheModuleIsSteppedToAndRemembered) {
-    EXPECT_EQ(Shown(), GetText(10101));
+    EXPECT_EQ(Module(), GetText(10101));
     Step(2);
-    EXPECT_EQ(Shown(), QStringLiteral("1"));
-    EXPECT_EQ(TextOf(FormNames::wTechnician, QStringLiteral("lblPanelType")),
-              QStringLiteral("Q7100"));
+    EXPECT_EQ(Module(), "1");
+    EXPECT_EQ(Shown("lblPanelType"), "Q7100");
     Console().setNumero(60);
     Step(3);
-    EXPECT_EQ(Shown(), QStringLiteral("64"));
+    EXPECT_EQ(Module(), "64");
     Console().setNumero(5);
     Step(0);
-    EXPECT_EQ(Shown(), GetText(10101));
-    EXPECT_EQ(TextOf(FormNames::wTechnician, QStringLiteral("lblPanelType")), QString());
+    EXPECT_EQ(Module(), GetText(10101));
+    EXPECT_EQ(Shown("lblPanelType"), QString());
     for (const char* kept : {"7", "All"}) {
         Console().setNumero(QString::fromLatin1(kept).toInt());
-        Forms::Unload(FormNames::wTechnician);
+        Forms::Unload(Form);
         RemoveUnloaded();
-        EXPECT_EQ(IniRead(QStringLiteral("General"), QStringLiteral("TechPanel"), QString()),
-                  QLatin1String(kept));
-        Forms::Show(FormNames::wTechnician);
-        EXPECT_EQ(Shown(), QLatin1String(kept));
+        EXPECT_EQ(IniRead("General", "TechPanel", QString()), QLatin1String(kept));
+        Forms::Show(Form);
+        EXPECT_EQ(Module(), QLatin1String(kept));
     }
 }
 
@@ -96,51 +80,51 @@ TEST_F(wTechnicianTest, ACommandTellsWhatBecameOfIt) {
     modules[1];
     Console().setNumero(1);
     answer = Messages::Cancel;
-    Tap(FormNames::wTechnician, QStringLiteral("cmdPanelReset"));
+    Touch("cmdPanelReset");
     EXPECT_EQ(boxes.takeLast(), GetText(810055));
     EXPECT_EQ(styles.takeLast(), 33);
-    EXPECT_EQ(Outcome("lblReset"), QString());
+    EXPECT_EQ(Shown("lblReset"), QString());
     answer = Messages::Ok;
-    Tap(FormNames::wTechnician, QStringLiteral("cmdPanelReset"));
+    Touch("cmdPanelReset");
     EXPECT_EQ(modules[1].value(67), 2);
-    EXPECT_EQ(Outcome("lblReset"), GetText(810142));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdRazCptr"));
+    EXPECT_EQ(Shown("lblReset"), GetText(810142));
+    Touch("cmdRazCptr");
     EXPECT_EQ(boxes.last(), GetText(810052));
     EXPECT_EQ(link->sent.last().left(6), QByteArray("\x01\x06\x01\x21\x00\x00", 6));
 
     Console().setNumero(3);
     link->sent.clear();
-    Tap(FormNames::wTechnician, QStringLiteral("cmdTestLeds"));
+    Touch("cmdTestLeds");
     EXPECT_EQ(link->sent.size(), 4) << "an absent module";
-    EXPECT_EQ(Outcome("lblTestLeds"), GetText(810143));
+    EXPECT_EQ(Shown("lblTestLeds"), GetText(810143));
 
     Console().setNumero(0);
-    EXPECT_EQ(Outcome("lblTestLeds"), QString()) << "that was of another module";
-    Tap(FormNames::wTechnician, QStringLiteral("cmdTestLeds"));
+    EXPECT_EQ(Shown("lblTestLeds"), QString()) << "that was of another module";
+    Touch("cmdTestLeds");
     EXPECT_EQ(link->sent.last().left(6), QByteArray("\x00\x06\x00\x42\x00\x01", 6));
-    EXPECT_EQ(Outcome("lblTestLeds"), GetText(810144));
+    EXPECT_EQ(Shown("lblTestLeds"), GetText(810144));
 }
 
 TEST_F(wTechnicianTest, WhileTheBusRunsTheQueueTakesTheCommand) {
     modules[1];
-    Tap(FormNames::wTechnician, QStringLiteral("imgStopRun_1"));
+    Touch("imgStopRun_1");
     EXPECT_TRUE(engine->Run());
-    EXPECT_TRUE(Child(FormNames::wTechnician, QStringLiteral("imgStopRun_1"))->isHidden());
+    EXPECT_TRUE(IsHidden("imgStopRun_1"));
     Console().setNumero(1);
     link->sent.clear();
-    Tap(FormNames::wTechnician, QStringLiteral("cmdTestLeds"));
+    Touch("cmdTestLeds");
     EXPECT_TRUE(link->sent.isEmpty());
-    EXPECT_EQ(Outcome("lblTestLeds"), GetText(810141));
+    EXPECT_EQ(Shown("lblTestLeds"), GetText(810141));
     for (int round = 0; round < 5; ++round) {
         clock.Advance(1000);
         engine->RunComm();
     }
-    EXPECT_TRUE(Comes([&] { return Outcome("lblTestLeds") == GetText(810142); }));
+    EXPECT_TRUE(Comes([&] { return Shown("lblTestLeds") == GetText(810142); }));
     EXPECT_EQ(modules[1].value(66), 1);
-    const bool beat = Child(FormNames::wTechnician, QStringLiteral("imgComm_0"))->isHidden();
+    const bool beat = IsHidden("imgComm_0");
     Q_EMIT engine->PollDone();
-    EXPECT_NE(Child(FormNames::wTechnician, QStringLiteral("imgComm_0"))->isHidden(), beat);
-    Tap(FormNames::wTechnician, QStringLiteral("imgStopRun_0"));
+    EXPECT_NE(IsHidden("imgComm_0"), beat);
+    Touch("imgStopRun_0");
     EXPECT_FALSE(engine->Run());
 }
 
@@ -154,62 +138,57 @@ TEST_F(wTechnicianTest, MidnightTellsHowFarItIs) {
                                          told += changed;
                                      }};
     });
-    Tap(FormNames::wTechnician, QStringLiteral("cmdSynchroMinuit"));
+    Touch("cmdSynchroMinuit");
     ASSERT_GE(told.size(), 4);
     EXPECT_EQ(told.first(), GetText(30022));
-    EXPECT_TRUE(told[1].endsWith(GetText(30023)
-                                     .replace(QStringLiteral("$1"), QStringLiteral("1"))
-                                     .replace(QStringLiteral("$2"), QStringLiteral("5"))))
+    EXPECT_TRUE(told[1].endsWith(GetText(30023).replace("$1", "1").replace("$2", "5")))
         << told[1].toStdString();
-    EXPECT_TRUE(told[2].contains(QStringLiteral(" s "))) << told[2].toStdString();
-    EXPECT_EQ(told.last(), QStringLiteral("gone"));
+    EXPECT_TRUE(told[2].contains(" s ")) << told[2].toStdString();
+    EXPECT_EQ(told.last(), "gone");
     EXPECT_TRUE(Console().isEnabled());
 }
 
 TEST_F(wTechnicianTest, TracesAreCopiedWholeOrNotAtAll) {
     Named(Path(QString()));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
-    EXPECT_TRUE(CopyLine().isEmpty()) << "onto themselves";
-    Named(QStringLiteral("/media/no such stick/histories"));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
+    Touch("cmdCopyTraces");
+    EXPECT_TRUE(Shown("lblCopy").isEmpty()) << "onto themselves";
+    Named(QStringLiteral("/media/stick %1/histories").arg(QCoreApplication::applicationPid()));
+    Touch("cmdCopyTraces");
     EXPECT_EQ(boxes.takeLast(), GetText(30016));
-    Named(QStringLiteral("/dev/null"));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
+    Named("/dev/null");
+    Touch("cmdCopyTraces");
     EXPECT_EQ(boxes.takeLast(), GetText(30018));
 
-    const QString big = TraceFile(QStringLiteral("big.trc"), 900000);
-    TraceFile(QStringLiteral("small.trc"), 10);
-    const QDir stick(Path(QStringLiteral("stick/deep/Trace")));
-    Named(Path(QStringLiteral("stick/deep")));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
-    EXPECT_TRUE(Comes([&] { return QFile::exists(stick.filePath(QStringLiteral("small.trc"))); }));
-    EXPECT_TRUE(Comes(
-        [&] { return Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden(); }));
-    EXPECT_TRUE(CopyLine().contains(stick.path())) << CopyLine().toStdString();
-    QFile copied(stick.filePath(QStringLiteral("big.trc")));
+    const QString big = TraceFile("big.trc", 900000);
+    TraceFile("small.trc", 10);
+    const QDir stick(Path("stick/deep/Trace"));
+    Named(Path("stick/deep"));
+    Touch("cmdCopyTraces");
+    EXPECT_TRUE(Comes([&] { return QFile::exists(stick.filePath("small.trc")); }));
+    EXPECT_TRUE(Comes([&] { return IsHidden("cmdStopCopy"); }));
+    EXPECT_TRUE(Shown("lblCopy").contains(stick.path())) << Shown("lblCopy").toStdString();
+    QFile copied(stick.filePath("big.trc"));
     ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
     EXPECT_EQ(copied.readAll(), QByteArray(900000, 't'));
     EXPECT_EQ(QFileInfo(copied).lastModified(), QFileInfo(big).lastModified());
 
     EXPECT_TRUE(copied.remove());
-    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdStopCopy"));
-    EXPECT_TRUE(Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden());
-    EXPECT_EQ(stick.entryList({QStringLiteral("*.tmp"), QStringLiteral("big*")}), QStringList());
+    Touch("cmdCopyTraces");
+    Touch("cmdStopCopy");
+    EXPECT_TRUE(IsHidden("cmdStopCopy"));
+    EXPECT_EQ(stick.entryList({"*.tmp", "big*"}), QStringList());
 }
 
 TEST_F(wTechnicianTest, AStickThatIsPulledOutIsTold) {
-    TraceFile(QStringLiteral("a.trc"), 10);
-    TraceFile(QStringLiteral("b.trc"), 900000);
-    Named(Path(QStringLiteral("stick")));
-    const QString target = Path(QStringLiteral("stick/Trace"));
-    Tap(FormNames::wTechnician, QStringLiteral("cmdCopyTraces"));
+    TraceFile("a.trc", 10);
+    TraceFile("b.trc", 900000);
+    Named(Path("stick"));
+    const QString target = Path("stick/Trace");
+    Touch("cmdCopyTraces");
     EXPECT_TRUE(Comes([&] { return QFile::exists(target + QStringLiteral("/a.trc")); }));
     QDir(target).removeRecursively();
-    EXPECT_TRUE(Comes(
-        [&] { return Child(FormNames::wTechnician, QStringLiteral("cmdStopCopy"))->isHidden(); }));
-    EXPECT_TRUE(CopyLine().startsWith(QStringLiteral("b.trc"))) << CopyLine().toStdString();
+    EXPECT_TRUE(Comes([&] { return IsHidden("cmdStopCopy"); }));
+    EXPECT_TRUE(Shown("lblCopy").startsWith("b.trc")) << Shown("lblCopy").toStdString();
 
-    EXPECT_THROW(platform::FileCopy(Path(QStringLiteral("no")), Path(QStringLiteral("x"))),
-                 platform::RunTimeError);
+    EXPECT_THROW(platform::FileCopy(Path("no"), Path("x")), platform::RunTimeError);
 }

@@ -21,7 +21,7 @@ public:
         device.open(QIODevice::WriteOnly);
         lines_ += {Path(name), QString(), maker, QString(), QString()};
         if (!maker.isEmpty()) {
-            QDir(folder_.path()).mkpath(QStringLiteral("serial/by-id"));
+            QDir(folder_.path()).mkpath("serial/by-id");
             QFile::link(Path(name), Lasting(Path(name)));
         }
         Install();
