@@ -16,13 +16,17 @@ public:
         : path_(std::move(path)) {
         EXPECT_EQ(mkfifo(QFile::encodeName(path_).constData(), 0600), 0);
     }
-    ~PipePrinter() { close(file_); }
+    ~PipePrinter() { SwitchOff(); }
     PipePrinter(const PipePrinter&) = delete;
     PipePrinter& operator=(const PipePrinter&) = delete;
 
     void SwitchOn() {
         file_ = open(QFile::encodeName(path_).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
         EXPECT_GE(file_, 0);
+    }
+    void SwitchOff() {
+        if (file_ >= 0)
+            close(std::exchange(file_, -1));
     }
     /// Takes nothing any more.
     void Stick() const {
@@ -40,6 +44,11 @@ public:
             paper_ += bytes.left(qMax<qsizetype>(count, 0)).replace('#', "");
         }
         return paper_;
+    }
+    /// The paper is torn off.
+    QByteArray TakePaper() {
+        Paper();
+        return std::exchange(paper_, {});
     }
 
 private:

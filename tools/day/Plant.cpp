@@ -1,0 +1,165 @@
+#include "day/Plant.h"
+
+namespace {
+
+constexpr int ReceiptRegister = 288;
+constexpr int CountRegister = 144;
+constexpr int MemoryRegister = 146;
+/// Of contacts and keys, one change of which is more than one event, and of troubles on the line.
+constexpr int ChangesAMinute = 38;
+constexpr int TroublesAMinute = 3;
+constexpr int Minute = 60000;
+
+qint64 Now() {
+    return platform::Clock::Current().MonotonicMs();
+}
+
+/// 0 for what the engine makes no event of: the horn was silenced at the module.
+EventKey KeyOf(int address, int head, int low) {
+    const bool ofPanel = head >> 12 == 15;
+    const int code = (head >> 4) & 15;
+    if (ofPanel && code == 1)
+        return 0;
+    const int id = (address << 24) | ((ofPanel ? 0 : head >> 12) << 16) | (head & 0xF00) |
+                   (code == 5 ? 0 : code);
+    return (EventKey(id) << 20) | ((head & 15) << 16) | low;
+}
+
+} // namespace
+
+Sim::Model Plant::ModelOf(int address) {
+    using enum Sim::Model;
+    if (address <= 10)
+        return address <= 6 ? Q7100 : Q7000;
+    if (address == Modules)
+        return Q6200XT;
+    return address <= 13 ? P5000 : P5500;
+}
+
+Plant::Plant()
+    : bus_([] { return Sim::Milliseconds(Now()); }, 5) {
+    for (int address = 1; address <= Modules; ++address)
+        bus_.Add(address, ModelOf(address), "module");
+}
+
+std::unique_ptr<FakeLink> Plant::MakeLink() {
+    auto link = std::make_unique<FakeLink>();
+    link_ = link.get();
+    link_->answer = [this](const QByteArray& frame) {
+        link_->sent.clear();
+        return Answer(frame);
+    };
+    return link;
+}
+
+void Plant::SetPlugged(bool plugged) {
+    link_->canOpen = plugged;
+    if (!plugged)
+        link_->setPortOpen(false);
+}
+
+/// Tells what a change, a frame or a hand on the module, has put into its memory.
+void Plant::Watch(int address, bool receipted, const std::function<void()>& change) {
+    Sim::Module& module = *bus_.Find(address)->module;
+    const int before = module.Read(CountRegister);
+    change();
+    const int after = module.Read(CountRegister);
+    for (int i = receipted ? after : before; i < after; ++i) {
+        const EventKey key = KeyOf(address, module.Read(quint16(MemoryRegister + 2 * i)),
+                                   module.Read(quint16(MemoryRegister + 2 * i + 1)));
+        if (key != 0)
+            onRaised(address, key);
+    }
+}
+
+QByteArray Plant::Answer(const QByteArray& frame) {
+    const Sim::Bytes bytes(frame.cbegin(), frame.cend());
+    Sim::FrameReader reader;
+    reader.Feed(bytes, Sim::Milliseconds(0));
+    const std::optional<Sim::Request> request = reader.Next();
+    if (!request)
+        return {};
+    std::optional<Sim::Reply> reply;
+    const auto handle = [&] { reply = bus_.Handle(*request); };
+    if (HasMemory(request->address) && request->address > 0)
+        Watch(request->address, request->first == ReceiptRegister, handle);
+    else
+        handle();
+    return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
+                              qsizetype(reply->frame.size()))
+                 : QByteArray();
+}
+
+void Plant::Advance() {
+    if (calm_)
+        return;
+    for (auto muted = mutedUntil_.begin(); muted != mutedUntil_.end();) {
+        if (Now() < muted.value()) {
+            ++muted;
+            continue;
+        }
+        bus_.Find(muted.key())->faults.muted = false;
+        muted = mutedUntil_.erase(muted);
+    }
+    if (Now() >= nextHappening_) {
+        nextHappening_ = Now() + 100 + Random(2 * (Minute / ChangesAMinute - 100));
+        Happen();
+    }
+    if (Now() >= nextTrouble_) {
+        nextTrouble_ = Now() + Random(2 * Minute / TroublesAMinute);
+        Trouble();
+    }
+}
+
+/// The modules' clocks have tenths: two events of one moment could not be told apart.
+void Plant::Happen() {
+    const int address = 1 + Random(Modules - 1);
+    platform::Clock::Current().Sleep(100);
+    Sim::Module& module = *bus_.Find(address)->module;
+    const auto change = [&] {
+        if (Random(7) == 0)
+            module.Acknowledge();
+        else
+            module.SetContact(1 + Random(Channels), Sim::Contact(qMax(0, Random(8) - 3)));
+    };
+    if (HasMemory(address))
+        Watch(address, false, change);
+    else
+        change();
+}
+
+void Plant::Trouble() {
+    ++faults;
+    const int address = 1 + Random(Modules);
+    Sim::LineFaults& faulty = bus_.Find(address)->faults;
+    switch (Random(6)) {
+    case 0:
+        faulty.muted = true;
+        mutedUntil_[address] = Now() + (Random(10) == 0 ? 10 * Minute : 1000 + Random(20000));
+        break;
+    case 1:
+        faulty.corrupt = 1 + Random(3);
+        break;
+    case 2:
+        faulty.surplus = true;
+        break;
+    case 3:
+        faulty.cut = true;
+        break;
+    case 4:
+        faulty.alien = true;
+        break;
+    default:
+        faulty.ringing = !faulty.ringing;
+    }
+}
+
+void Plant::Calm() {
+    calm_ = true;
+    for (int address = 1; address <= Modules; ++address)
+        bus_.Find(address)->faults = {};
+}
+
+int Plant::State(int address, int channel) {
+    return bus_.Find(address)->module->Read(quint16(channel));
+}
