@@ -42,7 +42,11 @@ void Ledger::Routed(const EventClass& event) {
         else if (event.Clock() == 0)
             ++madeUp_;
         else
-            Fail(QStringLiteral("event %1 is not the next of its module").arg(text));
+            Fail(QStringLiteral("event %1 is %2, the next of its module is %3 of %4")
+                     .arg(text)
+                     .arg((EventKey(event.ID()) << 20) | event.Clock(), 0, 16)
+                     .arg(raised.isEmpty() ? 0 : raised.head(), 0, 16)
+                     .arg(raised.size()));
     } else if (Family::IsChannel(event.Chnl())) {
         qint32& state = states_[quint32(event.ID()) >> 16];
         if (state == event.Aff())

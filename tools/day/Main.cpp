@@ -32,6 +32,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <cstdio>
+#include <malloc.h>
 
 namespace {
 
@@ -40,17 +41,20 @@ constexpr int Hour = 60 * Minute;
 /// What the first hours take on, such as fonts, pictures and the heap's own reserve, is no growth.
 constexpr int SettledHours = 2;
 constexpr int MostGrowthKb = 2048;
+constexpr int MostHeapGrowthKb = 256;
 /// The last things come to rest: a module that was missing is asked each ten minutes.
 constexpr int CalmSeconds = 15 * Minute;
 
 struct Sample {
     int kB = 0;
+    int heap = 0; // kB that are in use of it
     int threads = 0;
     int handles = 0;
 };
 
 Sample Measure() {
     Sample sample;
+    sample.heap = int(mallinfo2().uordblks / 1024);
     QFile status(QStringLiteral("/proc/self/status"));
     if (status.open(QIODevice::ReadOnly)) {
         for (const QByteArray& line : status.readAll().split('\n')) {
@@ -149,10 +153,10 @@ public:
         ledger_.Printed(printer_.TakePaper());
         ledger_.CheckEnd(plant_, engine_->Paper().Unprinted());
         std::printf("%d hours: %lld events, %.1f a minute, %lld of them made up of standing states; "
-                    "%d faults of the line, %lld events not on paper and told there; "
-                    "%d failures\n",
+                    "%d faults of the line, at most %d events waiting in a module, %lld events not on "
+                    "paper and told there; %d failures\n",
                     hours, ledger_.Events(), double(ledger_.Events()) / (hours * 60.0),
-                    ledger_.MadeUp(), plant_.faults, ledger_.NotOnPaper(), ledger_.Failures());
+                    ledger_.MadeUp(), plant_.faults, plant_.mostWaiting, ledger_.NotOnPaper(), ledger_.Failures());
         return ledger_.Failures() == 0;
     }
 
@@ -244,12 +248,21 @@ private:
             ledger_.Fail(QStringLiteral("the new day has no files"));
         const QString before =
             QStringLiteral("Histo%1.his").arg(DateTimes::FileDate(clock_.Now() - 1));
-        if (QFile::exists(stick_) && QFile::exists(Global::InApplicationFolder(before)) &&
+        const bool hasStick = QFile::exists(stick_);
+        if (hasStick && QFile::exists(Global::InApplicationFolder(before)) &&
             !QFile::exists(stick_ + u'/' + before))
             ledger_.Fail(QStringLiteral("the day before isn't on the stick"));
-        if (!QFile::exists(stick_) &&
-            !QDir(Global::InApplicationFolder(QString())).entryList({QStringLiteral("*.tmp")}).isEmpty())
-            ledger_.Fail(QStringLiteral("something is left of the copy"));
+        QFile trace(Trace::FileName(clock_.Now()));
+        if (!hasStick && (!trace.open(QIODevice::ReadOnly) ||
+                          !trace.readAll().contains("HISTORIES NOT COPIED")))
+            ledger_.Fail(QStringLiteral("nothing tells that there is no stick"));
+        for (int round = 0; round < 3 * Plant::Modules; ++round) {
+            engine_->RunComm();
+            clock_.Advance(wPolling::PollRest);
+        }
+        for (int address = 1; address <= Plant::Modules; ++address)
+            if (!plant_.IsMuted(address) && plant_.ClockOf(address) > Minute * 10U)
+                ledger_.Fail(QStringLiteral("the clock of module %1 wasn't set").arg(address));
     }
 
     void Touch(int turn) {
@@ -257,10 +270,10 @@ private:
         if (console == nullptr || !console->isVisible())
             return;
         static const QStringList controls{
-            QStringLiteral("imgAcquit"),    QStringLiteral("imgControl_1"),
+            QStringLiteral("imgAcquit"),    QStringLiteral("imgControl_5"),
             QStringLiteral("imgAcquit"),    QStringLiteral("imgArretKlaxon"),
             QStringLiteral("imgAcquit"),    QStringLiteral("imgHisto"),
-            QStringLiteral("imgControl_0"), QStringLiteral("imgHelp"),
+            QStringLiteral("imgControl_6"), QStringLiteral("imgArretKlaxon"),
             QStringLiteral("imgAcquit"),    QStringLiteral("imgNavig_0")};
         console->grab();
         clock_.Advance(1000);
@@ -274,16 +287,18 @@ private:
     void TakeSample(int hour) {
         ledger_.CheckFiles();
         const Sample now = Measure();
-        std::printf("hour %d: %d kB, %d threads, %d handles\n", hour, now.kB, now.threads,
-                    now.handles);
+        std::printf("hour %d: %d kB, %d kB of the heap, %d threads, %d handles\n", hour, now.kB,
+                    now.heap, now.threads, now.handles);
         std::fflush(stdout);
         if (hour <= SettledHours) {
             most_.kB = qMax(most_.kB, now.kB);
+            most_.heap = qMax(most_.heap, now.heap);
             most_.threads = qMax(most_.threads, now.threads);
             most_.handles = qMax(most_.handles, now.handles);
             return;
         }
-        if (now.kB > most_.kB + MostGrowthKb || now.threads > most_.threads ||
+        if (now.kB > most_.kB + MostGrowthKb || now.heap > most_.heap + MostHeapGrowthKb ||
+            now.threads > most_.threads ||
             now.handles > most_.handles)
             ledger_.Fail(QStringLiteral("something grows"));
     }

@@ -2,11 +2,12 @@
 
 namespace {
 
-constexpr int ReceiptRegister = 288;
 constexpr int CountRegister = 144;
 constexpr int MemoryRegister = 146;
+/// Events of a memory that can be read at a time.
+constexpr int Readable = 71;
 /// Of contacts and keys, one change of which is more than one event, and of troubles on the line.
-constexpr int ChangesAMinute = 38;
+constexpr int ChangesAMinute = 40;
 constexpr int TroublesAMinute = 3;
 constexpr int Minute = 60000;
 
@@ -58,15 +59,19 @@ void Plant::SetPlugged(bool plugged) {
         link_->setPortOpen(false);
 }
 
-/// Tells what a change, a frame or a hand on the module, has put into its memory.
-void Plant::Watch(int address, bool receipted, const std::function<void()>& change) {
+/// Tells what a change, a frame or a hand on the module, has put into its memory, as soon as it is in
+/// the part that can be read.
+void Plant::Watch(int address, const std::function<void()>& change) {
     Sim::Module& module = *bus_.Find(address)->module;
     const int before = module.Read(CountRegister);
     change();
     const int after = module.Read(CountRegister);
-    for (int i = receipted ? after : before; i < after; ++i) {
-        const EventKey key = KeyOf(address, module.Read(quint16(MemoryRegister + 2 * i)),
-                                   module.Read(quint16(MemoryRegister + 2 * i + 1)));
+    mostWaiting = qMax(mostWaiting, after);
+    int& told = told_[address];
+    told = qMax(0, told - qMax(0, before - after));
+    for (; told < qMin(after, Readable); ++told) {
+        const EventKey key = KeyOf(address, module.Read(quint16(MemoryRegister + 2 * told)),
+                                   module.Read(quint16(MemoryRegister + 2 * told + 1)));
         if (key != 0)
             onRaised(address, key);
     }
@@ -82,7 +87,7 @@ QByteArray Plant::Answer(const QByteArray& frame) {
     std::optional<Sim::Reply> reply;
     const auto handle = [&] { reply = bus_.Handle(*request); };
     if (HasMemory(request->address) && request->address > 0)
-        Watch(request->address, request->first == ReceiptRegister, handle);
+        Watch(request->address, handle);
     else
         handle();
     return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
@@ -93,13 +98,13 @@ QByteArray Plant::Answer(const QByteArray& frame) {
 void Plant::Advance() {
     if (calm_)
         return;
-    for (auto muted = mutedUntil_.begin(); muted != mutedUntil_.end();) {
-        if (Now() < muted.value()) {
-            ++muted;
+    for (auto until = until_.begin(); until != until_.end();) {
+        if (Now() < until.value()) {
+            ++until;
             continue;
         }
-        bus_.Find(muted.key())->faults.muted = false;
-        muted = mutedUntil_.erase(muted);
+        bus_.Find(until.key())->faults = {};
+        until = until_.erase(until);
     }
     if (Now() >= nextHappening_) {
         nextHappening_ = Now() + 100 + Random(2 * (Minute / ChangesAMinute - 100));
@@ -123,7 +128,7 @@ void Plant::Happen() {
             module.SetContact(1 + Random(Channels), Sim::Contact(qMax(0, Random(8) - 3)));
     };
     if (HasMemory(address))
-        Watch(address, false, change);
+        Watch(address, change);
     else
         change();
 }
@@ -135,7 +140,7 @@ void Plant::Trouble() {
     switch (Random(6)) {
     case 0:
         faulty.muted = true;
-        mutedUntil_[address] = Now() + (Random(10) == 0 ? 10 * Minute : 1000 + Random(20000));
+        until_[address] = Now() + (Random(10) == 0 ? 10 * Minute : 1000 + Random(20000));
         break;
     case 1:
         faulty.corrupt = 1 + Random(3);
@@ -150,7 +155,8 @@ void Plant::Trouble() {
         faulty.alien = true;
         break;
     default:
-        faulty.ringing = !faulty.ringing;
+        faulty.ringing = true;
+        until_[address] = Now() + 1000 + Random(20000);
     }
 }
 

@@ -41,10 +41,12 @@ public:
     bool IsMuted(int address) { return bus_.Find(address)->faults.muted; }
 
     int faults = 0;
+    /// Most events that a memory held; from 200 on it drops the oldest.
+    int mostWaiting = 0;
 
 private:
     QByteArray Answer(const QByteArray& frame);
-    void Watch(int address, bool receipted, const std::function<void()>& change);
+    void Watch(int address, const std::function<void()>& change);
     void Happen();
     void Trouble();
     int Random(int below) { return int(random_() % unsigned(below)); }
@@ -55,6 +57,8 @@ private:
     bool calm_ = false;
     qint64 nextHappening_ = 0;
     qint64 nextTrouble_ = 0;
-    /// By address: when a silent module hears again.
-    QHash<int, qint64> mutedUntil_;
+    /// By address: events of the memory that were told.
+    QHash<int, int> told_;
+    /// By address: when a silent or ringing link is good again.
+    QHash<int, qint64> until_;
 };
