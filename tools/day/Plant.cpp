@@ -137,10 +137,11 @@ void Plant::Trouble() {
     ++faults;
     const int address = 1 + Random(Modules);
     Sim::LineFaults& faulty = bus_.Find(address)->faults;
+    qint64 lasts = 1000 + Random(20000);
     switch (Random(6)) {
     case 0:
         faulty.muted = true;
-        until_[address] = Now() + (Random(10) == 0 ? 10 * Minute : 1000 + Random(20000));
+        lasts = Random(10) == 0 ? 10 * Minute : lasts;
         break;
     case 1:
         faulty.corrupt = 1 + Random(3);
@@ -156,8 +157,9 @@ void Plant::Trouble() {
         break;
     default:
         faulty.ringing = true;
-        until_[address] = Now() + 1000 + Random(20000);
     }
+    // What waits for the next reply goes as well: a missing module gives few.
+    until_[address] = qMax(until_.value(address), Now() + lasts);
 }
 
 void Plant::Calm() {

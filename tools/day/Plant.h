@@ -59,6 +59,6 @@ private:
     qint64 nextTrouble_ = 0;
     /// By address: events of the memory that were told.
     QHash<int, int> told_;
-    /// By address: when a silent or ringing link is good again.
+    /// By address: when a link is good again.
     QHash<int, qint64> until_;
 };
