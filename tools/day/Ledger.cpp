@@ -25,8 +25,7 @@ constexpr int MostTold = 20;
 
 void Ledger::Fail(const QString& words) {
     if (++failures_ <= MostTold)
-        std::printf("FAILURE at %s: %s\n",
-                    qUtf8Printable(DateTimes::DateAndTime(DateTimes::Now())),
+        std::printf("FAILURE at %s: %s\n", qUtf8Printable(DateTimes::DateAndTime(DateTimes::Now())),
                     qUtf8Printable(words));
 }
 
@@ -76,11 +75,11 @@ void Ledger::CheckConsole() {
         const bool isOver = isPresence ? event.Aff() == 1 : event.Param() == 1 && event.Aff() == 0;
         const bool begins = isPresence || event.Param() == 0 || event.Aff() >= 1;
         const int row = rows.value(change.key(), -1);
-        const bool isRight =
-            row < 0 ? isOver || !begins
-                    : !isOver && console->RowData(row) == change->id &&
-                          console->RowText(row).section(u' ', 0, 0, QString::SectionSkipEmpty)
-                                  .toInt() == change->number;
+        const bool isRight = row < 0 ? isOver || !begins
+                                     : !isOver && console->RowData(row) == change->id &&
+                                           console->RowText(row)
+                                                   .section(u' ', 0, 0, QString::SectionSkipEmpty)
+                                                   .toInt() == change->number;
         if (!isRight)
             Fail(QStringLiteral("event %1 isn't what its row says").arg(change->number));
     }
@@ -96,8 +95,8 @@ QStringList Ledger::NewLines(const QString& folder, const QString& pattern) {
         qint64& readTo = readTo_[file.fileName()];
         if (file.size() == readTo || !file.open(QIODevice::ReadOnly) || !file.seek(readTo))
             continue;
-        lines += QString::fromLatin1(file.readAll())
-                     .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        lines +=
+            QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
         readTo = file.size();
     }
     return lines;
@@ -107,8 +106,8 @@ void Ledger::CheckFiles() {
     const auto field = [](const QString& line, const auto& column) {
         return line.mid(column.start, column.width);
     };
-    for (const QString& line : NewLines(Global::InApplicationFolder(QStringLiteral("Trace")),
-                                        QStringLiteral("*.log"))) {
+    for (const QString& line :
+         NewLines(Global::InApplicationFolder(QStringLiteral("Trace")), QStringLiteral("*.log"))) {
         bool isNumber = false;
         const int number = field(line, Columns::Number).toInt(&isNumber);
         if (!isNumber)
@@ -135,7 +134,9 @@ void Ledger::CheckFiles() {
             continue;
         // The file has no room for the last digit.
         if (++lastHistory_ / 10 != number)
-            Fail(QStringLiteral("the history has %1. where %2 is due").arg(number).arg(lastHistory_));
+            Fail(QStringLiteral("the history has %1. where %2 is due")
+                     .arg(number)
+                     .arg(lastHistory_));
         dayRecords_ += field(line, FileLine::Display).trimmed() == GetText(MidnightState) ? 1 : 0;
     }
     if (lastHistory_ < lastRouted_)
@@ -172,7 +173,8 @@ void Ledger::CheckEnd(Plant& plant, int unprinted) {
     for (int address = 1; address < Plant::Modules; ++address)
         for (int channel = 1; !Plant::HasMemory(address) && channel <= Plant::Channels; ++channel)
             if (states_.value(quint32(address << 8 | channel)) != plant.State(address, channel))
-                Fail(QStringLiteral("the last state of %1:%2 never came").arg(address).arg(channel));
+                Fail(
+                    QStringLiteral("the last state of %1:%2 never came").arg(address).arg(channel));
     if (onPaper_ + notOnPaper_ + unprinted != events_)
         Fail(QStringLiteral("%1 lines on paper, %2 told as missing, %3 to be told, of %4 events")
                  .arg(onPaper_)

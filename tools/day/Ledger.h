@@ -8,8 +8,8 @@
 
 class EventClass;
 
-/// Every event once and in order: from the module's memory through the engine to the console's rows,
-/// the history, the trace and the paper. Keeps no more than what is still under way.
+/// Every event once and in order: from the module's memory through the engine to the console's
+/// rows, the history, the trace and the paper. Keeps no more than what is still under way.
 class Ledger {
 public:
     void Raised(int address, EventKey key) { raised_[address].enqueue(key); }

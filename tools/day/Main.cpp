@@ -1,5 +1,5 @@
-// Days of a plant on the test clock: engine, console and files as they are, simulated modules at the
-// far end of the line, 50 events a minute and all that happens to a panel PC in a year:
+// Days of a plant on the test clock: engine, console and files as they are, simulated modules at
+// the far end of the line, 50 events a minute and all that happens to a panel PC in a year:
 // korvanelle-day <korvanelle.cfg> <hours>. Ends with 0 when each event came once and in order to
 // console, history, trace and paper, and nothing grew.
 
@@ -65,9 +65,9 @@ Sample Measure() {
         }
     }
     status.close();
-    sample.handles = int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot |
-                                                                        QDir::AllEntries |
-                                                                        QDir::System).size());
+    sample.handles = int(QDir(QStringLiteral("/proc/self/fd"))
+                             .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+                             .size());
     return sample;
 }
 
@@ -152,11 +152,12 @@ public:
             Second();
         ledger_.Printed(printer_.TakePaper());
         ledger_.CheckEnd(plant_, engine_->Paper().Unprinted());
-        std::printf("%d hours: %lld events, %.1f a minute, %lld of them made up of standing states; "
-                    "%d faults of the line, at most %d events waiting in a module, %lld events not on "
-                    "paper and told there; %d failures\n",
-                    hours, ledger_.Events(), double(ledger_.Events()) / (hours * 60.0),
-                    ledger_.MadeUp(), plant_.faults, plant_.mostWaiting, ledger_.NotOnPaper(), ledger_.Failures());
+        std::printf(
+            "%d hours: %lld events, %.1f a minute, %lld of them made up of standing states; "
+            "%d faults of the line, at most %d events waiting in a module, %lld events not on "
+            "paper and told there; %d failures\n",
+            hours, ledger_.Events(), double(ledger_.Events()) / (hours * 60.0), ledger_.MadeUp(),
+            plant_.faults, plant_.mostWaiting, ledger_.NotOnPaper(), ledger_.Failures());
         return ledger_.Failures() == 0;
     }
 
@@ -183,7 +184,8 @@ private:
     }
 
     /// What a year brings, once a day and in its first two hours: a midnight without the stick, the
-    /// clock back over midnight and forth again; each hour the printer; each four hours the adapter.
+    /// clock back over midnight and forth again; each hour the printer; each four hours the
+    /// adapter.
     void Script() {
         const int ofDay = second_ % (24 * Hour);
         const auto at = [&](int minute) { return ofDay == minute * Minute; };
@@ -219,6 +221,8 @@ private:
     void SetClock(int hours) {
         ledger_.CheckFiles();
         clock_.Set(clock_.Now() + hours / 24.0);
+        // From here on the files follow one another by their days again.
+        engine_->tmrMidnight_Timer();
         Second();
         if ((hours < 0) != Faults::Stands(Faults::Kind::ClockSetBack))
             ledger_.Fail(QStringLiteral("a clock that is set isn't told"));
@@ -253,8 +257,8 @@ private:
             !QFile::exists(stick_ + u'/' + before))
             ledger_.Fail(QStringLiteral("the day before isn't on the stick"));
         QFile trace(Trace::FileName(clock_.Now()));
-        if (!hasStick && (!trace.open(QIODevice::ReadOnly) ||
-                          !trace.readAll().contains("HISTORIES NOT COPIED")))
+        if (!hasStick &&
+            (!trace.open(QIODevice::ReadOnly) || !trace.readAll().contains("HISTORIES NOT COPIED")))
             ledger_.Fail(QStringLiteral("nothing tells that there is no stick"));
         for (int round = 0; round < 3 * Plant::Modules; ++round) {
             engine_->RunComm();
@@ -298,8 +302,7 @@ private:
             return;
         }
         if (now.kB > most_.kB + MostGrowthKb || now.heap > most_.heap + MostHeapGrowthKb ||
-            now.threads > most_.threads ||
-            now.handles > most_.handles)
+            now.threads > most_.threads || now.handles > most_.handles)
             ledger_.Fail(QStringLiteral("something grows"));
     }
 

@@ -59,8 +59,8 @@ void Plant::SetPlugged(bool plugged) {
         link_->setPortOpen(false);
 }
 
-/// Tells what a change, a frame or a hand on the module, has put into its memory, as soon as it is in
-/// the part that can be read.
+/// Tells what a change, a frame or a hand on the module, has put into its memory, as soon as it is
+/// in the part that can be read.
 void Plant::Watch(int address, const std::function<void()>& change) {
     Sim::Module& module = *bus_.Find(address)->module;
     const int before = module.Read(CountRegister);
