@@ -2,12 +2,15 @@
 
 namespace {
 
+constexpr int ReceiptRegister = 288;
 constexpr int CountRegister = 144;
 constexpr int MemoryRegister = 146;
 /// Events of a memory that can be read at a time.
 constexpr int Readable = 71;
 /// Of contacts and keys, one change of which is more than one event, and of troubles on the line.
 constexpr int ChangesAMinute = 40;
+/// One in so many receipts that a module has taken is not answered.
+constexpr int LostReceipts = 50;
 constexpr int TroublesAMinute = 3;
 constexpr int Minute = 60000;
 
@@ -90,6 +93,9 @@ QByteArray Plant::Answer(const QByteArray& frame) {
         Watch(request->address, handle);
     else
         handle();
+    // Nobody but the module knows of a receipt whose reply is lost.
+    if (!calm_ && request->first == ReceiptRegister && Random(LostReceipts) == 0)
+        reply.reset();
     return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
                               qsizetype(reply->frame.size()))
                  : QByteArray();
