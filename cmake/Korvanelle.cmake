@@ -45,7 +45,9 @@ function(korvanelle_tests folder)
     set_target_properties(test_${folder} PROPERTIES
         UNITY_BUILD ${KORVANELLE_UNITY_TESTS} UNITY_BUILD_BATCH_SIZE 6 AUTOMOC OFF AUTOUIC OFF
         AUTORCC OFF)
-    target_compile_options(test_${folder} PRIVATE -Wno-subobject-linkage)
+    if(KORVANELLE_UNITY_TESTS)
+        target_compile_options(test_${folder} PRIVATE -Wno-subobject-linkage)
+    endif()
     gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES TIMEOUT 300 COST ${KORVANELLE_TEST_COST}

@@ -4,8 +4,6 @@
 #include "support/FakeLink.h"
 #include "support/FakeModules.h"
 
-#include <random>
-
 namespace {
 
 class Exchange : public Bench {
@@ -16,21 +14,6 @@ protected:
     }
     FakeLink link;
 };
-
-TEST(Crc, OfKnownFrames) {
-    // Length is counted short of the last byte: the CRC's own two follow in a frame.
-    const auto crcOf = [](const QByteArray& bytes) {
-        return quint16(CommFunctions::CRC16(bytes + QByteArray(2, '\0'), int(bytes.size())));
-    };
-    EXPECT_EQ(crcOf("123456789"), 0x4B37);
-    EXPECT_EQ(crcOf(FromHex("1103006B0003")), 0x8776);
-    EXPECT_EQ(crcOf(FromHex("110600010003")), 0x9B9A);
-    EXPECT_EQ(crcOf(QByteArray()), 0xFFFF);
-
-    EXPECT_EQ(CommFunctions::CRC16(FromHex("1103006B"), 3), 1);
-    EXPECT_EQ(CommFunctions::CRC16(FromHex("1103006B"), 9), 1);
-    EXPECT_EQ(CommFunctions::CRC16(QByteArray(), 0), 1);
-}
 
 TEST_F(Exchange, FramesAreExactToTheByte) {
     Words words(3);
@@ -45,6 +28,10 @@ TEST_F(Exchange, FramesAreExactToTheByte) {
                                         WithCrc(FromHex("40060121FFFF"))};
     EXPECT_EQ(link.sent, expected);
     EXPECT_TRUE(link.readyToSend);
+    // The length is counted short of the last byte: the CRC's own two follow in a frame.
+    EXPECT_EQ(quint16(CommFunctions::CRC16("123456789xx", 9)), 0x4B37);
+    for (const int length : {3, 9})
+        EXPECT_EQ(CommFunctions::CRC16(FromHex("1103006B"), length), 1);
 }
 
 TEST_F(Exchange, TakesAGoodReplyWithoutWaiting) {
@@ -60,37 +47,6 @@ TEST_F(Exchange, TakesAGoodReplyWithoutWaiting) {
     Answer(WithCrc(FromHex("111000010002")));
     EXPECT_TRUE(EcritMots(link, 0x11, 1, {10, 258}));
     EXPECT_EQ(link.waitedMs, 0);
-}
-
-TEST_F(Exchange, RefusesADamagedReadAndKeepsTheValues) {
-    const QByteArray good = WithCrc(FromHex("1103020007"));
-    struct {
-        const char* what;
-        QByteArray reply;
-        qint64 waits;
-    } const damages[] = {
-        {"silence", {}, 1028},
-        {"short by one", good.chopped(1), 1028},
-        {"one byte", good.left(1), 1028},
-        {"one surplus byte", good + '\0', 0},
-        {"two replies", good + good, 0},
-        {"CRC high", good.chopped(1) + char(good.back() ^ 1), 0},
-        {"CRC low", good.left(5) + char(good[5] ^ 0x80) + good[6], 0},
-        {"a flipped value", good.left(4) + char(8) + good.mid(5), 0},
-        {"another address", WithCrc(FromHex("1203020007")), 0},
-        {"another function", WithCrc(FromHex("1104020007")), 0},
-        {"an exception", WithCrc(FromHex("118302")), 1028},
-        {"the echo", WithCrc(FromHex("110300900001")), 0},
-    };
-    for (const auto& damage : damages) {
-        Answer(damage.reply);
-        link.waitedMs = 0;
-        Words words{-5};
-        EXPECT_FALSE(LitMots(link, 0x11, 144, words)) << damage.what;
-        EXPECT_EQ(words, Words{-5}) << damage.what;
-        EXPECT_EQ(link.waitedMs, damage.waits) << damage.what;
-    }
-    EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(Exchange, RefusesADamagedReplyToAWrite) {
@@ -123,30 +79,12 @@ TEST_F(Exchange, DeadlineGrowsWithWordsAndSpeed) {
     EXPECT_EQ(CommFunctions::ReadDeadline(1, 9600), 1028);
     EXPECT_EQ(CommFunctions::ReadDeadline(124, 9600), 4571);
     EXPECT_EQ(CommFunctions::ReadDeadline(12, 19200), 1691);
-    link.setSettings(QStringLiteral("19200,E,8,1"));
+    link.setSettings(Text("19200,E,8,1"));
     Words words(12);
     const qint64 before = clock.MonotonicMs();
     LitMots(link, 1, 1, words);
     EXPECT_EQ(link.waitedMs, 1691);
     EXPECT_EQ(clock.MonotonicMs() - before, 25 + 1691) << "with the rest ahead of the frame";
-}
-
-TEST_F(Exchange, ABroadcastHasNoReply) {
-    const qint64 before = clock.MonotonicMs();
-    EXPECT_TRUE(EcritUnMot(link, 0, 289, 0));
-    EXPECT_TRUE(EcritMots(link, 0, 25, {1, 2}));
-    EXPECT_EQ(clock.MonotonicMs() - before, 2 * 25);
-    EXPECT_EQ(link.sent.value(0), WithCrc(FromHex("000601210000")));
-    EXPECT_EQ(link.sent.value(1), WithCrc(FromHex("0010001900020400010002")));
-}
-
-TEST_F(Exchange, ALateReplyCantSpoilTheNextExchange) {
-    Answer(WithCrc(FromHex("1103020007")).left(4));
-    Words words(1);
-    EXPECT_FALSE(LitMots(link, 0x11, 144, words));
-    Answer(WithCrc(FromHex("1103020009")));
-    EXPECT_TRUE(LitMots(link, 0x11, 144, words));
-    EXPECT_EQ(words, Words{9});
 }
 
 TEST_F(Exchange, WithoutAPortNothingAnswersAndNoBoxComes) {
@@ -163,9 +101,7 @@ TEST_F(Exchange, WithoutAPortNothingAnswersAndNoBoxComes) {
 TEST_F(Exchange, ModuleTypeFollowsTwoRegisters) {
     constexpr int Silent = -1;
     struct {
-        int family;
-        int variant;
-        int type;
+        int family, variant, type;
     } const rows[] = {
         {Silent, 2, 0}, {0, 2, 0}, {1, Silent, 3}, {1, 2, 5}, {1, 0, 1},      {1, 1, 1},
         {1, 3, 1},      {2, 2, 2}, {2, Silent, 2}, {3, 2, 0}, {0x8001, 2, 0},
@@ -181,44 +117,9 @@ TEST_F(Exchange, ModuleTypeFollowsTwoRegisters) {
         EXPECT_EQ(GetModuleType(link, 5), row.type) << row.family << ", " << row.variant;
     }
     link.sent.clear();
-    link.answer = [](const QByteArray&) { return WithCrc(QByteArray::fromHex("0503020002")); };
+    link.answer = [](const QByteArray&) { return WithCrc(FromHex("0503020002")); };
     GetModuleType(link, 5);
     EXPECT_EQ(link.sent.size(), 1) << "family 2 has no variant";
-}
-
-TEST_F(Exchange, SurvivesAnyReply) {
-    // Seeded: a failure comes back with the next run.
-    std::mt19937 chance(20240315);
-    const auto random = [&](int below) { return int(chance() % unsigned(below)); };
-    int good = 0;
-    for (int i = 0; i < 20000; ++i) {
-        const int count = 1 + random(124);
-        QByteArray reply = QByteArray(1, '\5') + '\3' + char(2 * count);
-        for (int byte = 0; byte < 2 * count; ++byte)
-            reply += char(random(256));
-        reply = WithCrc(reply);
-        const int damage = random(6);
-        if (damage == 1)
-            reply.truncate(random(int(reply.size())));
-        else if (damage == 2)
-            reply += QByteArray(1 + random(900), char(random(256)));
-        else if (damage == 3)
-            reply[random(int(reply.size()))] ^= char(1 + random(255));
-        else if (damage == 4)
-            reply = QByteArray(random(300), char(random(256)));
-        Answer(reply);
-        const Words before(count, qint16(random(30000)));
-        Words words = before;
-        const bool done = LitMots(link, 5, 146, words);
-        good += done ? 1 : 0;
-        // A flip may hit the byte count, which the CRC covers: nothing damaged passes.
-        EXPECT_EQ(done, damage == 0 || damage == 5);
-        if (!done) {
-            EXPECT_EQ(words, before);
-        }
-    }
-    EXPECT_GT(good, 6000);
-    EXPECT_EQ(boxes, QStringList());
 }
 
 } // namespace

@@ -31,8 +31,11 @@ protected:
     bool Read(int panel, const QByteArray& reply, int milliseconds = 0) {
         link.answer = [reply](const QByteArray&) { return reply; };
         link.delay = milliseconds;
-        Words words(1);
-        return LitMots(link, quint8(panel), 144, words);
+        link.waitedMs = 0;
+        Words words{-5};
+        const bool done = LitMots(link, quint8(panel), 144, words);
+        EXPECT_EQ(words == Words{-5}, !done) << "a damaged reply changes nothing";
+        return done;
     }
     bool Write(int panel, const QByteArray& reply) {
         link.answer = [reply](const QByteArray&) { return reply; };
@@ -56,6 +59,8 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
         {"short by one", good.chopped(1), Outcome::BadCrc},
         {"a surplus byte", good + '\0', Outcome::BadCrc},
         {"two replies", good + good, Outcome::BadCrc},
+        {"the CRC high", good.chopped(1) + char(good.back() ^ 1), Outcome::BadCrc},
+        {"the CRC low", good.left(5) + char(good[5] ^ 0x80) + good[6], Outcome::BadCrc},
         {"a flipped bit", good.left(4) + '\6' + good.mid(5), Outcome::BadCrc},
         {"the echo", WithCrc(FromHex("110300900001")), Outcome::BadCrc},
         {"another function", WithCrc(FromHex("1104020007")), Outcome::BadCrc},
@@ -68,7 +73,9 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
     for (const auto& read : reads) {
         EXPECT_EQ(Read(0x11, read.reply), read.outcome == Outcome::Answered) << read.what;
         EXPECT_EQ(diagnosis.LastOf(0x11), read.outcome) << read.what;
+        EXPECT_EQ(link.waitedMs, read.reply.size() < good.size() ? 1028 : 0) << read.what;
     }
+    EXPECT_EQ(boxes, QStringList());
     EXPECT_FALSE(Write(0x11, WithCrc(FromHex("118604"))));
     EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::Exception);
     EXPECT_TRUE(Write(0x11, FromHex("1106000100030000"))) << "its CRC doesn't count";
@@ -76,7 +83,7 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
 
     const BusDiagnosis::Counters counters = diagnosis.SinceStart(0x11);
     EXPECT_EQ(counters.exchanges, std::size(reads) + 2);
-    EXPECT_EQ(counters.outcomes, (std::array<quint32, 5>{1, 1, 9, 2, 3}));
+    EXPECT_EQ(counters.outcomes, (std::array<quint32, 5>{1, 1, 11, 2, 3}));
     EXPECT_EQ(diagnosis.SinceStart(0x12), BusDiagnosis::Counters()) << "it wasn't asked";
 
     link.setPortOpen(false);

@@ -71,8 +71,39 @@ protected:
                 addresses += quint8(frame[0]);
         return addresses;
     }
+    QList<int> Ids() const {
+        QList<int> ids;
+        for (const EventClass& event : events)
+            ids += event.ID();
+        return ids;
+    }
+    /// "panel/channel qualifier state clock" of each.
+    static QStringList Fields(const QList<EventClass>& list) {
+        QStringList fields;
+        for (const EventClass& event : list) {
+            fields += Text("%1/%2 %3 %4 %5")
+                          .arg(event.Panel())
+                          .arg(event.Chnl())
+                          .arg(event.Param())
+                          .arg(event.Aff())
+                          .arg(event.Clock());
+        }
+        return fields;
+    }
+    static QList<int> Counters(const PanelClass& panel) {
+        return {panel.ErrCptr(0), panel.ErrCptr(1), panel.ErrCptr(2)};
+    }
+    /// The queue without its times: "panel:register=values".
+    QStringList Waiting() const {
+        QStringList texts;
+        for (int position = 1; position <= engine->Commands().Count(); ++position) {
+            const QStringList pieces = engine->Commands().Item(position)->ToText().split(u'|');
+            texts += pieces[1] + u':' + pieces[2] + u'=' + pieces.mid(4).join(u',');
+        }
+        return texts;
+    }
     static QString Stored(const QString& section, const QString& key) {
-        return IniRead(section, key, QStringLiteral("none"));
+        return IniRead(section, key, Text("none"));
     }
 
     FakeModules modules;

@@ -57,10 +57,7 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
         return Lines{"write 6 " + std::to_string(registerNo) + " 3", "write 6 64 1"};
     };
     struct {
-        int source;
-        int fromChannel;
-        int target;
-        int toChannel;
+        int source, fromChannel, target, toChannel;
         Lines expected;
     } const rows[] = {
         {1, 0, 1, 0, r3r3},      {1, 0, 3, 24, r3r3},      {3, 0, 1, 12, r3r3},
@@ -101,17 +98,28 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
 
 TEST_F(MirrorEngine, TakesTheRulesOfTheSourceInTheirOrder) {
     AddModule(7, Models::P5000).setActive(false);
-    AddModule(8, Models::Q7000).setActive(false);
+    for (const int address : {1, 8})
+        AddModule(address, Models::Q7000).setActive(false);
     Site().Mirrors().Add(5, 3, 8, 2, MirrorClass::Pulse);
     Site().Mirrors().Add(5, 3, 7, 1, MirrorClass::Permanent);  // nothing can be done with it
     Site().Mirrors().Add(5, 3, 6, 20, MirrorClass::Permanent); // an error
     Site().Mirrors().Add(5, 4, 6, 9, MirrorClass::Permanent);
     Site().Mirrors().Add(8, 3, 6, 9, MirrorClass::Permanent);
     Site().Mirrors().Add(5, 3, 6, 1, MirrorClass::Permanent);
+    Site().Mirrors().Add(5, 3, 1, 2, MirrorClass::Pulse);
     Miroirs::DoMirrors(EventClass(5, 3, 1, 4), Sink());
     EXPECT_EQ(engine->Commands().Item(1)->SendTime(), clock.Now());
-    EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
-    EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2"}));
+    EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
+    EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2", "write 1 18 3"}));
+
+    // Rules out of all bounds go to the trace.
+    Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
+    Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
+    const qsizetype traced = TraceLines().size();
+    EventClass event(5, 7, 0, 1);
+    Miroirs::DoMirrors(event, Sink());
+    EXPECT_EQ(boxes, QStringList());
+    EXPECT_EQ(TraceLines().mid(traced).filter(Text("MIRROR ERROR")).size(), 2);
 }
 
 TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
@@ -134,42 +142,34 @@ TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
 }
 
 TEST_F(MirrorEngine, ChannelToLamp) {
+    constexpr int Nothing = -2;
     Site().Panel(6).setModel(Models::Q6200XT);
-    const Lines none;
-    struct {
-        qint16 param;
-        qint16 aff;
-        qint16 before;
-        Lines expected;
+    const struct {
+        qint16 param, aff, before;
+        int written;
         qint16 after;
-        bool takesKind;
-    } const rows[] = {
-        {1, 3, 0, {"write 6 20 3", "write 6 64 1"}, 3, true},
-        {1, 4, 1, {"write 6 20 4", "write 6 64 1"}, 4, true},
-        {0, 3, 1, none, 1, false},
-        {2, 3, 1, none, 1, false},
-        {0, 1, 0, {"write 6 20 1"}, 1, true},
-        {0, 1, 3, {"write 6 20 1"}, 1, true},
-        {1, 1, 3, none, 3, false},
-        {0, 0, 3, {"write 6 20 0"}, 0, true},
-        {0, 0, 0, {"write 6 20 0"}, 0, true},
-        {1, 0, 1, {"write 6 20 0"}, 0, true},
-        {2, 0, 1, {"write 6 20 0"}, 0, true},
-        {1, 0, 2, none, -1, false},
-        {1, 0, 4, none, -1, false},
-        {1, 0, 0, none, 0, false},
-        {1, 0, -1, none, -1, false},
-        {1, 2, 3, none, 3, false},
-        {0, 2, 3, none, 3, false},
+    } rows[] = {
+        {1, 3, 0, 3, 3},        {1, 4, 1, 4, 4},       {0, 3, 1, Nothing, 1},
+        {2, 3, 1, Nothing, 1},  {0, 1, 0, 1, 1},       {0, 1, 3, 1, 1},
+        {1, 1, 3, Nothing, 3},  {0, 0, 3, 0, 0},       {0, 0, 0, 0, 0},
+        {1, 0, 1, 0, 0},        {2, 0, 1, 0, 0},       {1, 0, 2, Nothing, -1},
+        {1, 0, 4, Nothing, -1}, {1, 0, 0, Nothing, 0}, {1, 0, -1, Nothing, -1},
+        {1, 2, 3, Nothing, 3},  {0, 2, 3, Nothing, 3},
     };
-    for (const auto& row : rows) {
-        Lamp(20).setState(row.before);
+    for (const auto& [param, aff, before, written, after] : rows) {
+        SCOPED_TRACE(::testing::Message() << param << " " << aff << " " << before);
+        Lines expected;
+        if (written != Nothing)
+            expected.push_back("write 6 20 " + std::to_string(written));
+        if (written >= 3)
+            expected.push_back("write 6 64 1");
+        Lamp(20).setState(before);
         Lamp(20).setMirrorType(MirrorClass::NoKind);
-        Miroirs::TraitementV3V2(EventClass(5, 1, row.param, row.aff), Rule(20, MirrorClass::Pulse),
-                                Sink());
-        EXPECT_EQ(Lamp(20).State(), row.after) << "at once, ahead of the command";
-        EXPECT_EQ(Lamp(20).MirrorType(), row.takesKind ? MirrorClass::Pulse : MirrorClass::NoKind);
-        EXPECT_EQ(Carried(), row.expected) << row.param << " " << row.aff << " " << row.before;
+        Miroirs::TraitementV3V2(EventClass(5, 1, param, aff), Rule(20, MirrorClass::Pulse), Sink());
+        EXPECT_EQ(Lamp(20).State(), after) << "at once, ahead of the command";
+        EXPECT_EQ(Lamp(20).MirrorType(),
+                  written == Nothing ? MirrorClass::NoKind : MirrorClass::Pulse);
+        EXPECT_EQ(Carried(), expected);
     }
 }
 
@@ -183,14 +183,10 @@ TEST_F(MirrorEngine, PacksTheStatesOfADisplay) {
     Lamp(24).setState(4);
     Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), Sink());
     EXPECT_EQ(Carried(), Lines{"writes 6 25 12417 1 16384 0 2048"});
-}
 
-TEST_F(MirrorEngine, AnAcknowledgementLeavesOfEachLampWhatItsKindSays) {
-    Site().Panel(6).setModel(Models::Q6200XT);
+    // An acknowledgement leaves of each lamp what its kind says.
     struct {
-        qint16 kind;
-        qint16 before;
-        qint16 after;
+        qint16 kind, before, after;
     } const rows[] = {{2, 3, 1}, {2, 4, 1}, {2, 2, 2}, {2, 1, 1}, {2, 0, 0}, {2, -1, 0},
                       {1, 3, 0}, {1, 1, 0}, {0, 3, 3}, {0, 1, 1}, {3, 4, 4}};
     int channel = 24;
@@ -215,8 +211,7 @@ TEST_F(MirrorEngine, ADisplayThatIsAcknowledgedIsRefreshedAndPassesItOn) {
     modules[9][68] = 1;
     Rounds(1);
     modules[9][68] = 0;
-    ASSERT_EQ(events.size(), 1);
-    EXPECT_EQ(events[0].ID(), 0x09000002);
+    EXPECT_EQ(Ids(), QList<int>{0x09000002});
     EXPECT_EQ(lamp.State(), 1);
     Lines carried = Carried();
     carried.resize(3);
@@ -289,16 +284,6 @@ TEST_F(MirrorEngine, RefusesWhatWouldCloseACircle) {
     EXPECT_TRUE(Miroirs::IsMirrorLoop(circle, 7, 7, 64, 1)) << "a damaged list ends too";
     EXPECT_FALSE(Miroirs::IsMirrorLoop(circle, 61, 1, 7, 7));
     EXPECT_FALSE(Miroirs::IsMirrorLoop(MirrorClasses(), 1, 1, 1, 1));
-}
-
-TEST_F(MirrorEngine, ARuleOutOfAllBoundsGoesToTheTrace) {
-    Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
-    Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
-    const qsizetype traced = TraceLines().size();
-    EventClass event(5, 7, 0, 1);
-    Miroirs::DoMirrors(event, Sink());
-    EXPECT_EQ(boxes, QStringList());
-    EXPECT_EQ(TraceLines().mid(traced).filter(QStringLiteral("MIRROR ERROR")).size(), 2);
 }
 
 } // namespace

@@ -2,69 +2,50 @@
 
 #include "bus/Engine.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "support/PipePrinter.h"
 
 namespace {
 
 class PrinterRoad : public Engine {
 protected:
     PrinterRoad() {
-        const QString pipe = Path(QStringLiteral("printer"));
-        EXPECT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        IniWrite(QStringLiteral("Ports"), QStringLiteral("LPT1"), pipe);
-        Site().setPrtSettings(QStringLiteral("LPT1:"));
-        Site().setPrinterInitString(5, QStringLiteral("1B 45"));
-        OpenReader();
+        IniWrite(Text("Ports"), Text("LPT1"), Path(Text("printer")));
+        Site().setPrtSettings(Text("LPT1:"));
+        Site().setPrinterInitString(5, Text("1B 45"));
+        printer.SwitchOn();
         Start();
         ChannelClass& channel = AddModule(5, Models::Q7100).Channel(7);
         channel.setPrtAlm(true);
-        channel.setPrintText(QString::fromUtf8("Brûleur à gaz"));
+        channel.setPrintText(Text("Brûleur à gaz"));
         SetOptions(0, 0, 31, 0);
     }
-    ~PrinterRoad() override { CloseReader(); }
 
-    void OpenReader() {
-        const QByteArray path = QFile::encodeName(Path(QStringLiteral("printer")));
-        reader = open(path.constData(), O_RDONLY | O_NONBLOCK);
-    }
-    void CloseReader() {
-        if (reader >= 0)
-            close(reader);
-        reader = -1;
-    }
-    QByteArray Paper() const {
-        QByteArray bytes(4096, '\0');
-        bytes.resize(qMax<qsizetype>(0, read(reader, bytes.data(), size_t(bytes.size()))));
-        return bytes;
-    }
     void Route(qint16 chnl, qint16 aff) {
         EventClass event(5, chnl, 0, aff);
         event.setGDH(clock.Now());
         engine->SendEvent(event);
     }
 
-    int reader = -1;
+    PipePrinter printer{Path(Text("printer"))};
 };
 
 TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
-    Paper();
+    printer.Taken();
     Forget();
     Route(7, 1);
-    const QByteArray line = Paper();
+    const QByteArray line = printer.Taken();
     EXPECT_EQ(line.left(30), QByteArray("\x1B"
                                         "E2024-03-15 12:00:00        P"));
     EXPECT_TRUE(line.endsWith("Br\x96leur \x85 gaz\r\n")) << line.toStdString();
     Route(8, 1);
-    EXPECT_EQ(Paper(), QByteArray()) << "a channel that isn't printed";
+    EXPECT_EQ(printer.Taken(), QByteArray()) << "a channel that isn't printed";
 
-    CloseReader();
+    printer.SwitchOff();
     Route(7, 1);
     Route(7, 0);
     EXPECT_EQ(events.size(), 4);
     EXPECT_EQ(boxes, QStringList());
-    const auto told = [this] { return TraceLines().filter(QStringLiteral(" PRINTER ERROR  ")); };
+    const auto told = [this] { return TraceLines().filter(Text(" PRINTER ERROR  ")); };
     const qsizetype first = told().size();
     EXPECT_GE(first, 1);
     Route(7, 1);
@@ -74,10 +55,10 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     EXPECT_EQ(told().size(), first + 1);
 
     EXPECT_TRUE(Faults::Stands(Faults::Kind::PrinterNotReached));
-    OpenReader();
+    printer.SwitchOn();
     clock.Advance(EventPrinter::TryPause);
     Route(7, 1);
-    const QByteArray paper = Paper();
+    const QByteArray paper = printer.Taken();
     EXPECT_TRUE(paper.startsWith("4 events not printed, see history\r\n\x1B"
                                  "E2024-03-15 13:00:31 "))
         << paper.toStdString();
@@ -86,15 +67,15 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
 
 // Whoever chooses the ports may do it in either order.
 TEST_F(PrinterRoad, ThePortOfTheBusIsNeverPrintedOn) {
-    EXPECT_EQ(engine->dpPrinter().Port(), QStringLiteral("LPT1"));
-    IniWrite(QStringLiteral("Ports"), QStringLiteral("COM4"), Path(QStringLiteral("printer")));
-    Site().setBusSettings(QStringLiteral("COM4:9600,N,8,1"));
+    EXPECT_EQ(engine->dpPrinter().Port(), Text("LPT1"));
+    IniWrite(Text("Ports"), Text("COM4"), Path(Text("printer")));
+    Site().setBusSettings(Text("COM4:9600,N,8,1"));
     engine->ConfigCommPort();
     EXPECT_EQ(boxes.filter(GetText(714061)).size(), 1);
     EXPECT_EQ(engine->dpPrinter().Port(), QString());
-    Paper();
+    printer.Taken();
     Route(7, 1);
-    EXPECT_EQ(Paper(), QByteArray());
+    EXPECT_EQ(printer.Taken(), QByteArray());
 }
 
 } // namespace

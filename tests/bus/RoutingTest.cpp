@@ -46,13 +46,13 @@ protected:
     }
     /// What each consumer has of the last event, besides the log of the forms.
     void Note(const QString& what) {
-        log += QStringLiteral("%1, %2 histo, %3 traced")
+        log += Text("%1, %2 histo, %3 traced")
                    .arg(what)
                    .arg(Histo().size())
                    .arg(TraceLines().size() - traced);
     }
     QStringList Histo() const {
-        const QString name = QStringLiteral("Histo202403.his");
+        const QString name = Text("Histo202403.his");
         return QFile::exists(Path(name)) ? LinesOf(name).mid(1) : QStringList();
     }
 
@@ -63,38 +63,22 @@ protected:
 
 TEST_F(Routing, ServesItsConsumersInOrder) {
     log.clear();
-    FakeForm menu(QStringLiteral("wMain"), log);
-    FakeForm own(QStringLiteral("wPolling"), log);
-    Global::Get().sound = std::make_unique<NotingSound>([this] { Note(QStringLiteral("horn")); });
-    QObject::connect(engine.get(), &wPolling::BusEvent, [this] { Note(QStringLiteral("signal")); });
+    FakeForm menu(Text("wMain"), log);
+    FakeForm own(Text("wPolling"), log);
+    Global::Get().sound = std::make_unique<NotingSound>([this] { Note(Text("horn")); });
+    QObject::connect(engine.get(), &wPolling::BusEvent, [this] { Note(Text("signal")); });
     const qsizetype before = Histo().size();
     traced = TraceLines().size();
     Route(5, 7, 0, 1);
-    EXPECT_EQ(log, (QStringList{QStringLiteral("horn, %1 histo, 0 traced").arg(before),
-                                QStringLiteral("show wRunAlarms"),
-                                QStringLiteral("front wRunAlarms"), QStringLiteral("unload wMain"),
-                                QStringLiteral("signal, %1 histo, 0 traced").arg(before + 1)}));
+    EXPECT_EQ(log,
+              (QStringList{Text("horn, %1 histo, 0 traced").arg(before), Text("show wRunAlarms"),
+                           Text("front wRunAlarms"), Text("unload wMain"),
+                           Text("signal, %1 histo, 0 traced").arg(before + 1)}));
     EXPECT_EQ(TraceLines().size() - traced, 1);
     EXPECT_EQ(boxes, QStringList());
-}
-
-TEST_F(Routing, ShowsAConsoleThatAnotherFormTookDown) {
-    // A form whose end takes the console with it.
-    class Taker : public FakeForm {
-    public:
-        using FakeForm::FakeForm;
-        void Unload() override {
-            FakeForm::Unload();
-            Forms::Unload(FormNames::wRunAlarms);
-        }
-    };
-    log.clear();
-    const Taker taker(QStringLiteral("wSysComm"), log);
-    Route(5, 7, 0, 1);
-    EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
-    EXPECT_EQ(log.mid(2),
-              (QStringList{QStringLiteral("unload wSysComm"), QStringLiteral("unload wRunAlarms"),
-                           QStringLiteral("show wRunAlarms"), QStringLiteral("front wRunAlarms")}));
+    Route(5, 30, 0, 1);
+    EXPECT_TRUE(TraceLines().last().endsWith(Text("051E0001")));
+    EXPECT_EQ(TraceLines().last().size(), 43);
 }
 
 TEST_F(Routing, OutOfOrderTakesTheStateAndNothingElse) {
@@ -120,7 +104,7 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
         QFile::remove(Path(name));
         ASSERT_TRUE(QDir().mkdir(Path(name)));
     };
-    block(QStringLiteral("Histo202403.his"));
+    block(Text("Histo202403.his"));
     // Neither before nor behind: the box waits until the event has gone all its ways.
     QStringList told;
     Messages::Install([&](const QString& text, int, bool) {
@@ -132,7 +116,7 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
     });
     Route(5, 7, 0, 1);
     ASSERT_EQ(told.size(), 1);
-    EXPECT_TRUE(told[0].contains(QStringLiteral("HistoProcs\r\nFunction : HistoEvent")));
+    EXPECT_TRUE(told[0].contains(Text("HistoProcs\r\nFunction : HistoEvent")));
     EXPECT_EQ(TraceLines().size() - traced, 1 + 2) << "the event, the error and the fault";
 
     // The trace of the new day can't be opened; a line that can be written again is.
@@ -144,23 +128,20 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
     clock.Set(2024, 3, 16, 8, 0, 0);
     Site().Mirrors().Add(5, 7, 6, 3, MirrorClass::Permanent);
     AddModule(6, Models::Q7100);
-    block(QStringLiteral("Trace/20240316.log"));
+    block(Text("Trace/20240316.log"));
     EXPECT_FALSE(ErrorHandling::Guard("Trace.OpenToday", [] { Trace::OpenToday(); }));
     Route(5, 7, 0, 1);
     EXPECT_EQ(told.size(), 3) << "the opening, history and trace";
     EXPECT_EQ(engine->Commands().Count(), 1) << "the mirror";
-    ASSERT_TRUE(QDir().rmdir(Path(QStringLiteral("Trace/20240316.log"))));
+    ASSERT_TRUE(QDir().rmdir(Path(Text("Trace/20240316.log"))));
     Route(5, 7, 0, 0);
-    EXPECT_EQ(LinesOf(QStringLiteral("Trace/20240316.log")).size(), 1 + 1)
+    EXPECT_EQ(LinesOf(Text("Trace/20240316.log")).size(), 1 + 1)
         << "the event, and the end of what kept it from being written";
 }
 
 TEST_F(Routing, TheHornFollowsTheEvent) {
     struct {
-        qint16 chnl;
-        qint16 param;
-        qint16 aff;
-        qint16 priority;
+        qint16 chnl, param, aff, priority;
     } const rows[] = {
         {255, 1, 0, 99}, {255, 1, 1, 0}, {0, 0, 1, 0},   {0, 0, 2, 0},  {7, 0, 1, 40},
         {7, 1, 1, 99},   {7, 0, 2, 40},  {7, 1, 3, 40},  {7, 0, 4, 40}, {7, 0, 0, 0},
@@ -172,27 +153,13 @@ TEST_F(Routing, TheHornFollowsTheEvent) {
         EXPECT_EQ(Global::Get().currentPriority, row.priority)
             << row.chnl << " " << row.param << " " << row.aff;
     }
-    // The models that never sound.
-    for (const int model : {Models::P5000, Models::P5500}) {
-        Site().Panel(5).setModel(quint8(model));
-        Global::Get().currentPriority = 0;
-        Route(5, 255, 1, 0);
-        Route(5, 7, 0, 1);
-        EXPECT_EQ(Global::Get().currentPriority, 0);
-    }
-}
-
-TEST_F(Routing, TheTraceLineIsTrimmed) {
-    Route(5, 30, 0, 1);
-    EXPECT_TRUE(TraceLines().last().endsWith(QStringLiteral("051E0001")));
-    EXPECT_EQ(TraceLines().last().size(), 43);
 }
 
 TEST_F(Routing, InactivityThrowsOutAllButTheLowestLevels) {
     for (const int level : {0, 1}) {
         Global::Get().userLevel = level;
         log.clear();
-        FakeForm menu(QStringLiteral("wMain"), log);
+        FakeForm menu(Text("wMain"), log);
         Q_EMIT engine->UserSleep().UserIsNotHere();
         EXPECT_EQ(Global::Get().userLevel, level);
         EXPECT_EQ(log, QStringList());
@@ -202,18 +169,16 @@ TEST_F(Routing, InactivityThrowsOutAllButTheLowestLevels) {
     const qsizetype lines = TraceLines().size();
     for (const int level : {2, 3, 4}) {
         Global::Get().userLevel = level;
-        Global::Get().userName = QStringLiteral("MANAGER");
+        Global::Get().userName = Text("MANAGER");
         console.reset();
         Forget();
         log.clear();
-        FakeForm menu(QStringLiteral("wMain"), log);
-        FakeForm own(QStringLiteral("wPolling"), log);
+        FakeForm menu(Text("wMain"), log);
+        FakeForm own(Text("wPolling"), log);
         Q_EMIT engine->UserSleep().UserIsNotHere();
         EXPECT_EQ(Global::Get().userLevel, 0);
-        EXPECT_EQ(Global::Get().userName, QStringLiteral("MANAGER"));
-        EXPECT_EQ(log,
-                  (QStringList{QStringLiteral("unload wMain"), QStringLiteral("show wRunAlarms"),
-                               QStringLiteral("front wRunAlarms")}));
+        EXPECT_EQ(Global::Get().userName, Text("MANAGER"));
+        EXPECT_EQ(log, TextList({"unload wMain", "show wRunAlarms", "front wRunAlarms"}));
         EXPECT_EQ(events.size(), 0);
     }
     EXPECT_EQ(changes, 3);
@@ -236,16 +201,16 @@ TEST_F(Routing, InactivityCountsByTheSite) {
 }
 
 TEST_F(Routing, TheEndFromOutsideIsTraced) {
-    const QString tail = QStringLiteral("  ******** SYSTEM  APPLI STOP    ") + QString(26, u'*') +
-                         u' ' + QString(39, u'*');
+    const QString tail =
+        Text("  ******** SYSTEM  APPLI STOP    ") + QString(26, u'*') + u' ' + QString(39, u'*');
     Global::Get().currentPriority = 5;
     engine->Form_QueryUnload(platform::UnloadMode::Code);
     EXPECT_EQ(TraceLines().size(), traced);
     EXPECT_EQ(horn->stops, 1);
     engine->Form_QueryUnload(platform::UnloadMode::TaskManager);
-    EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 TASK  MANAGER") + tail);
+    EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 TASK  MANAGER") + tail);
     engine->Form_QueryUnload(platform::UnloadMode::System);
-    EXPECT_EQ(TraceLines().last(), QStringLiteral("2024-03-15 12:00:00 CLOSE  WINDOWS") + tail);
+    EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 CLOSE  WINDOWS") + tail);
     EXPECT_EQ(horn->stops, 3);
 }
 

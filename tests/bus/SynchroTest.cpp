@@ -1,4 +1,4 @@
-#include "bus/Engine.h"
+#include "bus/EventMemory.h"
 
 #include "bus/Miroirs.h"
 #include "core/Forms.h"
@@ -18,7 +18,7 @@ using Lines = std::vector<std::string>;
 class Synchro : public Engine {
 protected:
     Synchro() {
-        Forms::Register(QStringLiteral("wRunAlarms"), [this]() -> Forms::Form* {
+        Forms::Register(Text("wRunAlarms"), [this]() -> Forms::Form* {
             console = std::make_unique<FakeConsole>(log);
             return console.get();
         });
@@ -26,7 +26,7 @@ protected:
         Load();
     }
     ~Synchro() override {
-        Forms::Register(QStringLiteral("wRunAlarms"), {});
+        Forms::Register(Text("wRunAlarms"), {});
         Messages::InstallNotice(nullptr);
     }
 
@@ -62,10 +62,6 @@ protected:
                 list += event;
         return list;
     }
-    static QList<int> FieldsOf(const EventClass& event) {
-        return {event.Panel(), event.Chnl(), event.Param(), event.Aff(), event.Clock()};
-    }
-
     QStringList log;
     std::unique_ptr<FakeConsole> console;
     QList<int> silentOn133;
@@ -110,6 +106,8 @@ TEST_F(Synchro, SilenceCostsThreeQuestionsAndNoMore) {
     silent.setErrCptr(1, 2);
     silent.setErrCptr(2, 3);
     PanelClass& late = Put(6, Models::Q6200XT);
+    for (int counter = 0; counter < 3; ++counter)
+        late.setErrCptr(counter, 2);
     int questions = 0;
     link->answer = [&](const QByteArray& frame) {
         return quint8(frame[0]) == 6 && ++questions < 3 ? QByteArray() : Answer(frame);
@@ -123,13 +121,12 @@ TEST_F(Synchro, SilenceCostsThreeQuestionsAndNoMore) {
     EXPECT_EQ(silent.ActualModel(), 0);
     EXPECT_EQ(silent.ErrCptr(1) + silent.ErrCptr(2), 0);
     EXPECT_TRUE(late.Present());
-    ASSERT_EQ(events.size(), 1) << "the next polls tell who is missing, not this";
-    EXPECT_EQ(events[0].ID(), 0x00FE0004);
+    EXPECT_EQ(Counters(late), (QList<int>{0, 0, 0}));
+    EXPECT_EQ(Ids(), QList<int>{0x00FE0004});
     late.setActive(false);
     silent.setNextPoll(clock.Now() - 1);
     Rounds(3);
-    ASSERT_EQ(events.size(), 2);
-    EXPECT_EQ(events[1].ID(), 0x05FF0100);
+    EXPECT_EQ(Ids().mid(1), QList<int>{0x05FF0100});
     silent.setNextPoll(clock.Now() - 1);
     Rounds(1);
     EXPECT_EQ(events.size(), 2) << "once";
@@ -184,30 +181,16 @@ TEST_F(Synchro, StandingStatesBecomeEventsWithTheirQualifiers) {
     for (int number = 1; number <= 24; ++number)
         Site().Panel(7).Channel(number).setState(3);
     engine->setRun(true);
-    QList<QList<int>> fields;
-    for (const EventClass& event : ChannelEvents())
-        fields += FieldsOf(event);
-    EXPECT_EQ(fields, (QList<QList<int>>{{5, 1, 0, 1, -1},
-                                         {5, 2, 1, 3, -1},
-                                         {5, 3, 1, 0, -1},
-                                         {5, 5, 2, 2, -1},
-                                         {5, 6, 1, 4, -1},
-                                         {5, 12, 1, 1, -1},
-                                         {6, 1, 0, 1, -1},
-                                         {6, 2, 0, 3, -1},
-                                         {6, 3, 0, 0, -1},
-                                         {6, 5, 0, 2, -1},
-                                         {6, 6, 0, 4, -1},
-                                         {8, 1, 0, 1, -1},
-                                         {8, 2, 0, 3, -1},
-                                         {8, 3, 0, 0, -1},
-                                         {8, 5, 0, 2, -1},
-                                         {8, 6, 0, 4, -1}}));
+    EXPECT_EQ(Fields(ChannelEvents()),
+              TextList({"5/1 0 1 -1", "5/2 1 3 -1", "5/3 1 0 -1", "5/5 2 2 -1", "5/6 1 4 -1",
+                        "5/12 1 1 -1", "6/1 0 1 -1", "6/2 0 3 -1", "6/3 0 0 -1", "6/5 0 2 -1",
+                        "6/6 0 4 -1", "8/1 0 1 -1", "8/2 0 3 -1", "8/3 0 0 -1", "8/5 0 2 -1",
+                        "8/6 0 4 -1"}));
     for (int number = 1; number <= 24; ++number)
         EXPECT_EQ(Site().Panel(7).Channel(number).State(), 0) << number;
-    const QStringList told = TraceLines().filter(QStringLiteral("SYNCHRO"));
-    ASSERT_EQ(told.size(), 16);
-    EXPECT_EQ(told[0].mid(27, 38), QStringLiteral("SYNCHRO 05010001 P05-C01 State  ACTIVE"));
+    const QStringList traced = TraceLines().filter(Text("SYNCHRO"));
+    ASSERT_EQ(traced.size(), 16);
+    EXPECT_EQ(traced[0].mid(27, 38), Text("SYNCHRO 05010001 P05-C01 State  ACTIVE"));
     EXPECT_EQ(Site().Panel(5).Channel(6).State(), 4);
     EXPECT_EQ(horn->starts, 0);
 }
@@ -221,18 +204,14 @@ TEST_F(Synchro, StandingStatesAreMirroredEvenOutOfOrder) {
     Site().Mirrors().Add(5, 2, 6, 5, MirrorClass::Permanent);
     engine->setRun(true);
     ASSERT_EQ(ChannelEvents().size(), 1);
-    QStringList waiting;
-    for (int position = 1; position <= engine->Commands().Count(); ++position)
-        waiting += engine->Commands().Item(position)->ToText().section(u'|', 1, 2) + u'=' +
-                   engine->Commands().Item(position)->ToText().section(u'|', 4);
-    EXPECT_EQ(waiting, (QStringList{QStringLiteral("6|0014=0003"), QStringLiteral("6|0015=0003")}));
+    EXPECT_EQ(Waiting(), TextList({"6:0014=0003", "6:0015=0003"}));
 }
 
 TEST_F(Synchro, TheConsoleIsEmptiedAheadOfTheFirstAlarm) {
     Put(5, Models::Q7100);
     modules[5][3] = 1;
-    Forms::Load(QStringLiteral("wRunAlarms"));
-    console->rows = {{QStringLiteral("12 2024-03-14 10:00:00"), 0x05010001}};
+    Forms::Load(Text("wRunAlarms"));
+    console->rows = {{Text("12 2024-03-14 10:00:00"), 0x05010001}};
     QList<int> rows;
     QObject::connect(engine.get(), &wPolling::BusEvent,
                      [&] { rows += AlarmConsole::Loaded()->RowCount(); });
@@ -252,7 +231,9 @@ TEST_F(Synchro, RunsWithTheFirstStartThatSucceeds) {
     link->setPortOpen(false);
     link->canOpen = false;
     engine->setRun(true);
-    EXPECT_EQ(link->sent.size(), 0);
+    EXPECT_EQ(link->sent.size() + events.size(), 0);
+    EXPECT_FALSE(engine->Run());
+    EXPECT_EQ(boxes, TextList({"Serial port COM1 cannot be opened."}));
     link->canOpen = true;
     const qsizetype before = TraceLines().size();
     // A second touch of the button, from the yield inside.
@@ -262,16 +243,16 @@ TEST_F(Synchro, RunsWithTheFirstStartThatSucceeds) {
               (Lines{"read 5 132 1", "write 5 64 0", "read 5 68 1", "write 5 0 0"}));
     const QStringList lines = TraceLines().mid(before);
     ASSERT_EQ(lines.size(), 3);
-    EXPECT_TRUE(lines[0].contains(QStringLiteral("COMM   START")));
-    EXPECT_EQ(lines[1], Rows::Trace(QStringLiteral("SYNCHR"), QString(), Rows::Stars(8),
-                                    QStringLiteral("SYSTEM"), QStringLiteral("COMM"),
-                                    QStringLiteral("SYNCHR"), Rows::Stars(26), Rows::Stars(39)));
-    EXPECT_TRUE(lines[2].contains(QStringLiteral("REINIT")));
+    EXPECT_TRUE(lines[0].contains(Text("COMM   START")));
+    EXPECT_EQ(lines[1],
+              Rows::Trace(Text("SYNCHR"), QString(), Rows::Stars(8), Text("SYSTEM"), Text("COMM"),
+                          Text("SYNCHR"), Rows::Stars(26), Rows::Stars(39)));
+    EXPECT_TRUE(lines[2].contains(Text("REINIT")));
     EXPECT_TRUE(engine->Run());
     Forget();
     // A start of a bus that runs is told again and changes nothing else.
     engine->setRun(true);
-    EXPECT_TRUE(TraceLines().last().contains(QStringLiteral("COMM   START")));
+    EXPECT_TRUE(TraceLines().last().contains(Text("COMM   START")));
     engine->setRun(false);
     engine->setRun(true);
     EXPECT_EQ(link->sent.size(), 0);
@@ -282,38 +263,37 @@ TEST_F(Synchro, ANoticeAndTheMarksStandMeanwhile) {
     QStringList steps;
     Messages::InstallNotice([&](const QString& text) {
         steps += text;
-        return Messages::ShownNotice{[&] { steps += QStringLiteral("gone"); }, nullptr};
+        return Messages::ShownNotice{[&] { steps += Text("gone"); }, nullptr};
     });
     QObject::connect(engine.get(), &wPolling::Synchronising,
-                     [&](bool on) { steps += on ? QStringLiteral("on") : QStringLiteral("off"); });
-    QTimer::singleShot(0, [&] { steps += QStringLiteral("yield"); });
+                     [&](bool on) { steps += on ? Text("on") : Text("off"); });
+    QTimer::singleShot(0, [&] { steps += Text("yield"); });
     inFrame = [&](const QByteArray&) {
-        steps += QStringLiteral("frame");
+        steps += Text("frame");
         ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
         EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
     };
     engine->SynchroGeneraleBus();
     ASSERT_EQ(steps.size(), 9);
     EXPECT_EQ(steps.mid(0, 7),
-              (QStringList{GetText(30015), QStringLiteral("yield"), QStringLiteral("on"),
-                           QStringLiteral("frame"), QStringLiteral("frame"),
-                           QStringLiteral("frame"), QStringLiteral("frame")}));
+              (QStringList{GetText(30015), Text("yield"), Text("on"), Text("frame"), Text("frame"),
+                           Text("frame"), Text("frame")}));
     EXPECT_FALSE(GetText(30015).isEmpty());
-    EXPECT_TRUE(steps.contains(QStringLiteral("off")) && steps.contains(QStringLiteral("gone")));
+    EXPECT_TRUE(steps.contains(Text("off")) && steps.contains(Text("gone")));
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(Synchro, ATraceThatCantBeWrittenStopsNothing) {
     Put(5, Models::Q6200XT);
     // Opening a folder as a file closes the trace.
-    const QString name = QStringLiteral("Trace/20240316.log");
+    const QString name = Text("Trace/20240316.log");
     ASSERT_TRUE(QDir().mkpath(Path(name)));
     clock.Set(2024, 3, 16);
     EXPECT_ANY_THROW(Trace::OpenToday());
     engine->SynchroGeneraleBus();
     EXPECT_EQ(link->sent.size(), 4);
     ASSERT_FALSE(boxes.isEmpty());
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Function : SynchroGeneraleBus")));
+    EXPECT_TRUE(boxes[0].contains(Text("Function : SynchroGeneraleBus")));
 }
 
 TEST_F(Synchro, AnEndInTheMiddleIsTheEnd) {
@@ -334,10 +314,9 @@ TEST_F(Synchro, AnEndInTheMiddleIsTheEnd) {
         EXPECT_EQ(ChannelEvents().size(), 0);
         EXPECT_EQ(console != nullptr, std::string(moment) == "read 5 1 12") << moment;
     }
-}
-
-TEST_F(Synchro, AnEndInTheYieldLeavesThePortClosed) {
-    Put(5, Models::Q7100);
+    // In the yield ahead of the first exchange the port stays closed.
+    Load();
+    console.reset();
     const qsizetype lines = TraceLines().size();
     QTimer::singleShot(0, [this] { engine->Form_Unload(); });
     engine->SynchroGeneraleBus();
@@ -358,69 +337,47 @@ protected:
 
     static constexpr int Address = 5;
 
-    void Happen(int count) {
-        for (int i = 0; i < count; ++i)
-            memory += ++happened;
-    }
     QByteArray Answer(const QByteArray& frame) override {
-        if (frame[1] == 6 && FakeModules::WordAt(frame, 2) == 288) {
-            if (deaf-- > 0)
-                return {};
-            memory = memory.mid(FakeModules::WordAt(frame, 4));
-            return mute-- > 0 ? QByteArray() : WithCrc(frame.left(6));
-        }
-        modules[Address][144] = quint16(memory.size());
-        for (int i = 0; i < 20; ++i) {
-            modules[Address][146 + 2 * i] = i < memory.size() ? 0x1010 : 0;
-            modules[Address][147 + 2 * i] = quint16(memory.value(i));
-        }
-        return Synchro::Answer(frame);
+        return memory.Answer(frame,
+                             [this](const QByteArray& other) { return Synchro::Answer(other); });
     }
-    QList<int> Clocks() const {
-        QList<int> clocks;
-        for (const EventClass& event : ChannelEvents())
-            clocks += event.Clock();
-        return clocks;
-    }
+    QList<int> Clocks() const { return EventMemory::Clocks(events); }
 
-    QList<int> memory;
-    int happened = 0;
-    int deaf = 0;
-    int mute = 0;
+    EventMemory memory{modules, Address};
 };
 
 TEST_F(SynchroMemory, AWaitingReceiptDropsNothingThatComesLater) {
-    Happen(2);
+    memory.Happen(2);
     Rounds(1);
     ASSERT_EQ(engine->Commands().Count(), 1);
     engine->SendCommand(Write(Address, 66, {1}));
-    Happen(3);
+    memory.Happen(3);
     engine->SynchroGeneraleBus();
-    EXPECT_TRUE(memory.isEmpty());
+    EXPECT_TRUE(memory.waiting.isEmpty());
     ASSERT_EQ(engine->Commands().Count(), 1) << "other commands stay";
     EXPECT_EQ(engine->Commands().Item(1)->Address(), 66);
-    Happen(2);
+    memory.Happen(2);
     Rounds(4);
     EXPECT_EQ(Clocks(), (QList<int>{1, 2, 6, 7}));
-    EXPECT_TRUE(memory.isEmpty());
+    EXPECT_TRUE(memory.waiting.isEmpty());
 }
 
 TEST_F(SynchroMemory, AnOrderThatIsLostBringsNoEventTwiceAndLosesNone) {
-    Happen(2);
+    memory.Happen(2);
     Rounds(1);
-    Happen(1);
-    deaf = 1;
+    memory.Happen(1);
+    memory.deaf = 1;
     engine->SynchroGeneraleBus();
-    EXPECT_EQ(memory.size(), 3);
+    EXPECT_EQ(memory.waiting.size(), 3);
     Rounds(4);
     EXPECT_EQ(Clocks(), (QList<int>{1, 2, 3}));
-    Happen(2);
+    memory.Happen(2);
     Rounds(1);
-    mute = 1;
+    memory.mute = 1;
     engine->SynchroGeneraleBus();
-    Happen(2);
+    memory.Happen(2);
     Rounds(4);
-    EXPECT_EQ(Clocks(), (QList<int>{1, 2, 3, 4, 5, 6, 7}));
+    memory.ExpectAll(events);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "core/Yield.h"
 #include "platform/Folders.h"
 #include "platform/RunTimeError.h"
+#include "support/PrintText.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,7 +27,7 @@ namespace {
 class BoxesTest : public ::testing::Test {
 protected:
     BoxesTest() {
-        platform::OverrideApplication(folder.path(), QStringLiteral("korvanelle"));
+        platform::OverrideApplication(folder.path(), Text("korvanelle"));
         Trace::OpenToday();
         Messages::Install([this](const QString& text, int, bool noWait) {
             EXPECT_FALSE(noWait);
@@ -41,8 +42,6 @@ protected:
         Faults::Forget();
         platform::OverrideApplication(QString(), QString());
     }
-    BoxesTest(const BoxesTest&) = delete;
-    BoxesTest& operator=(const BoxesTest&) = delete;
 
     int Traced(const QString& words) const {
         QFile file(Trace::FileName(clock.Now()));
@@ -64,10 +63,10 @@ TEST_F(BoxesTest, OneStandsAndCountsWhatComesMeanwhile) {
     Fail("A.Second");
     Fail("A.First");
     ASSERT_EQ(shown.size(), 3) << "one box, with another text each time";
-    EXPECT_TRUE(shown[0].endsWith(QStringLiteral("First")));
+    EXPECT_TRUE(shown[0].endsWith(Text("First")));
     EXPECT_TRUE(shown[2].startsWith(shown[0]));
     EXPECT_EQ(Boxes::Unread(), 3);
-    EXPECT_EQ(Faults::Standing().value(0).detail, QStringLiteral("3"));
+    EXPECT_EQ(Faults::Standing().value(0).detail, Text("3"));
     Boxes::Read();
     EXPECT_FALSE(Faults::Stands(Kind::BoxUnanswered));
     Boxes::ShowUnread();
@@ -95,9 +94,9 @@ TEST_F(BoxesTest, ATouchWaitsForItsAnswerAndATickDoesNot) {
     Fail("A.Touch");
     Yield();
     ASSERT_EQ(waited.size(), 1);
-    EXPECT_TRUE(waited[0].endsWith(QStringLiteral("Touch")));
+    EXPECT_TRUE(waited[0].endsWith(Text("Touch")));
     ASSERT_EQ(shown.size(), 1);
-    EXPECT_TRUE(shown[0].endsWith(QStringLiteral("Tick")));
+    EXPECT_TRUE(shown[0].endsWith(Text("Tick")));
     EXPECT_TRUE(Operator::Acts());
 }
 
@@ -105,11 +104,11 @@ TEST_F(BoxesTest, TheTraceHoldsEachErrorOnceWithAPause) {
     for (int i = 0; i < 50; ++i)
         Fail("B.Repeats");
     Fail("B.Other");
-    EXPECT_EQ(Traced(QStringLiteral(" ERROR 61 B.Repeats")), 1);
-    EXPECT_EQ(Traced(QStringLiteral(" ERROR 61 B.Other")), 1);
+    EXPECT_EQ(Traced(Text(" ERROR 61 B.Repeats")), 1);
+    EXPECT_EQ(Traced(Text(" ERROR 61 B.Other")), 1);
     clock.Advance(11 * 60 * 1000);
     Fail("B.Repeats");
-    EXPECT_EQ(Traced(QStringLiteral(" ERROR 61 B.Repeats")), 2);
+    EXPECT_EQ(Traced(Text(" ERROR 61 B.Repeats")), 2);
 }
 
 TEST_F(BoxesTest, FaultsTellTheirComingAndGoing) {
@@ -117,33 +116,32 @@ TEST_F(BoxesTest, FaultsTellTheirComingAndGoing) {
     const auto watch =
         QObject::connect(&Faults::TheBoard(), &Faults::Board::Changed, [&changes] { ++changes; });
     Faults::Set(Kind::ClockSetBack);
-    Faults::Set(Kind::PrinterNotReached, QStringLiteral("1"));
-    Faults::Set(Kind::PrinterNotReached, QStringLiteral("2"));
-    Faults::Set(Kind::PrinterNotReached, QStringLiteral("2"));
+    Faults::Set(Kind::PrinterNotReached, Text("1"));
+    Faults::Set(Kind::PrinterNotReached, Text("2"));
+    Faults::Set(Kind::PrinterNotReached, Text("2"));
     QObject::disconnect(watch);
     EXPECT_EQ(changes, 3) << "only what is new";
     ASSERT_EQ(Faults::Standing().size(), 2);
     EXPECT_EQ(Faults::Standing()[0].kind, Kind::PrinterNotReached) << "the more serious first";
     Faults::Clear(Kind::PrinterNotReached);
     Faults::Clear(Kind::PrinterNotReached);
-    EXPECT_EQ(Traced(QStringLiteral(" FAULT BEGINS PRINTER NOT REACHED 1")), 1);
-    EXPECT_EQ(Traced(QStringLiteral(" FAULT ENDS   PRINTER NOT REACHED 2")), 1);
+    EXPECT_EQ(Traced(Text(" FAULT BEGINS PRINTER NOT REACHED 1")), 1);
+    EXPECT_EQ(Traced(Text(" FAULT ENDS   PRINTER NOT REACHED 2")), 1);
 }
 
 // A language that the base doesn't have was told for each text, a folder that takes no file for
 // each sound.
 TEST_F(BoxesTest, WhatFailsAHundredTimesIsToldOnce) {
-    ASSERT_TRUE(QFile::copy(QStringLiteral(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
-                            folder.filePath(QStringLiteral("korvanelle.cfg"))));
-    IniWrite(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("4"));
+    ASSERT_TRUE(QFile::copy(Text(KORVANELLE_BUILD_DIR "/korvanelle.cfg"),
+                            folder.filePath(Text("korvanelle.cfg"))));
+    IniWrite(Text("General"), Text("Language"), Text("4"));
     EXPECT_TRUE(Config::OpenConfigBase());
-    EXPECT_EQ(GetText(10004), QStringLiteral("OK")) << "the first language";
+    EXPECT_EQ(GetText(10004), Text("OK")) << "the first language";
     EXPECT_EQ(shown.size(), 1);
-    platform::OverrideApplication(folder.filePath(QStringLiteral("none")),
-                                  QStringLiteral("korvanelle"));
+    platform::OverrideApplication(folder.filePath(Text("none")), Text("korvanelle"));
     Config::ExportSounds([](int) { return 1; });
     EXPECT_EQ(shown.size(), 2);
-    EXPECT_TRUE(QFile::remove(folder.filePath(QStringLiteral("korvanelle.cfg"))));
+    EXPECT_TRUE(QFile::remove(folder.filePath(Text("korvanelle.cfg"))));
     Config::CloseConfigBase();
 }
 
@@ -151,13 +149,13 @@ TEST_F(BoxesTest, WhatFailsAHundredTimesIsToldOnce) {
 TEST_F(BoxesTest, ATraceThatCantBeWrittenStands) {
     ASSERT_TRUE(QFile::remove(Trace::FileName(clock.Now())));
     ASSERT_TRUE(QDir(folder.path()).mkpath(Trace::FileName(clock.Now())));
-    Trace::Note(QStringLiteral("lost"));
+    Trace::Note(Text("lost"));
     EXPECT_TRUE(Faults::Stands(Kind::TraceNotWritten));
     EXPECT_TRUE(shown.isEmpty());
     ASSERT_TRUE(QDir().rmdir(Trace::FileName(clock.Now())));
-    Trace::Note(QStringLiteral("written"));
+    Trace::Note(Text("written"));
     EXPECT_FALSE(Faults::Stands(Kind::TraceNotWritten));
-    EXPECT_EQ(Traced(QStringLiteral("written")), 1);
+    EXPECT_EQ(Traced(Text("written")), 1);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "core/Config.h"
 #include "core/Record.h"
+#include "support/PrintText.h"
 
 #include <gtest/gtest.h>
 
@@ -15,25 +16,22 @@ TEST(Bytes, ValReadsTheHeadOfAText) {
     for (const Case& test : {Case{"", 0}, Case{"12", 12}, Case{" -3.5 m", -3.5}, Case{"+7x", 7},
                              Case{"1.2.3", 1.2}, Case{"abc", 0}, Case{"-", 0}, Case{".", 0},
                              Case{".5", 0.5}, Case{"3-4", 3}, Case{"0012", 12}, Case{"1,5", 1}})
-        EXPECT_EQ(Bytes::Val(QLatin1String(test.text)), test.value) << test.text;
-    EXPECT_EQ(Bytes::Val(QStringLiteral("\u0663")), 0) << "only ASCII digits are digits";
+        EXPECT_EQ(Bytes::Val(Text(test.text)), test.value) << test.text;
+    EXPECT_EQ(Bytes::Val(Text("\u0663")), 0) << "only ASCII digits are digits";
 }
 
 TEST(Bytes, WordsAndDigits) {
     EXPECT_EQ(Bytes::MakeWord(0xAB, 0xCD), 0xABCD);
-    EXPECT_EQ(Bytes::HighByte(0xABCD), 0xAB);
-    EXPECT_EQ(Bytes::LowByte(0xABCD), 0xCD);
-    EXPECT_EQ(Bytes::Hex4(146), QStringLiteral("0092"));
-    EXPECT_EQ(Bytes::Hex2(0x1FE), QStringLiteral("FE"));
-    EXPECT_EQ(Bytes::Hex8(-1), QStringLiteral("FFFFFFFF"));
-    EXPECT_EQ(Bytes::Padded(7, 2), QStringLiteral("07"));
-    EXPECT_EQ(Bytes::Padded(123, 2), QStringLiteral("123"));
-    EXPECT_EQ(Bytes::Padded(-1, 2), QStringLiteral("-01"));
+    EXPECT_EQ(Bytes::HighByte(0xABCD) * 1000 + Bytes::LowByte(0xABCD), 0xAB * 1000 + 0xCD);
+    EXPECT_EQ(QStringList({Bytes::Hex4(146), Bytes::Hex2(0x1FE), Bytes::Hex8(-1)}),
+              TextList({"0092", "FE", "FFFFFFFF"}));
+    EXPECT_EQ(QStringList({Bytes::Padded(7, 2), Bytes::Padded(123, 2), Bytes::Padded(-1, 2)}),
+              TextList({"07", "123", "-01"}));
 }
 
 TEST(Bytes, BinToDecIsSignAndMagnitude) {
     const auto bin = [](const char* text, bool is16Bit = false) {
-        return Config::BinToDec(QLatin1String(text), is16Bit);
+        return Config::BinToDec(Text(text), is16Bit);
     };
     EXPECT_EQ(bin(""), 0);
     EXPECT_EQ(bin("11111"), 31);
@@ -46,14 +44,14 @@ TEST(Bytes, BinToDecIsSignAndMagnitude) {
 }
 
 TEST(Bytes, RecordFieldsAreCutAndPadded) {
-    Record record(12, QStringLiteral("................"));
+    Record record(12, Text("................"));
     EXPECT_EQ(record.Text().size(), 12);
-    record.Set({2, 4}, QStringLiteral("ab"));
-    EXPECT_EQ(record.Text(), QStringLiteral("..ab  ......"));
-    record.Set({8, 4}, QStringLiteral("abcdefgh"));
-    EXPECT_EQ(record.Text(), QStringLiteral("..ab  ..abcd"));
-    EXPECT_EQ(record.Get({8, 4}), QStringLiteral("abcd"));
-    EXPECT_EQ(Record(3, QStringLiteral("x")).Text(), QStringLiteral("x  "));
+    record.Set({2, 4}, Text("ab"));
+    EXPECT_EQ(record.Text(), Text("..ab  ......"));
+    record.Set({8, 4}, Text("abcdefgh"));
+    EXPECT_EQ(record.Text(), Text("..ab  ..abcd"));
+    EXPECT_EQ(record.Get({8, 4}), Text("abcd"));
+    EXPECT_EQ(Record(3, Text("x")).Text(), Text("x  "));
 }
 
 } // namespace

@@ -9,7 +9,9 @@
 #include "core/Trace.h"
 #include "platform/Folders.h"
 #include "platform/RunTimeError.h"
+#include "support/PrintText.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -37,7 +39,7 @@ constexpr const char* Tables =
 class ApplicationFolder : public ::testing::Test {
 protected:
     ApplicationFolder() {
-        platform::OverrideApplication(folder.path(), QStringLiteral("korvanelle"));
+        platform::OverrideApplication(folder.path(), Text("korvanelle"));
         Messages::Install([this](const QString& text, int, bool) {
             boxes.append(text);
             return int(Messages::Ok);
@@ -69,7 +71,7 @@ class ConfigBase : public ApplicationFolder {
 protected:
     void SetUp() override {
         sqlite3* base = nullptr;
-        const QString path = Path(QStringLiteral("korvanelle.cfg"));
+        const QString path = Path(Text("korvanelle.cfg"));
         ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &base), SQLITE_OK);
         ASSERT_EQ(sqlite3_exec(base, Tables, nullptr, nullptr, nullptr), SQLITE_OK)
             << sqlite3_errmsg(base);
@@ -79,15 +81,18 @@ protected:
 };
 
 TEST_F(ConfigBase, WordsInTheLanguageInUse) {
-    EXPECT_EQ(GetText(10100), QStringLiteral("Mirror"));
+    EXPECT_EQ(GetText(10100), Text("Mirror"));
     Global::Get().language = 1;
-    EXPECT_EQ(GetText(QStringLiteral("10100")), QStringLiteral("Miroir"));
+    EXPECT_EQ(GetText(Text("10100")), Text("Miroir"));
     Global::Get().language = 3;
     EXPECT_EQ(GetText(10100), QString()) << "a word that isn't translated";
     for (const int fallback : {-1, 5, 7, 32767}) {
         Global::Get().language = qint16(fallback);
-        EXPECT_EQ(GetText(10100), QStringLiteral("Mirror")) << fallback;
+        EXPECT_EQ(GetText(10100), Text("Mirror")) << fallback;
     }
+    IniWrite(Text("General"), Text("Language"), Text("2"));
+    ASSERT_TRUE(Config::OpenConfigBase());
+    EXPECT_EQ(GetText(10100), Text("Spiegel"));
     EXPECT_TRUE(boxes.isEmpty());
 }
 
@@ -96,125 +101,109 @@ TEST_F(ConfigBase, LanguageJustBehindTheLastIsAnError) {
     Global::Get().language = 4;
     EXPECT_EQ(GetText(10100), QString());
     ASSERT_EQ(boxes.size(), 1);
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("3265")));
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("Function : GetText")));
-    EXPECT_EQ(GetText(4711), QStringLiteral("#4711#"));
+    EXPECT_TRUE(boxes[0].contains(Text("3265")));
+    EXPECT_TRUE(boxes[0].contains(Text("Function : GetText")));
+    EXPECT_EQ(GetText(4711), Text("#4711#"));
     EXPECT_EQ(boxes.size(), 1);
 }
 
 TEST_F(ConfigBase, KeysAndBars) {
-    EXPECT_EQ(GetText(20009), QStringLiteral("One\r\nTwo\r\n"));
-    EXPECT_EQ(GetText(20009, true), QStringLiteral("One|Two|"));
-    EXPECT_EQ(GetText(QStringLiteral("20009"), true), QStringLiteral("One|Two|"));
-    EXPECT_EQ(GetText(QString()), QString());
-    EXPECT_EQ(GetText(QStringLiteral("Mirror")), QString());
-    EXPECT_EQ(GetText(QStringLiteral("010100")), QStringLiteral("Mirror"));
-    EXPECT_EQ(GetText(QStringLiteral("nan")), QString());
-    EXPECT_EQ(GetText(QStringLiteral("0077")), QStringLiteral("#0077#"));
-    EXPECT_EQ(GetText(QStringLiteral("-1")), QStringLiteral("#-1#"));
-    EXPECT_EQ(GetText(QStringLiteral("99999999999")), QStringLiteral("#99999999999#"));
+    EXPECT_EQ(GetText(20009), Text("One\r\nTwo\r\n"));
+    EXPECT_EQ(GetText(20009, true), Text("One|Two|"));
+    EXPECT_EQ(GetText(Text("20009"), true), Text("One|Two|"));
+    for (const auto& [key, text] : {std::pair{"", ""},
+                                    {"Mirror", ""},
+                                    {"nan", ""},
+                                    {"010100", "Mirror"},
+                                    {"0077", "#0077#"},
+                                    {"-1", "#-1#"},
+                                    {"99999999999", "#99999999999#"}})
+        EXPECT_EQ(GetText(Text(key)), Text(text)) << key;
 }
 
-TEST_F(ConfigBase, LanguageNamesEndBehindTheLast) {
+TEST_F(ConfigBase, DefaultsMarksAndLanguageNames) {
+    EXPECT_EQ(GetConfig(100110), Text("15"));
+    EXPECT_EQ(GetConfig(100201), Text("11111"));
+    EXPECT_EQ(GetConfig(100301), QString());
+    EXPECT_EQ(GetConfig(999), QString());
+    Global::ReadMarks();
+    EXPECT_EQ(Global::Get().panelMark, Text("P"));
+    EXPECT_EQ(Global::Get().channelMark, Text("C"));
+    EXPECT_EQ(Global::Get().text10100, Text("Mirror"));
+    EXPECT_EQ(Global::Get().text50012, Text("#50012#"));
+
     QStringList names;
     for (int i = 0; !GetLanguage(i).isEmpty(); ++i)
         names.append(GetLanguage(i));
-    EXPECT_EQ(names, QStringList({QStringLiteral("English"), QStringLiteral("Fran\u00E7ais"),
-                                  QStringLiteral("Deutsch"), QStringLiteral("Nederlands")}));
+    EXPECT_EQ(names, TextList({"English", "Fran\u00E7ais", "Deutsch", "Nederlands"}));
     EXPECT_EQ(GetLanguage(-1), QString());
     EXPECT_EQ(GetLanguage(100), QString());
 }
 
-TEST_F(ConfigBase, DefaultsAndMarks) {
-    EXPECT_EQ(GetConfig(100110), QStringLiteral("15"));
-    EXPECT_EQ(GetConfig(100201), QStringLiteral("11111"));
-    EXPECT_EQ(GetConfig(100301), QString());
-    EXPECT_EQ(GetConfig(999), QString());
-    Global::ReadMarks();
-    EXPECT_EQ(Global::Get().panelMark, QStringLiteral("P"));
-    EXPECT_EQ(Global::Get().channelMark, QStringLiteral("C"));
-    EXPECT_EQ(Global::Get().text10100, QStringLiteral("Mirror"));
-    EXPECT_EQ(Global::Get().text50012, QStringLiteral("#50012#"));
-}
-
 TEST_F(ConfigBase, SoundsAreExportedOnceToTheirPlaces) {
-    Write(QStringLiteral("AlarmSound2.wav"), "mine");
+    Write(Text("AlarmSound2.wav"), "mine");
     Config::ExportSounds([](int place) { return place == 1 || place == 2 ? 3 : place; });
-    EXPECT_EQ(Bytes(QStringLiteral("AlarmSound1.wav")), "RIFF");
-    EXPECT_EQ(Bytes(QStringLiteral("AlarmSound2.wav")), "mine");
-    EXPECT_EQ(Bytes(QStringLiteral("AlarmSound3.wav")), "RIFF");
-    EXPECT_EQ(Bytes(QStringLiteral("AlarmSound4.wav")), QByteArray("\1\2"));
-    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("AlarmSound5.wav"))));
+    EXPECT_EQ(Bytes(Text("AlarmSound1.wav")), "RIFF");
+    EXPECT_EQ(Bytes(Text("AlarmSound2.wav")), "mine");
+    EXPECT_EQ(Bytes(Text("AlarmSound3.wav")), "RIFF");
+    EXPECT_EQ(Bytes(Text("AlarmSound4.wav")), QByteArray("\1\2"));
+    EXPECT_FALSE(QFile::exists(Path(Text("AlarmSound5.wav"))));
     EXPECT_EQ(Config::HighestSound(), 4);
-    EXPECT_EQ(Config::SoundExtension(3), QStringLiteral("wav")) << "where the base doesn't say";
+    EXPECT_EQ(Config::SoundExtension(3), Text("wav")) << "where the base doesn't say";
     EXPECT_TRUE(boxes.isEmpty());
-}
-
-TEST_F(ConfigBase, LanguageComesFromTheSettings) {
-    IniWrite(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("2"));
-    ASSERT_TRUE(Config::OpenConfigBase());
-    EXPECT_EQ(GetText(10100), QStringLiteral("Spiegel"));
 }
 
 TEST_F(ApplicationFolder, MissingOrForeignBaseIsReported) {
     EXPECT_FALSE(Config::OpenConfigBase());
-    Write(QStringLiteral("korvanelle.cfg"), QByteArray(8192, 'x'));
+    Write(Text("korvanelle.cfg"), QByteArray(8192, 'x'));
     EXPECT_FALSE(Config::OpenConfigBase());
     ASSERT_EQ(boxes.size(), 2);
-    EXPECT_TRUE(boxes[0].contains(QStringLiteral("3024")));
-    EXPECT_TRUE(boxes[1].contains(QStringLiteral("3031")));
-    EXPECT_TRUE(boxes[1].contains(QStringLiteral("OpenConfigBase")));
-    EXPECT_EQ(GetText(10100), QStringLiteral("#10100#"));
+    EXPECT_TRUE(boxes[0].contains(Text("3024")));
+    EXPECT_TRUE(boxes[1].contains(Text("3031")));
+    EXPECT_TRUE(boxes[1].contains(Text("OpenConfigBase")));
+    EXPECT_EQ(GetText(10100), Text("#10100#"));
     EXPECT_EQ(GetConfig(100110), QString());
     EXPECT_EQ(GetLanguage(0), QString());
     EXPECT_EQ(Config::Sound(1), std::nullopt);
 }
 
 TEST_F(ApplicationFolder, SettingsLieBesideTheExecutable) {
-    const QString section = QStringLiteral("PendingCommands");
-    EXPECT_EQ(IniRead(section, QStringLiteral("1"), QStringLiteral("none")),
-              QStringLiteral("none"));
+    const QString section = Text("PendingCommands");
+    EXPECT_EQ(IniRead(section, Text("1"), Text("none")), Text("none"));
     EXPECT_FALSE(QFile::exists(SLVfonctions::IniFileName()));
-    IniWrite(section, QStringLiteral("1"), QStringLiteral("a=b"));
-    IniWrite(section, QStringLiteral("2"), QStringLiteral("c"));
-    EXPECT_EQ(SLVfonctions::IniFileName(), Path(QStringLiteral("korvanelle.ini")));
-    EXPECT_TRUE(QFile::exists(Path(QStringLiteral("korvanelle.ini"))));
-    EXPECT_EQ(IniRead(section, QStringLiteral("1"), QString()), QStringLiteral("a=b"));
-    QStringList keys{QStringLiteral("old")};
+    IniWrite(section, Text("1"), Text("a=b"));
+    IniWrite(section, Text("2"), Text("c"));
+    EXPECT_EQ(Bytes(Text("korvanelle.ini")), "[PendingCommands]\r\n1=a=b\r\n2=c\r\n");
+    QStringList keys{Text("old")};
     EXPECT_EQ(IniReadKeys(keys, section), 2);
-    EXPECT_EQ(keys, QStringList({QStringLiteral("1"), QStringLiteral("2")}));
-    IniDeleteKey(section, QStringLiteral("1"));
+    EXPECT_EQ(keys, TextList({"1", "2"}));
+    IniDeleteKey(section, Text("1"));
     EXPECT_EQ(IniReadKeys(keys, section), 1);
-    IniDeleteSection(section);
-    EXPECT_EQ(IniReadKeys(keys, section), 0);
-
-    IniWrite(section, QStringLiteral("3"), QStringLiteral("d"));
-    platform::OverrideApplication(folder.path(), QStringLiteral("other"));
-    EXPECT_EQ(IniRead(section, QStringLiteral("3"), QStringLiteral("none")),
-              QStringLiteral("none"));
+    platform::OverrideApplication(folder.path(), Text("other"));
+    EXPECT_EQ(IniRead(section, Text("2"), Text("none")), Text("none"));
 }
 
 TEST_F(ApplicationFolder, PortsAndTruth) {
-    EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM3")), QStringLiteral("/dev/ttyS2"));
-    EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("LPT1")), QStringLiteral("/dev/lp0"));
-    SLVfonctions::setDevicePath(QStringLiteral("COM3"), QStringLiteral("/dev/ttyUSB0"));
-    EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM3")), QStringLiteral("/dev/ttyUSB0"));
+    EXPECT_EQ(SLVfonctions::DevicePath(Text("COM3")), Text("/dev/ttyS2"));
+    EXPECT_EQ(SLVfonctions::DevicePath(Text("LPT1")), Text("/dev/lp0"));
+    SLVfonctions::setDevicePath(Text("COM3"), Text("/dev/ttyUSB0"));
+    EXPECT_EQ(SLVfonctions::DevicePath(Text("COM3")), Text("/dev/ttyUSB0"));
 
-    const QString ports = QStringLiteral("Ports");
+    const QString ports = Text("Ports");
     for (const char* value : {"/dev/ttyS1,rs485", "/dev/ttyS1 , RS485"}) {
-        IniWrite(ports, QStringLiteral("COM2"), QString::fromLatin1(value));
-        const SLVfonctions::PortSetting board{QStringLiteral("/dev/ttyS1"), true};
-        EXPECT_EQ(SLVfonctions::PortOf(QStringLiteral("COM2")), board) << value;
+        IniWrite(ports, Text("COM2"), QString::fromLatin1(value));
+        const SLVfonctions::PortSetting board{Text("/dev/ttyS1"), true};
+        EXPECT_EQ(SLVfonctions::PortOf(Text("COM2")), board) << value;
     }
-    SLVfonctions::setDevicePath(QStringLiteral("COM2"), QStringLiteral("/dev/of,485"));
-    EXPECT_EQ(IniRead(ports, QStringLiteral("COM2"), {}), QStringLiteral("/dev/of,485,rs485"));
-    SLVfonctions::setPort(QStringLiteral("COM2"), {QStringLiteral("/dev/of,485"), false});
-    EXPECT_EQ(SLVfonctions::DevicePath(QStringLiteral("COM2")), QStringLiteral("/dev/of,485"));
+    SLVfonctions::setDevicePath(Text("COM2"), Text("/dev/of,485"));
+    EXPECT_EQ(IniRead(ports, Text("COM2"), {}), Text("/dev/of,485,rs485"));
+    SLVfonctions::setPort(Text("COM2"), {Text("/dev/of,485"), false});
+    EXPECT_EQ(SLVfonctions::DevicePath(Text("COM2")), Text("/dev/of,485"));
 
     for (const char* text : {"1", "-1", "True", "true"})
-        EXPECT_TRUE(SLVfonctions::IsTrue(QLatin1String(text))) << text;
+        EXPECT_TRUE(SLVfonctions::IsTrue(Text(text))) << text;
     for (const char* text : {"", "0", "False", "no"})
-        EXPECT_FALSE(SLVfonctions::IsTrue(QLatin1String(text))) << text;
+        EXPECT_FALSE(SLVfonctions::IsTrue(Text(text))) << text;
 }
 
 TEST_F(ApplicationFolder, TraceOfEachDay) {
@@ -222,30 +211,21 @@ TEST_F(ApplicationFolder, TraceOfEachDay) {
     clock.Set(2024, 3, 15, 23, 59, 58);
     Trace::OpenToday();
     Faults::Forget();
-    Trace::Write(QStringLiteral("first \u00E9"));
-    EXPECT_EQ(Bytes(QStringLiteral("Trace/20240315.log")), "first \xE9\r\n") << "committed at once";
+    Trace::Write(Text("first \u00E9"));
+    EXPECT_EQ(Bytes(Text("Trace/20240315.log")), "first \xE9\r\n") << "committed at once";
     Trace::OpenToday();
-    Trace::Write(QStringLiteral("second"));
+    Trace::Write(Text("second"));
     clock.Advance(2000);
     Trace::OpenToday();
-    Trace::Write(QStringLiteral("third"));
-    EXPECT_EQ(Bytes(QStringLiteral("Trace/20240315.log")), "first \xE9\r\nsecond\r\n");
-    EXPECT_EQ(Bytes(QStringLiteral("Trace/20240316.log")), "third\r\n");
-}
+    Trace::Write(Text("third"));
+    EXPECT_EQ(Bytes(Text("Trace/20240315.log")), "first \xE9\r\nsecond\r\n");
+    EXPECT_EQ(Bytes(Text("Trace/20240316.log")), "third\r\n");
 
-TEST_F(ApplicationFolder, SystemLineHasTheColumnsOfAnEvent) {
-    DateTimes::ReadLocale(QLocale::c());
-    const DateTime when = DateTimes::FromDate(QDate(2024, 3, 15), QTime(12, 0, 5));
-    EXPECT_EQ(Trace::SystemLine(when, QStringLiteral("SYNCHR0"), QStringLiteral("REINIT")),
-              QStringLiteral("2024-03-15 12:00:05 SYNCHR         ******** SYSTEM  COMM   REINIT ") +
-                  Trace::Stars(26) + u' ' + Trace::Stars(39));
-    DateTimes::ReadLocale(QLocale::system());
-}
-
-TEST_F(ApplicationFolder, TraceThatCannotBeOpenedIsAnError) {
-    Write(QStringLiteral("Trace"), "a file where the folder should be");
+    // A trace that cannot be opened is an error.
+    ASSERT_TRUE(QDir(Path(Text("Trace"))).removeRecursively());
+    Write(Text("Trace"), "a file where the folder should be");
     EXPECT_THROW(Trace::OpenToday(), platform::RunTimeError);
-    EXPECT_THROW(Trace::Write(QStringLiteral("x")), platform::RunTimeError);
+    EXPECT_THROW(Trace::Write(Text("x")), platform::RunTimeError);
 }
 
 } // namespace

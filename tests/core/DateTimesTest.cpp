@@ -1,5 +1,7 @@
 #include "core/DateTimes.h"
 
+#include "support/PrintText.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -7,7 +9,7 @@ namespace {
 class Dates : public ::testing::Test {
 protected:
     ~Dates() override { DateTimes::ReadLocale(QLocale::system()); }
-    static void Use(const char* name) { DateTimes::ReadLocale(QLocale(QLatin1String(name))); }
+    static void Use(const char* name) { DateTimes::ReadLocale(QLocale(Text(name))); }
     static QString Short(int year, int month, int day) {
         return DateTimes::ShortDate(DateTimes::FromDate(QDate(year, month, day)));
     }
@@ -15,14 +17,13 @@ protected:
 
 TEST_F(Dates, ShortDateHasTenColumnsInEveryLocale) {
     struct Case {
-        const char* locale;
-        const char* text;
+        const char *locale, *text;
     };
     for (const Case& test :
          {Case{"C", "2024-03-05"}, Case{"fr_FR", "05/03/2024"}, Case{"de_DE", "05.03.2024"},
           Case{"en_US", "03/05/2024"}, Case{"ja_JP", "2024/03/05"}, Case{"nl_NL", "05-03-2024"}}) {
         Use(test.locale);
-        EXPECT_EQ(Short(2024, 3, 5), QLatin1String(test.text)) << test.locale;
+        EXPECT_EQ(Short(2024, 3, 5), Text(test.text)) << test.locale;
     }
 }
 
@@ -45,9 +46,7 @@ TEST_F(Dates, WhatIsWrittenIsReadBack) {
 
 // Lines written before the locale was changed must not turn into other dates.
 TEST_F(Dates, TextsOfAnotherLocaleAreNoDates) {
-    const auto isDate = [](const char* text) {
-        return DateTimes::Parse(QLatin1String(text)).has_value();
-    };
+    const auto isDate = [](const char* text) { return DateTimes::Parse(Text(text)).has_value(); };
     Use("fr_FR");
     EXPECT_TRUE(isDate("15/03/2024 12:00:00"));
     for (const char* text :
@@ -67,21 +66,13 @@ TEST_F(Dates, DayNumbers) {
     EXPECT_EQ(DateTimes::FromDate(QDate(2000, 1, 1), QTime(6, 0)), 36526.25);
     EXPECT_EQ(DateTimes::DateOf(-0.25), QDate(1899, 12, 29));
     EXPECT_EQ(DateTimes::TimeOf(-0.25), QTime(18, 0));
-    EXPECT_EQ(DateTimes::FileDate(36526.25), QStringLiteral("20000101"));
-    EXPECT_EQ(DateTimes::FileMonth(36526.25), QStringLiteral("200001"));
+    EXPECT_EQ(DateTimes::FileDate(36526.25), Text("20000101"));
+    EXPECT_EQ(DateTimes::FileMonth(36526.25), Text("200001"));
     // Seconds are added as fractions of a day; the sum must not fall short of the second.
     const DateTime start = DateTimes::FromDate(QDate(2024, 3, 15));
     for (int second = 0; second < 86400; ++second)
         ASSERT_EQ(DateTimes::TimeOf(start + second * platform::OneSecond),
                   QTime(0, 0).addSecs(second));
-}
-
-TEST_F(Dates, NowFollowsTheClock) {
-    platform::TestClock clock;
-    clock.Set(2024, 12, 31, 23, 59, 59);
-    EXPECT_EQ(DateTimes::LongTime(DateTimes::Now()), QStringLiteral("23:59:59"));
-    clock.Advance(1000);
-    EXPECT_EQ(DateTimes::FileDate(DateTimes::Now()), QStringLiteral("20250101"));
 }
 
 } // namespace

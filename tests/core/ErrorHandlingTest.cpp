@@ -7,6 +7,7 @@
 #include "core/Operator.h"
 #include "core/Pointer.h"
 #include "platform/RunTimeError.h"
+#include "support/PrintText.h"
 
 #include <QGuiApplication>
 #include <QStringList>
@@ -38,18 +39,15 @@ protected:
         Boxes::Forget();
         Faults::Forget();
     }
-    Errors(const Errors&) = delete;
-    Errors& operator=(const Errors&) = delete;
 
     QStringList boxes;
     std::function<void()> whileShown;
 };
 
 TEST_F(Errors, TextSplitsTheSource) {
-    const QString head = QStringLiteral("Error Nr 9 : Subscript out of range\r\nModule : ");
+    const QString head = Text("Error Nr 9 : Subscript out of range\r\nModule : ");
     struct Case {
-        const char* source;
-        const char* rest;
+        const char *source, *rest;
     };
     for (const Case& test :
          {Case{"OpenConfigBase", "OpenConfigBase"}, Case{"", ""}, Case{"a_b", "a_b"},
@@ -58,9 +56,9 @@ TEST_F(Errors, TextSplitsTheSource) {
           Case{"my_Form.Go", "my_Form\r\nFunction : Go"},
           Case{"wMain.a_b_c", "wMain\r\nObject : a\r\nEvent : b_c"},
           Case{"a.b.c", "a\r\nFunction : b.c"}})
-        EXPECT_EQ(ErrorText(QLatin1String(test.source), 9), head + QLatin1String(test.rest));
-    EXPECT_TRUE(ErrorText(QStringLiteral("M.F"), 4711)
-                    .startsWith(QStringLiteral("Error Nr 4711 : Application-defined")));
+        EXPECT_EQ(ErrorText(Text(test.source), 9), head + Text(test.rest));
+    EXPECT_TRUE(
+        ErrorText(Text("M.F"), 4711).startsWith(Text("Error Nr 4711 : Application-defined")));
 }
 
 TEST_F(Errors, GuardTurnsExceptionsIntoNumbers) {
@@ -75,7 +73,7 @@ TEST_F(Errors, GuardTurnsExceptionsIntoNumbers) {
         boxes.clear();
         EXPECT_FALSE(Guard("Module.Function", body));
         ASSERT_EQ(boxes.size(), 1);
-        EXPECT_EQ(boxes[0], ErrorText(QStringLiteral("Module.Function"), number));
+        EXPECT_EQ(boxes[0], ErrorText(Text("Module.Function"), number));
     }
 }
 
@@ -97,10 +95,10 @@ TEST_F(Errors, GuardKeepsWhatTheBodyReached) {
 TEST_F(Errors, PostponedErrorsAreToldAtTheEndAndOnce) {
     const auto fail = [] {
         const ErrorHandling::Postponed outer;
-        ErrorHandling::Report(QStringLiteral("A.First"), errors::DiskFull);
+        ErrorHandling::Report(Text("A.First"), errors::DiskFull);
         const ErrorHandling::Postponed inner;
-        ErrorHandling::Report(QStringLiteral("A.Second"), errors::DiskFull);
-        ErrorHandling::Report(QStringLiteral("A.First"), errors::DiskFull);
+        ErrorHandling::Report(Text("A.Second"), errors::DiskFull);
+        ErrorHandling::Report(Text("A.First"), errors::DiskFull);
     };
     {
         const ErrorHandling::Postponed postponed;
@@ -108,21 +106,21 @@ TEST_F(Errors, PostponedErrorsAreToldAtTheEndAndOnce) {
         EXPECT_EQ(boxes.size(), 0);
     }
     ASSERT_EQ(boxes.size(), 2);
-    EXPECT_TRUE(boxes[0].endsWith(QStringLiteral("First")));
-    EXPECT_TRUE(boxes[1].endsWith(QStringLiteral("Second")));
+    EXPECT_TRUE(boxes[0].endsWith(Text("First")));
+    EXPECT_TRUE(boxes[1].endsWith(Text("Second")));
 }
 
 // A touch brought the error: its box waits. What comes meanwhile was called by nobody.
 TEST_F(Errors, SameErrorDoesNotStackWhileItsBoxStands) {
     const Operator::Acting acting;
     const auto tick = [] {
-        ErrorHandling::Report(QStringLiteral("wPolling.tmrPolling_Timer"), errors::PortNotOpen);
+        ErrorHandling::Report(Text("wPolling.tmrPolling_Timer"), errors::PortNotOpen);
     };
     whileShown = [&] {
         whileShown = {};
         const Operator::Away away;
         tick();
-        ErrorHandling::Report(QStringLiteral("wPolling.tmrPolling_Timer"), errors::DeviceIo);
+        ErrorHandling::Report(Text("wPolling.tmrPolling_Timer"), errors::DeviceIo);
     };
     tick();
     EXPECT_EQ(boxes.size(), 2) << "one for each error";

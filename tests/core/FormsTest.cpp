@@ -1,5 +1,8 @@
 #include "core/Forms.h"
 
+#include "support/FakeForm.h"
+#include "support/PrintText.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -7,38 +10,24 @@
 
 namespace {
 
-class TestForm : public Forms::Form {
+class TestForm : public FakeForm {
 public:
-    explicit TestForm(QString name)
-        : name_(std::move(name)) {
-        Forms::Added(this);
-    }
-    QString Name() const override { return name_; }
-    void Show() override { visible_ = true; }
-    void Hide() override { visible_ = false; }
-    void BringToFront() override { ++raised; }
-    bool Visible() const override { return visible_; }
+    using FakeForm::FakeForm;
     void Unload() override {
         if (atUnload)
             atUnload();
-        Forms::Removed(this);
-        visible_ = false;
+        FakeForm::Unload();
     }
 
     std::function<void()> atUnload;
-    int raised = 0;
-
-private:
-    QString name_;
-    bool visible_ = false;
 };
 
 class FormRegistry : public ::testing::Test {
 protected:
     FormRegistry() {
         for (const char* name : {"wMain", "wPolling", "wHistoric"}) {
-            Forms::Register(QLatin1String(name), [this, name] {
-                made.push_back(std::make_unique<TestForm>(QLatin1String(name)));
+            Forms::Register(Text(name), [this, name] {
+                made.push_back(std::make_unique<TestForm>(Text(name), log));
                 return made.back().get();
             });
         }
@@ -47,41 +36,42 @@ protected:
         for (const auto& form : made)
             Forms::Removed(form.get());
         for (const char* name : {"wMain", "wPolling", "wHistoric"})
-            Forms::Register(QLatin1String(name), {});
+            Forms::Register(Text(name), {});
     }
     static TestForm* Load(const char* name) {
-        return static_cast<TestForm*>(Forms::Load(QLatin1String(name)));
+        return static_cast<TestForm*>(Forms::Load(Text(name)));
     }
-    static int Instances(const char* name) { return NbInstances(QLatin1String(name)); }
+    static int Instances(const char* name) { return NbInstances(Text(name)); }
 
+    QStringList log;
     std::vector<std::unique_ptr<TestForm>> made;
 };
 
 TEST_F(FormRegistry, MakesAFormOnceUntilItIsUnloaded) {
-    EXPECT_EQ(Forms::Find(QStringLiteral("wMain")), nullptr);
-    Forms::BringToFront(QStringLiteral("wMain"));
-    Forms::Unload(QStringLiteral("wMain"));
+    EXPECT_EQ(Forms::Find(Text("wMain")), nullptr);
+    Forms::BringToFront(Text("wMain"));
+    Forms::Unload(Text("wMain"));
     EXPECT_TRUE(made.empty());
     TestForm* form = Load("wMain");
     EXPECT_EQ(Load("wMain"), form);
     EXPECT_FALSE(Forms::AnyVisible());
-    Forms::Show(QStringLiteral("wMain"));
+    Forms::Show(Text("wMain"));
     EXPECT_TRUE(Forms::AnyVisible());
-    Forms::BringToFront(QStringLiteral("wMain"));
-    EXPECT_EQ(form->raised, 1);
+    Forms::BringToFront(Text("wMain"));
+    EXPECT_EQ(log, TextList({"show wMain", "front wMain"}));
     EXPECT_EQ(Instances("wMain"), 1);
     EXPECT_EQ(Instances("wmain"), 0);
-    Forms::Unload(QStringLiteral("wMain"));
+    Forms::Unload(Text("wMain"));
     EXPECT_EQ(Instances("wMain"), 0);
     EXPECT_NE(Load("wMain"), form);
     EXPECT_EQ(Load("wUnknown"), nullptr);
-    Forms::Show(QStringLiteral("wUnknown"));
+    Forms::Show(Text("wUnknown"));
 }
 
 TEST_F(FormRegistry, UnloadAllButTakesFormsThatAnUnloadOpens) {
     Load("wMain");
     Load("wPolling")->atUnload = [] { Load("wHistoric"); };
-    Forms::UnloadAllBut({QStringLiteral("wMain")});
+    Forms::UnloadAllBut({Text("wMain")});
     EXPECT_EQ(Instances("wMain"), 1);
     EXPECT_EQ(Instances("wPolling"), 0);
     EXPECT_EQ(Instances("wHistoric"), 0);
@@ -91,7 +81,7 @@ TEST_F(FormRegistry, UnloadAllButPassesFormsThatAnUnloadTakesAlong) {
     TestForm* first = Load("wPolling");
     int unloads = 0;
     Load("wHistoric")->atUnload = [&] { ++unloads; };
-    first->atUnload = [] { Forms::Unload(QStringLiteral("wHistoric")); };
+    first->atUnload = [] { Forms::Unload(Text("wHistoric")); };
     Forms::UnloadAllBut({});
     EXPECT_EQ(unloads, 1);
     EXPECT_EQ(Instances("wPolling") + Instances("wHistoric"), 0);

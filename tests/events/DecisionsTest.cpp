@@ -8,9 +8,7 @@ namespace {
 /// Which routing options, by bit, let an event through to a consumer: "-" none, "*" all events
 /// of the kind whatever the options.
 struct Row {
-    qint16 chnl;
-    qint16 param;
-    qint16 aff;
+    qint16 chnl, param, aff;
     const char* display;
     const char* record; // history and printer
     const char* horn;
@@ -122,10 +120,7 @@ TEST_F(Decisions, AChannelWithoutItsFlagGoesNowhere) {
             EXPECT_EQ(IsToKlaxon(event), flag != 3 && Expected(row.horn, 31));
         }
     }
-}
-
-TEST_F(Decisions, SystemEventsOfTheApplicationNeedNoPanel) {
-    SetOptions(31, 31, 31, 31);
+    // Events of the application need no panel.
     const EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     EXPECT_TRUE(IsToHisto(event));
     EXPECT_TRUE(IsToPrint(event));

@@ -7,34 +7,29 @@
 namespace {
 
 TEST(EventClass, IdPacksTheFourFieldsAndSplitsAgain) {
-    EventClass event(3, 255, 1, 1);
-    EXPECT_EQ(event.ID(), 0x03FF0101);
-    EventClass other;
-    other.setID(0x03FF0101);
-    EXPECT_EQ(other.Panel(), 3);
-    EXPECT_EQ(other.Chnl(), 255);
-    EXPECT_EQ(other.Param(), 1);
-    EXPECT_EQ(other.Aff(), 1);
-
+    EventClass event;
+    const auto expect = [&event](int panel, int chnl, int param, int aff, qint32 id) {
+        EXPECT_EQ(event.Panel(), panel);
+        EXPECT_EQ(event.Chnl(), chnl);
+        EXPECT_EQ(event.Param(), param);
+        EXPECT_EQ(event.Aff(), aff);
+        EXPECT_EQ(event.ID(), id);
+    };
+    event.setID(0x03FF0101);
+    expect(3, 255, 1, 1, 0x03FF0101);
     // A key by itself, fields behind it: the fields count.
-    other.setChnl(24);
-    other.setAff(4);
-    other.setParam(0);
-    other.setPanel(64);
-    EXPECT_EQ(other.ID(), 0x40180004);
-
-    // A key with the top bit set still splits by bytes.
-    other.setID(qint32(0xFFFE0200));
-    EXPECT_EQ(other.Panel(), 255);
-    EXPECT_EQ(other.Chnl(), 254);
-    EXPECT_EQ(other.Param(), 2);
-    EXPECT_EQ(other.Aff(), 0);
-}
-
-TEST(EventClass, IdOverflowsAboveThirtyTwoBits) {
-    EventClass event(127, 255, 255, 255);
+    event.setChnl(24);
+    event.setAff(4);
+    event.setParam(0);
+    event.setPanel(64);
+    expect(64, 24, 0, 4, 0x40180004);
+    event = EventClass(127, 255, 255, 255);
     EXPECT_EQ(event.ID(), 0x7FFFFFFF);
-    event.setPanel(128);
+    // A key with the top bit set still splits by bytes, but none is packed.
+    event.setID(qint32(0xFFFE0200));
+    EXPECT_EQ(event.Panel(), 255);
+    EXPECT_EQ(event.Chnl(), 254);
+    EXPECT_EQ(event.Param(), 2);
     try {
         (void)event.ID();
         FAIL() << "no error";

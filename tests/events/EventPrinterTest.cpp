@@ -13,10 +13,10 @@ namespace {
 
 class Paper : public Bench {
 protected:
-    Paper() { printer.setPort(QStringLiteral("LPT1")); }
+    Paper() { printer.setPort(Text("LPT1")); }
 
     QByteArray Written() { return std::exchange(port->written, {}); }
-    void Print(const char* line) { paper.Print(QString::fromLatin1(line)); }
+    void Print(const char* line) { paper.Print(Text(line)); }
     void TimeOut() {
         port->advanceError = ETIMEDOUT;
         paper.Advance();
@@ -40,7 +40,7 @@ TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
     EXPECT_EQ(Faults::Standing().size(), 0) << "its time isn't over";
     port->written = "a";
     TimeOut();
-    EXPECT_EQ(Detail(), QStringLiteral("2"));
+    EXPECT_EQ(Detail(), Text("2"));
     Written();
     port->stuck = false;
     port->log.clear();
@@ -48,7 +48,7 @@ TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
     clock.Advance(EventPrinter::TryPause - 1);
     paper.Advance();
     EXPECT_EQ(port->log, QStringList()) << "left alone";
-    EXPECT_EQ(Detail(), QStringLiteral("3"));
+    EXPECT_EQ(Detail(), Text("3"));
 
     clock.Advance(1);
     paper.Advance();
@@ -94,34 +94,24 @@ TEST_F(Paper, ASlowPrinterKeepsTheOrderAndALimit) {
     EXPECT_EQ(paper.Unprinted(), 0);
 }
 
-TEST_F(Paper, APortThatIsTakenAwayIsForgotten) {
-    port->openError = ENOENT;
-    Print("a");
-    EXPECT_TRUE(Faults::Stands(Faults::Kind::PrinterNotReached));
-    printer.setPort(QString());
-    paper.Advance();
-    EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
-    EXPECT_EQ(paper.Unprinted(), 0);
-}
-
 TEST_F(Paper, AnotherPortWaitsForTheLineUnderWayAndGetsWhatQueues) {
     port->stuck = true;
     Print("a");
     Print("b");
     port->log.clear();
-    paper.Use(QStringLiteral("COM2"), QStringLiteral("1200,E,7,2"));
+    paper.Use(Text("COM2"), Text("1200,E,7,2"));
     EXPECT_EQ(port->log, QStringList()) << "a close would wait for the stuck line";
-    EXPECT_EQ(printer.Port(), QStringLiteral("LPT1"));
+    EXPECT_EQ(printer.Port(), Text("LPT1"));
     port->stuck = false;
     paper.Advance();
-    EXPECT_EQ(printer.Port(), QStringLiteral("COM2"));
-    EXPECT_TRUE(port->log.contains(QStringLiteral("line 1200 2 7 2")));
+    EXPECT_EQ(printer.Port(), Text("COM2"));
+    EXPECT_TRUE(port->log.contains(Text("line 1200 2 7 2")));
     EXPECT_EQ(Written(), QByteArray("a\rb\r"));
 
     port->openError = ENOENT;
     Print("c");
     port->openError = 0;
-    paper.Use(QStringLiteral("LPT2"), QString());
+    paper.Use(Text("LPT2"), QString());
     EXPECT_EQ(Written(), QByteArray("1 event not printed, see history\r")) << "tried at once";
     paper.Use(QString(), QString());
     Print("d");
@@ -130,15 +120,14 @@ TEST_F(Paper, AnotherPortWaitsForTheLineUnderWayAndGetsWhatQueues) {
 }
 
 TEST_F(Paper, ATestLineGoesBetweenTheLinesAndLeavesPortAndSettings) {
-    PipePrinter tried(Path(QStringLiteral("tried")));
+    PipePrinter tried(Path(Text("tried")));
     tried.SwitchOn();
-    SLVfonctions::setDevicePath(QStringLiteral("LPT9"), Path(QStringLiteral("tried")));
-    printer.setSettings(QStringLiteral("kept"));
+    SLVfonctions::setDevicePath(Text("LPT9"), Path(Text("tried")));
+    printer.setSettings(Text("kept"));
     std::optional<PrinterTest::Result> told;
     const auto test = [&](const char* portString) {
         told.reset();
-        paper.PrintTest(QString::fromLatin1(portString),
-                        [&](const auto& result) { told = result; });
+        paper.PrintTest(Text(portString), [&](const auto& result) { told = result; });
         QCoreApplication::processEvents();
     };
     port->stuck = true;
@@ -151,7 +140,7 @@ TEST_F(Paper, ATestLineGoesBetweenTheLinesAndLeavesPortAndSettings) {
     EXPECT_EQ(tried.Paper(), QByteArray("***** TEST *****\r\n"));
     ASSERT_TRUE(told);
     EXPECT_EQ(told->error, QString());
-    EXPECT_EQ(port->log.last(), QStringLiteral("close"));
+    EXPECT_EQ(port->log.last(), Text("close"));
 
     // A printer that takes nothing: the events wait for no more than its time.
     tried.Stick();
@@ -171,7 +160,7 @@ TEST_F(Paper, ATestLineGoesBetweenTheLinesAndLeavesPortAndSettings) {
     ASSERT_TRUE(told);
     EXPECT_EQ(told->where, int(DirectPrinting::Opening));
     EXPECT_FALSE(told->error.isEmpty());
-    EXPECT_EQ(printer.Port() + u' ' + printer.Settings(), QStringLiteral("LPT1 kept"));
+    EXPECT_EQ(printer.Port() + u' ' + printer.Settings(), Text("LPT1 kept"));
     EXPECT_EQ(paper.Unprinted(), 0);
 }
 

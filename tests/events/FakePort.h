@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/PrinterPort.h"
+#include "support/PrintText.h"
 
 #include <QStringList>
 
@@ -18,25 +19,23 @@ public:
     int advanceError = 0;
 
     int Open(const QString& portName) override {
-        log += QStringLiteral("open ") + portName;
+        log += Text("open ") + portName;
         open_ = openError == 0;
         return openError;
     }
     bool IsOpen() const override { return open_; }
     int CheckLine() override { return checkError; }
     int SetLine(const platform::LineSettings& settings) override {
-        log += QStringLiteral("line %1 %2 %3 %4")
+        log += Text("line %1 %2 %3 %4")
                    .arg(settings.speed)
                    .arg(settings.parity)
                    .arg(settings.dataBits)
                    .arg(settings.stopBits);
         return lineError;
     }
-    void SetWriteTimeout(int milliseconds) override {
-        log += QStringLiteral("timeout %1").arg(milliseconds);
-    }
+    void SetWriteTimeout(int milliseconds) override { log += Text("timeout %1").arg(milliseconds); }
     int Write(const QByteArray& bytes) override {
-        log += QStringLiteral("write");
+        log += Text("write");
         written += bytes;
         busy_ = stuck && writeError == 0;
         return writeError;
@@ -49,7 +48,7 @@ public:
     bool HasBegun() const override { return !written.isEmpty(); }
     void Close() override {
         if (open_)
-            log += QStringLiteral("close");
+            log += Text("close");
         open_ = false;
         busy_ = false;
     }

@@ -19,8 +19,8 @@ protected:
     }
 };
 
-const QString Month = QStringLiteral("Histo202403.his");
-const QString Day = QStringLiteral("Histo20240315.his");
+const QString Month = Text("Histo202403.his");
+const QString Day = Text("Histo20240315.his");
 
 TEST_F(HistoFile, BeginsWithItsHeadingAndGrowsLineByLine) {
     HistoProcs::HistoEvent(Event());
@@ -36,13 +36,11 @@ TEST_F(HistoFile, BeginsWithItsHeadingAndGrowsLineByLine) {
               TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(Event())));
     EXPECT_EQ(lines[2], lines[1]);
     EXPECT_EQ(boxes, QStringList());
-}
-
-TEST_F(HistoFile, HoldsOneByteForEachCharacter) {
+    // One byte for each character.
     Site().Panel(3).Channel(5).setScreenText(QStringLiteral(u"Überdruck 5 \u20AC \u0394"));
     HistoProcs::HistoEvent(Event());
-    EXPECT_EQ(BytesOf(Month).mid(140 + 98, 40).trimmed(), QByteArray("\xDC"
-                                                                     "berdruck 5 \x80 ?"));
+    EXPECT_EQ(BytesOf(Month).mid(3 * 140 + 98, 40).trimmed(), QByteArray("\xDC"
+                                                                         "berdruck 5 \x80 ?"));
 }
 
 TEST_F(HistoFile, IsNamedAfterTheMomentOfWriting) {
@@ -52,7 +50,7 @@ TEST_F(HistoFile, IsNamedAfterTheMomentOfWriting) {
     EXPECT_EQ(LinesOf(Month).size(), 2);
 
     // A change to daily files leaves the file of the month as it is.
-    IniWrite(QStringLiteral("Files"), QStringLiteral("PeriodUnit"), QStringLiteral("1"));
+    IniWrite(Text("Files"), Text("PeriodUnit"), Text("1"));
     HistoProcs::HistoEvent(Event());
     EXPECT_EQ(LinesOf(Month).size(), 2);
     EXPECT_EQ(LinesOf(Day).size(), 2);
@@ -61,8 +59,8 @@ TEST_F(HistoFile, IsNamedAfterTheMomentOfWriting) {
     HistoProcs::HistoEvent(Event());
     clock.Advance(1000);
     HistoProcs::HistoEvent(Event());
-    EXPECT_EQ(LinesOf(QStringLiteral("Histo20241231.his")).size(), 2);
-    EXPECT_EQ(LinesOf(QStringLiteral("Histo20250101.his")).size(), 2);
+    EXPECT_EQ(LinesOf(Text("Histo20241231.his")).size(), 2);
+    EXPECT_EQ(LinesOf(Text("Histo20250101.his")).size(), 2);
 }
 
 TEST_F(HistoFile, AppendsToAFileThatSomebodyEdited) {
@@ -73,14 +71,14 @@ TEST_F(HistoFile, AppendsToAFileThatSomebodyEdited) {
     HistoProcs::HistoEvent(Event());
     const QStringList lines = LinesOf(Month);
     ASSERT_EQ(lines.size(), 2) << "no heading in a file that was there";
-    EXPECT_EQ(lines[0], QStringLiteral("note"));
+    EXPECT_EQ(lines[0], Text("note"));
 }
 
 TEST_F(HistoFile, ThatCannotBeWrittenIsToldOnce) {
     ASSERT_TRUE(QDir().mkdir(Path(Month)));
     HistoProcs::HistoEvent(Event());
-    EXPECT_EQ(boxes, QStringList{QStringLiteral("Error Nr 75 : Path/File access error\r\nModule : "
-                                                "HistoProcs\r\nFunction : HistoEvent")});
+    EXPECT_EQ(boxes, TextList({"Error Nr 75 : Path/File access error\r\nModule : "
+                               "HistoProcs\r\nFunction : HistoEvent"}));
     EXPECT_TRUE(Faults::Stands(Faults::Kind::HistoryNotWritten));
     // Its folder goes away as a whole, and comes back with the next event.
     ASSERT_TRUE(QDir(Path(QString())).removeRecursively());

@@ -12,34 +12,34 @@ protected:
         Site().setAlarmPrioSound(7, 4);
     }
     void ExpectSound(const char* name, int starts) {
-        EXPECT_EQ(horn->playing, Path(QString::fromLatin1(name)));
+        EXPECT_EQ(horn->playing, Path(Text(name)));
         EXPECT_EQ(horn->starts, starts);
     }
 };
 
-TEST_F(Klaxon, OnlyAHigherPriorityReplacesASound) {
-    Alarme(5);
-    ExpectSound("AlarmSound12", 1);
-    Alarme(3);
-    Alarme(5);
-    Alarme(0);
-    ExpectSound("AlarmSound12", 1);
-    Alarme(7);
-    ExpectSound("AlarmSound4", 2);
-    Alarme(HighestPriority);
-    ExpectSound("AlarmSound1", 3);
-    Alarme(HighestPriority);
-    ExpectSound("AlarmSound1", 3);
-}
-
-TEST_F(Klaxon, StopIsAlwaysPossibleAndArmsAnyPriority) {
+TEST_F(Klaxon, OnlyAHigherPriorityReplacesASoundUntilTheStop) {
+    const struct {
+        int priority;
+        const char* name;
+        int starts;
+    } steps[] = {{5, "AlarmSound12", 1},
+                 {3, "AlarmSound12", 1},
+                 {5, "AlarmSound12", 1},
+                 {0, "AlarmSound12", 1},
+                 {7, "AlarmSound4", 2},
+                 {HighestPriority, "AlarmSound1", 3},
+                 {HighestPriority, "AlarmSound1", 3}};
     Alarme(StopAlarme);
-    EXPECT_EQ(horn->stops, 1);
-    Alarme(7);
+    EXPECT_EQ(horn->stops, 1) << "always possible";
+    for (const auto& [priority, name, starts] : steps) {
+        SCOPED_TRACE(priority);
+        Alarme(qint16(priority));
+        ExpectSound(name, starts);
+    }
     Alarme(StopAlarme);
     EXPECT_EQ(horn->playing, QString());
     Alarme(3);
-    ExpectSound("AlarmSound11", 2);
+    ExpectSound("AlarmSound11", 4);
 }
 
 TEST_F(Klaxon, TheBaseStandsInForAFile) {
@@ -53,17 +53,17 @@ TEST_F(Klaxon, TheBaseStandsInForAFile) {
 TEST_F(Klaxon, AnAlarmEndsTheTrialOfASound) {
     int told = 0;
     const auto ended = [&] { ++told; };
-    EXPECT_TRUE(TrySound(Path(QStringLiteral("trial.wav")), {}, ended));
+    EXPECT_TRUE(TrySound(Path(Text("trial.wav")), {}, ended));
     ExpectSound("trial.wav", 1);
     Alarme(3);
     ExpectSound("AlarmSound11", 2);
     EXPECT_EQ(told, 1);
     EndSoundTrial();
     ExpectSound("AlarmSound11", 2);
-    EXPECT_FALSE(TrySound(Path(QStringLiteral("trial.wav")), {}, ended));
+    EXPECT_FALSE(TrySound(Path(Text("trial.wav")), {}, ended));
     ExpectSound("AlarmSound11", 2);
     Alarme(StopAlarme);
-    EXPECT_TRUE(TrySound(Path(QStringLiteral("trial.wav")), {}, ended));
+    EXPECT_TRUE(TrySound(Path(Text("trial.wav")), {}, ended));
     EndSoundTrial();
     EXPECT_EQ(horn->playing, QString());
     EXPECT_EQ(told, 1) << "who ends it knows";

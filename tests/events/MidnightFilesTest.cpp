@@ -51,7 +51,7 @@ protected:
         ASSERT_TRUE(file.setFileTime(written, QFileDevice::FileModificationTime));
     }
     QDateTime Written(const QString& name) const { return QFileInfo(Path(name)).lastModified(); }
-    QStringList Names(const QString& folder, const QString& pattern = QStringLiteral("*")) const {
+    QStringList Names(const QString& folder, const QString& pattern = Text("*")) const {
         return QDir(Path(folder)).entryList({pattern}, QDir::Files | QDir::Hidden, QDir::Name);
     }
     static void Set(const char* key, const QString& value) {
@@ -68,33 +68,10 @@ protected:
             .arg(Text(error));
     }
 
-    const QString Second = QStringLiteral("copies");
-    const QString March = QStringLiteral("Histo202403.his");
-    const QString February = QStringLiteral("Histo202402.his");
+    const QString Second = Text("copies");
+    const QString March = Text("Histo202403.his");
+    const QString February = Text("Histo202402.his");
 };
-
-TEST_F(Midnight, FilesFollowTheDayAndTheMonth) {
-    AddPanel(3, Models::Q7100);
-    const auto work = [this] {
-        Trace::Write(Text("line"));
-        EventClass event(3, 5, 0, 1);
-        event.setGDH(clock.Now());
-        HistoProcs::HistoEvent(event);
-    };
-    clock.Set(2024, 2, 29, 23, 59, 59);
-    HistoProcs::DoMidnightActions();
-    work();
-    clock.Advance(1000);
-    HistoProcs::DoMidnightActions();
-    work();
-    Set("PeriodUnit", Text("1"));
-    work();
-    EXPECT_EQ(LinesOf(Text("Trace/20240229.log")), QStringList(Text("line")));
-    EXPECT_EQ(LinesOf(Text("Trace/20240301.log")).size(), 2);
-    EXPECT_EQ(Names(QString(), Text("*.his")),
-              QStringList({February, March, Text("Histo20240301.his")}));
-    EXPECT_EQ(boxes, QStringList());
-}
 
 TEST_F(Midnight, TracesGoByTheDateOfTheirName) {
     const int days = GetConfig(100100).toInt();
@@ -131,15 +108,18 @@ TEST_F(Midnight, TracesGoByTheDateOfTheirName) {
 
 TEST_F(Midnight, HistoriesGoByTheTimeTheyWereWritten) {
     struct {
-        const char* unit;
-        const char* period;
+        const char *unit, *period;
         QDateTime limit;
+        int day = 16; // of March
     } const rows[] = {{"0", "6", At(2023, 9, 16)},
                       {"0", "1", At(2024, 2, 16)},
                       {"1", "6", At(2024, 3, 10)},
                       {"7", "1", At(2024, 3, 15)},
-                      {"-1", "12", At(2023, 3, 16)}};
+                      {"-1", "12", At(2023, 3, 16)},
+                      // A month that is shorter than the day.
+                      {"0", "1", At(2024, 2, 29), 31}};
     for (const auto& row : rows) {
+        clock.Set(2024, 3, row.day, 0, 0, 4);
         Set("PeriodUnit", Text(row.unit));
         Set("PeriodTime", Text(row.period));
         Put(Text("Histo209901.his"), "x", row.limit.addSecs(-1));
@@ -150,24 +130,14 @@ TEST_F(Midnight, HistoriesGoByTheTimeTheyWereWritten) {
         Put(Text("protected.his"), "x", row.limit.addYears(-1));
         QFile::setPermissions(Path(Text("protected.his")), QFile::ReadOwner);
         HistoProcs::DoMidnightActions();
-        EXPECT_EQ(Names(QString(), Text("*.his")),
-                  QStringList({Text("Histo199901.his"), Text("Histo199902.his")}))
+        EXPECT_EQ(Names(QString(), Text("*.his")), TextList({"Histo199901.his", "Histo199902.his"}))
             << row.unit << " " << row.period;
         EXPECT_TRUE(QFile::exists(Path(Text("Histo199901.txt"))));
     }
     EXPECT_EQ(boxes, QStringList());
 }
 
-TEST_F(Midnight, AMonthShorterThanTheDayEndsTheRetention) {
-    clock.Set(2024, 3, 31);
-    Set("PeriodTime", Text("1"));
-    Put(Text("a.his"), "x", At(2024, 2, 28, 23, 59, 59));
-    Put(Text("b.his"), "x", At(2024, 2, 29));
-    HistoProcs::DoMidnightActions();
-    EXPECT_EQ(Names(QString(), Text("*.his")), QStringList(Text("b.his")));
-}
-
-TEST_F(Midnight, WithoutARetentionNothingGoesAndAllIsCopied) {
+TEST_F(Midnight, BothFoldersHaveOneRetentionAndWithoutItNothingGoes) {
     const QString second = UseSecond();
     for (const char* period : {"0", "-3", "x", ""}) {
         Set("PeriodTime", Text(period));
@@ -177,49 +147,55 @@ TEST_F(Midnight, WithoutARetentionNothingGoesAndAllIsCopied) {
         EXPECT_EQ(BytesOf(second + March), QByteArray(period));
         EXPECT_TRUE(QFile::exists(Path(March)));
     }
-}
-
-TEST_F(Midnight, TheSecondFolderIsPurgedWithTheSameLimit) {
-    const QString second = UseSecond();
+    // The second folder is purged with the same limit.
+    QFile::remove(Path(March));
+    QFile::remove(Path(second + March));
     Set("PeriodTime", Text("6"));
     Put(second + Text("old.his"), "x", At(2023, 9, 15, 23, 59, 59));
     Put(second + Text("young.his"), "x", At(2023, 9, 16));
     Put(second + Text("old.txt"), "x", At(2001, 1, 1));
     Put(Text("old.his"), "x", At(2023, 9, 15));
     HistoProcs::DoMidnightActions();
-    EXPECT_EQ(Names(second), QStringList({Text("old.txt"), Text("young.his")}));
+    EXPECT_EQ(Names(second), TextList({"old.txt", "young.his"}));
 }
 
 TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
     const QString second = UseSecond();
     const QDateTime when = At(2024, 3, 15, 8);
-    Put(Text("new.his"), "new", when);
-    Put(Text("newer.his"), "newer, shorter", when.addMSecs(1));
-    Put(second + Text("newer.his"), "a copy that is longer than it", when);
-    Put(Text("equal.his"), "source", when);
-    Put(second + Text("equal.his"), "copy", when);
-    Put(Text("older.his"), "source", when);
-    Put(second + Text("older.his"), "copy", when.addSecs(1));
-    Put(second + Text("other.his"), "of another machine", when);
+    const QString newer = Text("newer.his");
+    const struct {
+        QString name;
+        const char* source;
+        int later; // than `when`, ms
+        const char* copy;
+        int copyLater;
+        const char* left;
+    } rows[] = {
+        {Text("equal.his"), "source", 0, "copy", 0, "copy"},
+        // Times of a stick: even seconds.
+        {Text("longer.his"), "source", 1999, "copy", 0, "source"},
+        {Text("new.his"), "new", 0, nullptr, 0, "new"},
+        {newer, "newer, shorter", 1, "a copy that is longer than it", 0, "newer, shorter"},
+        {Text("older.his"), "source", 0, "copy", 1000, "copy"},
+        {Text("other.his"), nullptr, 0, "of another machine", 0, "of another machine"},
+        {Text("stick.his"), "source", 1999, "copied", 0, "copied"},
+    };
+    QStringList names;
+    for (const auto& row : rows) {
+        names += row.name;
+        if (row.source != nullptr)
+            Put(row.name, row.source, when.addMSecs(row.later));
+        if (row.copy != nullptr)
+            Put(second + row.name, row.copy, when.addMSecs(row.copyLater));
+    }
     Put(Text("note.txt"), "no history", when);
-    // Times of a stick: even seconds.
-    Put(Text("stick.his"), "source", when.addMSecs(1999));
-    Put(second + Text("stick.his"), "copied", when);
-    Put(Text("longer.his"), "source", when.addMSecs(1999));
-    Put(second + Text("longer.his"), "copy", when);
-    QFile::setPermissions(Path(second + Text("newer.his")), QFile::ReadOwner);
+    QFile::setPermissions(Path(second + newer), QFile::ReadOwner);
     for (int night = 0; night < 2; ++night) {
         HistoProcs::DoMidnightActions();
-        EXPECT_EQ(BytesOf(second + Text("new.his")), QByteArray("new"));
-        EXPECT_EQ(BytesOf(second + Text("newer.his")), QByteArray("newer, shorter"));
-        EXPECT_EQ(BytesOf(second + Text("equal.his")), QByteArray("copy"));
-        EXPECT_EQ(BytesOf(second + Text("older.his")), QByteArray("copy"));
-        EXPECT_EQ(BytesOf(second + Text("stick.his")), QByteArray("copied"));
-        EXPECT_EQ(BytesOf(second + Text("longer.his")), QByteArray("source"));
-        EXPECT_EQ(Written(second + Text("newer.his")), when.addMSecs(1));
-        EXPECT_EQ(Names(second), QStringList({Text("equal.his"), Text("longer.his"),
-                                              Text("new.his"), Text("newer.his"), Text("older.his"),
-                                              Text("other.his"), Text("stick.his")}));
+        for (const auto& row : rows)
+            EXPECT_EQ(BytesOf(second + row.name), QByteArray(row.left)) << row.name.toStdString();
+        EXPECT_EQ(Written(second + newer), when.addMSecs(1));
+        EXPECT_EQ(Names(second), names);
     }
     // The line of the day after makes the source newer again.
     Put(Text("new.his"), "new and more", when.addDays(1));
@@ -289,7 +265,7 @@ TEST_F(Midnight, AProtectedDiskIsToldOnceAndStopsNothing) {
     Put(March, "x");
     ASSERT_TRUE(disk.Protect());
     HistoProcs::DoMidnightActions();
-    EXPECT_EQ(Names(second), QStringList(Text("old.his")));
+    EXPECT_EQ(Names(second), TextList({"old.his"}));
     EXPECT_EQ(Names(QString(), Text("*.his")), QStringList({February, March}));
     EXPECT_EQ(boxes, QStringList(Box("75 : Path/File access error")));
 }

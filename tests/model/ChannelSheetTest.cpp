@@ -50,7 +50,7 @@ TEST_F(ChannelSheet, WritesTheChannelsOfEachModel) {
     channel.setScrAlm(true);
     channel.setTypeImp(3);
     channel.setReactTpo(-8);
-    channel.setScreenText(QStringLiteral(" \"Tür\" 5 €"));
+    channel.setScreenText(Text(" \"Tür\" 5 €"));
     const ChannelSheetExport written(site);
     const QList<QByteArray> lines = written.Bytes().split('\n');
     EXPECT_EQ(written.Lines(), 64 * 12 + 12);
@@ -72,7 +72,7 @@ TEST_F(ChannelSheet, TakesEveryColumn) {
     EXPECT_EQ(channel.BibNum(), 64);
     EXPECT_EQ(channel.HelpNum(), 48);
     EXPECT_EQ(channel.ReactTpo(), 8);
-    EXPECT_EQ(channel.ScreenText() + channel.PrintText(), QStringLiteral("screenprint"));
+    EXPECT_EQ(channel.ScreenText() + channel.PrintText(), Text("screenprint"));
     EXPECT_TRUE(channel.Modified());
     EXPECT_FALSE(site.Panel(64).Channel(23).Modified());
     EXPECT_EQ(sheet->Lines(), 1);
@@ -81,10 +81,8 @@ TEST_F(ChannelSheet, TakesEveryColumn) {
 
 // Texts of every kind that a site file may bring, with values that no screen lets anybody enter.
 TEST_F(ChannelSheet, GivesBackWhatItWrote) {
-    const QStringList pieces{QStringLiteral("\""), QStringLiteral("\"\""), QStringLiteral(" "),
-                             QStringLiteral("é"),  QStringLiteral("Ø½"),   QStringLiteral("\r\n"),
-                             QStringLiteral("\n"), QStringLiteral("\r"),   QStringLiteral("a;,'b"),
-                             QStringLiteral("12")};
+    const QStringList pieces{Text("\""),   Text("\"\""), Text(" "),  Text("é"),     Text("Ø½"),
+                             Text("\r\n"), Text("\n"),   Text("\r"), Text("a;,'b"), Text("12")};
     std::mt19937 random(7);
     const auto text = [&](qsizetype kinds) {
         QString made;
@@ -121,23 +119,23 @@ TEST_F(ChannelSheet, TellsOfTextsThatDontComeBack) {
         EXPECT_EQ(written.LostPanel() * 100 + written.LostChannel(), 304);
     }
     // No half of a parted text gets into the other's column.
-    site.Panel(3).Channel(4).setPrintText(QStringLiteral("a\tb"));
+    site.Panel(3).Channel(4).setPrintText(Text("a\tb"));
     EXPECT_EQ(Take(Sheet(site)), errors::Subscript);
-    EXPECT_EQ(sheet->BadColumn(), QStringLiteral("TxtScr"));
+    EXPECT_EQ(sheet->BadColumn(), Text("TxtScr"));
     EXPECT_EQ(sheet->BadLine(), 1 + 2 * 12 + 4);
 }
 
 TEST_F(ChannelSheet, ComesBackFromASpreadsheet) {
-    EXPECT_EQ(TextOf("a\tb"), QStringLiteral("a|b"));
-    EXPECT_EQ(TextOf("\"a\"\tb\t\t\tremark"), QStringLiteral("a|b"));
-    EXPECT_EQ(TextOf("\"\"\"Pump\"\" on\"\t\" b\"\t"), QStringLiteral("\"Pump\" on| b"));
+    EXPECT_EQ(TextOf("a\tb"), Text("a|b"));
+    EXPECT_EQ(TextOf("\"a\"\tb\t\t\tremark"), Text("a|b"));
+    EXPECT_EQ(TextOf("\"\"\"Pump\"\" on\"\t\" b\"\t"), Text("\"Pump\" on| b"));
     EXPECT_EQ(TextOf("\"one\ttext\"\t\"in\r\ntwo\r\n\r\nlines\"\t"),
-              QStringLiteral("one\ttext|in\r\ntwo\r\n\r\nlines"));
+              Text("one\ttext|in\r\ntwo\r\n\r\nlines"));
     // Quotes that close nothing are characters.
-    EXPECT_EQ(TextOf("\"a\" b\t\"c"), QStringLiteral("\"a\" b|\"c"));
-    EXPECT_EQ(TextOf("\""), QStringLiteral("\"|"));
+    EXPECT_EQ(TextOf("\"a\" b\t\"c"), Text("\"a\" b|\"c"));
+    EXPECT_EQ(TextOf("\""), Text("\"|"));
     // Tabs at the end of a line got lost.
-    EXPECT_EQ(TextOf("a"), QStringLiteral("a|"));
+    EXPECT_EQ(TextOf("a"), Text("a|"));
     EXPECT_EQ(Import("1\t1\t" + Settings.chopped(1)), 0);
     EXPECT_EQ(First().ScreenText(), QString());
     // Numbers in quotes, other line ends and lines that aren't channels.
@@ -145,19 +143,18 @@ TEST_F(ChannelSheet, ComesBackFromASpreadsheet) {
                    "e\tf"),
               0);
     EXPECT_EQ(sheet->Lines(), 2);
-    EXPECT_EQ(site.Panel(2).Channel(3).ScreenText(), QStringLiteral("c"));
-    EXPECT_EQ(site.Panel(4).Channel(5).PrintText(), QStringLiteral("f"));
+    EXPECT_EQ(site.Panel(2).Channel(3).ScreenText(), Text("c"));
+    EXPECT_EQ(site.Panel(4).Channel(5).PrintText(), Text("f"));
 }
 
 TEST_F(ChannelSheet, ComesBackFromAWholeFileOfASpreadsheet) {
-    First().setScreenText(QStringLiteral("\"Vanne\" 3½ – débit"));
-    site.Panel(64).Channel(12).setPrintText(QStringLiteral("Kühlung"));
+    First().setScreenText(Text("\"Vanne\" 3½ – débit"));
+    site.Panel(64).Channel(12).setPrintText(Text("Kühlung"));
     site.setModified(false);
     QString text = platform::FromCodePage(Sheet(site));
-    text.replace(QStringLiteral("\t\r\n"), QStringLiteral("\n"));
-    text.replace(QStringLiteral(" \t "), QStringLiteral("\t"));
-    text.replace(QStringLiteral("\"Vanne\" 3½ – débit"),
-                 QStringLiteral("\"\"\"Vanne\"\" 3½ – débit\""));
+    text.replace(Text("\t\r\n"), Text("\n"));
+    text.replace(Text(" \t "), Text("\t"));
+    text.replace(Text("\"Vanne\" 3½ – débit"), Text("\"\"\"Vanne\"\" 3½ – débit\""));
     const QByteArray utf16(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
     for (const QByteArray& bytes :
          {platform::ToCodePage(text), text.toUtf8(), "\xEF\xBB\xBF" + text.toUtf8(),
@@ -173,7 +170,7 @@ TEST_F(ChannelSheet, ComesBackFromAWholeFileOfASpreadsheet) {
                    "1\t1\t" +
                    Settings + "\xFC\t"),
               0);
-    EXPECT_EQ(First().ScreenText(), QStringLiteral("ü"));
+    EXPECT_EQ(First().ScreenText(), Text("ü"));
 }
 
 TEST_F(ChannelSheet, TellsWhereALineIsBad) {
@@ -203,8 +200,8 @@ TEST_F(ChannelSheet, TellsWhereALineIsBad) {
         EXPECT_EQ(Import(good + bad.line + "\r\n3\t1\t" + Settings), bad.error)
             << bad.line.toStdString();
         EXPECT_EQ(sheet->BadLine(), 3) << bad.line.toStdString();
-        EXPECT_EQ(sheet->BadColumn(), QLatin1String(bad.column)) << bad.line.toStdString();
-        EXPECT_EQ(First().ScreenText(), QStringLiteral("a"));
+        EXPECT_EQ(sheet->BadColumn(), Text(bad.column)) << bad.line.toStdString();
+        EXPECT_EQ(First().ScreenText(), Text("a"));
         EXPECT_EQ(sheet->Lines(), 1);
         EXPECT_FALSE(site.Panel(2).Channel(1).Modified()) << "a bad line changes nothing";
         EXPECT_FALSE(site.Panel(3).Channel(1).Modified());
@@ -213,16 +210,16 @@ TEST_F(ChannelSheet, TellsWhereALineIsBad) {
 
 TEST_F(ChannelSheet, GoesThroughAFile) {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("channels.txt"));
+    const QString path = folder.filePath(Text("channels.txt"));
     WriteFile(path, "an earlier and much longer one");
-    First().setScreenText(QStringLiteral("Pump"));
+    First().setScreenText(Text("Pump"));
     ChannelSheetExport(site).Write(path);
     EXPECT_EQ(FileBytes(path), Sheet(site));
     ConfigClass other;
     ChannelSheetImport import(other);
     import.Read(path);
-    EXPECT_EQ(other.Panel(1).Channel(1).ScreenText(), QStringLiteral("Pump"));
-    EXPECT_EQ(ErrorNumberOf([&] { import.Read(folder.path() + QStringLiteral("/none")); }),
+    EXPECT_EQ(other.Panel(1).Channel(1).ScreenText(), Text("Pump"));
+    EXPECT_EQ(ErrorNumberOf([&] { import.Read(folder.path() + Text("/none")); }),
               errors::FileNotFound);
     EXPECT_NE(ErrorNumberOf([&] { ChannelSheetExport(site).Write(folder.path()); }), 0);
 }

@@ -44,41 +44,35 @@ TEST(Configuration, AnotherPanelObjectMarksEverything) {
 }
 
 TEST(Configuration, EachSettingMarks) {
-    const std::function<void(ConfigClass&)> changes[] = {
-        [](ConfigClass& c) { c.setAlarmPrioSound(99, 3); },
-        [](ConfigClass& c) { c.setAutoStart(true); },
-        [](ConfigClass& c) { c.setBiblio(64, QStringLiteral("valve")); },
-        [](ConfigClass& c) { c.setBusSettings(QStringLiteral("COM9:1200,N,8,1")); },
-        [](ConfigClass& c) { c.setBusControl(1); },
-        [](ConfigClass& c) { c.setConsigne(48, QStringLiteral("close it")); },
-        [](ConfigClass& c) { c.setInactivityTime(30); },
-        [](ConfigClass& c) { c.setOptionHisto(4, true); },
-        [](ConfigClass& c) { c.setOptionKlaxon(0, true); },
-        [](ConfigClass& c) { c.setOptionPrinter(7, true); },
-        [](ConfigClass& c) { c.setOptionScreen(1, true); },
-        [](ConfigClass& c) { c.setPrintBusResult(true); },
-        [](ConfigClass& c) { c.setPrintMaxLen(80); },
-        [](ConfigClass& c) { c.setPrinterName(QStringLiteral("Matrix")); },
-        [](ConfigClass& c) { c.setPrinterInitCode(7, QStringLiteral("<27>")); },
-        [](ConfigClass& c) { c.setPrinterInitString(0, QStringLiteral("\u001B")); },
-        [](ConfigClass& c) { c.setPrtSettings(QStringLiteral("LPT9:")); },
-        [](ConfigClass& c) { c.setUserCount(3); },
-        [](ConfigClass& c) { c.setUserLevel(1, 1); },
-        [](ConfigClass& c) { c.setUserName(1, QStringLiteral("A")); },
-        [](ConfigClass& c) { c.setUserPwd(1, QStringLiteral("B")); },
-        [](ConfigClass& c) { c.Mirrors().Add(1, 1, 2, 2, 1).setModified(false); },
-    };
     ConfigClass config;
-    for (size_t i = 0; i < std::size(changes); ++i) {
-        changes[i](config);
-        EXPECT_TRUE(config.Modified()) << i;
-        config.setModified(false);
-        EXPECT_FALSE(config.Modified()) << i;
-        if (i + 1 < std::size(changes)) {
-            changes[i](config);
-            EXPECT_FALSE(config.Modified()) << i << ": the same value again";
-        }
-    }
+    ExpectMarks<ConfigClass>(
+        config,
+        {Set(&ConfigClass::setAlarmPrioSound, 99, 3),
+         Set(&ConfigClass::setAutoStart, true),
+         Set(&ConfigClass::setBiblio, 64, Text("valve")),
+         Set(&ConfigClass::setBusSettings, Text("COM9:1200,N,8,1")),
+         Set(&ConfigClass::setBusControl, 1),
+         Set(&ConfigClass::setConsigne, 48, Text("close it")),
+         Set(&ConfigClass::setInactivityTime, 30),
+         Set(&ConfigClass::setOptionHisto, 4, true),
+         Set(&ConfigClass::setOptionKlaxon, 0, true),
+         Set(&ConfigClass::setOptionPrinter, 7, true),
+         Set(&ConfigClass::setOptionScreen, 1, true),
+         Set(&ConfigClass::setPrintBusResult, true),
+         Set(&ConfigClass::setPrintMaxLen, 80),
+         Set(&ConfigClass::setPrinterName, Text("Matrix")),
+         Set(&ConfigClass::setPrinterInitCode, 7, Text("<27>")),
+         Set(&ConfigClass::setPrinterInitString, 0, Text("\u001B")),
+         Set(&ConfigClass::setPrtSettings, Text("LPT9:")),
+         Set(&ConfigClass::setUserCount, 3),
+         Set(&ConfigClass::setUserLevel, 1, 1),
+         Set(&ConfigClass::setUserName, 1, Text("A")),
+         Set(&ConfigClass::setUserPwd, 1, Text("B"))},
+        [&] { return config.Modified(); }, [&] { config.setModified(false); });
+    config.Mirrors().Add(1, 1, 2, 2, 1).setModified(false);
+    EXPECT_TRUE(config.Modified());
+    config.setModified(false);
+    EXPECT_FALSE(config.Modified());
 }
 
 TEST(Configuration, SoundsAndBitsStayInTheirPlaces) {
@@ -91,11 +85,11 @@ TEST(Configuration, SoundsAndBitsStayInTheirPlaces) {
         EXPECT_EQ(config.AlarmPrioSound(index), 0);
 
     config.setOptionScreen(0, true);
-    config.setOptionScreen(3, true);
+    config.setOptionScreen(7, true);
     config.setOptionScreen(0, false);
     for (int bit = -1; bit <= 40; ++bit)
-        EXPECT_EQ(config.OptionScreen(bit), bit == 3) << bit;
-    EXPECT_FALSE(config.OptionHisto(3) || config.OptionPrinter(3) || config.OptionKlaxon(3));
+        EXPECT_EQ(config.OptionScreen(bit), bit == 7) << bit;
+    EXPECT_FALSE(config.OptionHisto(7) || config.OptionPrinter(7) || config.OptionKlaxon(7));
     EXPECT_EQ(ErrorNumberOf([&] { config.setOptionKlaxon(8, true); }), errors::Overflow);
 }
 
@@ -104,18 +98,18 @@ TEST(Configuration, FixedTextsKeepTheirWidth) {
     EXPECT_EQ(config.Biblio(1), QString(24, QChar()));
     EXPECT_EQ(config.Consigne(48).size(), 1024);
     EXPECT_EQ(config.ConsigneText(48), QString());
-    config.setBiblio(1, QStringLiteral(" valve "));
-    EXPECT_EQ(config.Biblio(1), QStringLiteral(" valve                  "));
-    EXPECT_EQ(config.BiblioText(1), QStringLiteral("valve"));
+    config.setBiblio(1, Text(" valve "));
+    EXPECT_EQ(config.Biblio(1), Text(" valve                  "));
+    EXPECT_EQ(config.BiblioText(1), Text("valve"));
     config.setBiblio(1, QString(30, u'x'));
     EXPECT_EQ(config.Biblio(1), QString(24, u'x'));
-    config.setConsigne(2, QStringLiteral("line\r\n"));
-    EXPECT_EQ(config.ConsigneText(2), QStringLiteral("line\r\n"));
+    config.setConsigne(2, Text("line\r\n"));
+    EXPECT_EQ(config.ConsigneText(2), Text("line\r\n"));
 
     config.setModified(false);
     for (const int index : {-1, 0, 65}) {
-        config.setBiblio(index, QStringLiteral("x"));
-        config.setConsigne(index, QStringLiteral("x"));
+        config.setBiblio(index, Text("x"));
+        config.setConsigne(index, Text("x"));
         EXPECT_EQ(config.Biblio(index), QString());
         EXPECT_EQ(config.ConsigneText(index), QString());
     }
@@ -127,7 +121,7 @@ TEST(Configuration, UserTablesGrowOneByOne) {
     EXPECT_EQ(config.UserCount(), 2);
     EXPECT_EQ(config.UserLevel(1), 3);
     EXPECT_EQ(config.UserLevel(2), 2);
-    config.setUserName(5, QStringLiteral("Eve"));
+    config.setUserName(5, Text("Eve"));
     EXPECT_EQ(config.UserCount(), 5);
     EXPECT_EQ(config.UserLevel(5), 0);
     EXPECT_EQ(config.UserPwd(5), QString());
@@ -142,17 +136,14 @@ TEST(Configuration, UserTablesGrowOneByOne) {
 }
 
 TEST(Models, NamesAndDelays) {
-    EXPECT_EQ(ModuleName(0), QStringLiteral("-----"));
-    EXPECT_EQ(ModuleName(2), QStringLiteral("Q6200XT"));
-    EXPECT_EQ(ModuleName(5), QStringLiteral("P5500"));
-    for (const int code : {-1, 6})
-        EXPECT_EQ(ModuleName(code), QString());
-    EXPECT_EQ(ReactivTime(0), QString());
-    EXPECT_EQ(ReactivTime(1), QStringLiteral("00:01"));
-    EXPECT_EQ(ReactivTime(9), QStringLiteral("36:00"));
-    EXPECT_EQ(ReactivTime(QStringLiteral(" 12:00 ")), 6);
-    for (const QString& text : {QString(), QStringLiteral("@"), QStringLiteral("12:0")})
-        EXPECT_EQ(ReactivTime(text), std::nullopt);
+    for (const auto& [code, name] :
+         {std::pair{0, "-----"}, {2, "Q6200XT"}, {5, "P5500"}, {-1, ""}, {6, ""}})
+        EXPECT_EQ(ModuleName(code), Text(name)) << code;
+    for (const auto& [index, time] : {std::pair{0, ""}, {1, "00:01"}, {9, "36:00"}})
+        EXPECT_EQ(ReactivTime(index), Text(time)) << index;
+    EXPECT_EQ(ReactivTime(Text(" 12:00 ")), 6);
+    for (const char* text : {"", "@", "12:0"})
+        EXPECT_EQ(ReactivTime(Text(text)), std::nullopt) << text;
 }
 
 TEST(Access, IsOpenUntilAnOperatorIsDefined) {

@@ -11,9 +11,9 @@ TEST(Mirrors, AreFoundByTheirEndPoints) {
     MirrorClasses list;
     list.Add(3, 12, 5, 4, 1);
     list.Add(7, 0, 8, 0, 0);
-    EXPECT_EQ(list.Item(2).ID(), QStringLiteral("07000800"));
-    EXPECT_EQ(list.GetByID(QStringLiteral("03120504")), &list.Item(1));
-    EXPECT_EQ(list.GetByID(QStringLiteral("99999999")), nullptr);
+    EXPECT_EQ(list.Item(2).ID(), Text("07000800"));
+    EXPECT_EQ(list.GetByID(Text("03120504")), &list.Item(1));
+    EXPECT_EQ(list.GetByID(Text("99999999")), nullptr);
 
     MirrorClass other;
     other.Copy(list.Item(1));
@@ -49,20 +49,12 @@ TEST(Mirrors, MarksOfTheListAndItsRules) {
     EXPECT_TRUE(list.Modified());
     list.setModified(false);
 
-    const std::function<void(MirrorClass&)> changes[] = {
-        [](MirrorClass& rule) { rule.setFromModule(1); },
-        [](MirrorClass& rule) { rule.setFromChannel(1); },
-        [](MirrorClass& rule) { rule.setToModule(1); },
-        [](MirrorClass& rule) { rule.setToChannel(1); },
-        [](MirrorClass& rule) { rule.setMirrorType(1); },
-    };
-    for (const auto& change : changes) {
-        change(list.Item(1));
-        EXPECT_TRUE(list.Modified());
-        list.setModified(false);
-        change(list.Item(1));
-        EXPECT_FALSE(list.Modified());
-    }
+    ExpectMarks<MirrorClass>(
+        list.Item(1),
+        {Set(&MirrorClass::setFromModule, 1), Set(&MirrorClass::setFromChannel, 1),
+         Set(&MirrorClass::setToModule, 1), Set(&MirrorClass::setToChannel, 1),
+         Set(&MirrorClass::setMirrorType, 1)},
+        [&] { return list.Modified(); }, [&] { list.setModified(false); });
     list.RemoveAll();
     EXPECT_TRUE(list.Modified());
     EXPECT_EQ(list.Count(), 0);
@@ -80,7 +72,7 @@ TEST(Mirrors, CopyTakesTheMarkOfItsSource) {
     target.Copy(source);
     EXPECT_FALSE(target.Modified() || target.Item(1).Modified());
     ASSERT_EQ(target.Count(), 2);
-    EXPECT_EQ(target.Item(2).ID(), QStringLiteral("05060708"));
+    EXPECT_EQ(target.Item(2).ID(), Text("05060708"));
     EXPECT_EQ(target.Item(2).MirrorType(), 2);
     target.Copy(target);
     EXPECT_EQ(target.Count(), 2);

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "model/ConfigClass.h"
+#include "model/SiteFile.h"
+#include "support/PrintText.h"
 
 #include <QByteArray>
 #include <QFile>
 #include <QString>
 #include <functional>
 #include <gtest/gtest.h>
-
-/// Shows texts in the messages of failed tests.
-inline void PrintTo(const QString& text, std::ostream* stream) {
-    *stream << '"' << text.toStdString() << '"';
-}
+#include <vector>
 
 /// Puts the bytes of a site file together by hand, without the program's own writer.
 class SiteBytes {
@@ -98,6 +96,34 @@ inline void WriteFile(const QString& path, const QByteArray& bytes) {
 inline QByteArray FileBytes(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// A piece of the site file as the program writes it.
+template <class Piece> QByteArray Saved(Piece& piece) {
+    SiteFileWriter writer;
+    piece.SaveTo(writer);
+    return writer.Bytes();
+}
+
+/// A call of a setter.
+template <class Object, class... Parameters, class... Values>
+std::function<void(Object&)> Set(void (Object::*setter)(Parameters...), Values... values) {
+    return [=](Object& object) { (object.*setter)(values...); };
+}
+
+/// Each change marks its object once: the same value again is none.
+template <class Object>
+void ExpectMarks(Object& object, const std::vector<std::function<void(Object&)>>& changes,
+                 const std::function<bool()>& isMarked, const std::function<void()>& takeAway) {
+    for (size_t i = 0; i < changes.size(); ++i) {
+        SCOPED_TRACE(i);
+        changes[i](object);
+        EXPECT_TRUE(isMarked());
+        takeAway();
+        EXPECT_FALSE(isMarked());
+        changes[i](object);
+        EXPECT_FALSE(isMarked()) << "the same value again";
+    }
 }
 
 /// The number of the run-time error that `body` throws, 0 without one.

@@ -18,15 +18,9 @@ int ErrorNumberOf(const std::function<void()>& body) {
 
 namespace {
 
-template <class Piece> QByteArray Saved(Piece& piece) {
-    SiteFileWriter writer;
-    piece.SaveTo(writer);
-    return writer.Bytes();
-}
-
 void Fill(ChannelClass& channel) {
-    channel.setScreenText(QStringLiteral("Pompe 1 \u20AC"));
-    channel.setPrintText(QStringLiteral("\u00E9t\u00E9"));
+    channel.setScreenText(Text("Pompe 1 \u20AC"));
+    channel.setPrintText(Text("\u00E9t\u00E9"));
     channel.setHelpNum(48);
     channel.setBibNum(0x0140);
     channel.setScrAlm(true);
@@ -56,7 +50,7 @@ TEST(SiteFile, ChannelRecord) {
     SiteFileReader reader(Saved(channel));
     read.ReadFrom(reader);
     EXPECT_EQ(Saved(read), Saved(channel));
-    EXPECT_EQ(read.ScreenText(), QStringLiteral("Pompe 1 \u20AC"));
+    EXPECT_EQ(read.ScreenText(), Text("Pompe 1 \u20AC"));
     EXPECT_EQ(reader.Left(), 0);
 }
 
@@ -64,7 +58,7 @@ TEST(SiteFile, PanelRecordHoldsAllChannels) {
     PanelClass panel;
     panel.setNumero(64);
     panel.setModel(1);
-    panel.setTitle(QStringLiteral("  Hall A "));
+    panel.setTitle(Text("  Hall A "));
     panel.setTitleColor(0x00FF8001);
     panel.setActive(true);
     Fill(panel.Channel(24));
@@ -80,7 +74,7 @@ TEST(SiteFile, PanelRecordHoldsAllChannels) {
     PanelClass read;
     SiteFileReader reader(expected.bytes);
     EXPECT_TRUE(read.ReadFrom(reader));
-    EXPECT_EQ(read.Title(), QStringLiteral("Hall A"));
+    EXPECT_EQ(read.Title(), Text("Hall A"));
     EXPECT_EQ(read.Channel(24).AlmPrio(), 7);
     EXPECT_EQ(read.TitleColor(), 0x00FF8001);
     EXPECT_TRUE(read.Active());
@@ -103,7 +97,7 @@ TEST(SiteFile, MirrorList) {
         EXPECT_TRUE(read.ReadFrom(reader));
         EXPECT_EQ(read.Count(), 2 * round);
     }
-    EXPECT_EQ(read.Item(3).ID(), QStringLiteral("03120504"));
+    EXPECT_EQ(read.Item(3).ID(), Text("03120504"));
     EXPECT_TRUE(read.Modified());
 
     SiteFileReader negative(QByteArray::fromHex("ffff"));
@@ -113,24 +107,22 @@ TEST(SiteFile, MirrorList) {
     EXPECT_EQ(ErrorNumberOf([&] { read.ReadFrom(truncated); }), errors::InputPastEnd);
 }
 
-TEST(SiteFile, TextsLoseBlanksOnly) {
-    SiteFileReader reader(
-        SiteBytes().Text("  a b\r\n\t ").Text("    ").Text(QByteArray("\0x ", 3)).bytes);
-    EXPECT_EQ(reader.GetFileString(), QStringLiteral("a b\r\n\t"));
-    EXPECT_EQ(reader.GetFileString(), QString());
-    EXPECT_EQ(reader.GetFileString(), QString(QChar()) + u'x');
-}
-
-TEST(SiteFile, FixedTextsAreCutAndPadded) {
+TEST(SiteFile, TextsOfBothKinds) {
     SiteFileWriter writer;
-    writer.PutFixedText(QStringLiteral("abcdef"), 4);
-    writer.PutFixedText(QStringLiteral("\u20AC"), 3);
+    writer.PutFixedText(Text("abcdef"), 4);
+    writer.PutFixedText(Text("\u20AC"), 3);
     writer.PutFixedText(QString(2, QChar()), 2);
     EXPECT_EQ(writer.Bytes(), QByteArray("abcd\x80  \0\0", 9));
     SiteFileReader reader(writer.Bytes());
-    EXPECT_EQ(reader.GetFixedText(4), QStringLiteral("abcd"));
-    EXPECT_EQ(reader.GetFixedText(3), QStringLiteral("\u20AC  "));
+    EXPECT_EQ(reader.GetFixedText(4), Text("abcd"));
+    EXPECT_EQ(reader.GetFixedText(3), Text("\u20AC  "));
     EXPECT_EQ(reader.GetFixedText(2), QString(2, QChar()));
+
+    SiteFileReader blanks(
+        SiteBytes().Text("  a b\r\n\t ").Text("    ").Text(QByteArray("\0x ", 3)).bytes);
+    EXPECT_EQ(blanks.GetFileString(), Text("a b\r\n\t"));
+    EXPECT_EQ(blanks.GetFileString(), QString());
+    EXPECT_EQ(blanks.GetFileString(), QString(QChar()) + u'x');
 }
 
 // A damaged length would otherwise ask for two gigabytes or run backwards.
@@ -145,12 +137,10 @@ TEST(SiteFile, LengthsBeyondTheFileAreRefused) {
     EXPECT_EQ(ErrorNumberOf([&] { shortFile.Skip(2); }), errors::InputPastEnd);
     EXPECT_EQ(shortFile.GetByte(), 'c');
     EXPECT_EQ(ErrorNumberOf([&] { shortFile.GetByte(); }), errors::InputPastEnd);
-}
-
-TEST(SiteFile, OnlyPlainFilesAreOpened) {
-    EXPECT_NE(ErrorNumberOf([] { SiteFileReader::Open(QStringLiteral("/dev/zero")); }), 0);
-    EXPECT_NE(ErrorNumberOf([] { SiteFileReader::Open(QStringLiteral("/")); }), 0);
-    EXPECT_EQ(ErrorNumberOf([] { SiteFileReader::Open(QStringLiteral("/no/such/file")); }),
+    // Only plain files are opened.
+    EXPECT_NE(ErrorNumberOf([] { SiteFileReader::Open(Text("/dev/zero")); }), 0);
+    EXPECT_NE(ErrorNumberOf([] { SiteFileReader::Open(Text("/")); }), 0);
+    EXPECT_EQ(ErrorNumberOf([] { SiteFileReader::Open(Text("/no/such/file")); }),
               errors::FileNotFound);
 }
 

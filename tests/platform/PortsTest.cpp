@@ -16,8 +16,8 @@ namespace {
 class PortsTest : public ::testing::Test {
 protected:
     PortsTest() {
-        roots.dev = Made(QStringLiteral("dev"));
-        roots.sys = Made(QStringLiteral("sys"));
+        roots.dev = Made(Text("dev"));
+        roots.sys = Made(Text("sys"));
         roots.serial = [this] { return lines; };
     }
 
@@ -41,58 +41,58 @@ private:
 } // namespace
 
 TEST_F(PortsTest, ALineThatCanBeUnpluggedComesFirstUnderItsLastingName) {
-    const QString usb = File(QStringLiteral("dev/ttyUSB10"));
-    lines = {{File(QStringLiteral("dev/ttyS10")), {}, {}, {}, {}},
-             {File(QStringLiteral("dev/ttyS2")), {}, {}, {}, {}},
-             {usb, {}, QStringLiteral("FTDI"), QStringLiteral("RS485"), QStringLiteral("A1")}};
-    const QString name = Made(QStringLiteral("dev/serial/by-id")) + QStringLiteral("/usb-FTDI-A1");
-    QFile::link(QStringLiteral("../../ttyUSB10"), name);
+    const QString usb = File(Text("dev/ttyUSB10"));
+    lines = {{File(Text("dev/ttyS10")), {}, {}, {}, {}},
+             {File(Text("dev/ttyS2")), {}, {}, {}, {}},
+             {usb, {}, Text("FTDI"), Text("RS485"), Text("A1")}};
+    const QString name = Made(Text("dev/serial/by-id")) + Text("/usb-FTDI-A1");
+    QFile::link(Text("../../ttyUSB10"), name);
     const QList<PortDevice> found = Ports(roots).SerialDevices();
     ASSERT_EQ(found.size(), 3);
     EXPECT_EQ(found[0].path, usb);
     EXPECT_EQ(found[0].BestPath(), name);
-    EXPECT_EQ(found[1].BestPath(), roots.dev + QStringLiteral("/ttyS2")) << "ahead of ttyS10";
+    EXPECT_EQ(found[1].BestPath(), roots.dev + Text("/ttyS2")) << "ahead of ttyS10";
     EXPECT_TRUE(Ports::SameDevice(name, usb));
     EXPECT_FALSE(Ports::SameDevice(usb, found[1].path));
-    const QString own = Made(QStringLiteral("dev/korvanelle")) + QStringLiteral("/rs485-A1");
-    QFile::link(QStringLiteral("../ttyUSB10"), own);
+    const QString own = Made(Text("dev/korvanelle")) + Text("/rs485-A1");
+    QFile::link(Text("../ttyUSB10"), own);
     EXPECT_EQ(Ports(roots).SerialDevices()[0].BestPath(), own);
 }
 
 TEST_F(PortsTest, PrintersTellWhatTheyAre) {
     for (const char* name : {"dev/lp0", "dev/usb/lp1", "dev/usb/lp0"})
-        File(QString::fromLatin1(name));
-    const QString usb = QStringLiteral("sys/devices/usb1/1-2");
-    File(usb + QStringLiteral("/1-2:1.0/ieee1284_id"), "MFG:EPSON;CMD:ESCPL2;MDL:LX-350;CLS:X;\n");
-    File(usb + QStringLiteral("/serial"), "Q3ZY\n");
-    Made(QStringLiteral("sys/class/usbmisc/lp0"));
-    QFile::link(QStringLiteral("../../../devices/usb1/1-2/1-2:1.0"),
-                roots.sys + QStringLiteral("/class/usbmisc/lp0/device"));
+        File(Text(name));
+    const QString usb = Text("sys/devices/usb1/1-2");
+    File(usb + Text("/1-2:1.0/ieee1284_id"), "MFG:EPSON;CMD:ESCPL2;MDL:LX-350;CLS:X;\n");
+    File(usb + Text("/serial"), "Q3ZY\n");
+    Made(Text("sys/class/usbmisc/lp0"));
+    QFile::link(Text("../../../devices/usb1/1-2/1-2:1.0"),
+                roots.sys + Text("/class/usbmisc/lp0/device"));
     const QList<PortDevice> found = Ports(roots).PrinterDevices();
     ASSERT_EQ(found.size(), 3);
     EXPECT_EQ(found[0].maker + u' ' + found[0].description + u' ' + found[0].serialNumber,
-              QStringLiteral("EPSON LX-350 Q3ZY"));
-    EXPECT_EQ(found[1].path, roots.dev + QStringLiteral("/usb/lp1"));
-    EXPECT_EQ(found[2].path, roots.dev + QStringLiteral("/lp0"));
+              Text("EPSON LX-350 Q3ZY"));
+    EXPECT_EQ(found[1].path, roots.dev + Text("/usb/lp1"));
+    EXPECT_EQ(found[2].path, roots.dev + Text("/lp0"));
     EXPECT_TRUE(found[2].maker.isEmpty()) << "the parallel port isn't the USB printer lp0";
 }
 
 TEST_F(PortsTest, TellsWhoHasADevice) {
     const Ports ports(roots);
-    const QString device = File(QStringLiteral("dev/ttyS0"));
+    const QString device = File(Text("dev/ttyS0"));
     using State = PortUse::State;
     EXPECT_EQ(ports.UseOf(device).state, State::Free);
-    EXPECT_EQ(ports.UseOf(roots.dev + QStringLiteral("/none")).state, State::Absent);
+    EXPECT_EQ(ports.UseOf(roots.dev + Text("/none")).state, State::Absent);
 
-    const QString link = roots.dev + QStringLiteral("/link");
+    const QString link = roots.dev + Text("/link");
     QFile::link(device, link);
     QProcess other;
     other.setStandardInputFile(device);
-    other.start(QStringLiteral("sleep"), {QStringLiteral("60")});
+    other.start(Text("sleep"), {Text("60")});
     ASSERT_TRUE(other.waitForStarted());
     const PortUse use = ports.UseOf(link);
     EXPECT_EQ(use.state, State::Taken) << "whatever name leads to it";
-    EXPECT_EQ(use.program, QStringLiteral("sleep"));
+    EXPECT_EQ(use.program, Text("sleep"));
     other.kill();
     other.waitForFinished();
 

@@ -1,20 +1,16 @@
 #include "platform/PrinterPort.h"
+#include "platform/Terminal.h"
 #include "platform/TestFiles.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <thread>
-#include <unistd.h>
 
 using namespace platform;
 
@@ -24,58 +20,24 @@ constexpr int ShortTimeout = 150;
 /// Room for a busy machine, ms.
 constexpr int Slack = 50000;
 
-/// A file number that closes itself.
-class Handle {
-public:
-    explicit Handle(int number)
-        : number_(number) {}
-    ~Handle() { Close(); }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    int Number() const { return number_; }
-    void Close() {
-        if (number_ >= 0)
-            close(number_);
-        number_ = -1;
-    }
-    QByteArray Take(qsizetype count) const {
-        QByteArray taken;
-        pollfd state = {number_, POLLIN, 0};
-        while (taken.size() < count && poll(&state, 1, 30000) > 0) {
-            std::array<char, 4096> buffer = {};
-            const ssize_t got = read(number_, buffer.data(), buffer.size());
-            if (got <= 0)
-                break;
-            taken.append(buffer.data(), got);
-        }
-        return taken;
-    }
-
-private:
-    int number_;
-};
-
 class PrinterPortTest : public ::testing::Test {
 protected:
-    /// The master side of a pseudo-terminal; COM1 is the other.
-    int OpenTerminal() {
-        const int master = posix_openpt(O_RDWR | O_NOCTTY);
-        grantpt(master);
-        unlockpt(master);
-        device_ = QFile::decodeName(ptsname(master));
-        return master;
+    /// The far end of a terminal; COM1 is the other.
+    int OpenTerminal() { return ::OpenTerminal(device_); }
+    /// A reader of the pipe.
+    static int OpenPipe(const QByteArray& path) {
+        return open(path.constData(), O_RDONLY | O_NONBLOCK);
     }
     /// A named pipe; LPT1 writes to it.
     QByteArray MakePipe() {
-        device_ = folder_.filePath(QStringLiteral("printer"));
+        device_ = folder_.filePath(Text("printer"));
         QByteArray path = QFile::encodeName(device_);
         EXPECT_EQ(mkfifo(path.constData(), 0600), 0);
         return path;
     }
     std::unique_ptr<PrinterPort> MakePort() {
         return MakePrinterPort([this](const QString& name) {
-            return name == QStringLiteral("missing") ? folder_.filePath(name) : device_;
+            return name == Text("missing") ? folder_.filePath(name) : device_;
         });
     }
     termios LineOfDevice() const {
@@ -123,8 +85,8 @@ QByteArray AllBytes() {
     return bytes;
 }
 
-const QString Com = QStringLiteral("COM1");
-const QString Lpt = QStringLiteral("LPT1");
+const QString Com = Text("COM1");
+const QString Lpt = Text("LPT1");
 
 } // namespace
 
@@ -163,32 +125,26 @@ TEST_F(PrinterPortTest, RefusesWhatNoLineHas) {
     termios line = LineOfDevice();
     EXPECT_EQ(cfgetospeed(&line), speed_t(B4800));
 
-    const QByteArray pipe = MakePipe();
-    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    const Handle reader(OpenPipe(MakePipe()));
     ASSERT_EQ(port_->Open(Lpt), 0);
     EXPECT_EQ(port_->CheckLine(), ENOTTY);
     EXPECT_EQ(port_->SetLine({9600, 0, 8, 0}), ENOTTY);
 }
 
-TEST_F(PrinterPortTest, AStuckTerminalIsNotWaitedFor) {
+TEST_F(PrinterPortTest, AStuckTerminalOrPipeIsNotWaitedFor) {
     const Handle far(OpenTerminal());
     ASSERT_EQ(port_->Open(Com), 0);
     ASSERT_EQ(port_->SetLine(LineSettings()), 0);
     ExpectStuck();
     ASSERT_EQ(port_->Open(Com), 0) << "and may be tried again";
-}
-
-TEST_F(PrinterPortTest, AStuckPipeIsNotWaitedFor) {
-    const QByteArray pipe = MakePipe();
-    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    const Handle reader(OpenPipe(MakePipe()));
     ASSERT_EQ(port_->Open(Lpt), 0);
     ExpectStuck();
 }
 
 // The program was busy elsewhere for longer than a line may take.
 TEST_F(PrinterPortTest, ATimeWithoutALookIsNotThePrintersFault) {
-    const QByteArray pipe = MakePipe();
-    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    const Handle reader(OpenPipe(MakePipe()));
     ASSERT_EQ(port_->Open(Lpt), 0);
     port_->SetWriteTimeout(ShortTimeout);
     EXPECT_EQ(port_->Write(QByteArray(1 << 20, 'x')), 0);
@@ -200,8 +156,7 @@ TEST_F(PrinterPortTest, ATimeWithoutALookIsNotThePrintersFault) {
 }
 
 TEST_F(PrinterPortTest, WaitsForASlowReader) {
-    const QByteArray pipe = MakePipe();
-    const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+    const Handle reader(OpenPipe(MakePipe()));
     ASSERT_EQ(port_->Open(Lpt), 0);
     port_->SetWriteTimeout(60000);
     const QByteArray bytes = AllBytes().repeated(1000);
@@ -219,12 +174,12 @@ TEST_F(PrinterPortTest, WaitsForASlowReader) {
 TEST_F(PrinterPortTest, APrinterThatIsNotThereCostsNoTime) {
     QElapsedTimer timer;
     timer.start();
-    EXPECT_EQ(port_->Open(QStringLiteral("missing")), ENOENT);
+    EXPECT_EQ(port_->Open(Text("missing")), ENOENT);
     EXPECT_FALSE(port_->IsOpen());
     const QByteArray pipe = MakePipe();
     EXPECT_EQ(port_->Open(Lpt), ENXIO) << "nobody reads";
     {
-        const Handle reader(open(pipe.constData(), O_RDONLY | O_NONBLOCK));
+        const Handle reader(OpenPipe(pipe));
         ASSERT_EQ(port_->Open(Lpt), 0);
     }
     port_->SetWriteTimeout(60000);
@@ -235,7 +190,7 @@ TEST_F(PrinterPortTest, APrinterThatIsNotThereCostsNoTime) {
     EXPECT_EQ(port_->Write("x"), EIO) << "the adapter was pulled out";
     port_->Close();
     EXPECT_LT(timer.elapsed(), Slack);
-    EXPECT_EQ(PrinterPort::ErrorText(ENOENT), QStringLiteral("No such file or directory"));
+    EXPECT_EQ(PrinterPort::ErrorText(ENOENT), Text("No such file or directory"));
 }
 
 TEST_F(PrinterPortTest, ADeviceOfOneUserIsSharedWithinTheProgram) {

@@ -1,5 +1,7 @@
 #include "platform/Processes.h"
 
+#include "support/PrintText.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
@@ -20,8 +22,8 @@ protected:
     /// A sleeper under a name of its own.
     void Start(QProcess& process, const QString& name) const {
         const QString program = folder_.filePath(name);
-        ASSERT_TRUE(QFile::exists(program) || QFile::copy(QStringLiteral("/bin/sleep"), program));
-        process.start(program, {QStringLiteral("60")});
+        ASSERT_TRUE(QFile::exists(program) || QFile::copy(Text("/bin/sleep"), program));
+        process.start(program, {Text("60")});
         ASSERT_TRUE(process.waitForStarted());
     }
 
@@ -32,10 +34,7 @@ private:
 TEST_F(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
     const QString name = OwnName("sleeper");
     const QString longName = OwnName("a-screen-keyboard-");
-    QProcess first;
-    QProcess second;
-    QProcess third;
-    QProcess other;
+    QProcess first, second, third, other;
     Start(first, name);
     Start(second, name);
     Start(third, longName + u'a');
@@ -53,7 +52,7 @@ TEST_F(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
 }
 
 TEST_F(ProcessesTest, StartTellsWhetherThereIsSuchAProgram) {
-    EXPECT_TRUE(platform::StartProcess(QStringLiteral("/bin/true --now")));
-    EXPECT_FALSE(platform::StartProcess(QStringLiteral("/nowhere/keyboard")));
+    EXPECT_TRUE(platform::StartProcess(Text("/bin/true --now")));
+    EXPECT_FALSE(platform::StartProcess(Text("/nowhere/keyboard")));
     EXPECT_FALSE(platform::StartProcess(QString()));
 }

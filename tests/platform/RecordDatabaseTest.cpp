@@ -11,7 +11,7 @@ using namespace platform;
 
 namespace {
 
-const QString Connect = QStringLiteral(";pwd=9C42");
+const QString Connect = Text(";pwd=9C42");
 
 // A base such as the panel is delivered with. An empty password makes a plain one.
 void MakeBase(const QString& path, const QByteArray& password) {
@@ -39,22 +39,21 @@ protected:
         return ErrorOf([&] { const RecordDatabase base(path, connect); });
     }
     QTemporaryDir folder_;
-    QString path_ = folder_.filePath(QStringLiteral("panel.cfg"));
+    QString path_ = folder_.filePath(Text("panel.cfg"));
 };
 
 } // namespace
 
 TEST_F(RecordDatabaseTest, FindsRowsByKey) {
     const RecordDatabase base(path_, Connect);
-    const RecordTable table = base.OpenTable(QStringLiteral("T_Words"));
+    const RecordTable table = base.OpenTable(Text("T_Words"));
     ASSERT_EQ(table.FieldCount(), 4);
-    EXPECT_EQ(table.FieldIndex(QString::fromUtf8("Français")), 1);
-    EXPECT_EQ(table.FieldName(3), QStringLiteral("Rate"));
+    EXPECT_EQ(table.FieldIndex(Text("Français")), 1);
+    EXPECT_EQ(table.FieldName(3), Text("Rate"));
     EXPECT_TRUE(table.FieldName(4).isEmpty());
 
     const Record row = table.Seek(7);
-    EXPECT_EQ(
-        row, (Record{qlonglong(7), QString::fromUtf8("défaut|2"), QByteArray("\0\xFF\0", 3), 1.5}));
+    EXPECT_EQ(row, (Record{qlonglong(7), Text("défaut|2"), QByteArray("\0\xFF\0", 3), 1.5}));
     EXPECT_TRUE(table.Seek(8).isEmpty());
     EXPECT_FALSE(table.Seek(5000000000).at(1).isValid());
     EXPECT_TRUE(table.Seek(-1).at(1).isValid());
@@ -67,9 +66,9 @@ TEST_F(RecordDatabaseTest, FindsRowsByKey) {
 }
 
 TEST_F(RecordDatabaseTest, TellsAMissingBaseFromARefusedPassword) {
-    EXPECT_EQ(ErrorOfOpening(path_, QStringLiteral(";pwd=9c42")), errors::DatabasePassword);
+    EXPECT_EQ(ErrorOfOpening(path_, Text(";pwd=9c42")), errors::DatabasePassword);
     EXPECT_EQ(ErrorOfOpening(path_, QString()), errors::DatabasePassword);
-    const QString other = folder_.filePath(QStringLiteral("other.cfg"));
+    const QString other = folder_.filePath(Text("other.cfg"));
     EXPECT_EQ(ErrorOfOpening(other, Connect), errors::DatabaseOpen);
     EXPECT_FALSE(QFile::exists(other));
     EXPECT_EQ(ErrorOfOpening(folder_.path(), Connect), errors::DatabaseOpen);
@@ -85,9 +84,8 @@ TEST_F(RecordDatabaseTest, TellsAMissingBaseFromARefusedPassword) {
 TEST_F(RecordDatabaseTest, ReportsMissingTablesAndDamage) {
     {
         const RecordDatabase base(path_, Connect);
-        EXPECT_EQ(ErrorOf([&] { base.OpenTable(QStringLiteral("T_None")); }), errors::NoSuchField);
-        EXPECT_EQ(ErrorOf([&] { base.OpenTable(QStringLiteral("x\" ; --")); }),
-                  errors::NoSuchField);
+        EXPECT_EQ(ErrorOf([&] { base.OpenTable(Text("T_None")); }), errors::NoSuchField);
+        EXPECT_EQ(ErrorOf([&] { base.OpenTable(Text("x\" ; --")); }), errors::NoSuchField);
     }
     QByteArray bytes = BytesOf(path_);
     ASSERT_GT(bytes.size(), 5 * 1024);
@@ -95,7 +93,7 @@ TEST_F(RecordDatabaseTest, ReportsMissingTablesAndDamage) {
         bytes[at] = char(bytes[at] ^ 1);
     PutBytes(path_, bytes);
     const RecordDatabase base(path_, Connect);
-    const RecordTable table = base.OpenTable(QStringLiteral("T_Words"));
+    const RecordTable table = base.OpenTable(Text("T_Words"));
     EXPECT_EQ(ErrorOf([&] { table.Seek(7); }), errors::DeviceIo);
     EXPECT_EQ(ErrorOf([&] { table.ReadAll(); }), errors::DeviceIo);
 }
@@ -103,7 +101,7 @@ TEST_F(RecordDatabaseTest, ReportsMissingTablesAndDamage) {
 TEST_F(RecordDatabaseTest, TablesMayOutliveTheirBaseAndReadAReadOnlyFile) {
     ASSERT_TRUE(QFile::setPermissions(path_, QFile::ReadOwner));
     auto base = std::make_unique<RecordDatabase>(path_, Connect);
-    const RecordTable table = base->OpenTable(QStringLiteral("t_words"));
+    const RecordTable table = base->OpenTable(Text("t_words"));
     base.reset();
     EXPECT_EQ(table.Seek(7).value(0), QVariant(qlonglong(7)));
 }

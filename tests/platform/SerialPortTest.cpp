@@ -1,5 +1,6 @@
 #include "platform/Clock.h"
 #include "platform/SerialLink.h"
+#include "platform/Terminal.h"
 #include "platform/TestFiles.h"
 
 #include <QCoreApplication>
@@ -7,18 +8,13 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <ctime>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/serial.h>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <thread>
-#include <unistd.h>
 
 using namespace platform;
 
@@ -28,11 +24,8 @@ namespace {
 class FarEnd {
 public:
     explicit FarEnd(QString link)
-        : link_(std::move(link))
-        , handle_(posix_openpt(O_RDWR | O_NOCTTY)) {
-        grantpt(handle_);
-        unlockpt(handle_);
-        QFile::link(QFile::decodeName(ptsname(handle_)), link_);
+        : link_(std::move(link)) {
+        QFile::link(name_, link_);
     }
     ~FarEnd() { Vanish(); }
     FarEnd(const FarEnd&) = delete;
@@ -40,31 +33,19 @@ public:
 
     /// The name goes first: the system gives the terminal's number to the next that asks.
     void Vanish() {
-        if (handle_ < 0)
-            return;
-        QFile::remove(link_);
-        close(handle_);
-        handle_ = -1;
+        if (handle_.Number() >= 0)
+            QFile::remove(link_);
+        handle_.Close();
     }
     void Send(const QByteArray& bytes) const {
-        EXPECT_EQ(write(handle_, bytes.constData(), size_t(bytes.size())), bytes.size());
+        EXPECT_EQ(write(handle_.Number(), bytes.constData(), size_t(bytes.size())), bytes.size());
     }
-    QByteArray Take(qsizetype count) const {
-        QByteArray taken;
-        pollfd state = {handle_, POLLIN, 0};
-        while (taken.size() < count && poll(&state, 1, 30000) > 0) {
-            std::array<char, 256> buffer = {};
-            const ssize_t got = read(handle_, buffer.data(), buffer.size());
-            if (got <= 0)
-                break;
-            taken.append(buffer.data(), got);
-        }
-        return taken;
-    }
+    QByteArray Take(qsizetype count) const { return handle_.Take(count); }
 
 private:
     QString link_;
-    int handle_;
+    QString name_;
+    Handle handle_{OpenTerminal(name_)};
 };
 
 /// A deadline that no test waits out, and what is surely less on a machine under load, ms.
@@ -75,9 +56,9 @@ class SerialPortTest : public ::testing::Test {
 protected:
     static qint64 In(int milliseconds) { return Clock::Current().MonotonicMs() + milliseconds; }
     QTemporaryDir folder_;
-    QString link_ = folder_.filePath(QStringLiteral("COM3"));
-    std::unique_ptr<SerialLink> port_ = MakeSerialPort(
-        [this](int number) { return folder_.filePath(QStringLiteral("COM%1").arg(number)); });
+    QString link_ = folder_.filePath(Text("COM3"));
+    std::unique_ptr<SerialLink> port_ =
+        MakeSerialPort([this](int number) { return folder_.filePath(Text("COM%1").arg(number)); });
 
     void OpenPort() {
         port_->setCommPort(3);
@@ -212,7 +193,7 @@ TEST_F(SerialPortTest, ClosesWhenTheDeviceGoesAndOpensAgainWhenItReturns) {
 TEST_F(SerialPortTest, RefusesWhatIsNoSettingOrNoDevice) {
     const FarEnd far(link_);
     const auto opens = [this](const char* settings) {
-        port_->setSettings(QString::fromLatin1(settings));
+        port_->setSettings(Text(settings));
         const int error = ErrorOf([&] { port_->setPortOpen(true); });
         EXPECT_EQ(port_->PortOpen(), error == 0);
         port_->setPortOpen(false);
@@ -227,19 +208,18 @@ TEST_F(SerialPortTest, RefusesWhatIsNoSettingOrNoDevice) {
         EXPECT_EQ(opens(bad), errors::PortUnavailable) << bad;
     port_->setCommPort(4);
     EXPECT_EQ(opens("9600,N,8,1"), errors::PortUnavailable);
-    PutBytes(folder_.filePath(QStringLiteral("COM5")), "a plain file");
+    PutBytes(folder_.filePath(Text("COM5")), "a plain file");
     port_->setCommPort(5);
     EXPECT_EQ(opens("9600,N,8,1"), errors::PortUnavailable);
     OpenPort();
-    EXPECT_EQ(ErrorOf([&] { port_->setSettings(QStringLiteral("9600,N,8,3")); }),
-              errors::PortUnavailable);
+    EXPECT_EQ(ErrorOf([&] { port_->setSettings(Text("9600,N,8,3")); }), errors::PortUnavailable);
 }
 
 TEST_F(SerialPortTest, AsksTheDriverForLowLatencyAndBearsARefusal) {
     using Answer = LineFeatures::Answer;
     const FarEnd far(link_);
-    const QString sys = folder_.filePath(QStringLiteral("sys"));
-    const QString timer = QStringLiteral("%1/class/tty/%2/device/latency_timer")
+    const QString sys = folder_.filePath(Text("sys"));
+    const QString timer = Text("%1/class/tty/%2/device/latency_timer")
                               .arg(sys, QFileInfo(QFileInfo(link_).canonicalFilePath()).fileName());
     Driver driver;
     SerialSetup setup;

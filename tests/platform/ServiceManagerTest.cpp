@@ -1,6 +1,7 @@
 #include "platform/ServiceManager.h"
 
 #include "platform/Clock.h"
+#include "support/PrintText.h"
 
 #include <QList>
 #include <gtest/gtest.h>
@@ -22,13 +23,13 @@ TEST(ServiceManagerTest, BeatsAskForTimeUntilReadyThenShowLifeFourTimesInThePati
     pass(11);
     manager.Ready();
     manager.Ready();
-    manager.Status(QStringLiteral("one\r\nline"));
-    manager.Status(QStringLiteral("one\r\nline"));
+    manager.Status(Text("one\r\nline"));
+    manager.Status(Text("one\r\nline"));
     pass(20);
     manager.Stopping();
     manager.Stopping();
     pass(1);
-    manager.Log(ServiceManager::Priority::Error, QStringLiteral("Größe\r\nerr"));
+    manager.Log(ServiceManager::Priority::Error, Text("Größe\r\nerr"));
     EXPECT_EQ(told,
               (QList<QByteArray>{"EXTEND_TIMEOUT_USEC=40000000", "EXTEND_TIMEOUT_USEC=40000000",
                                  "READY=1", "WATCHDOG=1", "STATUS=one line", "WATCHDOG=1",

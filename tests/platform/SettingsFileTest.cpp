@@ -16,59 +16,32 @@ namespace {
 class SettingsFileTest : public ::testing::Test {
 protected:
     QTemporaryDir folder_;
-    QString path_ = folder_.filePath(QStringLiteral("panel.ini"));
+    QString path_ = folder_.filePath(Text("panel.ini"));
 };
 
-const QString Section = QStringLiteral("General");
-const QString Key = QStringLiteral("Key");
-
-QString Text(const char* latin) {
-    return QString::fromLatin1(latin);
-}
+const QString Section = Text("General");
+const QString Key = Text("Key");
 
 } // namespace
 
 TEST_F(SettingsFileTest, ChangesOnlyTheLineThatChanges) {
-    PutBytes(path_, "\xEF\xBB\xBF; head \xE9\r\n"
-                    "stray=1\r\n"
-                    "[general]\n"
-                    "# note\r\n"
-                    "no key here\r\n"
-                    "KEY =  old\r\n"
-                    "key=second\r\n"
-                    "\r\n"
-                    "; about the next\r\n"
-                    "[Next]\r\n"
-                    "a=b=c\r\n"
-                    "last");
+    const QByteArray head = "\xEF\xBB\xBF; head \xE9\r\nstray=1\r\n[general]\n# note\r\n"
+                            "no key here\r\nKEY =  ";
+    const QByteArray middle = "\r\n\r\n; about the next\r\n[Next]\r\na=b=c\r\n";
+    PutBytes(path_, head + "old\r\nkey=second" + middle + "last");
     {
         SettingsFile settings(path_);
         EXPECT_EQ(settings.Read(Section, Key, QString()), Text("old"));
         EXPECT_EQ(settings.Read(Text("NEXT"), Text("A"), QString()), Text("b=c"));
         EXPECT_EQ(settings.Read(Section, Text("stray"), Text("none")), Text("none"));
-        EXPECT_EQ(settings.Keys(Section), QStringList{Text("KEY")});
-        settings.Write(Section, Key, Text("new \xFC"));
+        EXPECT_EQ(settings.Keys(Section), TextList({"KEY"}));
+        settings.Write(Section, Key, Text("new \u00FC"));
         settings.Write(Section, Text("More"), Text("1"));
         settings.Write(Text("Next"), Text("z"), Text("2"));
         settings.Write(Text("Third"), Text("k"), Text("3"));
     }
-    EXPECT_EQ(BytesOf(path_), QByteArray("\xEF\xBB\xBF; head \xE9\r\n"
-                                         "stray=1\r\n"
-                                         "[general]\n"
-                                         "# note\r\n"
-                                         "no key here\r\n"
-                                         "KEY =  new \xFC\r\n"
-                                         "key=second\r\n"
-                                         "More=1\r\n"
-                                         "\r\n"
-                                         "; about the next\r\n"
-                                         "[Next]\r\n"
-                                         "a=b=c\r\n"
-                                         "z=2\r\n"
-                                         "last\r\n"
-                                         "\r\n"
-                                         "[Third]\r\n"
-                                         "k=3\r\n"));
+    EXPECT_EQ(BytesOf(path_), head + "new \xFC\r\nkey=second\r\nMore=1" + middle +
+                                  "z=2\r\nlast\r\n\r\n[Third]\r\nk=3\r\n");
 }
 
 TEST_F(SettingsFileTest, DeletesKeysAndSectionsButNoForeignLine) {
@@ -76,29 +49,17 @@ TEST_F(SettingsFileTest, DeletesKeysAndSectionsButNoForeignLine) {
     SettingsFile settings(path_);
     EXPECT_EQ(settings.Read(QString(), Text("n"), QString()), Text("0"));
     settings.DeleteKey(Text("A"), Text("x"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[A]\n; mine\n\n[B]\ny=1\n[a]\nz=3\n[]\nn=0"));
+    EXPECT_EQ(BytesOf(path_), "[A]\n; mine\n\n[B]\ny=1\n[a]\nz=3\n[]\nn=0");
     settings.DeleteSection(Text("A"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("; mine\n[B]\ny=1\n[]\nn=0"));
+    EXPECT_EQ(BytesOf(path_), "; mine\n[B]\ny=1\n[]\nn=0");
     EXPECT_TRUE(settings.Keys(Text("A")).isEmpty());
 }
 
 TEST_F(SettingsFileTest, ValueComesBackAsItWasWritten) {
-    const QList<QString> values = {QString(),
-                                   Text("  x "),
-                                   Text("\t"),
-                                   Text("\""),
-                                   Text("\"\""),
-                                   Text("\"a\""),
-                                   Text("a\""),
-                                   Text("'a'"),
-                                   Text("=;#[x]"),
-                                   Text("a=b"),
-                                   Text("\xA0"),
-                                   Text("\x0B\x01"),
-                                   QString(QChar(0x20AC)),
-                                   QString(3, QChar(0)),
-                                   QString(1 << 20, QLatin1Char('v'))};
-    for (const QString& value : values) {
+    QStringList values = TextList({"", "  x ", "\t", "\"", "\"\"", "\"a\"", "a\"", "'a'", "=;#[x]",
+                                   "a=b", "\u00A0", "\x0B\x01", "\u20AC"});
+    values += {QString(3, QChar(0)), QString(1 << 20, QLatin1Char('v'))};
+    for (const QString& value : std::as_const(values)) {
         {
             SettingsFile settings(path_);
             settings.Write(Section, Key, Text("before"));
@@ -157,7 +118,7 @@ TEST_F(SettingsFileTest, WritesOnlyWhatChangedAndMakesAMissingFile) {
     ASSERT_TRUE(QFile::remove(path_));
     EXPECT_EQ(settings.Read(Section, Key, Text("default")), Text("default"));
     settings.Write(Section, Key, Text("1"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=1\r\n"));
+    EXPECT_EQ(BytesOf(path_), "[General]\r\nKey=1\r\n");
 }
 
 TEST_F(SettingsFileTest, TakesUpWhatIsEditedByHandMeanwhile) {
@@ -166,22 +127,22 @@ TEST_F(SettingsFileTest, TakesUpWhatIsEditedByHandMeanwhile) {
     PutBytes(path_, "[General]\nKey=22\n; by hand\n");
     EXPECT_EQ(settings.Read(Section, Key, QString()), Text("22"));
     settings.Write(Section, Text("Other"), Text("x"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[General]\nKey=22\nOther=x\n; by hand\n"));
+    EXPECT_EQ(BytesOf(path_), "[General]\nKey=22\nOther=x\n; by hand\n");
 }
 
 TEST_F(SettingsFileTest, ReplacesTheFileAsAWholeThroughALinkToo) {
-    const QString link = folder_.filePath(QStringLiteral("link.ini"));
+    const QString link = folder_.filePath(Text("link.ini"));
     PutBytes(path_, "[General]\r\nKey=1\r\n");
     ASSERT_EQ(chmod(QFile::encodeName(path_).constData(), 0600), 0);
     ASSERT_TRUE(QFile::link(path_, link));
-    PutBytes(path_ + QStringLiteral(".tmp"), "half a fi");
+    PutBytes(path_ + Text(".tmp"), "half a fi");
     SettingsFile settings(link);
-    EXPECT_FALSE(QFile::exists(path_ + QStringLiteral(".tmp")));
+    EXPECT_FALSE(QFile::exists(path_ + Text(".tmp")));
     QFile old(path_);
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     settings.Write(Section, Key, Text("22"));
-    EXPECT_EQ(old.readAll(), QByteArray("[General]\r\nKey=1\r\n"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=22\r\n"));
+    EXPECT_EQ(old.readAll(), "[General]\r\nKey=1\r\n");
+    EXPECT_EQ(BytesOf(path_), "[General]\r\nKey=22\r\n");
     EXPECT_EQ(QFile(path_).permissions() & QFile::ReadOther, 0);
     EXPECT_EQ(QDir(folder_.path()).entryList(QDir::Files).size(), 2);
 }
@@ -192,10 +153,10 @@ TEST_F(SettingsFileTest, WritesAValueOfTheSameLengthInPlace) {
     SettingsFile settings(path_);
     for (int number = 99; number <= 101; ++number)
         settings.Write(Section, Key, QString::number(number));
-    EXPECT_EQ(BytesOf(path_), QByteArray("; top\n[General]\r\nBefore=x\nKey = 101\r\nAfter=y"));
+    EXPECT_EQ(BytesOf(path_), "; top\n[General]\r\nBefore=x\nKey = 101\r\nAfter=y");
     PutBytes(path_, "[General]\r\nKey=555\r\n");
     settings.Write(Section, Key, Text("556"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=556\r\n"));
+    EXPECT_EQ(BytesOf(path_), "[General]\r\nKey=556\r\n");
     EXPECT_EQ(SettingsFile(path_).Read(Section, Key, QString()), Text("556"));
 }
 
@@ -205,9 +166,9 @@ TEST_F(SettingsFileTest, AWholeSectionIsReplacedAsByItsSingleSteps) {
     const QList<std::pair<QString, QString>> values{{Text("1"), Text(" blanks ")},
                                                     {Text("2"), Text("a=b")},
                                                     {Text("k"), Text("old")},
-                                                    {Text("3"), Text("\xFC")},
+                                                    {Text("3"), Text("ü")},
                                                     {Text("K"), Text("new")}};
-    const QString other = folder_.filePath(QStringLiteral("steps.ini"));
+    const QString other = folder_.filePath(Text("steps.ini"));
     for (const QString& path : {path_, other})
         PutBytes(path, before);
     SettingsFile settings(path_);
@@ -236,26 +197,26 @@ TEST_F(SettingsFileTest, KeepsTheValueWhenTheFileCannotBeWritten) {
     PutBytes(path_, "[General]\r\nKey=1\r\n");
     SettingsFile settings(path_);
     // Stands in the way of the temporary file, for root as well.
-    ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("panel.ini.tmp")));
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(Text("panel.ini.tmp")));
     EXPECT_EQ(ErrorOf([&] { settings.Write(Section, Key, Text("22")); }), errors::PathAccess);
     EXPECT_EQ(settings.Read(Section, Key, QString()), Text("22"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=1\r\n"));
-    ASSERT_TRUE(QDir(folder_.path()).rmdir(QStringLiteral("panel.ini.tmp")));
+    EXPECT_EQ(BytesOf(path_), "[General]\r\nKey=1\r\n");
+    ASSERT_TRUE(QDir(folder_.path()).rmdir(Text("panel.ini.tmp")));
     settings.Write(Section, Key, Text("22"));
-    EXPECT_EQ(BytesOf(path_), QByteArray("[General]\r\nKey=22\r\n"));
+    EXPECT_EQ(BytesOf(path_), "[General]\r\nKey=22\r\n");
 
-    SettingsFile nowhere(folder_.filePath(QStringLiteral("none/panel.ini")));
+    SettingsFile nowhere(folder_.filePath(Text("none/panel.ini")));
     EXPECT_EQ(ErrorOf([&] { nowhere.Write(Section, Key, Text("22")); }), errors::PathAccess);
     EXPECT_EQ(nowhere.Read(Section, Key, QString()), Text("22"));
 
     // A folder in the file's place can't be read, and must not be replaced either. It is tried
     // again each time.
-    const QString place = folder_.filePath(QStringLiteral("taken.ini"));
-    ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("taken.ini")));
+    const QString place = folder_.filePath(Text("taken.ini"));
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(Text("taken.ini")));
     SettingsFile taken(place);
     EXPECT_EQ(ErrorOf([&] { taken.Write(Section, Key, Text("22")); }), errors::PathAccess);
-    ASSERT_TRUE(QDir(folder_.path()).rmdir(QStringLiteral("taken.ini")));
+    ASSERT_TRUE(QDir(folder_.path()).rmdir(Text("taken.ini")));
     PutBytes(place, "[General]\r\nOther=1\r\n");
     taken.Write(Section, Key, Text("22"));
-    EXPECT_EQ(BytesOf(place), QByteArray("[General]\r\nOther=1\r\nKey=22\r\n"));
+    EXPECT_EQ(BytesOf(place), "[General]\r\nOther=1\r\nKey=22\r\n");
 }

@@ -4,8 +4,6 @@
 #include "platform/Sound.h"
 #include "platform/TestFiles.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QThread>
@@ -75,7 +73,7 @@ protected:
         qunsetenv("ALSA_CONFIG_PATH");
     }
 
-    QString Path(const char* name) const { return folder_.filePath(QString::fromLatin1(name)); }
+    QString Path(const char* name) const { return folder_.filePath(Text(name)); }
 
     /// What is played goes into the file "heard".
     void SetDevice(bool isThere) const {
@@ -83,18 +81,6 @@ protected:
                                               "{ type null } file \"" +
                                                   Path("heard").toUtf8() + "\" }\n"
                                             : QByteArray("# no device\n"));
-    }
-
-    /// Runs the event loop until a condition holds, at most 30 s.
-    static bool Until(const std::function<bool()>& condition) {
-        const QDeadlineTimer deadline(30000);
-        while (!condition()) {
-            if (deadline.hasExpired())
-                return false;
-            QCoreApplication::processEvents();
-            QThread::msleep(10);
-        }
-        return true;
     }
 
     QTemporaryDir folder_;
@@ -142,17 +128,17 @@ TEST_F(SoundTest, TheBestSoundThereIsPlays) {
     const auto choose = [&](const QByteArray& reserve) {
         return ChooseSound(wanted, [&] { return reserve; });
     };
-    EXPECT_EQ(choose({}).standIn, QStringLiteral("BEEP"));
+    EXPECT_EQ(choose({}).standIn, Text("BEEP"));
     EXPECT_TRUE(IsAudible(choose({}).wave));
-    EXPECT_EQ(ChooseSound(wanted, nullptr).standIn, QStringLiteral("BEEP"));
+    EXPECT_EQ(ChooseSound(wanted, nullptr).standIn, Text("BEEP"));
 
     PutBytes(Path("AlarmSound1.wav"), "RIFF");
     PutBytes(Path("AlarmSound2.wav"), Tone(0));
     PutBytes(Path("AlarmSound3.wav"), Tone(3000));
-    EXPECT_EQ(choose("no wave").standIn, QStringLiteral("AlarmSound3.wav"));
+    EXPECT_EQ(choose("no wave").standIn, Text("AlarmSound3.wav"));
     EXPECT_EQ(Height(choose("no wave")), 3000);
 
-    EXPECT_EQ(choose(Tone(4000)).standIn, QStringLiteral("BASE"));
+    EXPECT_EQ(choose(Tone(4000)).standIn, Text("BASE"));
     EXPECT_EQ(Height(choose(Tone(4000))), 4000);
 
     PutBytes(wanted, Tone(0));
@@ -179,7 +165,7 @@ TEST_F(SoundTest, LoopsOnTheDeviceUntilStopped) {
     EXPECT_EQ(BytesOf(Path("heard")).left(10 * once.size()), once.repeated(10));
 
     sound->StartLooped(Path("AlarmSound6.WAV"), [] { return Tone(6000); });
-    EXPECT_EQ(replaced, QStringList(QStringLiteral("AlarmSound6.WAV BASE")));
+    EXPECT_EQ(replaced, TextList({"AlarmSound6.WAV BASE"}));
     const QByteArray other = Tone(6000).right(1600);
     ASSERT_TRUE(Until([&] { return BytesOf(Path("heard")).startsWith(other); }));
 

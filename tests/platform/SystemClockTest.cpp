@@ -3,6 +3,8 @@
 
 #include "platform/SystemClock.h"
 
+#include "support/PrintText.h"
+
 #include <QDBusMessage>
 #include <QDBusServer>
 #include <QDBusVirtualObject>
@@ -27,16 +29,16 @@ public:
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& request, const QDBusConnection& bus) override {
         if (request.interface() + u'.' + request.member() !=
-            QStringLiteral("org.freedesktop.timedate1.SetTime"))
+            Text("org.freedesktop.timedate1.SetTime"))
             return false;
         const QVariantList arguments = request.arguments();
         const bool relative = arguments.value(1).toBool();
         asked = arguments.value(2).toBool();
         if (refusal.isEmpty() && !relative)
             set = arguments.value(0).toLongLong();
-        return bus.send(refusal.isEmpty() ? request.createReply()
-                                          : request.createErrorReply(
-                                                refusal, QStringLiteral("words of the system")));
+        return bus.send(refusal.isEmpty()
+                            ? request.createReply()
+                            : request.createErrorReply(refusal, Text("words of the system")));
     }
 };
 
@@ -53,11 +55,10 @@ protected:
             [this] {
                 server_ = new QDBusServer(&host_);
                 server_->setAnonymousAuthenticationAllowed(true);
-                QObject::connect(server_, &QDBusServer::newConnection, &host_,
-                                 [this](QDBusConnection bus) {
-                                     bus.registerVirtualObject(
-                                         QStringLiteral("/org/freedesktop/timedate1"), &service);
-                                 });
+                QObject::connect(
+                    server_, &QDBusServer::newConnection, &host_, [this](QDBusConnection bus) {
+                        bus.registerVirtualObject(Text("/org/freedesktop/timedate1"), &service);
+                    });
             },
             Qt::BlockingQueuedConnection);
     }
@@ -68,14 +69,12 @@ protected:
         thread_.quit();
         thread_.wait();
     }
-    SystemClockTest(const SystemClockTest&) = delete;
-    SystemClockTest& operator=(const SystemClockTest&) = delete;
 
     SystemClock::Result Set(bool withBus = true) {
         ClockRoads roads;
         roads.bus = [&] {
             if (!withBus)
-                return QDBusConnection(QStringLiteral("none"));
+                return QDBusConnection(Text("none"));
             QDBusConnection bus = QDBusConnection::connectToPeer(server_->address(), Name);
             // The service is registered when the connection is there at its end as well.
             QMetaObject::invokeMethod(
@@ -89,7 +88,7 @@ protected:
         return MakeSystemClock(roads)->Set(QDateTime::fromMSecsSinceEpoch(Wanted));
     }
 
-    const QString Name = QStringLiteral("clock-test");
+    const QString Name = Text("clock-test");
     TimeService service;
     std::optional<qint64> called;
     int callError = 0;
@@ -117,10 +116,10 @@ TEST_F(SystemClockTest, ARefusalTellsWhoseItIs) {
         {"org.freedesktop.DBus.Error.InteractiveAuthorizationRequired", Outcome::Refused},
         {"org.freedesktop.DBus.Error.InvalidArgs", Outcome::Failed}};
     for (const auto& [name, outcome] : refusals) {
-        service.refusal = QString::fromLatin1(name);
+        service.refusal = Text(name);
         const SystemClock::Result result = Set();
         EXPECT_EQ(result.outcome, outcome) << name;
-        EXPECT_EQ(result.words, QStringLiteral("words of the system"));
+        EXPECT_EQ(result.words, Text("words of the system"));
     }
     EXPECT_FALSE(called) << "what the system refuses isn't done behind its back";
 }
@@ -128,7 +127,7 @@ TEST_F(SystemClockTest, ARefusalTellsWhoseItIs) {
 TEST_F(SystemClockTest, WithoutTheServiceTheSystemIsCalled) {
     for (const char* absence :
          {"org.freedesktop.DBus.Error.ServiceUnknown", "org.freedesktop.systemd1.UnitMasked"}) {
-        service.refusal = QString::fromLatin1(absence);
+        service.refusal = Text(absence);
         called.reset();
         EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
         EXPECT_EQ(called, Wanted) << absence;
@@ -148,7 +147,7 @@ TEST(TimeZoneTest, IsNamedWithItsDistanceFromUtc) {
                                      {"America/Bogota", "America/Bogota (UTC-05:00)"}}) {
         qputenv("TZ", zone);
         tzset();
-        EXPECT_EQ(MakeSystemClock()->TimeZone(), QString::fromLatin1(text));
+        EXPECT_EQ(MakeSystemClock()->TimeZone(), Text(text));
     }
     before.isNull() ? void(qunsetenv("TZ")) : void(qputenv("TZ", before));
     tzset();

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "platform/RunTimeError.h"
+#include "support/PrintText.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QString>
 
@@ -16,6 +19,14 @@ inline void PutBytes(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     if (file.open(QIODevice::WriteOnly))
         file.write(bytes);
+}
+
+/// Runs the event loop until a condition holds, at most 30 s.
+template <typename Condition> bool Until(Condition&& met) {
+    const QDeadlineTimer deadline(30000);
+    while (!met() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    return met();
 }
 
 /// Number of the run-time error that `work` throws, 0 for none.

@@ -9,6 +9,24 @@
 
 using namespace platform;
 
+namespace {
+
+class LineLogTest : public ::testing::Test {
+protected:
+    int ErrorOfLine() {
+        return ErrorOf([this] { log.WriteLine(Text("line")); });
+    }
+    int ErrorOfOpening(const QString& file) {
+        return ErrorOf([&] { log.Open(file, LineLog::AppendMode); });
+    }
+
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(Text("20240315.log"));
+    LineLog log;
+};
+
+} // namespace
+
 TEST(CodePageTest, EveryByteComesBackAsItself) {
     QByteArray all;
     for (int code = 0; code < 256; ++code)
@@ -16,100 +34,74 @@ TEST(CodePageTest, EveryByteComesBackAsItself) {
     const QString text = FromCodePage(all);
     EXPECT_EQ(ToCodePage(text), all);
     QString sample = text.mid(0x41, 1) + text.mid(0x80, 1) + text.mid(0x92, 1) + text.mid(0x9F, 1);
-    EXPECT_EQ(sample, QString::fromUtf8("A€’Ÿ"));
-    EXPECT_EQ(text.mid(0xE9, 1), QString::fromUtf8("é"));
-}
-
-TEST(CodePageTest, ForeignCharactersBecomeOneQuestionMarkEach) {
-    EXPECT_EQ(ToCodePage(QString::fromUtf8("aΩb😀c")), QByteArray("a?b?c"));
+    EXPECT_EQ(sample, Text("A€’Ÿ"));
+    EXPECT_EQ(text.mid(0xE9, 1), Text("é"));
+    // Foreign characters become one question mark each.
+    EXPECT_EQ(ToCodePage(Text("aΩb😀c")), QByteArray("a?b?c"));
     EXPECT_EQ(ToCodePage(QString(QChar(0x80))), QByteArray("?"));
     EXPECT_EQ(ToCodePage(QString(QChar(0xD83D))), QByteArray("?"));
 }
 
-TEST(LineLogTest, AppendsLinesThatAreThereAtOnce) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("20240315.log"));
+TEST_F(LineLogTest, AppendsLinesThatAreThereAtOnce) {
     PutBytes(path, "first\r\n");
-    LineLog log;
     log.Open(path, LineLog::AppendMode);
-    log.WriteLine(QString::fromUtf8("Prüfung €"));
+    log.WriteLine(Text("Prüfung €"));
     log.Commit();
     EXPECT_EQ(BytesOf(path), QByteArray("first\r\nPr\xFC"
                                         "fung \x80\r\n"));
-    const QString next = folder.filePath(QStringLiteral("20240316.log"));
+    const QString next = folder.filePath(Text("20240316.log"));
     log.Open(next, LineLog::AppendMode);
-    log.WriteLine(QStringLiteral("day"));
+    log.WriteLine(Text("day"));
     EXPECT_EQ(BytesOf(next), QByteArray("day\r\n"));
 }
 
-TEST(LineLogTest, SaysWhyALineCannotBeWritten) {
-    const QTemporaryDir folder;
-    const auto line = QStringLiteral("line");
-    LineLog log;
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::BadFileName);
-    log.Commit();
-    log.Open(QStringLiteral("/dev/full"), LineLog::AppendMode);
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::DiskFull);
-    const QString blocked = folder.filePath(QStringLiteral("file"));
-    PutBytes(blocked, "x");
-    const QString beneath = blocked + QStringLiteral("/x.log");
-    EXPECT_EQ(ErrorOf([&] { log.Open(beneath, LineLog::AppendMode); }), errors::PathAccess);
-    EXPECT_FALSE(log.IsOpen());
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(line); }), errors::PathAccess);
-}
-
-TEST(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
-    const QTemporaryDir folder;
-    const QString trace = folder.filePath(QStringLiteral("Trace"));
-    const QString path = trace + QStringLiteral("/x.log");
-    LineLog log;
-    log.Open(path, LineLog::AppendMode);
-    log.WriteLine(QStringLiteral("lost"));
-    ASSERT_TRUE(QFile::remove(path));
-    log.WriteLine(QStringLiteral("kept"));
-    EXPECT_EQ(BytesOf(path), QByteArray("kept\r\n"));
+TEST_F(LineLogTest, GoesOnWhenTheFileIsRemovedUnderIt) {
+    const QString trace = folder.filePath(Text("Trace"));
+    const QString file = trace + Text("/x.log");
+    log.Open(file, LineLog::AppendMode);
+    log.WriteLine(Text("lost"));
+    ASSERT_TRUE(QFile::remove(file));
+    log.WriteLine(Text("kept"));
+    EXPECT_EQ(BytesOf(file), QByteArray("kept\r\n"));
     ASSERT_TRUE(QDir(trace).removeRecursively());
-    log.WriteLine(QStringLiteral("back"));
-    EXPECT_EQ(BytesOf(path), QByteArray("back\r\n"));
-    ASSERT_TRUE(QDir().rename(trace, folder.filePath(QStringLiteral("taken"))));
-    log.WriteLine(QStringLiteral("again"));
-    EXPECT_EQ(BytesOf(path), QByteArray("again\r\n")) << "a folder that was moved away";
+    log.WriteLine(Text("back"));
+    EXPECT_EQ(BytesOf(file), QByteArray("back\r\n"));
+    ASSERT_TRUE(QDir().rename(trace, folder.filePath(Text("taken"))));
+    log.WriteLine(Text("again"));
+    EXPECT_EQ(BytesOf(file), QByteArray("again\r\n")) << "a folder that was moved away";
 }
 
-TEST(LineLogTest, OpensWithTheNextLineWhatCouldNotBeOpened) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("20240315.log"));
-    LineLog log;
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(QStringLiteral("x")); }), errors::BadFileName);
+TEST_F(LineLogTest, SaysWhyALineCannotBeWrittenAndOpensWithTheNext) {
+    EXPECT_EQ(ErrorOfLine(), errors::BadFileName);
+    log.Commit();
+    log.Open(Text("/dev/full"), LineLog::AppendMode);
+    EXPECT_EQ(ErrorOfLine(), errors::DiskFull);
     ASSERT_TRUE(QDir().mkdir(path));
-    EXPECT_EQ(ErrorOf([&] { log.Open(path, LineLog::AppendMode); }), errors::PathAccess);
-    EXPECT_EQ(ErrorOf([&] { log.WriteLine(QStringLiteral("lost")); }), errors::PathAccess);
+    EXPECT_EQ(ErrorOfOpening(path), errors::PathAccess);
+    EXPECT_FALSE(log.IsOpen());
+    EXPECT_EQ(ErrorOfLine(), errors::PathAccess);
     ASSERT_TRUE(QDir().rmdir(path));
-    log.WriteLine(QStringLiteral("kept"));
+    log.WriteLine(Text("kept"));
     EXPECT_EQ(BytesOf(path), QByteArray("kept\r\n"));
+    EXPECT_EQ(ErrorOfOpening(path + Text("/x.log")), errors::PathAccess);
 }
 
-TEST(LineLogTest, EndsALineThatAKillCutShort) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("20240315.log"));
+TEST_F(LineLogTest, EndsALineThatAKillCutShort) {
     PutBytes(path, "whole\r\ncut sh");
-    LineLog log;
     log.Open(path, LineLog::AppendMode);
-    log.WriteLine(QStringLiteral("next"));
+    log.WriteLine(Text("next"));
     EXPECT_EQ(BytesOf(path), QByteArray("whole\r\ncut sh\r\nnext\r\n"));
-    const QString missing = folder.filePath(QStringLiteral("none.log"));
+    const QString missing = folder.filePath(Text("none.log"));
     EndTornLine(missing);
-    EXPECT_FALSE(QDir(folder.path()).exists(QStringLiteral("none.log")));
+    EXPECT_FALSE(QDir(folder.path()).exists(Text("none.log")));
 }
 
-TEST(DiskFlushTest, EachFileIsFlushedOnceForManyWrites) {
-    const QTemporaryDir folder;
+TEST_F(LineLogTest, EachFileIsFlushedOnceForManyWrites) {
     DiskFlush::Pay();
-    LineLog log;
-    log.Open(folder.filePath(QStringLiteral("a.log")), LineLog::AppendMode);
+    log.Open(folder.filePath(Text("a.log")), LineLog::AppendMode);
     for (int i = 0; i < 100; ++i)
-        log.WriteLine(QStringLiteral("line"));
-    DiskFlush::Owe(folder.filePath(QStringLiteral("gone.log")));
+        log.WriteLine(Text("line"));
+    DiskFlush::Owe(folder.filePath(Text("gone.log")));
     EXPECT_EQ(DiskFlush::Pay(), 2);
     EXPECT_EQ(DiskFlush::Pay(), 0);
 }

@@ -1,0 +1,416 @@
+#include "events/EventPrinter.h"
+#include "events/FakePort.h"
+#include "events/HistoProcs.h"
+#include "events/PrinterDefinition.h"
+#include "events/TextProcs.h"
+#include "model/Models.h"
+#include "platform/SettingsFile.h"
+#include "support/Bench.h"
+#include "support/Rows.h"
+
+#include <QRegularExpression>
+#include <cerrno>
+
+namespace {
+
+using Rows::Stars;
+
+/// The lines of an event on the screen, in the history file, in the trace and on paper.
+class EventLines : public Bench {
+protected:
+    EventLines() {
+        AddPanel(12, Models::Q6200XT);
+        ChannelClass& channel = Site().Panel(12).Channel(7);
+        channel.setBibNum(64);
+        channel.setScreenText(Text("Forty columns of a text, all of them use|tail"));
+        channel.setPrintText(Text("Forty columns of paper, all of them used|tail"));
+        Site().setBiblio(64, Text("High temperature"));
+        Global::Get().userName = Text("MANAGER of more than two columns");
+        Global::Get().userLevel = 3;
+        printer.setPort(Text("LPT1"));
+    }
+
+    EventClass Event(qint16 panel, qint16 chnl, qint16 param, qint16 aff, qint32 panelClock = 0) {
+        EventClass event(panel, chnl, param, aff);
+        event.setNum(123);
+        event.setGDH(clock.Now());
+        event.setClock(panelClock);
+        return event;
+    }
+    QString Screen(qint16 panel, qint16 chnl, qint16 param, qint16 aff, qint32 panelClock = 0) {
+        return TextProcs::FormateHistoScreen(Event(panel, chnl, param, aff, panelClock));
+    }
+    QString Trace(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
+        return HistoProcs::FormateTrace(Event(panel, chnl, param, aff));
+    }
+    /// The bytes of an event's line without its end; nothing when none is written.
+    QByteArray Print(EventClass& event) {
+        HistoProcs::PrintEvent(event, paper);
+        const QByteArray line = std::exchange(port->written, {});
+        EXPECT_TRUE(line.isEmpty() || line.endsWith('\r'));
+        return line.chopped(line.isEmpty() ? 0 : 1);
+    }
+    QByteArray Print(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
+        EventClass event = Event(panel, chnl, param, aff);
+        return Print(event);
+    }
+
+    /// Columns joined by "|" at their widths; "*" is a column of stars.
+    static QStringList Columns(const QString& text, const QList<int>& widths) {
+        QStringList columns = text.split(u'|');
+        EXPECT_EQ(columns.size(), widths.size()) << text.toStdString();
+        for (int i = 0; i < widths.size(); ++i) {
+            columns[i] = columns[i] == u'*' ? Stars(widths[i])
+                                            : columns[i].left(widths[i]).leftJustified(widths[i]);
+        }
+        return columns;
+    }
+    /// Display, parameter, origin, clock of the panel, common and specific text: the screen line,
+    /// and the file line that is made of it.
+    static void ExpectScreen(const QString& line, const QString& text) {
+        const QStringList columns = Columns(text, {15, 11, 7, 7, 26, 40});
+        const QString date = Text("2024-03-15");
+        const QString time = Text("12:00:00");
+        EXPECT_EQ(line, Rows::At(162, {{0, Text("0000123")},
+                                       {11, columns[0]},
+                                       {27, columns[1]},
+                                       {39, columns[2]},
+                                       {53, date},
+                                       {69, time},
+                                       {80, Text("\r\n")},
+                                       {82, columns[3]},
+                                       {93, columns[4]},
+                                       {121, columns[5]}}));
+        EXPECT_EQ(TextProcs::HistoScreenLineToHistoFileLine(line),
+                  QStringList({date, time, Text("000012"), columns[3], columns[2], columns[1],
+                               columns[0], columns[4], columns[5]})
+                      .join(u' '));
+    }
+    /// Clock of the panel, key, origin, parameter, word, common and specific text.
+    static QString TraceOf(const QString& text) {
+        return Text("2024-03-15 12:00:00 000123 ") +
+               Columns(text, {7, 8, 7, 6, 6, 26, 39}).join(u' ');
+    }
+    /// Origin, parameter, display, common and specific text; the number column is blank.
+    static QByteArray PaperOf(const QString& text) {
+        QByteArray line =
+            (Text("2024-03-15 12:00:00        ") + Columns(text, {7, 11, 15, 26, 40}).join(u' '))
+                .toLatin1();
+        while (line.endsWith(' '))
+            line.chop(1);
+        return line;
+    }
+
+    FakePort* port = new FakePort;
+    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
+    EventPrinter paper{printer};
+};
+
+TEST_F(EventLines, OfPanelsThatComeOrGoAndOfTheSystem) {
+    const struct {
+        qint16 panel, chnl, param, aff;
+        const char *screen, *trace, *paper;
+    } rows[] = {
+        {12, 255, 1, 0,
+         "Panel lost|Alarm|P12-Q62||Communication lost|The panel no longer answers on the bus",
+         "|0CFF0100|P12-Q62|Alarm|DISAPP|*|*", "P12-Q62|State|Panel lost||"},
+        {12, 255, 1, 1,
+         "Panel present|Return|P12-Q62||Communication restored|The panel answers on the bus again",
+         "|0CFF0101|P12-Q62|Alarm|APPEAR|*|*", "P12-Q62|Alarm|Panel present||"},
+        {12, 254, 0, 0, "Ackn. on PC|LEVEL 3|SYSTEM||%1|", "|0CFE0000|P12-Q62|USER|ACK PC|%1|*",
+         "SYSTEM|User|Ackn. on PC|%1|*"},
+        {0, 254, 0, 1, "APPLIC|START|SYSTEM|*|*|*", "|********|SYSTEM|APPLI|START|*|*",
+         "SYSTEM|START|APPLIC|*|*"},
+        {0, 254, 0, 2, "APPLIC|STOP|SYSTEM|*|*|*", "|********|SYSTEM|APPLI|STOP|*|*",
+         "SYSTEM|STOP|APPLIC|*|*"},
+        {0, 254, 0, 3, "LOGIN|LEVEL 3|SYSTEM||%1|", "|00FE0003|SYSTEM|USER|CHANGE|%1|LEVEL 3",
+         "SYSTEM|LEVEL 3|LOGIN|%1|"},
+        {0, 254, 0, 4, "COMM|START|SYSTEM|||", "|00FE0004|SYSTEM|COMM|START|*|*",
+         "SYSTEM|START|COMM|*|*"},
+        {0, 254, 0, 5, "COMM|STOP|SYSTEM|||", "|00FE0005|SYSTEM|COMM|STOP|*|*",
+         "SYSTEM|STOP|COMM|*|*"},
+        {12, 254, 0, 6, "Midnight state|State|P12-Q62|*|Panel never seen|*", "|0CFE0006|||||",
+         "SYSTEM||||"},
+        {0, 254, 0, 7, "||SYSTEM|||", "|00FE0007|||||", "SYSTEM||||"},
+    };
+    const auto named = [](const char* text) {
+        return Text(text).replace(Text("%1"), Text("MANAGER of more than two c"));
+    };
+    for (const auto& [panel, chnl, param, aff, screen, trace, printed] : rows) {
+        SCOPED_TRACE(::testing::Message() << panel << " " << chnl << " " << param << " " << aff);
+        ExpectScreen(Screen(panel, chnl, param, aff), named(screen));
+        EXPECT_EQ(Trace(panel, chnl, param, aff), TraceOf(named(trace)));
+        EXPECT_EQ(Print(panel, chnl, param, aff), PaperOf(named(printed)));
+    }
+    EXPECT_EQ(Trace(5, 255, 1, 1), TraceOf(Text("|05FF0101|P05----|Alarm|APPEAR|*|*")));
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(EventLines, OfChannelsAndThePanelAsAWhole) {
+    const struct {
+        qint16 chnl, param, aff;
+        qint32 panelClock;
+        const char *clock, *origin, *parameter, *display, *word;
+    } rows[] = {
+        {7, 0, 0, 1048575, "1048575", "P12-C07", "State", "Normal", "NORMAL"},
+        {7, 0, 1, 74565, "0074565", "P12-C07", "State", "Active", "ACTIVE"},
+        {7, 0, 2, 0, "0000000", "P12-C07", "State", "Cable fault", "CABLE"},
+        {7, 0, 3, 1, "0000001", "P12-C07", "State", "First fault", "1stFLT"},
+        {7, 0, 4, 1, "0000001", "P12-C07", "State", "Second fault", "2ndFLT"},
+        {7, 1, 1, -1, "SYNCHRO", "P12-C07", "Alarm", "Acknowledged", "ACKLGD"},
+        {24, 0, 2, 0, "0000000", "P12-C24", "State", "Cable fault", "CABLE"},
+        {0, 0, 0, 86399, "0086399", "P12-ACK", "State", "Acknowledgement", "ACK???"},
+        {0, 0, 1, 86399, "0086399", "P12-ACK", "State", "Horn silenced", "ACK KL"},
+        {0, 0, 2, 86399, "0086399", "P12-ACK", "State", "Lamps ackn.", "ACK CL"},
+        {0, 0, 3, 86399, "0086399", "P12-ACK", "State", "Cleared", "CLEAR"},
+        // No model has such a channel.
+        {30, 0, 1, 5, "", "", "", "", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(::testing::Message() << row.chnl << " " << row.param << " " << row.aff);
+        EventClass event = Event(12, row.chnl, row.param, row.aff, row.panelClock);
+        const QString key = Text("%1").arg(event.ID(), 8, 16, QChar(u'0')).toUpper();
+        const bool titled = row.chnl == 7;
+        const QString common = titled ? Text("High temperature|") : Text("|");
+        const QString specific =
+            titled ? Text("Forty columns of a text, all of them use") : QString();
+        ExpectScreen(TextProcs::FormateHistoScreen(event),
+                     Text("%1|%2|%3|%4|").arg(row.display, row.parameter, row.origin, row.clock) +
+                         common + specific);
+        EXPECT_EQ(HistoProcs::FormateTrace(event),
+                  TraceOf(Text(row.clock) + u'|' + key +
+                          Text("|%1|%2|%3|").arg(row.origin, row.parameter, row.word) + common +
+                          specific));
+        EXPECT_EQ(Print(event),
+                  PaperOf(Text("%1|%2|%3|").arg(row.origin, row.parameter, row.display) + common +
+                          (titled ? Text("Forty columns of paper, all of them used") : QString())));
+    }
+    EventClass event = Event(0, 254, 0, 4);
+    for (const auto& [number, text] : {std::pair{1, "000001"}, {999999, "999999"}, {0, "000000"}}) {
+        event.setNum(number);
+        EXPECT_EQ(HistoProcs::FormateTrace(event).mid(20, 6), Text(text));
+    }
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(EventLines, OfThePanelsAtMidnight) {
+    PanelClass& panel = Site().Panel(12);
+    const auto expect = [this](const char* texts) {
+        ExpectScreen(Screen(12, 254, 0, 6), Text("Midnight state|State|P12-Q62|*|") + Text(texts));
+    };
+    panel.setActualModel(Models::Q6200XT);
+    panel.setActive(false);
+    expect("Panel out of service|*");
+    panel.setActive(true);
+    for (int i = 1; i <= 24; ++i)
+        panel.Channel(i).setState(qint16(i % 5));
+    expect("Channel states|123401234012340123401234");
+    // States of two digits fill the column, the rest is cut.
+    for (int i = 1; i <= 24; ++i)
+        panel.Channel(i).setState(qint16(10 + i % 5));
+    expect("Channel states|1112131410111213141011121314101112131410");
+    panel.setModel(Models::Q7100);
+    EXPECT_EQ(Screen(12, 254, 0, 6).mid(121, 40).trimmed().size(), 24) << "twelve channels";
+}
+
+TEST_F(EventLines, KeepWhatStoodWhenACodePassesTheLists) {
+    const auto told = [this](const char* function) {
+        EXPECT_EQ(boxes.size(), 1);
+        EXPECT_EQ(boxes.value(0).section(Text("\r\n"), 1), Text(function));
+        EXPECT_TRUE(boxes.value(0).startsWith(Text("Error Nr 9 : Subscript out of range")));
+        boxes.clear();
+    };
+    const QString screen = Screen(12, 7, 2, 1);
+    EXPECT_EQ(screen.size(), 162);
+    EXPECT_EQ(screen.left(7), Text("0000123"));
+    told("Module : TextProcs\r\nFunction : FormateHistoScreen");
+    EXPECT_EQ(Print(12, 7, 2, 1), QByteArray());
+    told("Module : HistoProcs\r\nFunction : PrintEvent");
+    const struct {
+        qint16 chnl, param, aff;
+    } damaged[] = {{7, 0, 5}, {7, 0, 9}, {7, 0, 255}, {7, 2, 1}, {0, 0, 4}, {0, 0, -1}};
+    for (const auto& [chnl, param, aff] : damaged) {
+        SCOPED_TRACE(::testing::Message() << chnl << " " << param << " " << aff);
+        const QString line = Trace(12, chnl, param, aff);
+        EXPECT_EQ(line.size(), 132);
+        EXPECT_EQ(line.left(26), Text("2024-03-15 12:00:00 000123"));
+        told("Module : HistoProcs\r\nFunction : FormateTrace");
+    }
+}
+
+TEST_F(EventLines, FollowTheLanguageInUse) {
+    Global::Get().language = 1;
+    Global::ReadMarks();
+    const QString line = Screen(12, 7, 1, 1);
+    EXPECT_EQ(line.mid(11, 15), Text("Acquittée      "));
+    EXPECT_EQ(line.mid(39, 7), Text("P12-V07"));
+    EXPECT_EQ(Screen(12, 254, 0, 6).mid(11, 15), Text("État à minuit  "));
+    // The printer has a character set of its own.
+    Site().setBiblio(64, Text("Chaudière n° 2"));
+    const QByteArray printed = Print(12, 7, 1, 1);
+    EXPECT_EQ(printed.mid(47, 15), QByteArray("Acquitt\x82"
+                                              "e      "));
+    EXPECT_EQ(printed.mid(63, 14), QByteArray("Chaudi\x8Are n\xF8 2"));
+    // A language right behind the last one has no texts at all.
+    Global::Get().language = 4;
+    for (const qint16 aff : {qint16(0), qint16(1)}) {
+        EXPECT_EQ(Screen(12, 255, 1, aff).mid(93), Stars(26) + Text("  ") + Stars(40) + u' ');
+    }
+}
+
+TEST_F(EventLines, OfTheFileComeBackToTheScreen) {
+    // But for the last digit of the number and the line break.
+    QString line = Screen(12, 7, 0, 1, 74565);
+    line.replace(0, 7, Text("0012345"));
+    const QString file = TextProcs::HistoScreenLineToHistoFileLine(line);
+    EXPECT_EQ(TextProcs::HistoFileLineToHistoScreenLine(file),
+              line.replace(6, 1, u' ').replace(80, 2, Text("  ")));
+
+    EXPECT_EQ(TextProcs::HistoFileLineToHistoScreenLine(Text("2024")),
+              Rows::At(162, {{53, Text("2024")}}));
+    EXPECT_EQ(TextProcs::HistoScreenLineToHistoFileLine(QString()), QString(138, u' '));
+    const QString longLine = QString(500, u'x');
+    EXPECT_EQ(TextProcs::HistoFileLineToHistoScreenLine(longLine).size(), 162);
+    EXPECT_EQ(TextProcs::HistoScreenLineToHistoFileLine(longLine).size(), 138);
+}
+
+TEST_F(EventLines, EachKindInItsStyle) {
+    Site().setPrinterInitString(0, Text("1B 40"));
+    for (int style = 1; style <= 7; ++style)
+        Site().setPrinterInitString(style, Text("1B 3%1").arg(style));
+    struct {
+        qint16 chnl, param, aff;
+        char style;
+    } const rows[] = {
+        {255, 1, 0, '1'}, {255, 1, 1, '4'}, {254, 0, 0, '7'}, {254, 0, 5, '7'},
+        {7, 0, 0, '6'},   {7, 0, 1, '5'},   {7, 0, 4, '6'},   {0, 0, 1, '5'},
+        {0, 0, 3, '6'},   {7, 1, 0, '4'},   {7, 1, 1, '3'},   {7, 1, 2, '1'},
+        {7, 1, 3, '1'},   {7, 1, 4, '2'},   {7, 1, 5, '2'},   {7, 1, 255, '2'},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Print(12, row.chnl, row.param, row.aff).left(5),
+                  QByteArray("\x1B@\x1B") + row.style + '2')
+            << row.chnl << " " << row.param << " " << row.aff;
+    EXPECT_EQ(Print(12, 30, 1, 1).left(3), QByteArray("\x1B@2")) << "no family, no style";
+}
+
+TEST_F(EventLines, LowersAnUnknownStepForAllWhoFollow) {
+    EventClass event = Event(12, 7, 1, 9);
+    EXPECT_EQ(Print(event).mid(47, 15).trimmed(), QByteArray("#51015#"));
+    EXPECT_EQ(event.Aff(), 5);
+    // A state isn't lowered, and other families have no steps.
+    for (const auto& [chnl, param] : {std::pair(7, 0), {30, 1}, {254, 1}, {255, 1}}) {
+        EventClass other(12, qint16(chnl), qint16(param), 9);
+        Print(other);
+        EXPECT_EQ(other.Aff(), 9) << chnl;
+    }
+}
+
+TEST_F(EventLines, ControlSequencesAreBytesInHexadecimal) {
+    const QByteArray line = PaperOf(Text("P12-Q62|State|Panel lost||"));
+    Site().setPrinterInitString(0, Text(" 1b 2D  0 "));
+    EXPECT_EQ(Print(12, 255, 1, 0), QByteArray("\x1B-\0", 3) + line);
+    // They go through the printer's table with the text.
+    Site().setPrinterInitString(0, QString());
+    Site().setPrinterInitString(1, Text("E9 80 FF 7F"));
+    EXPECT_EQ(Print(12, 255, 1, 0), QByteArray("\x82_\x98\x7F") + line);
+}
+
+TEST_F(EventLines, CutAtTheLongestLine) {
+    const QByteArray whole = Print(12, 7, 0, 1);
+    EXPECT_EQ(whole.size(), 130);
+    Site().setPrintMaxLen(80);
+    EXPECT_EQ(Print(12, 7, 0, 1), whole.left(80));
+    Site().setPrinterInitString(0, Text("1B 40 0F"));
+    Site().setPrinterInitString(5, Text("1B 45"));
+    EXPECT_EQ(Print(12, 7, 0, 1), "\x1B@\x0F\x1B"
+                                  "E" +
+                                      whole.left(75));
+    Site().setPrintMaxLen(-1);
+    EXPECT_EQ(Print(12, 7, 0, 1).size(), 135);
+}
+
+TEST_F(EventLines, NothingStopsForAPrinterThatFails) {
+    QStringList told;
+    printer.onError = [&](const QString&, int where) { told += QString::number(where); };
+    port->writeError = ETIMEDOUT;
+    Print(12, 7, 0, 1);
+    printer.ClosePrinter();
+    port->openError = ENOENT;
+    clock.Advance(EventPrinter::TryPause);
+    EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
+    printer.setPort(QString());
+    EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
+    EXPECT_EQ(told, TextList({"8", "0"}));
+    EXPECT_EQ(boxes, QStringList());
+}
+
+TEST_F(EventLines, DefinitionFilesHoldSequences) {
+    const QDir folder(Text(KORVANELLE_SOURCE_DIR "/data/printers"));
+    const QStringList names = folder.entryList({Text("*.prt")});
+    EXPECT_GE(names.size(), 2);
+    static const QRegularExpression bytes(Text("^([0-9A-F]{2}( [0-9A-F]{2})*)?$"));
+    static const QRegularExpression keys(Text("^(Reset/Init|Colors/[0-6]|Styles/[BIU])$"));
+    for (const QString& name : names) {
+        const platform::SettingsFile file(folder.filePath(name));
+        EXPECT_EQ(file.Keys(Text("Reset")), TextList({"Init"}));
+        for (const char* section : {"Reset", "Colors", "Styles"}) {
+            for (const QString& key : file.Keys(Text(section))) {
+                const QString value = file.Read(Text(section), key, QString());
+                EXPECT_TRUE(keys.match(Text(section) + u'/' + key).hasMatch()) << key.toStdString();
+                EXPECT_TRUE(bytes.match(value).hasMatch()) << value.toStdString();
+                // A byte above 127 would come out as another one.
+                for (const QString& byte : value.split(u' ', Qt::SkipEmptyParts))
+                    EXPECT_LT(byte.toInt(nullptr, 16), 128) << value.toStdString();
+            }
+        }
+    }
+}
+
+TEST_F(EventLines, DefinitionFilesColourALine) {
+    const QByteArray line = PaperOf(Text("P12-Q62|State|Panel lost||"));
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"plain", QByteArray()},
+        {"escp", QByteArray("\x1B@\x0F\x1Br\x05\x1B"
+                            "E\x1B-\x01")},
+        {"escp-wide", QByteArray("\x1B@\x1BM\x1B"
+                                 "E\x1B-\x01")},
+    };
+    for (const auto& [name, start] : rows) {
+        const PrinterDefinition definition(
+            Text(KORVANELLE_SOURCE_DIR "/data/printers/%1.prt").arg(Text(name)));
+        Site().setPrinterInitString(0, definition.Init());
+        Site().setPrinterInitString(1, definition.SequenceOf(Text("1UB")));
+        EXPECT_EQ(Print(12, 255, 1, 0), start + line) << name;
+    }
+}
+
+TEST_F(EventLines, ADefinitionIsReadByName) {
+    const auto write = [](const QString& name, const QByteArray& content) {
+        QFile file(PrinterDefinition::PathOf(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    write(Text("matrix"), "[Colors]\r\n2 = 1B 72 04\r\n12=1B\r\n[Styles]\r\nB=\r\nI=1B 34\r\n");
+    write(Text("beside"), "[Reset]\nInit=\"1B 40 \"\n");
+    EXPECT_EQ(PrinterDefinition::Names(), TextList({"beside", "matrix"}));
+
+    const PrinterDefinition matrix(PrinterDefinition::PathOf(Text("matrix")));
+    EXPECT_EQ(matrix.Init(), QString());
+    const std::pair<const char*, const char*> codes[] = {
+        {"2", "1B 72 04"},
+        {"2I", "1B 72 04 1B 34"},
+        {"2BI", "1B 72 04  1B 34"},
+        {"I", "1B 34"},
+        {"12B", "1B"},
+        {"0U", ""},
+        {"", ""},
+        {"xI", "1B 34"},
+    };
+    for (const auto& [code, sequence] : codes)
+        EXPECT_EQ(matrix.SequenceOf(Text(code)), Text(sequence)) << code;
+    EXPECT_EQ(PrinterDefinition(PrinterDefinition::PathOf(Text("none"))).SequenceOf(Text("2B")),
+              QString());
+}
+
+} // namespace
