@@ -16,7 +16,7 @@ public:
         : path_(std::move(path)) {
         EXPECT_EQ(mkfifo(QFile::encodeName(path_).constData(), 0600), 0);
     }
-    ~PipePrinter() { SwitchOff(); }
+    ~PipePrinter() { close(file_); }
     PipePrinter(const PipePrinter&) = delete;
     PipePrinter& operator=(const PipePrinter&) = delete;
 
@@ -24,14 +24,7 @@ public:
         file_ = open(QFile::encodeName(path_).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
         EXPECT_GE(file_, 0);
     }
-<<<<<<< HEAD
-    void SwitchOff() {
-        if (file_ >= 0)
-            close(std::exchange(file_, -1));
-    }
-=======
     void SwitchOff() { close(std::exchange(file_, -1)); }
->>>>>>> main
     /// Takes nothing any more.
     void Stick() const {
         const QByteArray block(4096, '#');
@@ -49,13 +42,8 @@ public:
         }
         return paper_;
     }
-<<<<<<< HEAD
-    /// The paper is torn off.
-    QByteArray TakePaper() {
-=======
     /// What was printed since the last look.
     QByteArray Taken() {
->>>>>>> main
         Paper();
         return std::exchange(paper_, {});
     }

@@ -150,7 +150,7 @@ public:
         SetPrinter(true);
         for (int i = 0; i < CalmSeconds; ++i)
             Second();
-        ledger_.Printed(printer_.TakePaper());
+        ledger_.Printed(printer_.Taken());
         ledger_.CheckEnd(plant_, engine_->Paper().Unprinted());
         std::printf(
             "%d hours: %lld events, %.1f a minute, %lld of them made up of standing states; "
@@ -180,7 +180,7 @@ private:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         ledger_.CheckConsole();
         if (!isStuck_)
-            ledger_.Printed(printer_.TakePaper());
+            ledger_.Printed(printer_.Taken());
     }
 
     /// What a year brings, once a day and in its first two hours: a midnight without the stick, the
@@ -230,15 +230,15 @@ private:
 
     void SetPrinter(bool on) {
         if (isStuck_)
-            printer_.TakePaper();
-        ledger_.Printed(printer_.TakePaper());
+            printer_.Taken();
+        ledger_.Printed(printer_.Taken());
         isStuck_ = false;
         printer_.SwitchOff();
         if (on)
             printer_.SwitchOn();
     }
     void Stick() {
-        ledger_.Printed(printer_.TakePaper());
+        ledger_.Printed(printer_.Taken());
         printer_.Stick();
         isStuck_ = true;
     }
