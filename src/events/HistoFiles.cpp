@@ -142,6 +142,8 @@ void DoMidnightActions() {
         }
         if (ready)
             CopyHistories(own, second, failure);
+        else if (!named.isEmpty())
+            Trace::Note(QStringLiteral("HISTORIES NOT COPIED TO ") + named);
         if (failure != 0)
             throw platform::RunTimeError(failure);
     });

@@ -218,6 +218,7 @@ TEST_F(Midnight, NothingIsCopiedWhereThereIsNoOtherFolder) {
         EXPECT_FALSE(QFile::exists(Path(Text("missing"))));
         EXPECT_EQ(Names(Text("Trace"), Text("*.his")), QStringList());
     }
+    EXPECT_EQ(TraceLines().filter(Text("HISTORIES NOT COPIED TO ")).size(), 2);
     EXPECT_EQ(Names(QString(), Text("*")).size(), before.size() + 1) << "the settings";
     EXPECT_EQ(boxes, QStringList());
     // As typed: beside the histories, whatever folder the program was started in.
