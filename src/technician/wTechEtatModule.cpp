@@ -60,6 +60,7 @@ void wTechEtatModule::Form_Load() {
         ui_->lblCommResult->clear();
         tmrPoll_.setObjectName(QStringLiteral("tmrPoll"));
         tmrPoll_.setInterval(PollPeriod);
+        tmrClign_.setObjectName(QStringLiteral("tmrClign"));
         tmrClign_.setInterval(BlinkPeriod);
         tmrClign_.setTimerType(Qt::PreciseTimer);
         connect(&tmrPoll_, &QTimer::timeout, this, &wTechEtatModule::tmrPoll_Timer);

@@ -50,7 +50,7 @@ private:
     std::unique_ptr<Ui::wTechEtatModule> ui_;
     const PanelClass* panel_ = nullptr;
     QTimer tmrPoll_{this};
-    QTimer tmrClign_;
+    QTimer tmrClign_{this};
     TechCommand command_;
     int button_ = 0; // whose command was sent last
     bool closing_ = false;

@@ -36,6 +36,8 @@ protected:
         form->MiseEnFormeModule(Site().Panel(PanelAddress));
         form->EnableTimers(true);
         form->Show();
+        // The test lets the lamps blink.
+        form->findChild<QTimer*>(QStringLiteral("tmrClign"))->stop();
         return *form;
     }
     /// First registers of the frames sent, a write as "register=value".
