@@ -9,4 +9,4 @@ scripts/packages.sh
 cmake --preset "$preset"
 cmake --build --preset "$preset"
 # Many tests wait for a line or a program more than they work.
-ctest --preset "$preset" --parallel "$(($(nproc) + 2))"
+ctest --preset "$preset" --parallel "$(($(nproc) + 4))"
