@@ -102,13 +102,13 @@ TEST_F(Diagnosis, MeasuresTheRepliesOfTheHour) {
     Read(5, {});
     EXPECT_EQ(told(diagnosis.SinceStart(5)), (std::array<double, 4>{2, 40, 40, 40}))
         << "a time-out is no time of reply";
-    clock.Advance(30 * 60000);
+    clock.Advance(30 * qint64(60000));
     Read(5, good, 20);
     Read(5, good, 90);
     EXPECT_EQ(told(diagnosis.LastHour(5)), (std::array<double, 4>{4, 20, 50, 90}));
-    clock.Advance(30 * 60000);
+    clock.Advance(30 * qint64(60000));
     EXPECT_EQ(told(diagnosis.LastHour(5)), (std::array<double, 4>{2, 20, 55, 90}));
-    clock.Advance(24 * 60 * 60000);
+    clock.Advance(24 * qint64(60) * 60000);
     EXPECT_EQ(diagnosis.LastHour(5), BusDiagnosis::Counters());
     EXPECT_EQ(told(diagnosis.SinceStart(5)), (std::array<double, 4>{4, 20, 50, 90}));
 }

@@ -106,7 +106,7 @@ TEST_F(BoxesTest, TheTraceHoldsEachErrorOnceWithAPause) {
     Fail("B.Other");
     EXPECT_EQ(Traced(Text(" ERROR 61 B.Repeats")), 1);
     EXPECT_EQ(Traced(Text(" ERROR 61 B.Other")), 1);
-    clock.Advance(11 * 60 * 1000);
+    clock.Advance(11 * qint64(60) * 1000);
     Fail("B.Repeats");
     EXPECT_EQ(Traced(Text(" ERROR 61 B.Repeats")), 2);
 }
