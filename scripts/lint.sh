@@ -14,7 +14,8 @@ since=
 case ${1:-} in
 --all) ;;
 --since) since=${2:?a commit} ;;
-'') since=$(git merge-base HEAD '@{upstream}' 2>/dev/null || git rev-parse -q --verify HEAD~1 || true) ;;
+'') since=$(git merge-base HEAD '@{upstream}' 2>/dev/null || git rev-parse -q --verify HEAD~1 ||
+    git rev-parse HEAD) ;;
 *) echo "usage: scripts/lint.sh [--all | --since COMMIT]" >&2; exit 2 ;;
 esac
 
