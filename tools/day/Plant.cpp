@@ -147,7 +147,7 @@ void Plant::Trouble() {
     switch (Random(6)) {
     case 0:
         faulty.muted = true;
-        lasts = Random(10) == 0 ? 10 * Minute : lasts;
+        lasts = Random(10) == 0 ? qint64(10) * Minute : lasts;
         break;
     case 1:
         faulty.corrupt = 1 + Random(3);
