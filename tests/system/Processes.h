@@ -147,7 +147,7 @@ private:
 /// Waits until a condition holds, at most a minute or as long as told: a machine under load is
 /// slow.
 inline bool Eventually(const std::function<bool()>& condition, int seconds = 60) {
-    const QDeadlineTimer deadline(seconds * 1000);
+    const QDeadlineTimer deadline(qint64(seconds) * 1000);
     while (!condition()) {
         if (deadline.hasExpired())
             return false;
