@@ -2,10 +2,9 @@
 // power of the program, the simulator's modules at the far end. Whatever a module dropped on a
 // receipt stands in the trace and in the history exactly once, in the module's order.
 
-#include "simulator/Bus.h"
-#include "simulator/Frame.h"
 #include "support/Bench.h"
 #include "support/FakeLink.h"
+#include "support/SimulatedLine.h"
 #include "system/Processes.h"
 
 #include "bus/wPolling.h"
@@ -46,17 +45,11 @@ protected:
     }
 
     QByteArray Answer(const QByteArray& frame) {
-        const Sim::Bytes bytes(frame.cbegin(), frame.cend());
-        Sim::FrameReader reader;
-        reader.Feed(bytes, Sim::Milliseconds(0));
-        const std::optional<Sim::Request> request = reader.Next();
+        const std::optional<Sim::Request> request = SimulatedLine::RequestOf(frame);
         if (!request)
             return {};
         NoteReceipt(frame);
-        const std::optional<Sim::Reply> reply = bus_.Handle(*request);
-        return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
-                                  qsizetype(reply->frame.size()))
-                     : QByteArray();
+        return SimulatedLine::BytesOf(bus_.Handle(*request));
     }
 
     /// Takes down what a receipt is about to drop. The general synchronisation throws memories

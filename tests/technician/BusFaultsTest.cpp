@@ -5,6 +5,7 @@
 #include "bus/BusDiagnosis.h"
 #include "bus/CommFunctions.h"
 #include "simulator/Command.h"
+#include "support/SimulatedLine.h"
 
 #include <sstream>
 
@@ -23,12 +24,8 @@ protected:
             bus.Add(panel, Sim::Model::Q7100, {});
         link->setPortOpen(true);
         link->answer = [this](const QByteArray& frame) {
-            reader.Feed(Sim::Bytes(frame.cbegin(), frame.cend()), Time());
-            const auto request = reader.Next();
-            const auto reply = request ? bus.Handle(*request) : std::nullopt;
-            return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
-                                      qsizetype(reply->frame.size()))
-                         : QByteArray();
+            const auto request = SimulatedLine::RequestOf(frame);
+            return request ? SimulatedLine::BytesOf(bus.Handle(*request)) : QByteArray();
         };
     }
     static Sim::Milliseconds Time() {
@@ -58,7 +55,6 @@ protected:
         return all;
     }
     Sim::Bus bus{Time};
-    Sim::FrameReader reader;
 };
 
 } // namespace

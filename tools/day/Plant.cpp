@@ -1,5 +1,7 @@
 #include "day/Plant.h"
 
+#include "support/SimulatedLine.h"
+
 namespace {
 
 constexpr int ReceiptRegister = 288;
@@ -81,10 +83,7 @@ void Plant::Watch(int address, const std::function<void()>& change) {
 }
 
 QByteArray Plant::Answer(const QByteArray& frame) {
-    const Sim::Bytes bytes(frame.cbegin(), frame.cend());
-    Sim::FrameReader reader;
-    reader.Feed(bytes, Sim::Milliseconds(0));
-    const std::optional<Sim::Request> request = reader.Next();
+    const std::optional<Sim::Request> request = SimulatedLine::RequestOf(frame);
     if (!request)
         return {};
     std::optional<Sim::Reply> reply;
@@ -96,9 +95,7 @@ QByteArray Plant::Answer(const QByteArray& frame) {
     // Nobody but the module knows of a receipt whose reply is lost.
     if (!calm_ && request->first == ReceiptRegister && Random(LostReceipts) == 0)
         reply.reset();
-    return reply ? QByteArray(reinterpret_cast<const char*>(reply->frame.data()),
-                              qsizetype(reply->frame.size()))
-                 : QByteArray();
+    return SimulatedLine::BytesOf(reply);
 }
 
 void Plant::Advance() {
