@@ -49,11 +49,8 @@ QSet<int> ConfigNumbersOfCode(const QString& source) {
 }
 
 TEST(Texts, EveryNumberUsedByTheProgramHasWords) {
-    BaseReader base;
-    QSet<int> config, used, usedByForms, usedConfig;
-    for (const QVariantList& row : base.Query("SELECT ID FROM T_Config")) {
-        config.insert(row[0].toInt());
-    }
+    const auto config = BaseTable("T_Config").ReadAll();
+    QSet<int> used, usedByForms, usedConfig;
     QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"), {"*.cpp", "*.h", "*.ui"},
                        QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {

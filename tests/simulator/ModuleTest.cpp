@@ -42,16 +42,6 @@ protected:
 
 } // namespace
 
-TEST_F(ModuleTest, IdentificationOfEachModel) {
-    EXPECT_THAT(Read(1, 132, 1), ElementsAre(1));
-    EXPECT_NE(Read(1, 133, 1).at(0), 2);
-    EXPECT_THAT(Read(2, 132, 1), ElementsAre(2));
-    EXPECT_THAT(Read(3, 132, 1), ElementsAre(1));
-    EXPECT_EQ(Exchange(Reading(3, 133, 1)).at(1), 0x83);
-    EXPECT_THAT(Read(4, 132, 2), ElementsAre(1, 0));
-    EXPECT_THAT(Read(5, 132, 2), ElementsAre(1, 2));
-}
-
 TEST_F(ModuleTest, BlocksMustBeKnownAsAWhole) {
     EXPECT_EQ(Read(1, 1, 12).size(), 12U);
     EXPECT_THAT(Read(1, 1, 13), IsEmpty());
