@@ -1,5 +1,5 @@
-// Which sound plays, and that it goes on playing. The sound server is put to the test with the
-// whole program; here there is none, and the device is a file.
+// Which sound plays, and that it goes on playing. Here there is no sound server, and the device is a
+// file.
 
 #include "platform/Sound.h"
 #include "platform/TestFiles.h"

@@ -99,21 +99,6 @@ TEST_F(ModuleTest, AcknowledgementSettlesStandingAndGoneAlarms) {
     EXPECT_THAT(TakeEvents(1), ElementsAre(0x4000, 0x4100));
 }
 
-TEST_F(ModuleTest, HornAndClearing) {
-    At(3).SetContact(2, Contact::Active);
-    At(3).SetContact(2, Contact::Normal);
-    TakeEvents(3);
-    Write(3, 67, {1});
-    EXPECT_THAT(Read(3, 64, 1), ElementsAre(0));
-    Write(3, 67, {3});
-    Write(3, 67, {2});
-    EXPECT_THAT(TakeEvents(3), ElementsAre(0xF010, 0xF030, 0xF020));
-    Write(3, 64, {1});
-    EXPECT_THAT(Read(3, 64, 1), ElementsAre(1));
-    Write(3, 66, {1});
-    EXPECT_THAT(At(3).Describe(), HasSubstr("horn=1 lamps=1"));
-}
-
 TEST_F(ModuleTest, TheMemoryLosesTheOldest) {
     for (int channel = 1; channel <= 5; ++channel) {
         At(1).SetContact(channel, Contact::Active);

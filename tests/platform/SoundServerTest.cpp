@@ -1,0 +1,136 @@
+// The horn on a sound server of its own, whose output is recorded.
+
+#include "platform/Sound.h"
+#include "platform/TestFiles.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <gtest/gtest.h>
+
+using namespace platform;
+
+namespace {
+
+class SoundServerTest : public ::testing::Test {
+protected:
+    SoundServerTest() {
+        qputenv("PULSE_SERVER", "unix:" + Path("socket").toUtf8());
+        qputenv("PULSE_RUNTIME_PATH", folder_.path().toUtf8());
+        // The machine's own device is no way out.
+        qputenv("ALSA_CONFIG_PATH", Path("none").toUtf8());
+    }
+    ~SoundServerTest() override {
+        Kill();
+        for (const char* name : {"PULSE_SERVER", "PULSE_RUNTIME_PATH", "ALSA_CONFIG_PATH"})
+            qunsetenv(name);
+    }
+
+    QString Path(const char* name) const { return folder_.filePath(Text(name)); }
+
+    /// A server with one output that leads nowhere.
+    bool Start() {
+        QFile::remove(Path("socket"));
+        server_.setProcessChannelMode(QProcess::MergedChannels);
+        server_.start(
+            Text("pulseaudio"),
+            {Text("-n"), Text("--daemonize=no"), Text("--exit-idle-time=-1"),
+             Text("--use-pid-file=no"), Text("-L"),
+             Text("module-native-protocol-unix auth-anonymous=1 socket=") + Path("socket"),
+             Text("-L"), Text("module-null-sink sink_name=horn")});
+        return server_.waitForStarted() && Until([this] {
+                   return QFile::exists(Path("socket")) || server_.state() != QProcess::Running;
+               }) &&
+               server_.state() == QProcess::Running;
+    }
+    void Kill() {
+        server_.kill();
+        server_.waitForFinished();
+    }
+    /// What the server says to a command.
+    static QString Control(const char* words) {
+        QProcess control;
+        control.start(Text("pactl"), Text(words).split(u' '));
+        EXPECT_TRUE(control.waitForFinished()) << words;
+        EXPECT_EQ(control.exitCode(), 0) << words;
+        return Text(control.readAllStandardOutput());
+    }
+    /// Waits until something loud is recorded.
+    static bool IsHeard() {
+        constexpr int Loud = 500;
+        QProcess recorder;
+        const bool heard = Until([&] {
+            if (recorder.state() == QProcess::NotRunning)
+                recorder.start(Text("parec"), Text("-d horn.monitor --raw --format=s16le "
+                                                   "--channels=1")
+                                                  .split(u' '));
+            const QByteArray bytes = recorder.readAllStandardOutput();
+            for (qsizetype i = 0; i + 1 < bytes.size(); i += 2) {
+                if (qFromLittleEndian<qint16>(bytes.constData() + i) > Loud)
+                    return true;
+            }
+            return false;
+        });
+        recorder.kill();
+        recorder.waitForFinished();
+        return heard;
+    }
+    /// Whether it is told by now, as often as the turns before and once more, if the horn is heard.
+    testing::AssertionResult Tells(bool canBeHeard) {
+        ++turns_;
+        if (Until([this] { return told_.size() >= turns_; }) && told_.size() == turns_ &&
+            told_.last() == canBeHeard)
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << testing::PrintToString(told_);
+    }
+
+    QTemporaryDir folder_;
+    QProcess server_;
+    QList<bool> told_;
+    qsizetype turns_ = 0;
+};
+
+} // namespace
+
+TEST_F(SoundServerTest, ASilenceIsToldAndEndsByItself) {
+    if (!Start())
+        GTEST_SKIP() << "no sound server can be started";
+    Kill();
+    const auto sound = MakeSound({[this](bool canBeHeard) { told_ += canBeHeard; }, nullptr});
+    EXPECT_TRUE(Tells(false)) << "ahead of any alarm";
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Tells(true));
+    sound->StartLooped(Path("none"), nullptr);
+    EXPECT_TRUE(IsHeard());
+
+    Kill();
+    EXPECT_TRUE(Tells(false));
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Tells(true));
+    EXPECT_TRUE(IsHeard());
+
+    Control("unload-module module-null-sink");
+    EXPECT_TRUE(Tells(false));
+    // What a server offers in the place of a device that has gone can't be heard.
+    Control("load-module module-null-sink sink_name=auto_null");
+    const QDeadlineTimer longEnough(2000);
+    Until([&] { return longEnough.hasExpired(); });
+    Control("unload-module module-null-sink");
+    Control("load-module module-null-sink sink_name=horn");
+    EXPECT_TRUE(Tells(true)) << "and not before";
+    EXPECT_TRUE(IsHeard());
+
+    const QByteArray input = Control("list short sink-inputs").section(u'\t', 0, 0).toUtf8();
+    for (const auto& [silenced, given] :
+         {std::pair<QByteArray, QByteArray>{"set-sink-mute horn 1", "set-sink-mute horn 0"},
+          {"set-sink-volume horn 0", "set-sink-volume horn 65536"},
+          {"set-sink-input-mute " + input + " 1", "set-sink-input-mute " + input + " 0"},
+          {"set-sink-input-volume " + input + " 0", "set-sink-input-volume " + input + " 65536"}}) {
+        Control(silenced.constData());
+        EXPECT_TRUE(Tells(false)) << silenced.constData();
+        Control(given.constData());
+        EXPECT_TRUE(Tells(true)) << given.constData();
+    }
+    sound->Stop();
+    EXPECT_TRUE(Until([] { return Control("list short sink-inputs").isEmpty(); }));
+}
