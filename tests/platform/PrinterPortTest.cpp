@@ -150,6 +150,9 @@ TEST_F(PrinterPortTest, ATimeWithoutALookIsNotThePrintersFault) {
     EXPECT_EQ(port_->Advance(), 0);
     EXPECT_TRUE(port_->IsBusy());
     EXPECT_EQ(AdvanceToTheEnd(), ETIMEDOUT);
+    EXPECT_EQ(reader.Take(1 << 16).size(), 1 << 16);
+    EXPECT_EQ(port_->Write("next"), 0);
+    EXPECT_FALSE(port_->IsBusy()) << "what was given up isn't printed late";
 }
 
 TEST_F(PrinterPortTest, WaitsForASlowReader) {

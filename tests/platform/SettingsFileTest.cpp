@@ -128,6 +128,12 @@ TEST_F(SettingsFileTest, TakesUpWhatIsEditedByHandMeanwhile) {
     EXPECT_EQ(settings.Read(Section, Key, QString()), Text("22"));
     settings.Write(Section, Text("Other"), Text("x"));
     EXPECT_EQ(BytesOf(path_), "[General]\nKey=22\nOther=x\n; by hand\n");
+    PutBytes(path_, "[General]\nKey=333\n[A]\na=1\n");
+    settings.DeleteSection(Text("A"));
+    EXPECT_EQ(BytesOf(path_), "[General]\nKey=333\n");
+    PutBytes(path_, "[General]\nKey=4444\n");
+    settings.WriteSection(Text("A"), {{Text("a"), Text("1")}});
+    EXPECT_EQ(BytesOf(path_), "[General]\nKey=4444\n\n[A]\na=1\n");
 }
 
 TEST_F(SettingsFileTest, ReplacesTheFileAsAWholeThroughALinkToo) {

@@ -59,17 +59,16 @@ protected:
     static bool IsHeard() {
         constexpr int Loud = 500;
         QProcess recorder;
-        const bool heard = Until([&] {
+        bool heard = false;
+        Until([&] {
             if (recorder.state() == QProcess::NotRunning)
                 recorder.start(Text("parec"), Text("-d horn.monitor --raw --format=s16le "
                                                    "--channels=1")
                                                   .split(u' '));
             const QByteArray bytes = recorder.readAllStandardOutput();
-            for (qsizetype i = 0; i + 1 < bytes.size(); i += 2) {
-                if (qFromLittleEndian<qint16>(bytes.constData() + i) > Loud)
-                    return true;
-            }
-            return false;
+            for (qsizetype i = 0; i + 1 < bytes.size(); i += 2)
+                heard = heard || qFromLittleEndian<qint16>(bytes.constData() + i) > Loud;
+            return heard;
         });
         recorder.kill();
         recorder.waitForFinished();

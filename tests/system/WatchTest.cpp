@@ -116,34 +116,4 @@ TEST_F(WatchRun, AnEndBehindABoxOfTheStartKeepsTheCommands) {
     EXPECT_TRUE(Kept().contains("2|1|0042|00:00:00|0001"));
 }
 
-TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
-    Save({1, 2});
-    SimulatorProcess simulator(folder.Bus(), Modules({1, 2}));
-    ProgramProcess program(folder);
-    ASSERT_TRUE(Polls(simulator, 1, 2));
-    ASSERT_TRUE(QDir(folder.Path("Trace")).removeRecursively());
-    for (const char* command : {"active 1 3", "active 2 3", "normal 1 3", "active 1 4"})
-        simulator.Do(command);
-    EXPECT_TRUE(Eventually([&] { return !folder.History().filter("P01-C04").isEmpty(); }));
-    EXPECT_TRUE(Comes("P01-C04")) << "made again";
-    EXPECT_TRUE(Traced("FAULT").isEmpty()) << "nothing to tell";
-    for (const char* address : {"1", "2"})
-        EXPECT_TRUE(Eventually([&] {
-            return simulator.Ask(QByteArray("show ") + address, "show").contains("waiting=0");
-        })) << "the events are taken, and so are their receipts";
-    EXPECT_EQ(program.Terminate(), 0);
-}
-
-// Panel 64 is good, and so the turn never comes to 1; the queue holds a command that no module
-// takes.
-TEST_F(WatchRun, WhatTheBusLeavesUndoneIsTold) {
-    Save({1, 2, 64});
-    IniWrite(Pending, "1", "2|2|0500|00:00:00|0002");
-    SimulatorProcess simulator(folder.Bus(), Modules({1, 2, 64}));
-    ProgramProcess program(folder);
-    EXPECT_TRUE(Comes("FAULT BEGINS COMMAND GIVEN UP P02:0500"));
-    EXPECT_TRUE(Comes("FAULT BEGINS PANEL NOT POLLED 1"));
-    EXPECT_EQ(program.Terminate(), 0);
-}
-
 } // namespace
