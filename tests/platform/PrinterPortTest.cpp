@@ -84,13 +84,6 @@ protected:
     std::unique_ptr<PrinterPort> port_ = MakePort();
 };
 
-QByteArray AllBytes() {
-    QByteArray bytes;
-    for (int code = 0; code < 256; ++code)
-        bytes += char(code);
-    return bytes;
-}
-
 } // namespace
 
 TEST_F(PrinterPortTest, SetsTheLineAndSendsBytesAsTheyAre) {
