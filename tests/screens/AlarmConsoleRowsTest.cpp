@@ -124,30 +124,6 @@ TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
     EXPECT_THROW(rows.SetCurrent(10), platform::RunTimeError);
 }
 
-TEST_F(AlarmRowsTest, EveryChannelStanding) {
-    for (qint16 panel = 1; panel <= 64; ++panel) {
-        for (qint16 channel = 1; channel <= 24; ++channel)
-            Take(panel, channel, 0, 1);
-    }
-    ASSERT_EQ(rows.Count(), 1536);
-    // Rows go from the middle and others come: each key still leads to its row.
-    for (qint16 channel = 2; channel <= 24; channel += 2)
-        Take(32, channel, 1, 0);
-    Take(1, 255, 1, 0);
-    ASSERT_EQ(rows.Count(), 1525);
-    for (int row = 0; row < rows.Count(); ++row)
-        EXPECT_EQ(rows.FindKey(rows.Row(row).data), row);
-    EXPECT_EQ(rows.FindKey(EventClass(32, 2, 0, 1).ID()), -1);
-
-    LastAlarms::Write(rows);
-    AlarmRows back;
-    LastAlarms::Read(back);
-    EXPECT_EQ(back.Count(), 1525);
-    LastAlarms::Write(AlarmRows());
-    QStringList keys;
-    EXPECT_EQ(IniReadKeys(keys, "LastAlarms"), 0);
-}
-
 TEST_F(AlarmRowsTest, OfAKeyThatWasReadBackTwiceTheLastRowCounts) {
     const qint32 id = EventClass(1, 5, 0, 1).ID();
     rows.Append({"upper", id, 0});

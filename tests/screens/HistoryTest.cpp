@@ -22,10 +22,10 @@ protected:
     }
     /// A file with numbered lines of channel 7 of panel 1.
     void Put(const QString& name, int lines) const {
-        QFile file(Path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        QByteArray all;
         for (int i = 1; i <= lines; ++i)
-            file.write(Line(QByteArray::number(i).rightJustified(6, '0'), "PC1-C07"));
+            all += Line(QByteArray::number(i).rightJustified(6, '0'), "PC1-C07");
+        WriteFile(name, all);
     }
     static QByteArray Line(const QByteArray& number, const QByteArray& origin) {
         return "2024-03-15 12:00:00 " + number + " 0000077 " + origin + " AVA " +
@@ -87,11 +87,10 @@ TEST_F(HistoryTest, AnEmptyFolderGivesNothingToChoose) {
 }
 
 TEST_F(HistoryTest, BeginsWithTheNewestLineOfTheCurrentFile) {
-    for (const auto& [name, lines] :
-         {std::pair("Histo202312.his", 3), std::pair("Histo202403.his", 200),
-          std::pair("Histo20240315.his", 5), std::pair("Histo202404.his", 1),
-          std::pair("Other202401.his", 1)})
-        Put(name, lines);
+    Put("Histo202403.his", 200);
+    Put("Histo20240315.his", 5);
+    for (const char* name : {"Histo202312.his", "Histo202404.his", "Other202401.his"})
+        Put(name, 1);
     Open();
     EXPECT_EQ(Files().count(), 4);
     EXPECT_EQ(Files().item(2)->text(), "2024 - 03 - 15");
@@ -133,7 +132,7 @@ TEST_F(HistoryTest, MovesThroughTheFiles) {
     Put("Histo202401.his", 30);
     Put("Histo202402.his", 40);
     Put("Histo202403.his", 50);
-    QFile(Path("Histo202312.his")).open(QIODevice::WriteOnly);
+    Put("Histo202312.his", 0);
     const auto shows = [](const char* file, const char* line) {
         EXPECT_EQ(Chosen(), file);
         EXPECT_EQ(Current(), line);
@@ -167,12 +166,11 @@ TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
     Site().setConsigne(5, "  Open the valve ");
     Site().Panel(64).Channel(24).setHelpNum(5);
     Site().Panel(1).Channel(7).setHelpNum(9);
-    QFile file(Path("Histo202403.his"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    QByteArray lines;
     for (const char* origin : {"P64-C24", "P01-C07", "P64-C23", "P64-ACK", "SYSTEM ", "P64-Q70",
                                "P65-C24", "P00-C24", "P64-C25", "P64-C00"})
-        file.write(Line("000001", origin));
-    file.close();
+        lines += Line("000001", origin);
+    WriteFile("Histo202403.his", lines);
     Open();
     TapControl(8);
     EXPECT_EQ(ReadInstruction(History),
@@ -198,18 +196,14 @@ TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
 
 TEST_F(HistoryTest, RemoteControlIsOfferedWhereThereIsSome) {
     Open();
-    const auto isOffered = [] {
+    for (const bool active : {false, true}) {
+        Site().Panel(7).setModel(Models::P5500);
+        Site().Panel(7).setActive(active);
         Screen(History)->BringToFront();
-        return Child(History, "imgTelecommande")->isVisible();
-    };
-    EXPECT_FALSE(isOffered());
-    Site().Panel(7).setModel(Models::P5500);
-    EXPECT_FALSE(isOffered());
-    Site().Panel(7).setActive(true);
-    ASSERT_TRUE(isOffered());
+        EXPECT_EQ(Child(History, "imgTelecommande")->isVisible(), active);
+    }
     Site().setUserCount(1);
     Site().setUserLevel(1, 1);
-    Site().setUserPwd(1, "A1");
     Script script;
     script.On("dlgUserCodes", [] { Tap("dlgUserCodes", "imgControl_0"); });
     Tap(History, "imgTelecommande");
@@ -219,21 +213,19 @@ TEST_F(HistoryTest, RemoteControlIsOfferedWhereThereIsSome) {
     EXPECT_EQ(NbInstances("wTeleCmdes"), 1);
 }
 
-/// Both halves of a line are read whole, at the design size and on a larger display.
 TEST_F(HistoryTest, EightyColumnsFitTheDisplay) {
     Put("Histo202403.his", 3);
     for (const QSize& size : {QSize(800, 600), QSize(1280, 800), QSize(1024, 768)}) {
         Global::Get().noResize = false;
         OverrideScreenSize(size);
         Open();
-        const QString line(80, u'0');
-        int pixels = 16;
-        while (QFontMetricsF(Theme::Fixed(pixels + 1, true)).horizontalAdvance(line) <=
-               Grid().width() - 12)
-            ++pixels;
-        EXPECT_GE(Grid().width() - 12,
-                  QFontMetricsF(Theme::Fixed(16, true)).horizontalAdvance(line));
-        EXPECT_GE(Grid().RowHeight(), pixels * 2);
+        const auto fits = [](int pixels) {
+            return QFontMetricsF(Theme::Fixed(pixels, true)).horizontalAdvance(QString(80, u'0')) <=
+                   Grid().width() - 12;
+        };
+        EXPECT_TRUE(fits(16));
+        for (int pixels = 16; fits(pixels); ++pixels)
+            EXPECT_GE(Grid().RowHeight(), pixels * 2);
         Close();
     }
 }

@@ -62,60 +62,13 @@ protected:
 
 } // namespace
 
-TEST_F(TeleCmdeTest, LampsShowTheStatesWhileTheScreenStands) {
+TEST_F(TeleCmdeTest, TheChosenLampIsMarkedAndShowsItsStateWithAndWithoutColour) {
     Open(false);
     EXPECT_EQ(Text("lblNum"), "09");
     EXPECT_EQ(Text("lblModType"), "P5000");
     EXPECT_EQ(Text("lblTitle"), "Remote control - Ventilation");
-    EXPECT_EQ(Screen(Module)->Indices("lblVoyant"),
-              QList<int>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
-    Choose(5);
-    const struct {
-        int state;
-        QString colour, word;
-    } states[] = {
-        {1, "#ff0000", "Active"}, {2, "#ff00ff", "Other state"}, {0, "#808080", "At rest"}};
-    for (const auto& shown : states) {
-        Site().Panel(Address).Channel(5).setState(qint16(shown.state));
-        EXPECT_TRUE(Comes([&] { return Lamp(5) == shown.colour; })) << shown.state;
-        EXPECT_EQ(Text("lblState"), shown.word);
-    }
-}
-
-TEST_F(TeleCmdeTest, StatesAndAMissingModuleShowWithoutColour) {
-    Open(false);
-    Choose(5);
-    const auto grey = [] {
-        return Part("lblVoyant_5")->grab().toImage().convertToFormat(QImage::Format_Grayscale8);
-    };
-    PanelClass& panel = Site().Panel(Address);
-    QList<QImage> looks;
-    for (const int state : {0, 1, 2, 3}) {
-        panel.Channel(5).setState(qint16(state == 3 ? 0 : state));
-        panel.setErrCptr(2, state == 3 ? 1 : 0);
-        // Beside the disc, where no colour of it lies, or in it where it is hatched.
-        EXPECT_TRUE(Comes([&] { return looks.isEmpty() || grey() != looks.last(); })) << state;
-        looks += grey();
-    }
-    const auto marked = [](const QImage& look) {
-        int light = 0;
-        for (int x = 0; x < look.width(); ++x)
-            for (int y = 0; y < look.height() / 2; ++y)
-                light += qGray(look.pixel(x, y)) > 140 ? 1 : 0;
-        return light;
-    };
-    EXPECT_GT(marked(looks[1]), marked(looks[0]) + 50) << "a ring";
-    EXPECT_GT(marked(looks[2]), marked(looks[0]) + 20) << "a cross";
-    EXPECT_GT(marked(looks[3]), marked(looks[0]) + 50) << "hatched";
-    EXPECT_NE(marked(looks[1]), marked(looks[2]));
-    EXPECT_TRUE(Tells(714103));
-    EXPECT_EQ(Text("lblState"), GetText(714103));
-}
-
-TEST_F(TeleCmdeTest, TouchedLampIsChosenAndMarked) {
-    Open(false);
+    EXPECT_EQ(Screen(Module)->Indices("lblVoyant").size(), 12);
     const QWidget* frame = Part("shpSelection");
-    EXPECT_EQ(Text("lblChnlNo"), "0");
     EXPECT_FALSE(frame->isVisible());
     for (const int channel : {12, 1, 5}) {
         Choose(channel);
@@ -124,6 +77,34 @@ TEST_F(TeleCmdeTest, TouchedLampIsChosenAndMarked) {
         EXPECT_TRUE(frame->isVisible());
     }
     EXPECT_EQ(Text("lblChnlText"), "Supply fan");
+
+    /// Light pixels beside the disc, where no colour of it lies, or in it where it is hatched.
+    const auto marked = [] {
+        const QImage look = Part("lblVoyant_5")->grab().toImage();
+        int light = 0;
+        for (int x = 0; x < look.width(); ++x)
+            for (int y = 0; y < look.height() / 2; ++y)
+                light += qGray(look.pixel(x, y)) > 140 ? 1 : 0;
+        return light;
+    };
+    const int bare = marked();
+    const struct {
+        int state, failures;
+        QString colour, word;
+        int mark;
+    } states[] = {{1, 0, "#ff0000", "Active", 50},      // a ring
+                  {2, 0, "#ff00ff", "Other state", 20}, // a cross
+                  {0, 0, "#808080", "At rest", -1},
+                  {0, 1, {}, GetText(714103), 50}}; // hatched
+    PanelClass& panel = Site().Panel(Address);
+    for (const auto& [state, failures, colour, word, mark] : states) {
+        panel.Channel(5).setState(qint16(state));
+        panel.setErrCptr(2, qint16(failures));
+        EXPECT_TRUE(Comes([word = word] { return Text("lblState") == word; })) << state;
+        EXPECT_TRUE(colour.isEmpty() || Lamp(5) == colour) << state;
+        EXPECT_GT(marked(), bare + mark) << state;
+    }
+    EXPECT_TRUE(Tells(714103));
 }
 
 TEST_F(TeleCmdeTest, OrderNeedsARunningBusAndAChannel) {
