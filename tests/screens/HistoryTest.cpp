@@ -100,6 +100,8 @@ TEST_F(HistoryTest, BeginsWithTheNewestLineOfTheCurrentFile) {
     const RowPosition& at = Grid().Position();
     const int page = at.Page();
     EXPECT_GE(page, 8);
+    EXPECT_GE(Grid().width() - 12,
+              QFontMetricsF(Theme::Fixed(16, true)).horizontalAdvance(QString(80, u'0')));
     const std::pair<int, int> steps[] = {{4, 199 - page}, {5, 198 - page}, {6, 199 - page},
                                          {7, 199},        {8, 0},          {9, 199}};
     for (const auto& [control, row] : steps) {
@@ -172,23 +174,21 @@ TEST_F(HistoryTest, InstructionOfTheOriginOfALine) {
         lines += Line("000001", origin);
     WriteFile("Histo202403.his", lines);
     Open();
-    TapControl(8);
-    EXPECT_EQ(ReadInstruction(History),
-              QStringList({Grid().CurrentLine().insert(82, u'\n'), "Open the valve"}));
     const QString none = GetText(710021);
-    TapControl(6);
-    EXPECT_EQ(ReadInstruction(History).value(1), none) << "an instruction without a text";
-    EXPECT_TRUE(boxes.isEmpty());
-    for (int row = 2; row < Grid().Count(); ++row) {
-        TapControl(6);
-        EXPECT_EQ(ReadInstruction(History), QStringList()) << row;
-        EXPECT_EQ(boxes, QStringList(row - 1, none));
-        EXPECT_EQ(styles.last(), 16);
+    for (int row = 0; row < Grid().Count(); ++row) {
+        TapControl(row == 0 ? 8 : 6);
+        const QStringList read = ReadInstruction(History);
+        if (row == 0)
+            EXPECT_EQ(read,
+                      QStringList({Grid().CurrentLine().insert(82, u'\n'), "Open the valve"}));
+        else
+            EXPECT_EQ(read.value(1), row == 1 ? none : QString()) << row;
+        EXPECT_EQ(boxes, QStringList(qMax(0, row - 1), none));
     }
+    EXPECT_EQ(styles.last(), 16);
 
     // An alarm sends every screen away while the instruction is read.
-    TapControl(4);
-    TapControl(4);
+    TapControl(8);
     QTimer::singleShot(20, [] { Forms::UnloadAllBut({}); });
     Tap(History, "imgConsigne");
     EXPECT_EQ(Forms::Find(History), nullptr);
@@ -211,21 +211,4 @@ TEST_F(HistoryTest, RemoteControlIsOfferedWhereThereIsSome) {
     Global::Get().userLevel = 1;
     Tap(History, "imgTelecommande");
     EXPECT_EQ(NbInstances("wTeleCmdes"), 1);
-}
-
-TEST_F(HistoryTest, EightyColumnsFitTheDisplay) {
-    Put("Histo202403.his", 3);
-    for (const QSize& size : {QSize(800, 600), QSize(1280, 800), QSize(1024, 768)}) {
-        Global::Get().noResize = false;
-        OverrideScreenSize(size);
-        Open();
-        const auto fits = [](int pixels) {
-            return QFontMetricsF(Theme::Fixed(pixels, true)).horizontalAdvance(QString(80, u'0')) <=
-                   Grid().width() - 12;
-        };
-        EXPECT_TRUE(fits(16));
-        for (int pixels = 16; fits(pixels); ++pixels)
-            EXPECT_GE(Grid().RowHeight(), pixels * 2);
-        Close();
-    }
 }

@@ -35,18 +35,14 @@ protected:
         screen->setPanel(&Site().Panel(Address));
         screen->Show();
     }
-    static QWidget* Part(const QString& name) { return Child(Module, name); }
+    static Voyant* Lamp(int channel) { return Find<Voyant>(Module, Part("lblVoyant", channel)); }
     static QString Text(const char* label) { return TextOf(Module, label); }
-    static void Choose(int channel) { Tap(Module, QStringLiteral("lblVoyant_%1").arg(channel)); }
-    static void Order(int index) { Tap(Module, QStringLiteral("ImgTcmde_%1").arg(index)); }
+    static void Choose(int channel) { Tap(Module, "lblVoyant", channel); }
+    static void Order(int index) { Tap(Module, "ImgTcmde", index); }
     static bool Tells(int text) {
-        return Part("lblWait")->isVisible() && Text("lblWait") == GetText(text);
+        return Child(Module, "lblWait")->isVisible() && Text("lblWait") == GetText(text);
     }
     static bool Waits() { return Tells(712005); }
-    static QString Lamp(int channel) {
-        const auto name = QStringLiteral("lblVoyant_%1").arg(channel);
-        return dynamic_cast<Voyant&>(*Part(name)).Colour().name();
-    }
     /// Register and value of each word that was written.
     QList<int> Written() const {
         QList<int> words;
@@ -68,19 +64,19 @@ TEST_F(TeleCmdeTest, TheChosenLampIsMarkedAndShowsItsStateWithAndWithoutColour) 
     EXPECT_EQ(Text("lblModType"), "P5000");
     EXPECT_EQ(Text("lblTitle"), "Remote control - Ventilation");
     EXPECT_EQ(Screen(Module)->Indices("lblVoyant").size(), 12);
-    const QWidget* frame = Part("shpSelection");
+    const QWidget* frame = Child(Module, "shpSelection");
     EXPECT_FALSE(frame->isVisible());
     for (const int channel : {12, 1, 5}) {
         Choose(channel);
         EXPECT_EQ(Text("lblChnlNo"), QString::number(channel));
-        EXPECT_EQ(frame->geometry(), Part(QStringLiteral("lblVoyant_%1").arg(channel))->geometry());
+        EXPECT_EQ(frame->geometry(), Lamp(channel)->geometry());
         EXPECT_TRUE(frame->isVisible());
     }
     EXPECT_EQ(Text("lblChnlText"), "Supply fan");
 
     /// Light pixels beside the disc, where no colour of it lies, or in it where it is hatched.
     const auto marked = [] {
-        const QImage look = Part("lblVoyant_5")->grab().toImage();
+        const QImage look = Lamp(5)->grab().toImage();
         int light = 0;
         for (int x = 0; x < look.width(); ++x)
             for (int y = 0; y < look.height() / 2; ++y)
@@ -101,7 +97,7 @@ TEST_F(TeleCmdeTest, TheChosenLampIsMarkedAndShowsItsStateWithAndWithoutColour) 
         panel.Channel(5).setState(qint16(state));
         panel.setErrCptr(2, qint16(failures));
         EXPECT_TRUE(Comes([word = word] { return Text("lblState") == word; })) << state;
-        EXPECT_TRUE(colour.isEmpty() || Lamp(5) == colour) << state;
+        EXPECT_TRUE(colour.isEmpty() || Lamp(5)->Colour().name() == colour) << state;
         EXPECT_GT(marked(), bare + mark) << state;
     }
     EXPECT_TRUE(Tells(714103));
@@ -112,15 +108,13 @@ TEST_F(TeleCmdeTest, OrderNeedsARunningBusAndAChannel) {
     Choose(5);
     for (const int button : {0, 1, 2})
         Order(button);
-    EXPECT_EQ(boxes, QStringList(3, GetText(220101)));
     Screen(Module)->Unload();
     RemoveUnloaded();
     Open(true);
     Order(1);
-    EXPECT_EQ(boxes.last(), GetText(220100));
+    EXPECT_EQ(boxes, QStringList(3, GetText(220101)) + QStringList(GetText(220100)));
     EXPECT_EQ(styles, QList<int>(4, 16));
     EXPECT_EQ(engine->Commands().Count(), 0);
-    EXPECT_FALSE(Waits());
 }
 
 TEST_F(TeleCmdeTest, OrderIsWrittenToTheChannelsRegister) {
@@ -208,18 +202,13 @@ TEST_F(TeleCmdeTest, PressInsideARoundLetsTheRoundEnd) {
 TEST_F(TeleCmdeTest, InstructionOfTheChosenChannel) {
     Site().setConsigne(4, "  Open the flap by hand ");
     Site().Panel(Address).Channel(12).setHelpNum(4);
-    Site().Panel(Address).Channel(11).setHelpNum(5);
     Open(false);
     Tap(Module, "imgConsigne");
     EXPECT_EQ(boxes, QStringList(GetText(220100)));
     EXPECT_EQ(styles, QList<int>{16});
-    const auto told = [](int channel) {
-        Choose(channel);
-        return ReadInstruction(Module);
-    };
-    const QString none = GetText(710021);
-    EXPECT_EQ(told(12), QStringList({"P09-C12 ", "Open the flap by hand"}));
-    EXPECT_EQ(told(11), QStringList({"P09-C11 ", none})) << "a number without a text";
-    EXPECT_EQ(told(5), QStringList({"P09-C05 Supply fan", none}));
+    Choose(12);
+    EXPECT_EQ(ReadInstruction(Module), QStringList({"P09-C12 ", "Open the flap by hand"}));
+    Choose(5);
+    EXPECT_EQ(ReadInstruction(Module), QStringList({"P09-C05 Supply fan", GetText(710021)}));
     EXPECT_EQ(boxes.size(), 1);
 }

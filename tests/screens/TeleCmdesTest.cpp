@@ -33,17 +33,9 @@ protected:
         return numbers.join(u' ');
     }
     static bool Offers(const char* arrow) { return Child(Overview, arrow)->isVisible(); }
-    static Telecommande& Tile(int place) {
-        return dynamic_cast<Telecommande&>(
-            *Child(Overview, QStringLiteral("Telecmde_%1").arg(place)));
-    }
-    static void TapTile(int place) {
-        QTest::mouseClick(Tile(place).findChild<TouchImage*>(), Qt::LeftButton);
-    }
+    static QWidget& Tile(int place) { return *Child(Overview, Part("Telecmde", place)); }
     static QColor Lamp(int place, int channel) {
-        return Tile(place)
-            .findChild<Voyant*>(QStringLiteral("lblVoyant_%1").arg(channel))
-            ->Colour();
+        return Tile(place).findChild<Voyant*>(Part("lblVoyant", channel))->Colour();
     }
 };
 
@@ -60,9 +52,9 @@ TEST_F(TeleCmdesTest, OnlyModulesInServiceThatTakeCommandsHaveATile) {
     EXPECT_FALSE(Offers("lblNone"));
     EXPECT_FALSE(Offers("imgNavig_1"));
     EXPECT_FALSE(Offers("imgNavig_2"));
-    const auto text = [](const char* label) { return Tile(2).findChild<QLabel*>(label)->text(); };
-    EXPECT_EQ(text("lblTypePan"), "P5500");
-    EXPECT_EQ(text("lblPnlTitle"), "Doors");
+    for (const auto& [label, text] :
+         {std::pair("lblTypePan", "P5500"), std::pair("lblPnlTitle", "Doors")})
+        EXPECT_EQ(Tile(2).findChild<QLabel*>(label)->text(), text);
     EXPECT_EQ(Tile(2).findChildren<Voyant*>().size(), 12);
 
     Forms::Unload(Overview);
@@ -115,7 +107,7 @@ TEST_F(TeleCmdesTest, TileOpensItsModuleAndTheWayBackIsKept) {
     AddModules(13, 20);
     Forms::Show(Overview);
     Tap(Overview, "imgNavig_2");
-    TapTile(1);
+    QTest::mouseClick(Tile(1).findChild<TouchImage*>(), Qt::LeftButton);
     ASSERT_EQ(NbInstances(FormNames::wTeleCmde), 1);
     EXPECT_EQ(dynamic_cast<wTeleCmde&>(*Forms::Find(FormNames::wTeleCmde)).Panel(),
               &Site().Panel(32));
@@ -124,20 +116,4 @@ TEST_F(TeleCmdesTest, TileOpensItsModuleAndTheWayBackIsKept) {
     EXPECT_EQ(NbInstances(FormNames::wTeleCmde), 0);
     EXPECT_TRUE(Forms::Find(Overview)->Visible());
     EXPECT_EQ(Shown(), "32") << "the operator lands on the page that he left";
-}
-
-TEST_F(TeleCmdesTest, TilesFillTheGridOfALargerDisplayWithoutTouchingOneAnother) {
-    Global::Get().noResize = false;
-    OverrideScreenSize({1280, 800});
-    AddModules(12);
-    Forms::Show(Overview);
-    QRegion all;
-    for (int place = 1; place <= 12; ++place) {
-        const QRect area = Tile(place).geometry();
-        EXPECT_FALSE(all.intersects(area)) << place;
-        all += area;
-        for (const Voyant* lamp : Tile(place).findChildren<Voyant*>())
-            EXPECT_TRUE(Tile(place).rect().contains(lamp->geometry()) && lamp->width() >= 12);
-    }
-    EXPECT_EQ(all.boundingRect(), QRect(QPoint(), Child(Overview, "fraTiles")->size()));
 }

@@ -74,17 +74,6 @@ TEST_F(UserCodesTest, KeysWriteIntoTheActiveBoxAndNowhereWithoutOne) {
     EXPECT_EQ(Box(1)->text(), "ABCDEFGHIJKLMNZ");
 }
 
-TEST_F(UserCodesTest, EnterAndEscapeOfARealKeyboardConfirmAndCancel) {
-    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
-        ShowForm();
-        QTest::keyClicks(Box(0), "Zoe");
-        QTest::keyClick(Box(0), key);
-        EXPECT_FALSE(Screen(Codes())->Visible());
-        EXPECT_EQ(dynamic_cast<dlgUserCodes*>(Screen(Codes()))->Ok(), key != Qt::Key_Escape);
-        Forms::Unload(Codes());
-    }
-}
-
 TEST_F(UserCodesTest, LevelsEndAtThreeAndOnAGuardedSiteAtTheOwnOne) {
     Global::Get().userLevel = 2;
     ShowForm();
