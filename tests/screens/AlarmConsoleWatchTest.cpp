@@ -82,9 +82,8 @@ TEST_F(ConsoleWatchTest, TheBandShowsWhatStandsAndGivesItsRoomBack) {
     QStringList shown;
     Boxes::Install([&](const QString& text, int) { shown += text; });
     Boxes::Post("unread", Messages::Critical);
-    shown.clear();
     Click("lblFaults");
-    EXPECT_EQ(shown, QStringList("unread"));
+    EXPECT_EQ(shown, QStringList({"unread", "unread"}));
     Boxes::Read();
     Faults::Clear(Kind::PrinterNotReached);
     EXPECT_TRUE(band.isHidden());
@@ -93,20 +92,19 @@ TEST_F(ConsoleWatchTest, TheBandShowsWhatStandsAndGivesItsRoomBack) {
 
 TEST_F(ConsoleWatchTest, EveryFaultHasItsPictureAndItsWordsFit) {
     Load();
-    for (int language = 0; !GetLanguage(language).isEmpty(); ++language) {
-        Global::Get().language = qint16(language);
+    auto& band = Child<FaultBand>("lblFaults");
+    for (qint16 language = 0; language < 4; ++language) {
+        Global::Get().language = language;
         for (int kind = 0; kind < Faults::KindCount; ++kind) {
             const auto which = Faults::Kind(kind);
             const Faults::Fault fault{which, Faults::HasDetail(which) ? "64" : QString(), 0};
-            auto& band = Child<FaultBand>("lblFaults");
+            const QString words = ConsoleHead::TextOf(fault);
             band.Present({fault, fault, fault});
             EXPECT_FALSE(Theme::Picture(FaultBand::PictureOf(which), 32).isNull()) << kind;
-            EXPECT_LE(band.fontMetrics().horizontalAdvance(ConsoleHead::TextOf(fault)),
-                      band.WordsArea(0).width() * 1.2)
-                << ConsoleHead::TextOf(fault).toStdString();
+            EXPECT_LE(band.fontMetrics().horizontalAdvance(words), band.WordsArea(0).width() * 1.2)
+                << words.toStdString();
         }
     }
-    Global::Get().language = 0;
 }
 
 // Whoever sees no colours tells them by their shapes.
@@ -177,25 +175,24 @@ TEST_F(ConsoleWatchTest, ATouchMeantForSomethingElseIsNotTaken) {
 
 TEST_F(ConsoleWatchTest, AcknowledgesOnlyWhatIsSeenAndOnceATouch) {
     Load();
-    for (int i = 0; i < 40; ++i)
+    for (qint16 i = 0; i < 40; ++i)
         Bus(qint16(1 + i / 20), qint16(1 + i % 20), 1, 4);
     Look();
     const QPoint middle = Grid().rect().center();
+    const QPoint above = middle - QPoint(0, 120);
     const int before = Grid().Rows().First();
     QTest::mousePress(&Grid(), Qt::LeftButton, {}, middle);
-    QMouseEvent swipe(QEvent::MouseMove, middle - QPoint(0, 120), middle - QPoint(0, 120),
-                      Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent swipe(QEvent::MouseMove, above, above, Qt::NoButton, Qt::LeftButton,
+                      Qt::NoModifier);
     QCoreApplication::sendEvent(&Grid(), &swipe);
-    QTest::mouseRelease(&Grid(), Qt::LeftButton, {}, middle - QPoint(0, 120));
+    QTest::mouseRelease(&Grid(), Qt::LeftButton, {}, above);
     EXPECT_NE(Grid().Rows().First(), before) << "a swipe scrolls";
     EXPECT_EQ(SelectedPlace(), "P01-C01") << "and selects nothing";
     Grid().Rows().Position().ScrollTo(0);
-    const QString selected = SelectedPlace();
-    ASSERT_EQ(selected, "P01-C01");
     Click("imgAcquit");
     EXPECT_EQ(Commands(), 0) << "out of sight: brought there";
     EXPECT_TRUE(Grid().Rows().Position().InSight());
-    EXPECT_EQ(SelectedPlace(), selected);
+    EXPECT_EQ(SelectedPlace(), "P01-C01");
     Tap("imgAcquit");
     EXPECT_EQ(Commands(), 0) << "the finger bounced";
     Click("imgAcquit");

@@ -101,11 +101,12 @@ TEST_F(dlgListInputTest, TheLastItemEqualToTheValueIsSelected) {
 
 TEST_F(dlgListInputTest, TapsArrowsAndKeysMoveWithoutWrapping) {
     const auto chosen = Ask("*|1|4", "2", [] {
-        Up();
-        Up();
-        EXPECT_EQ(Value(), "1");
+        const std::pair<void (*)(), const char*> steps[] = {{Up, "1"}, {Up, "1"}, {Down, "2"}};
+        for (const auto& [step, value] : steps) {
+            step();
+            EXPECT_EQ(Value(), value);
+        }
         // What a double tap sends.
-        Down();
         QTest::mouseDClick(Image(1), Qt::LeftButton);
         QTest::mouseRelease(Image(1), Qt::LeftButton);
         EXPECT_EQ(Value(), "3");
@@ -119,11 +120,7 @@ TEST_F(dlgListInputTest, TapsArrowsAndKeysMoveWithoutWrapping) {
         EXPECT_FALSE(Screen(FormNames::dlgListInput)->Visible());
     });
     EXPECT_EQ(chosen, "2");
-    const auto cancelled = Ask("*|1|4", "2", [] {
-        Down();
-        Cancel();
-    });
-    EXPECT_EQ(cancelled, std::nullopt);
+    EXPECT_EQ(Ask("*|1|4", "2", Cancel), std::nullopt);
     const auto typed = Ask("*|1|4", "2", [] {
         PressKey(Qt::Key_Down);
         PressKey(Qt::Key_Return);
