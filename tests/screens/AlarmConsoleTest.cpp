@@ -162,27 +162,6 @@ TEST_F(ConsoleTest, TouchesAndScrollButtonsMoveTheSelection) {
     }
 }
 
-TEST_F(ConsoleTest, WayToTheMenuKeepsTheList) {
-    Load();
-    Bus(1, 7, 1, 3);
-    Bus(2, 255, 1, 0);
-    const QString first = console->RowText(0);
-    GiveUp();
-    Click("imgNavig_0");
-    EXPECT_EQ(NbInstances("wMain"), 0) << "level 1 stays here";
-    Global::Get().userLevel = 2;
-    Click("imgNavig_0");
-    EXPECT_EQ(NbInstances("wMain"), 1);
-    EXPECT_EQ(NbInstances("wRunAlarms"), 0);
-    EXPECT_EQ(IniRead("LastAlarms", "1", {}), "02FF0100" + first);
-
-    Bus(1, 9, 1, 3);
-    RemoveUnloaded();
-    Load();
-    ASSERT_EQ(console->RowCount(), 2);
-    EXPECT_EQ(console->RowText(0), first);
-}
-
 TEST_F(ConsoleTest, MissingPanelsStandInARowAndCoverNothing) {
     for (int panel = 1; panel <= 64; ++panel) {
         Site().Panel(panel).setNumero(quint8(panel));
@@ -263,9 +242,11 @@ TEST_F(ConsoleTest, BeatOfTheBusAndTheUser) {
     EXPECT_EQ(Text("lblLogin_0"), "0");
 }
 
-TEST_F(ConsoleTest, WaysToTheHistoryAndToTheRemoteControl) {
+TEST_F(ConsoleTest, WaysToOtherScreensAndBack) {
     Site().Panel(5).setActive(true);
     Load();
+    Bus(1, 7, 1, 3);
+    Bus(2, 255, 1, 0);
     Click("imgHisto");
     ASSERT_EQ(NbInstances("wHistoric"), 1);
     Tap("wHistoric", "imgClose");
@@ -280,4 +261,19 @@ TEST_F(ConsoleTest, WaysToTheHistoryAndToTheRemoteControl) {
     ASSERT_EQ(NbInstances("wTeleCmdes"), 1);
     Tap("wTeleCmdes", "imgNavig_5");
     EXPECT_TRUE(NbInstances("wTeleCmdes") == 0 && console->Visible());
+
+    // The menu takes the console's place, and the list comes back as it was left.
+    const QString first = console->RowText(0);
+    GiveUp();
+    Click("imgNavig_0");
+    EXPECT_EQ(NbInstances("wMain"), 0) << "level 1 stays here";
+    Global::Get().userLevel = 2;
+    Click("imgNavig_0");
+    EXPECT_TRUE(NbInstances("wMain") == 1 && NbInstances("wRunAlarms") == 0);
+    EXPECT_EQ(IniRead("LastAlarms", "1", {}), "02FF0100" + first);
+    Bus(1, 9, 1, 3);
+    RemoveUnloaded();
+    Load();
+    ASSERT_EQ(console->RowCount(), 2);
+    EXPECT_EQ(console->RowText(0), first);
 }

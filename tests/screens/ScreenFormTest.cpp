@@ -1,16 +1,12 @@
 #include "screens/touch/ScreenForm.h"
-#include "core/ErrorHandling.h"
 #include "support/ScreensFixture.h"
-
-#include <QHeaderView>
-#include <QTableWidget>
 
 namespace {
 
 const QString SampleName = "wSample";
 const QString Labels = "lblLabels";
 
-/// A screen of two labels with shadows and a grid that notes what happens to it.
+/// A screen of two labels with shadows that notes what happens to it.
 class SampleForm : public ScreenForm {
 public:
     SampleForm()
@@ -18,24 +14,13 @@ public:
         resize(Theme::DesignWidth, Theme::DesignHeight);
         AddLabel(1, "10001", 12);
         AddLabel(3, "10002", 15);
-        auto* grid = new QTableWidget(2, 2, this);
-        grid->setObjectName("grdSample");
-        grid->setGeometry(100, 400, 200, 100);
-        grid->setColumnWidth(0, 50);
-        grid->verticalHeader()->setMinimumSectionSize(1);
-        grid->verticalHeader()->setDefaultSectionSize(20);
         OmbrerTexte(Labels, 2, 3);
         Prepare();
-        OnClick(Labels, [this](int index) {
-            clicked += index;
-            Control(Labels, index + 2);
-        });
     }
 
     QLabel* Label(int index) const { return Control<QLabel>(Labels, index); }
     using ScreenForm::IsScaled;
 
-    QList<int> clicked;
     int activated = 0;
     int* unloaded = nullptr;
 
@@ -60,16 +45,6 @@ private:
 } // namespace
 
 class ScreenFormTest : public ScreensTest {};
-
-TEST_F(ScreenFormTest, TapsReachTheHandlerWithTheirIndexAndErrorsTheBox) {
-    auto* form = new SampleForm;
-    form->Show();
-    for (const int index : {1, 5})
-        QTest::mouseClick(form->Label(index), Qt::LeftButton);
-    EXPECT_EQ(form->clicked, (QList<int>{1, 5}));
-    EXPECT_EQ(boxes, QStringList(ErrorHandling::ErrorText("wSample.lblLabels_Click",
-                                                          platform::errors::Subscript)));
-}
 
 TEST_F(ScreenFormTest, LeavesTheRegistryOnceAndOutlivesAClosingOfItsWindow) {
     int unloads = 0;
@@ -109,7 +84,7 @@ TEST_F(ScreenFormTest, DialogsStayOnTheDisplayAndOverTheScreens) {
     }
 }
 
-TEST_F(ScreenFormTest, FitsControlsFontsAndGridsToTheDisplay) {
+TEST_F(ScreenFormTest, FitsControlsAndFontsToTheDisplay) {
     const auto made = [](bool isScaled, const QSize& size) {
         auto* form = new SampleForm;
         EXPECT_EQ(form->IsScaled(), isScaled);
@@ -130,9 +105,6 @@ TEST_F(ScreenFormTest, FitsControlsFontsAndGridsToTheDisplay) {
     EXPECT_EQ(form->Label(1)->font().pixelSize(), 20);
     EXPECT_EQ(form->Label(3)->font().pixelSize(), 25);
     EXPECT_EQ(form->Label(5)->font().pixelSize(), 25);
-    const auto* grid = form->findChild<QTableWidget*>("grdSample");
-    EXPECT_EQ(grid->columnWidth(0), 80);
-    EXPECT_EQ(grid->rowHeight(0), qRound(20 * 1.28));
     // The factors belong to the run and not to a form.
     EXPECT_EQ(CurrentScreenFactors().horizontal, 1.6);
 }

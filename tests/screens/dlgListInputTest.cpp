@@ -17,15 +17,11 @@ public:
     }
     int PreviewParameter() const override { return parameter; }
     int PreviewCount(int list) const override { return list == 8 ? 5 : 3; }
-    void setPreviewIndex(int list, int index) override { index_[list] = index; }
-    QString PreviewValue(int) const override { return held; }
-    int Index(int list) const { return index_.value(list, -99); }
+    void setPreviewIndex(int list, int index) override { indices[list] = index; }
+    QString PreviewValue(int) const override { return "2"; }
 
     int parameter = 9;
-    QString held = "2";
-
-private:
-    QHash<int, int> index_;
+    QHash<int, int> indices;
 };
 
 } // namespace
@@ -168,22 +164,23 @@ TEST_F(dlgListInputTest, TheListsOfThePanelEditorFollowTheValue) {
         return Ask("*|0|9", present, act, editor);
     };
     run("2", [&] {
-        EXPECT_EQ(editor->Index(9), 1);
+        EXPECT_EQ(editor->indices.value(9, -99), 1);
         Down();
-        EXPECT_EQ(editor->Index(9), 2);
+        EXPECT_EQ(editor->indices.value(9, -99), 2);
         Down();
-        EXPECT_EQ(editor->Index(9), 2) << "a number behind the end of the list shows nothing new";
+        EXPECT_EQ(editor->indices.value(9, -99), 2)
+            << "a number behind the end of the list shows nothing new";
         TapRow(List(), 1);
         Cancel();
     });
-    EXPECT_EQ(editor->Index(9), 1) << "the preview isn't undone";
+    EXPECT_EQ(editor->indices.value(9, -99), 1) << "the preview isn't undone";
     run("1", Up);
-    EXPECT_EQ(editor->Index(9), -1);
+    EXPECT_EQ(editor->indices.value(9, -99), -1);
     for (const auto& [parameter, index] : {std::pair(8, 4), std::pair(7, -99)}) {
-        EXPECT_EQ(editor->Index(parameter), -99);
+        EXPECT_EQ(editor->indices.value(parameter, -99), -99);
         editor->parameter = parameter;
         run("5", [] {});
-        EXPECT_EQ(editor->Index(parameter), index);
+        EXPECT_EQ(editor->indices.value(parameter, -99), index);
     }
     // An alarm takes both away under the finger.
     const auto taken = run("2", [] {

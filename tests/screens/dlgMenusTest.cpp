@@ -160,6 +160,7 @@ TEST_F(MenusTest, NobodyThereEndsWhateverTheMenuAsks) {
         TapTile(tile);
         EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(dialog) + NbInstances(System), 0);
         EXPECT_TRUE(Screen("wRunAlarms")->Visible());
+        EXPECT_EQ(TextOf("wRunAlarms", "lblLogin_0"), "0");
         BackToMenu();
     };
     leaves(4, Codes());

@@ -171,23 +171,3 @@ TEST_F(UserCodesTest, TheFirstUserOfACodeWinsAndTheServiceCodeComesBeforeAll) {
     EXPECT_EQ(events, QList<int>(2, SystemEvents::UserChanged));
     EXPECT_EQ(UserLines().size(), 1) << "no record of level 4";
 }
-
-TEST_F(UserCodesTest, NobodyThereTakesThePromptAwayAndBringsTheConsole) {
-    Forms::Load("wPolling");
-    // An operator may always acknowledge.
-    for (const int level : {1, 2, 4}) {
-        Connected(level, "MANAGER");
-        script.On(Codes(), [this, level] {
-            TapKeys("OP-1");
-            NobodyIsThere();
-            EXPECT_EQ(NbInstances(Codes()), level == 1);
-            if (level == 1)
-                Cancel();
-        });
-        EXPECT_FALSE(AskPassword());
-        ExpectUser(level == 1 ? 1 : 0, "MANAGER");
-    }
-    EXPECT_TRUE(Screen(FormNames::wRunAlarms)->Visible());
-    EXPECT_EQ(TextOf(FormNames::wRunAlarms, "lblLogin_0"), "0");
-    EXPECT_TRUE(events.isEmpty() && UserLines().isEmpty());
-}
