@@ -8,9 +8,7 @@ namespace {
 class AlarmRowsTest : public ConsoleTest {
 protected:
     /// Numbers the texts, so that rows can be told from each other.
-    void Take(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
-        rows.Take({panel, chnl, param, aff}, QString::number(++texts));
-    }
+    void Take(const EventClass& event) { rows.Take(event, QString::number(++texts)); }
     QString Texts() const {
         QStringList list;
         for (int row = 0; row < rows.Count(); ++row)
@@ -60,33 +58,33 @@ TEST_F(AlarmRowsTest, ColoursByEventAndReadableInk) {
 TEST_F(AlarmRowsTest, NewestOnTopUpdatesInPlaceAndWhatEndsAnAlarmRemovesItsRow) {
     for (const EventClass& end : {EventClass(1, 255, 1, 1), EventClass(1, 5, 1, 0),
                                   EventClass(1, 30, 0, 1), EventClass(1, 254, 1, 1)})
-        Take(end.Panel(), end.Chnl(), end.Param(), end.Aff());
+        Take(end);
     EXPECT_EQ(Texts(), "") << "nothing to end";
-    Take(1, 1, 0, 1);
-    Take(1, 2, 0, 1);
-    Take(2, 255, 1, 0);
+    Take({1, 1, 0, 1});
+    Take({1, 2, 0, 1});
+    Take({2, 255, 1, 0});
     EXPECT_EQ(Texts(), "7,6,5");
-    Take(1, 2, 1, 1);
+    Take({1, 2, 1, 1});
     EXPECT_EQ(Texts(), "7,8,5") << "an acknowledgement changes the row where it stands";
     EXPECT_EQ(rows.Row(1).data, EventClass(1, 2, 1, 1).ID());
     EXPECT_EQ(rows.Row(1).colour, AlarmRows::White);
-    Take(1, 1, 0, 0);
+    Take({1, 1, 0, 0});
     EXPECT_EQ(Texts(), "7,8,9") << "back to normal without an acknowledgement still stands";
-    Take(2, 255, 1, 1);
+    Take({2, 255, 1, 1});
     EXPECT_EQ(Texts(), "8,9");
-    Take(1, 2, 1, 0);
-    Take(1, 1, 1, 0);
+    Take({1, 2, 1, 0});
+    Take({1, 1, 1, 0});
     EXPECT_EQ(rows.Count(), 0);
     EXPECT_EQ(rows.Current(), -1);
-    Take(1, 5, 0, 0);
+    Take({1, 5, 0, 0});
     EXPECT_EQ(rows.Count(), 1) << "a return to normal that waits for its acknowledgement";
-    Take(1, 0, 1, 2);
+    Take({1, 0, 1, 2});
     EXPECT_EQ(rows.Count(), 2) << "a panel's own acknowledgement";
 }
 
 TEST_F(AlarmRowsTest, SelectionStaysOnItsAlarmButJumpsToFirstFaultsAndLostPanels) {
     const auto after = [this](const EventClass& event) {
-        Take(event.Panel(), event.Chnl(), event.Param(), event.Aff());
+        Take(event);
         return rows.Current();
     };
     EXPECT_EQ(after({1, 1, 0, 1}), 0);
@@ -107,7 +105,7 @@ TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
     rows.Position().MoveBy(1);
     EXPECT_EQ(rows.Current(), -1);
     for (qint16 channel = 1; channel <= 10; ++channel)
-        Take(1, channel, 0, 1);
+        Take({1, channel, 0, 1});
     EXPECT_EQ(rows.Current(), 9);
     EXPECT_EQ(rows.First(), 0) << "the newest is in sight, not the selection";
     rows.Position().MoveBy(-1);
@@ -119,7 +117,7 @@ TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
     EXPECT_EQ(rows.First(), 6);
     rows.Remove(9);
     EXPECT_EQ(rows.First(), 5) << "no empty place below while there are rows above";
-    Take(1, 20, 0, 1);
+    Take({1, 20, 0, 1});
     EXPECT_EQ(rows.First(), 0);
     EXPECT_THROW(rows.SetCurrent(10), platform::RunTimeError);
 }

@@ -17,7 +17,7 @@ protected:
     inline static const QString Dialog = "dlgFilePicker";
 
     FilePickerTest() {
-        for (const char* folder : {"sites/old", "stick/plant"})
+        for (const char* folder : {"sites/old/0/1", "stick/plant"})
             QDir().mkpath(Path(folder));
         for (const char* name : {"sites/b.kv2", "sites/A.KV2", "sites/note.txt", "sites/plain",
                                  "stick/s.kv2", "stick/plant/p.kv2"})
@@ -82,7 +82,6 @@ protected:
 
 TEST_F(FilePickerTest, ListsMediaThenFoldersThenTheFilesOfThePattern) {
     const QString computer = GetText(611006);
-    QDir(sites).mkpath("old/0/1");
     Open(sites, {}, [&] {
         EXPECT_EQ(Rows(), (QStringList{"STICK", computer, "old", "A.KV2", "b.kv2"}));
         EXPECT_GE(List()->visualItemRect(List()->item(0)).height(), 48);

@@ -32,7 +32,7 @@ protected:
     static QString Content(const char* language) { return HelpText::Read(Pages.arg(language)); }
 };
 
-QStringList All(const QString& text, const char* pattern) {
+QStringList All(const QString& text, const QString& pattern) {
     QStringList found;
     auto matches = QRegularExpression(pattern).globalMatch(text);
     while (matches.hasNext())
@@ -48,15 +48,14 @@ QHash<QString, QStringList> ButtonsOfDesigns() {
     while (files.hasNext()) {
         const QString design = HelpText::Read(files.next());
         QStringList& buttons = designs[files.fileInfo().completeBaseName()];
-        for (const QString& control : design.split("<widget ")) {
-            if (!control.startsWith("class=\"TouchImage\"") &&
-                !control.startsWith("class=\"QPushButton\""))
-                continue;
-            const QStringList names =
-                All(control, "name=\"Tag\"[^>]*>\\s*<string[^>]*>(\\w+)<") +
-                All(control, "name=\"picture\"[^>]*>\\s*<string[^>]*>(\\w+)<");
-            if (!names.isEmpty())
-                buttons += QStringLiteral("{{%1}}").arg(names.first());
+        for (const QString& control :
+             design.split("<widget ")
+                 .filter(QRegularExpression("^class=\"(TouchImage|QPushButton)"))) {
+            const auto named = [&](const QString& property) {
+                return All(control, "name=\"" + property + "\"[^>]*>\\s*<string[^>]*>(\\w+)<");
+            };
+            for (const QString& name : (named("Tag") + named("picture")).mid(0, 1))
+                buttons += QStringLiteral("{{%1}}").arg(name);
         }
     }
     return designs;

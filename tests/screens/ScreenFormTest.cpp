@@ -6,15 +6,14 @@ namespace {
 const QString SampleName = "wSample";
 const QString Labels = "lblLabels";
 
-/// A screen of two labels with shadows that notes what happens to it.
+/// A screen of two labels that notes what happens to it.
 class SampleForm : public ScreenForm {
 public:
     SampleForm()
         : ScreenForm(SampleName) {
         resize(Theme::DesignWidth, Theme::DesignHeight);
-        AddLabel(1, "10001", 12);
-        AddLabel(3, "10002", 15);
-        OmbrerTexte(Labels, 2, 3);
+        AddLabel(1, 12);
+        AddLabel(3, 15);
         Prepare();
     }
 
@@ -32,12 +31,10 @@ protected:
     }
 
 private:
-    void AddLabel(int index, const QString& tag, int points) {
+    void AddLabel(int index, int points) {
         auto* label = new QLabel(this);
         label->setObjectName(Labels + u'_' + QString::number(index));
-        label->setProperty("Tag", tag);
         label->setFont(QFont("DejaVu Sans", points));
-        label->setAlignment(Qt::AlignRight);
         label->setGeometry(100, 50 * index, 200, 40);
     }
 };
@@ -104,7 +101,6 @@ TEST_F(ScreenFormTest, FitsControlsAndFontsToTheDisplay) {
     // 26 and lie above the goal.
     EXPECT_EQ(form->Label(1)->font().pixelSize(), 20);
     EXPECT_EQ(form->Label(3)->font().pixelSize(), 25);
-    EXPECT_EQ(form->Label(5)->font().pixelSize(), 25);
     // The factors belong to the run and not to a form.
     EXPECT_EQ(CurrentScreenFactors().horizontal, 1.6);
 }

@@ -20,8 +20,7 @@ constexpr int FieldPadding = 14;
 constexpr int ButtonPadding = 12;
 
 struct Control {
-    QString kind;
-    QString name;
+    QString kind, name, file;
     int parent = -1;
     /// Plain properties by name, parts of the rectangle and of the font by theirs.
     QHash<QString, QString> values;
@@ -29,24 +28,14 @@ struct Control {
     bool Is(const char* value) const { return values.value(value) == "true"; }
     bool IsDecoration() const { return name.startsWith("frmFrames"); }
     bool IsTouched() const { return kind == "TouchImage" || kind == "QPushButton"; }
+    std::string Path() const { return (file + u'.' + name).toStdString(); }
     QRect Area() const {
         return {values.value("x").toInt(), values.value("y").toInt(), values.value("width").toInt(),
                 values.value("height").toInt()};
     }
-    QFont Font() const {
-        QFont font(values.value("family", "DejaVu Sans"), values.value("pointsize", "12").toInt());
-        font.setBold(Is("bold"));
-        return font;
-    }
 };
 
-struct Design {
-    QString file;
-    QList<Control> controls;
-    std::string NameOf(const Control& control) const {
-        return (file + u'.' + control.name).toStdString();
-    }
-};
+using Design = QList<Control>;
 
 /// Arrays of which one control is shown at a time, and controls that stand in for another one.
 bool ShareAPlace(const Control& a, const Control& b) {
@@ -62,7 +51,7 @@ Design Read(const QString& path) {
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     QXmlStreamReader xml(&file);
-    Design design{path.section(u'/', -1), {}};
+    Design design;
     QList<int> open;
     QString property;
     while (!xml.atEnd()) {
@@ -73,14 +62,14 @@ Design Read(const QString& path) {
         };
         if (begins && element == "widget") {
             const int parent = open.isEmpty() ? -1 : open.last();
-            open += int(design.controls.size());
-            design.controls.append({attribute("class"), attribute("name"), parent, {}});
+            open += int(design.size());
+            design.append(
+                {attribute("class"), attribute("name"), path.section(u'/', -1), parent, {}});
         } else if (begins && element == "property") {
             property = attribute("name");
         } else if (begins && !open.isEmpty() && element != "rect" && element != "font") {
             const bool isPart = property == "geometry" || property == "font";
-            design.controls[open.last()].values.insert(isPart ? element : property,
-                                                       xml.readElementText());
+            design[open.last()].values.insert(isPart ? element : property, xml.readElementText());
         } else if (xml.isEndElement() && element == "widget") {
             open.removeLast();
         }
@@ -100,7 +89,10 @@ QList<Design> Designs() {
 
 /// True when a text lies wholly in its control, wrapped between words or not.
 bool Fits(const Control& control, const QString& text) {
-    const QFont font = Theme::DesignFont(control.Font());
+    QFont font(control.values.value("family", "DejaVu Sans"),
+               control.values.value("pointsize", "12").toInt());
+    font.setBold(control.Is("bold"));
+    font = Theme::DesignFont(font);
     QSize room = control.Area().size();
     bool wrap = control.Is("wordWrap");
     if (control.kind == "TouchImage") {
@@ -126,10 +118,9 @@ class UiFilesTest : public Bench {};
 TEST_F(UiFilesTest, EveryControlLiesInsideItsFormAndBesideItsSiblings) {
     const QList<Design> designs = Designs();
     ASSERT_GE(designs.size(), 3);
-    for (const Design& design : designs) {
-        const QList<Control>& all = design.controls;
+    for (const Design& all : designs) {
         for (int i = 1; i < all.size(); ++i) {
-            SCOPED_TRACE(design.NameOf(all[i]));
+            SCOPED_TRACE(all[i].Path());
             const QRect form(QPoint(), all[all[i].parent].Area().size());
             EXPECT_TRUE(all[i].Area().isValid());
             EXPECT_TRUE(form.contains(all[i].Area()));
@@ -146,10 +137,10 @@ TEST_F(UiFilesTest, EveryControlLiesInsideItsFormAndBesideItsSiblings) {
 TEST_F(UiFilesTest, EveryTargetIsLargeEnoughAndEveryTextAndPictureExistsAndFits) {
     int checked = 0;
     for (const Design& design : Designs()) {
-        for (const Control& control : design.controls) {
+        for (const Control& control : design) {
             const QString tag = control.values.value("Tag");
             const QString picture = control.values.value("picture");
-            SCOPED_TRACE(design.NameOf(control) + ' ' + tag.toStdString());
+            SCOPED_TRACE(control.Path() + ' ' + tag.toStdString());
             const int side = qMin(control.Area().width(), control.Area().height());
             EXPECT_TRUE(!control.IsTouched() || side >= SmallestTarget) << side;
             EXPECT_TRUE(picture.isEmpty() || !Theme::Picture(picture, SmallestTarget).isNull());

@@ -111,14 +111,21 @@ TEST_F(dlgMessageTest, EndsWithoutAnAnswerWhenItIsClosedOrUnloaded) {
     EXPECT_EQ(Ask(51, [](ScreenForm*) { Forms::UnloadAllBut({}); }), Messages::Closed);
 }
 
-TEST_F(dlgMessageTest, ABoxThatDoesNotWaitGoesByItself) {
+TEST_F(dlgMessageTest, ABoxThatDoesNotWaitStandsUntilItIsTouchedAndANoticeUntilItGoes) {
     EXPECT_EQ(Message("First", 64, true), 0);
     EXPECT_EQ(Message("Second", 16, true), 0);
     for (const int left : {2, 1}) {
         EXPECT_EQ(NbInstances(Box), left);
         Touch(Screen(Box), 0);
     }
+    Messages::InstallNotice(&dlgMessage::PresentNotice);
+    {
+        const Messages::Notice notice("Reading");
+        EXPECT_TRUE(Screen(Box)->Visible());
+        EXPECT_FALSE(ButtonOf(Screen(Box), 0)->isVisible());
+    }
     EXPECT_EQ(NbInstances(Box), 0);
+    Messages::InstallNotice(nullptr);
 }
 
 TEST_F(dlgMessageTest, TwoThatWaitAreAnsweredOneAfterTheOther) {
@@ -131,16 +138,4 @@ TEST_F(dlgMessageTest, TwoThatWaitAreAnsweredOneAfterTheOther) {
     });
     EXPECT_EQ(inner, Messages::No);
     EXPECT_EQ(outer, Messages::Yes);
-}
-
-TEST_F(dlgMessageTest, ANoticeStandsWithoutAButtonUntilItGoes) {
-    Messages::InstallNotice(&dlgMessage::PresentNotice);
-    {
-        const Messages::Notice notice("Reading");
-        ASSERT_EQ(NbInstances(Box), 1);
-        EXPECT_TRUE(Screen(Box)->Visible());
-        EXPECT_FALSE(ButtonOf(Screen(Box), 0)->isVisible());
-    }
-    EXPECT_EQ(NbInstances(Box), 0);
-    Messages::InstallNotice(nullptr);
 }

@@ -46,17 +46,15 @@ TEST_F(wMainTest, ATapOnTheLanguageTakesTheNextOneAndStartsOver) {
     // The help file is that of the language or of the first one.
     const QString helpFiles[] = {Path("korvanelle-en.chm"), Path("korvanelle-de.chm")};
     for (const QString& name : helpFiles)
-        ASSERT_TRUE(QFile(name).open(QIODevice::WriteOnly));
+        WriteFile(name, {});
     Forms::Show(FormNames::wMain);
     for (const int expected : {1, 2, 3, 0, 1}) {
         Tap(FormNames::wMain, expected % 2 == 0 ? "lblLanguage_0" : "imgLanguage");
         EXPECT_EQ(Global::Get().language, expected);
         EXPECT_EQ(Global::Get().helpFile, helpFiles[expected == 2 ? 1 : 0]);
         EXPECT_EQ(Setting("General", "Language"), QString::number(expected));
-        for (const char* label : {"lblLanguage_0", "lblLanguage_1"})
-            EXPECT_EQ(Text(label), GetLanguage(expected)) << label;
-        for (const char* label : {"lblMenu_3", "lblMenu_9"})
-            EXPECT_EQ(Text(label), GetText(610004)) << label;
+        EXPECT_EQ(Text("lblLanguage_0") + Text("lblLanguage_1"), GetLanguage(expected).repeated(2));
+        EXPECT_EQ(Text("lblMenu_3") + Text("lblMenu_9"), GetText(610004).repeated(2));
         EXPECT_EQ(Text("lblFileName"), GetText(50010));
         EXPECT_EQ(Global::Get().text10100, GetText(10100));
         EXPECT_EQ(Global::Get().panelMark, GetText(50011).left(1));
