@@ -108,13 +108,10 @@ TEST_F(AlarmRowsTest, ViewFollowsTheKeysAndEachNewRow) {
         Take({1, channel, 0, 1});
     EXPECT_EQ(rows.Current(), 9);
     EXPECT_EQ(rows.First(), 0) << "the newest is in sight, not the selection";
-    rows.Position().MoveBy(-1);
-    EXPECT_EQ(rows.First(), 5);
-    rows.Position().MoveBy(-4);
-    EXPECT_EQ(rows.Current(), 4);
-    EXPECT_EQ(rows.First(), 4);
-    rows.Position().MoveBy(100);
-    EXPECT_EQ(rows.First(), 6);
+    for (const auto& [by, first] : {std::pair(-1, 5), std::pair(-4, 4), std::pair(100, 6)}) {
+        rows.Position().MoveBy(by);
+        EXPECT_EQ(rows.First(), first) << by;
+    }
     rows.Remove(9);
     EXPECT_EQ(rows.First(), 5) << "no empty place below while there are rows above";
     Take({1, 20, 0, 1});

@@ -134,11 +134,16 @@ TEST_F(HelpTest, OpensAtTheChapterOfItsScreenAndGivesWayToAnAlarm) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(Screen(Console)));
 }
 
-TEST_F(HelpTest, PagesHaveTheSameSectionsAndEveryLinkLeadsToOne) {
+// Every design has its chapter; there, or among the buttons that many screens have, stand the word
+// of each of its buttons, or its picture when it has no word.
+TEST_F(HelpTest, EveryLinkScreenAndButtonIsInEachLanguage) {
     const QStringList sections = All(Content("en"), "<a name=\"(\\w+)\">");
-    for (const char* language : Languages) {
-        SCOPED_TRACE(language);
-        const QString page = HelpText::Filled(Content(language));
+    const QHash<QString, QStringList> designs = ButtonsOfDesigns();
+    ASSERT_GT(designs.size(), 30);
+    for (qint16 language = 0; language < 4; ++language) {
+        SCOPED_TRACE(Languages[language]);
+        Global::Get().language = language;
+        const QString page = HelpText::Filled(Content(Languages[language]));
         EXPECT_EQ(All(page, "<a name=\"(\\w+)\">"), sections);
         EXPECT_EQ(All(page, "(#\\d+#|[{}])"), QStringList()) << "a word that isn't there";
         const QStringList links = All(page, "href=\"#(\\w+)\"");
@@ -151,27 +156,17 @@ TEST_F(HelpTest, PagesHaveTheSameSectionsAndEveryLinkLeadsToOne) {
                 << qPrintable(picture);
         for (const QString& name : All(page, "src=\"picture:(\\w+)\""))
             EXPECT_FALSE(Theme::Picture(name, 16).isNull()) << qPrintable(name);
-    }
-}
 
-// Every design has its chapter; there, or among the buttons that many screens have, stand the word
-// of each of its buttons, or its picture when it has no word.
-TEST_F(HelpTest, EveryScreenAndEveryButtonIsInEachLanguage) {
-    const QHash<QString, QStringList> designs = ButtonsOfDesigns();
-    ASSERT_GT(designs.size(), 30);
-    for (qint16 language = 0; language < 4; ++language) {
-        Global::Get().language = language;
         QHash<QString, QString> chapters;
-        const QString page = HelpText::Filled(Content(Languages[language]));
         for (const QString& part : page.split("<h2>"))
             for (const QString& anchor : All(part, "<a name=\"(\\w+)\">"))
                 chapters.insert(anchor, part);
         for (auto design = designs.begin(); design != designs.end(); ++design) {
-            SCOPED_TRACE((Languages[language] + (' ' + design.key())).toStdString());
-            ASSERT_TRUE(chapters.contains(design.key()));
+            ASSERT_TRUE(chapters.contains(design.key())) << qPrintable(design.key());
             const QString text = chapters[design.key()] + chapters["common"];
             for (const QString& button : design.value())
-                EXPECT_TRUE(text.contains(HelpText::Filled(button))) << qPrintable(button);
+                EXPECT_TRUE(text.contains(HelpText::Filled(button)))
+                    << qPrintable(design.key() + u' ' + button);
         }
     }
 }
