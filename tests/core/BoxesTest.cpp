@@ -149,6 +149,7 @@ TEST_F(BoxesTest, WhatFailsAHundredTimesIsToldOnce) {
 TEST_F(BoxesTest, ATraceThatCantBeWrittenStands) {
     ASSERT_TRUE(QFile::remove(Trace::FileName(clock.Now())));
     ASSERT_TRUE(QDir(folder.path()).mkpath(Trace::FileName(clock.Now())));
+    EXPECT_THROW(Trace::OpenToday(), platform::RunTimeError);
     Trace::Note(Text("lost"));
     EXPECT_TRUE(Faults::Stands(Kind::TraceNotWritten));
     EXPECT_TRUE(shown.isEmpty());
