@@ -5,7 +5,6 @@
 #include "screens/touch/TouchTable.h"
 #include "technician/wTechEtatModule.h"
 
-#include <atomic>
 #include <fcntl.h>
 #include <modbus.h>
 #include <stdlib.h>
@@ -34,11 +33,10 @@ public:
         modbus_set_slave(context_, Address);
         modbus_set_socket(context_, line_);
         modbus_set_indication_timeout(context_, 0, 100000);
-        server_ = std::thread([this] { Serve(); });
+        server_ = std::jthread([this](const std::stop_token& stop) { Serve(stop); });
     }
     ~Slave() {
-        ended_ = true;
-        server_.join();
+        server_ = {};
         close(held_);
         close(line_);
         modbus_mapping_free(registers);
@@ -51,9 +49,9 @@ public:
     uint16_t& operator[](int number) { return registers->tab_registers[number]; }
 
 private:
-    void Serve() {
+    void Serve(const std::stop_token& stop) {
         uint8_t query[MODBUS_RTU_MAX_ADU_LENGTH];
-        while (!ended_) {
+        while (!stop.stop_requested()) {
             const int length = modbus_receive(context_, query);
             if (length > 0 && query[0] == Address)
                 modbus_reply(context_, query, length, registers);
@@ -64,8 +62,7 @@ private:
     modbus_mapping_t* registers;
     int line_;
     int held_ = -1;
-    std::thread server_;
-    std::atomic<bool> ended_ = false;
+    std::jthread server_;
 };
 
 /// On the machine's own clock and serial port.
@@ -74,14 +71,15 @@ protected:
     IndependentModuleTest() {
         platform::Clock::Install(nullptr);
         engine->Form_Unload();
-        engine.reset();
+        engine.reset(); // there is one at a time
         engine = std::make_unique<wPolling>(
             platform::MakeSerialPort([this](int) { return slave.Device(); }));
         engine->Form_Load();
         engine->CommBus().setSettings("9600,N,8,1");
         engine->CommBus().setPortOpen(true);
     }
-    ~IndependentModuleTest() override {
+    /// Ahead of the slave, whose line it holds.
+    void TearDown() override {
         Forms::UnloadAllBut({});
         engine->Form_Unload();
         engine.reset();

@@ -48,12 +48,11 @@ TEST_F(EveryForm, ThatHasANameIsThere) {
     auto found = Name.globalMatch(QString::fromUtf8(names.readAll()));
     // Those that only their callers make.
     const QStringList made{FormNames::dlgMessage, FormNames::dlgPortDevice};
-    int count = 0;
-    for (; found.hasNext(); ++count) {
+    ASSERT_TRUE(found.hasNext());
+    while (found.hasNext()) {
         const QString name = found.next().captured(1);
         EXPECT_TRUE(made.contains(name) || Forms::Names().contains(name)) << name.toStdString();
     }
-    EXPECT_GT(count, 30);
 }
 
 TEST_P(MonkeyTest, NoTapsHarmTheProgramOrTheSite) {
