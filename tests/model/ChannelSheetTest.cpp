@@ -5,12 +5,9 @@
 
 #include "model/SiteBytes.h"
 #include "platform/CodePage.h"
-#include "platform/RunTimeError.h"
 
 #include <QTemporaryDir>
 #include <random>
-
-namespace errors = platform::errors;
 
 namespace {
 

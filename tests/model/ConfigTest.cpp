@@ -5,9 +5,6 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "model/SiteBytes.h"
-#include "platform/RunTimeError.h"
-
-namespace errors = platform::errors;
 
 namespace {
 

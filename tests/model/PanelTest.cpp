@@ -1,9 +1,6 @@
 #include "model/PanelClass.h"
 
 #include "model/SiteBytes.h"
-#include "platform/RunTimeError.h"
-
-namespace errors = platform::errors;
 
 namespace {
 

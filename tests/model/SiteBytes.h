@@ -2,6 +2,7 @@
 
 #include "model/ConfigClass.h"
 #include "model/SiteFile.h"
+#include "platform/RunTimeError.h"
 #include "support/PrintText.h"
 
 #include <QByteArray>
@@ -10,6 +11,8 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <vector>
+
+namespace errors = platform::errors;
 
 /// Puts the bytes of a site file together by hand, without the program's own writer.
 class SiteBytes {

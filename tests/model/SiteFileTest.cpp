@@ -3,9 +3,6 @@
 #include "model/SiteFile.h"
 
 #include "model/SiteBytes.h"
-#include "platform/RunTimeError.h"
-
-namespace errors = platform::errors;
 
 int ErrorNumberOf(const std::function<void()>& body) {
     try {

@@ -22,7 +22,6 @@ protected:
     BusFaultsTest() {
         for (int panel = 1; panel <= Panels; ++panel)
             bus.Add(panel, Sim::Model::Q7100, {});
-        link->setPortOpen(true);
         link->answer = [this](const QByteArray& frame) {
             const auto request = SimulatedLine::RequestOf(frame);
             return request ? SimulatedLine::BytesOf(bus.Handle(*request)) : QByteArray();

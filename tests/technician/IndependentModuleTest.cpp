@@ -1,8 +1,6 @@
 // The far end is a Modbus slave that knows nothing of this program.
 
 #include "TechnicianFixture.h"
-#include "model/Models.h"
-#include "screens/touch/TouchTable.h"
 #include "technician/wTechEtatModule.h"
 
 #include <fcntl.h>

@@ -3,7 +3,6 @@
 
 #include "support/Monkey.h"
 #include "TechnicianFixture.h"
-#include "support/FakeModules.h"
 #include "support/PortsOfTest.h"
 
 #include <QRegularExpression>
@@ -29,11 +28,9 @@ protected:
             Site().Mirrors().Add(qint16(rule), qint16(rule % 12), 30, 1, 1);
         QFile::copy(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers/escp.prt"),
                     Path("escp.prt"));
-        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
     }
 
     PortsOfTest ports;
-    FakeModules modules;
 };
 
 class EveryForm : public TechnicianTest {};

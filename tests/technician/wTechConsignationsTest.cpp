@@ -4,9 +4,7 @@
 #include "TechnicianFixture.h"
 
 #include "model/Access.h"
-#include "model/Models.h"
 #include "model/OutOfService.h"
-#include "screens/touch/TouchTable.h"
 
 namespace {
 

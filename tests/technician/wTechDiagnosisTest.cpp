@@ -3,10 +3,7 @@
 #include "technician/wTechDiagnosis.h"
 #include "TechnicianFixture.h"
 #include "bus/CommFunctions.h"
-#include "support/FakeModules.h"
 #include "technician/TraceGrid.h"
-
-#include "screens/touch/TouchTable.h"
 
 namespace {
 
@@ -22,8 +19,6 @@ protected:
         modules[5][144] = 7;
         modules[5][145] = 0xFFFF;
         modules[9];
-        link->setPortOpen(true);
-        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
         Site().Panel(3).setActive(true);
         Site().Panel(3).setModel(1);
         Read(5);
@@ -51,7 +46,6 @@ protected:
     /// The last frame without its time.
     QString Newest() const { return Trace().Lines().value(Trace().Count() - 1).mid(13); }
 
-    FakeModules modules;
     Script script;
 };
 

@@ -3,8 +3,6 @@
 
 #include "technician/wTechEtatModule.h"
 #include "TechnicianFixture.h"
-#include "model/Models.h"
-#include "support/FakeModules.h"
 #include "technician/FrontTiles.h"
 
 namespace {
@@ -20,16 +18,14 @@ protected:
         SetOptions(0, 0, 0, 0);
         AddPanel(PanelAddress, Models::Q7100)
             .setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
-        link->setPortOpen(true);
-        link->answer = [this](const QByteArray& frame) { return Answer(frame); };
+        link->answer = [this](const QByteArray& frame) {
+            if (onFrame)
+                onFrame(int(link->sent.size()));
+            return silent.contains(int(link->sent.size())) ? QByteArray() : modules.Answer(frame);
+        };
         modules[PanelAddress];
     }
 
-    virtual QByteArray Answer(const QByteArray& frame) {
-        if (onFrame)
-            onFrame(int(link->sent.size()));
-        return silent.contains(int(link->sent.size())) ? QByteArray() : modules.Answer(frame);
-    }
     wTechEtatModule& Open(int model = Models::Q7100) {
         Site().Panel(PanelAddress).setModel(quint8(model));
         auto* form = dynamic_cast<wTechEtatModule*>(Forms::Load(Front));
@@ -63,7 +59,6 @@ protected:
     }
     static QChar Horn() { return Lamp("shpKlaxon"); }
 
-    FakeModules modules;
     QSet<int> silent;                 // frames that get no reply, from 1 on
     std::function<void(int)> onFrame; // a frame leaves
 };

@@ -1,8 +1,6 @@
 // The search for panels: what it finds and why not, whom it lets through, and what is taken of it.
 
 #include "TechnicianFixture.h"
-#include "screens/touch/TouchTable.h"
-#include "support/FakeModules.h"
 
 #include <QScrollBar>
 
@@ -14,7 +12,6 @@ class TechFindPanelsTest : public TechnicianTest {
 protected:
     TechFindPanelsTest()
         : TechnicianTest(FormNames::wTechFindPanels) {
-        link->setPortOpen(true);
         link->answer = [this](const QByteArray& frame) {
             asked = quint8(frame[0]);
             if (during)
@@ -51,7 +48,6 @@ protected:
         };
     }
 
-    FakeModules modules;
     std::function<void()> during;
     int asked = 0;
 };

@@ -6,7 +6,6 @@
 #include "core/SLVfonctions.h"
 #include "platform/FileCopy.h"
 #include "platform/RunTimeError.h"
-#include "support/FakeModules.h"
 #include "technician/TraceCopy.h"
 
 #include <QDir>
@@ -19,7 +18,6 @@ protected:
         : TechnicianTest(FormNames::wTechnician) {
         for (int model = 1; model <= 5; ++model)
             AddPanel(model, model);
-        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
         Forms::Show(Form);
     }
 
@@ -41,8 +39,6 @@ protected:
         WriteFile("Trace/" + name, QByteArray(size, 't'));
         return Path("Trace/" + name);
     }
-
-    FakeModules modules;
 };
 
 } // namespace
