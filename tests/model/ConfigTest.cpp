@@ -38,33 +38,56 @@ TEST(Configuration, AnotherPanelObjectMarksEverything) {
     EXPECT_FALSE(config.Panel(5).Modified() || config.Panel(6).Modified());
 }
 
-TEST(Configuration, EachSettingMarks) {
+/// A call of a setter.
+template <class Object, class... Parameters, class... Values>
+std::function<void()> Set(Object& object, void (Object::*setter)(Parameters...), Values... values) {
+    return [=, &object] { (object.*setter)(values...); };
+}
+
+TEST(Configuration, EachSettingMarksTheSiteUnlessItIsTheSameAgain) {
     using Site = ConfigClass;
-    ConfigClass config;
-    const auto isMarked = [&] { return config.Modified(); };
-    const auto takeAway = [&] { config.setModified(false); };
-    ExpectMarks<Site>(config,
-                      {Set(&Site::setAlarmPrioSound, 99, 3), Set(&Site::setAutoStart, true),
-                       Set(&Site::setBusSettings, Text("COM9")), Set(&Site::setBusControl, 1),
-                       Set(&Site::setBiblio, 64, Text("valve")),
-                       Set(&Site::setConsigne, 48, Text("close it")),
-                       Set(&Site::setInactivityTime, 30), Set(&Site::setOptionHisto, 4, true),
-                       Set(&Site::setOptionKlaxon, 0, true), Set(&Site::setOptionPrinter, 7, true),
-                       Set(&Site::setOptionScreen, 1, true)},
-                      isMarked, takeAway);
-    ExpectMarks<Site>(config,
-                      {Set(&Site::setPrintBusResult, true), Set(&Site::setPrintMaxLen, 80),
-                       Set(&Site::setPrinterName, Text("Matrix")),
-                       Set(&Site::setPrinterInitCode, 7, Text("<27>")),
-                       Set(&Site::setPrtSettings, Text("LPT9:")),
-                       Set(&Site::setPrinterInitString, 0, Text("E")), Set(&Site::setUserCount, 3),
-                       Set(&Site::setUserLevel, 1, 1), Set(&Site::setUserName, 1, Text("A")),
-                       Set(&Site::setUserPwd, 1, Text("B"))},
-                      isMarked, takeAway);
-    config.Mirrors().Add(1, 1, 2, 2, 1).setModified(false);
-    EXPECT_TRUE(config.Modified());
-    takeAway();
-    EXPECT_FALSE(config.Modified());
+    using Chnl = ChannelClass;
+    Site site;
+    PanelClass& panel = site.Panel(13);
+    Chnl& chnl = panel.Channel(24);
+    MirrorClass& rule = site.Mirrors().Add(0, 0, 0, 0, 0);
+    const std::vector<std::function<void()>> settings[] = {
+        {Set(site, &Site::setAlarmPrioSound, 99, 3), Set(site, &Site::setAutoStart, true),
+         Set(site, &Site::setBusSettings, Text("COM9")), Set(site, &Site::setBusControl, 1),
+         Set(site, &Site::setBiblio, 64, Text("valve")),
+         Set(site, &Site::setConsigne, 48, Text("close")), Set(site, &Site::setInactivityTime, 30),
+         Set(site, &Site::setOptionHisto, 4, true), Set(site, &Site::setOptionKlaxon, 0, true),
+         Set(site, &Site::setOptionPrinter, 7, true), Set(site, &Site::setOptionScreen, 1, true),
+         Set(site, &Site::setPrintBusResult, true)},
+        {Set(site, &Site::setPrintMaxLen, 80), Set(site, &Site::setPrinterName, Text("Matrix")),
+         Set(site, &Site::setPrinterInitCode, 7, Text("<27>")),
+         Set(site, &Site::setPrtSettings, Text("LPT9:")),
+         Set(site, &Site::setPrinterInitString, 0, Text("E")), Set(site, &Site::setUserCount, 3),
+         Set(site, &Site::setUserLevel, 1, 1), Set(site, &Site::setUserName, 1, Text("A")),
+         Set(site, &Site::setUserPwd, 1, Text("B"))},
+        {Set(panel, &PanelClass::setNumero, 9), Set(panel, &PanelClass::setModel, 3),
+         Set(panel, &PanelClass::setTitle, Text("Boiler")),
+         Set(panel, &PanelClass::setTitleColor, 255), Set(panel, &PanelClass::setActive, true)},
+        {Set(chnl, &Chnl::setAlmPrio, 98), Set(chnl, &Chnl::setBibNum, 1),
+         Set(chnl, &Chnl::setHelpNum, 1), Set(chnl, &Chnl::setHisto, false),
+         Set(chnl, &Chnl::setKlaxon, true), Set(chnl, &Chnl::setPrintText, Text("p")),
+         Set(chnl, &Chnl::setPrtAlm, true), Set(chnl, &Chnl::setReact, true),
+         Set(chnl, &Chnl::setReactTpo, 1), Set(chnl, &Chnl::setScreenText, Text("s")),
+         Set(chnl, &Chnl::setScrAlm, true), Set(chnl, &Chnl::setTypeImp, 1)},
+        {Set(rule, &MirrorClass::setFromModule, 1), Set(rule, &MirrorClass::setFromChannel, 1),
+         Set(rule, &MirrorClass::setToModule, 1), Set(rule, &MirrorClass::setToChannel, 1),
+         Set(rule, &MirrorClass::setMirrorType, 1)}};
+    for (const auto& ofOne : settings) {
+        for (const auto& set : ofOne) {
+            SCOPED_TRACE(testing::Message() << &ofOne - settings << '/' << &set - ofOne.data());
+            for (const bool first : {true, false}) {
+                site.setModified(false);
+                EXPECT_FALSE(site.Modified());
+                set();
+                EXPECT_EQ(site.Modified(), first);
+            }
+        }
+    }
 }
 
 TEST(Configuration, SoundsAndBitsStayInTheirPlaces) {

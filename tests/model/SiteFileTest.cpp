@@ -15,7 +15,14 @@ int ErrorNumberOf(const std::function<void()>& body) {
 
 namespace {
 
-void Fill(ChannelClass& channel) {
+TEST(SiteFile, PanelRecordHoldsAllChannels) {
+    PanelClass panel;
+    panel.setNumero(64);
+    panel.setModel(1);
+    panel.setTitle(Text("  Hall A "));
+    panel.setTitleColor(0x00FF8001);
+    panel.setActive(true);
+    ChannelClass& channel = panel.Channel(24);
     channel.setScreenText(Text("Pompe 1 \u20AC"));
     channel.setPrintText(Text("\u00E9t\u00E9"));
     channel.setHelpNum(48);
@@ -27,37 +34,13 @@ void Fill(ChannelClass& channel) {
     channel.setReact(true);
     channel.setReactTpo(0x01020304);
     channel.setTypeImp(-2);
-}
-
-TEST(SiteFile, ChannelRecord) {
-    ChannelClass channel;
-    EXPECT_EQ(Saved(channel), SiteBytes()
-                                  .Text("")
-                                  .Text("")
-                                  .Raw(QByteArray::fromHex("00000000 00000000 ffff 0000 6300"
-                                                           "0000 00000000 0000"))
-                                  .bytes);
-    Fill(channel);
-    EXPECT_EQ(Saved(channel),
-              QByteArray::fromHex("09000000 506f6d706520312080 03000000 e974e9"
-                                  "3000 4001 ffff 0000 0000 ffff 0700 ffff 04030201 feff"));
-    EXPECT_FALSE(channel.Modified());
-}
-
-TEST(SiteFile, PanelRecordHoldsAllChannels) {
-    PanelClass panel;
-    panel.setNumero(64);
-    panel.setModel(1);
-    panel.setTitle(Text("  Hall A "));
-    panel.setTitleColor(0x00FF8001);
-    panel.setActive(true);
-    Fill(panel.Channel(24));
     SiteBytes expected;
     expected.Byte(64).Byte(1).Text("  Hall A ").Long(0x00FF8001).Word(-1);
-    ChannelClass empty;
     for (int i = 1; i <= 23; ++i)
-        expected.Raw(Saved(empty));
-    expected.Raw(Saved(panel.Channel(24)));
+        expected.Raw(QByteArray::fromHex("00000000 00000000 0000 0000 0000 0000"
+                                         "ffff 0000 6300 0000 00000000 0000"));
+    expected.Raw(QByteArray::fromHex("09000000 506f6d706520312080 03000000 e974e9"
+                                     "3000 4001 ffff 0000 0000 ffff 0700 ffff 04030201 feff"));
     EXPECT_EQ(Saved(panel), expected.bytes);
     EXPECT_FALSE(panel.Modified());
 

@@ -1,9 +1,10 @@
 // The far end is a Modbus slave that knows nothing of this program.
 
-#include "TechnicianFixture.h"
-#include "technician/wTechEtatModule.h"
+#include "bus/CommFunctions.h"
+#include "platform/SerialLink.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <modbus.h>
 #include <stdlib.h>
 #include <termios.h>
@@ -63,60 +64,22 @@ private:
     std::jthread server_;
 };
 
-/// On the machine's own clock and serial port.
-class IndependentModuleTest : public TechnicianTest {
-protected:
-    IndependentModuleTest() {
-        platform::Clock::Install(nullptr);
-        engine->Form_Unload();
-        engine.reset(); // there is one at a time
-        engine = std::make_unique<wPolling>(
-            platform::MakeSerialPort([this](int) { return slave.Device(); }));
-        engine->Form_Load();
-        engine->CommBus().setSettings("9600,N,8,1");
-        engine->CommBus().setPortOpen(true);
-    }
-    /// Ahead of the slave, whose line it holds.
-    void TearDown() override {
-        Forms::UnloadAllBut({});
-        engine->Form_Unload();
-        engine.reset();
-    }
-
-    Slave slave;
-};
-
 } // namespace
 
-TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
+TEST(IndependentModule, IsReadAndWritten) {
+    Slave slave;
+    const auto link = platform::MakeSerialPort([&](int) { return slave.Device(); });
+    link->setSettings("9600,N,8,1");
+    link->setPortOpen(true);
     slave[132] = 1;
-    slave[133] = 2;
-    const QString finder = FormNames::wTechFindPanels;
-    Forms::Show(finder);
-    auto* grid = Find<TouchTable>(finder, "grdPanels");
-    // One module is enough: the second address is silent.
-    QTimer stop;
-    stop.callOnTimeout([&] {
-        if (grid->Cell(1, 4) != QStringLiteral("?????"))
-            Tap(finder, "imgFind_0");
-    });
-    stop.start(20);
-    Tap(finder, "imgFind_1");
-    stop.stop();
-    EXPECT_EQ(grid->Cell(0, 4), ModuleName(Models::P5500));
-    Forms::Unload(finder);
-    RemoveUnloaded();
-
-    const QString front = FormNames::wTechEtatModule;
-    PanelClass& panel = AddPanel(Address, Models::Q7100);
-    for (int channel = 1; channel <= panel.ChannelCount(); ++channel)
-        slave[channel] = uint16_t(channel % 5);
-    Script script;
-    script.On(front, [&] {
-        EXPECT_TRUE(Comes([&] { return TextOf(front, "lblCommResult") == GetText(830102); }));
-        Tap(front, "cmdBoutons_4");
-        EXPECT_TRUE(Comes([&] { return slave[64] == 1; }));
-        Tap(front, "imgClose");
-    });
-    dynamic_cast<wTechEtatModule*>(Forms::Load(front))->Present(panel);
+    slave[133] = 0x8002;
+    Words words(2);
+    EXPECT_TRUE(LitMots(*link, Address, 132, words));
+    EXPECT_EQ(words, (Words{1, -32766}));
+    EXPECT_TRUE(EcritUnMot(*link, Address, 64, 7));
+    EXPECT_EQ(slave[64], 7);
+    EXPECT_TRUE(EcritMots(*link, Address, 25, {1, -2, 3}));
+    EXPECT_EQ(QList<int>({slave[25], slave[26], slave[27]}), QList<int>({1, 0xFFFE, 3}));
+    EXPECT_FALSE(LitMots(*link, Address, 299, words)) << "beyond its registers";
+    EXPECT_FALSE(LitMots(*link, Address + 1, 132, words)) << "nobody is there";
 }

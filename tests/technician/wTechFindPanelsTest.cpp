@@ -2,6 +2,7 @@
 
 #include "TechnicianFixture.h"
 
+#include <QRegularExpression>
 #include <QScrollBar>
 
 namespace {
@@ -119,9 +120,8 @@ TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
         EXPECT_EQ(Found(9), "-----");
         EXPECT_EQ(Shown("lblFrames_1"), "Panel 9");
         // Eight absent ones took a second each.
-        EXPECT_TRUE(Shown("lblProgress").startsWith("Address 9 of 64, about 0:5") ||
-                    Shown("lblProgress").startsWith("Address 9 of 64, about 1:"))
-            << Shown("lblProgress").toStdString();
+        const QRegularExpression progress("^Address 9 of 64, about (0:5|1:)");
+        EXPECT_TRUE(Shown("lblProgress").contains(progress)) << Shown("lblProgress").toStdString();
         EXPECT_TRUE(IsShown("frmWarning"));
         EXPECT_FALSE(IsShown("imgFind_1"));
         Press("imgFind_0");
@@ -201,14 +201,12 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
 TEST_F(TechFindPanelsTest, AsksForAnyPanelButTheLast) {
     for (const int panel : {64, 63}) {
         AddPanel(panel, 1);
-        boxes.clear();
         Forms::Show(Form);
         Grid()->SelectTag(QString::number(panel));
         Press("imgCommand_0");
         Leave(Messages::No);
         EXPECT_EQ(boxes.size(), panel == 64 ? 0 : 1);
         EXPECT_TRUE(Site().Panel(panel).Active());
-        EXPECT_EQ(Screen(Form), nullptr);
     }
 }
 
@@ -227,7 +225,6 @@ TEST_F(TechFindPanelsTest, AnAlarmEndsTheSearchAndKeepsTheEdit) {
     While(4, [] { AlarmComes(); });
     Search();
     EXPECT_EQ(asked, 4);
-    EXPECT_EQ(Screen(Form), nullptr);
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_TRUE(Site().Panel(2).Active());
     Forms::Show(Form);

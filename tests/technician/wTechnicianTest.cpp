@@ -134,9 +134,8 @@ TEST_F(wTechnicianTest, MidnightTellsHowFarItIs) {
     Touch("cmdSynchroMinuit");
     ASSERT_GE(told.size(), 4);
     EXPECT_EQ(told.first(), GetText(30022));
-    EXPECT_TRUE(told[1].endsWith(GetText(30023).replace("$1", "1").replace("$2", "5")))
-        << told[1].toStdString();
-    EXPECT_TRUE(told[2].contains(" s ")) << told[2].toStdString();
+    EXPECT_TRUE(told[1].endsWith(GetText(30023).replace("$1", "1").replace("$2", "5")));
+    EXPECT_TRUE(told[2].contains(" s ")) << told.join(u'/').toStdString();
     EXPECT_EQ(told.last(), "gone");
     EXPECT_TRUE(Console().isEnabled());
 }
@@ -176,10 +175,9 @@ TEST_F(wTechnicianTest, AStickThatIsPulledOutIsTold) {
     TraceFile("a.trc", 10);
     TraceFile("b.trc", 900000);
     Named(Path("stick"));
-    const QString target = Path("stick/Trace");
     Touch("cmdCopyTraces");
-    EXPECT_TRUE(Comes([&] { return QFile::exists(target + QStringLiteral("/a.trc")); }));
-    QDir(target).removeRecursively();
+    EXPECT_TRUE(Comes([&] { return QFile::exists(Path("stick/Trace/a.trc")); }));
+    QDir(Path("stick/Trace")).removeRecursively();
     EXPECT_TRUE(Comes([&] { return IsHidden("cmdStopCopy"); }));
     EXPECT_TRUE(Shown("lblCopy").startsWith("b.trc")) << Shown("lblCopy").toStdString();
 
