@@ -84,8 +84,6 @@ protected:
             lines += widget->item(row)->text();
         return lines;
     }
-
-    Script script;
 };
 
 } // namespace

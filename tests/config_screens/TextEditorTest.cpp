@@ -25,7 +25,7 @@ protected:
     }
     static void GoTo(const QString& form, int number) { List(form)->setCurrentRow(number - 1); }
     void Edits(const QString& form, const QString& text) {
-        Type(script, text);
+        Type(text);
         Touch(form, Edit);
     }
     void Leave(const QString& form, int reply) {
@@ -33,8 +33,6 @@ protected:
         Tap(form, "imgNavig_0");
         RemoveUnloaded();
     }
-
-    Script script;
 };
 
 } // namespace
@@ -129,7 +127,7 @@ TEST_F(TextEditorTest, AnAlarmKeepsWhatWasEdited) {
 TEST_F(TextEditorTest, ImportTakesTheHeadOfAFile) {
     WriteFile("long.txt", QByteArray("\x80 1\r\n") + QByteArray(1995, 'W'));
     Forms::Show(Consignes);
-    TakeFile(script, "long.txt");
+    TakeFile("long.txt");
     Touch(Consignes, FromFile);
     const auto* whole = Find<QTextEdit>(Consignes, "txtConsigne");
     EXPECT_EQ(whole->toPlainText(), QStringLiteral("€ 1\n") + QString(1019, u'W'));

@@ -21,7 +21,6 @@ TEST_F(BusCopyTest, TheTargetKeepsItsNumberAndWhatThePollingKnows) {
     source.Channel(3).setState(1);
     Site().setModified(false);
     Forms::Show(FormNames::wBusModules);
-    Script script;
     script.On(Form, [&] {
         Press("imgControl", 0);
         EXPECT_FALSE(CanCopy()) << "both are the first";

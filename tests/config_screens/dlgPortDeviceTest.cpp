@@ -2,7 +2,6 @@
 
 #include "config_screens/dlgPortDevice.h"
 #include "support/ConfigScreensFixture.h"
-#include "support/PortsOfTest.h"
 
 namespace {
 
@@ -10,7 +9,6 @@ class PortDeviceTest : public ConfigScreensTest {
 protected:
     /// Asks for the device of COM1 and lets `act` work on the dialog.
     std::optional<QString> Ask(const QString& present, const Script::Step& act) {
-        Script script;
         script.On(FormNames::dlgPortDevice, act);
         return AskPortDevice(PortPurpose::Bus, "COM1", present);
     }
@@ -20,8 +18,6 @@ protected:
         Tap(FormNames::dlgPortDevice, "imgControl_1");
     }
     static void Cancel() { Tap(FormNames::dlgPortDevice, "imgControl_0"); }
-
-    PortsOfTest ports;
 };
 
 } // namespace

@@ -25,20 +25,17 @@ protected:
         return enabled(1) + Text("lblNumPan", 0) + enabled(2);
     }
     void SaveAs(const QString& name) {
-        script.On(Picker, [name] {
-            Script keyboard;
-            Type(keyboard, name);
+        script.On(Picker, [this, name] {
+            Type(name);
             Tap(Picker, "imgName");
             Tap(Picker, "imgControl_1");
         });
         Tap(Form, Export);
     }
     void TakeSheet(const QString& name) {
-        TakeFile(script, name);
+        TakeFile(name);
         Tap(Form, Import);
     }
-
-    Script script;
 };
 
 } // namespace
@@ -64,7 +61,7 @@ TEST_F(BusModulesTest, TilesShowThePanelsOfAPage) {
     EXPECT_EQ(Page(), "+49-");
     EXPECT_EQ(Text("lblNumPan", 15), "64");
     // The keyboard turns as well, and so does the page of the settings.
-    Type(script, "20");
+    Type("20");
     QTest::keyClick(Screen(Form), Qt::Key_F12);
     EXPECT_EQ(Page(), "+17+");
     for (const auto& [setting, page] :

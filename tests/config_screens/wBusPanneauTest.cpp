@@ -40,7 +40,7 @@ protected:
             Choose(Form, "imgModif", value);
             return;
         }
-        Type(script, value);
+        Type(value);
         Tap(Form, "imgModif");
     }
     void Leave(int reply) {
@@ -51,8 +51,6 @@ protected:
     bool Enabled(const char* array, int index) const {
         return Child(Form, Part(array, index))->isEnabled();
     }
-
-    Script script;
 };
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "events/PrinterDefinition.h"
 #include "support/ConfigScreensFixture.h"
 #include "support/PipePrinter.h"
-#include "support/PortsOfTest.h"
 
 #include <cstdlib>
 #include <optional>
@@ -36,7 +35,6 @@ protected:
     /// Edits the second class; the last tap confirms or not.
     void EditClass(const QStringList& taps) {
         Tap(Form, "lblEscTitle_2");
-        Script script;
         script.On(FormNames::dlgParamPrinter, [&] {
             for (const QString& name : taps)
                 Tap(FormNames::dlgParamPrinter, name);
@@ -61,7 +59,6 @@ protected:
         return engine->dpPrinter().Port() + u':' + engine->dpPrinter().Settings();
     }
 
-    PortsOfTest ports;
     PipePrinter paper{Path("paper")};
 };
 

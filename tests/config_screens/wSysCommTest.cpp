@@ -1,7 +1,6 @@
 // The port of the bus, on a line that opens when the test lets it.
 
 #include "support/ConfigScreensFixture.h"
-#include "support/PortsOfTest.h"
 
 namespace {
 
@@ -29,8 +28,6 @@ protected:
         Choose(Form, "imgBusModif", value);
     }
     QString Device() { return SLVfonctions::DevicePath("COM3"); }
-
-    PortsOfTest ports;
 };
 
 } // namespace
@@ -139,7 +136,6 @@ TEST_F(SysCommTest, TheDirectionIsSwitchedAtOnceAndGoesBackWithTheAnswerNo) {
 }
 
 TEST_F(SysCommTest, TheWatchOfTheLineGivesWayToAnAlarm) {
-    Script script;
     script.On(FormNames::wPolling, [] { AlarmComes(); });
     Tap(Form, "imgCommWatch");
     EXPECT_FALSE(Screen(FormNames::wPolling)->Visible());

@@ -3,7 +3,6 @@
 
 #include "support/Monkey.h"
 #include "TechnicianFixture.h"
-#include "support/PortsOfTest.h"
 
 #include <QRegularExpression>
 
@@ -29,8 +28,6 @@ protected:
         QFile::copy(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers/escp.prt"),
                     Path("escp.prt"));
     }
-
-    PortsOfTest ports;
 };
 
 class EveryForm : public TechnicianTest {};

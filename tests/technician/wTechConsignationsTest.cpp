@@ -144,7 +144,6 @@ TEST_F(OutOfServiceTest, TheConsoleTellsAndLeadsToTheListAtItsLevel) {
     Site().setUserPwd(1, "A");
     Forms::Show(console);
     EXPECT_TRUE(TextOf(console, note).startsWith("1 "));
-    Script script;
     script.On(FormNames::dlgUserCodes, [] { Tap(FormNames::dlgUserCodes, "imgControl_0"); });
     Tap(console, note);
     EXPECT_EQ(Screen(Form), nullptr);

@@ -45,8 +45,6 @@ protected:
     }
     /// The last frame without its time.
     QString Newest() const { return Trace().Lines().value(Trace().Count() - 1).mid(13); }
-
-    Script script;
 };
 
 } // namespace

@@ -139,7 +139,6 @@ TEST_F(wTechEtatModuleTest, AnEndDuringAReadLeavesNothingBehind) {
                     if (frame == exchange)
                         QTimer::singleShot(0, qApp, ends[end]);
                 };
-                Script script;
                 script.On(Front, [] {
                     auto* form = dynamic_cast<wTechEtatModule*>(Forms::Find(Front));
                     form->tmrPoll_Timer();
