@@ -38,7 +38,7 @@ protected:
         while (times-- > 0)
             Tap(Dialog, Part("imgPlusMoins", arrow));
     }
-    static void Reply(int reply) { Tap(Dialog, Part("imgControl", reply)); }
+    static void Reply(int reply) { Tap(Dialog, "imgControl", reply); }
     /// Source and target as the dialog shows them.
     static QString Shown() {
         QStringList texts;
@@ -225,7 +225,6 @@ TEST_F(MirrorScreensTest, AChannelShowsBothItsSides) {
         EXPECT_TRUE(Lines("lstTo").isEmpty() && Lines("lstFrom").isEmpty());
     });
     Forms::Unload(Panel);
-    RemoveUnloaded();
     InMirrorsOf(2, [&] {
         EXPECT_EQ(TextOf(One, "lblChannel"), "All");
         EXPECT_FALSE(Child(One, "imgControl_1")->isEnabled());

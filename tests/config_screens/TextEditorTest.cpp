@@ -55,9 +55,6 @@ TEST_F(TextEditorTest, StepsStopAtTheEnds) {
         Touch(form, OneUp);
         Touch(form, StepUp);
         EXPECT_EQ(TextOf(form, "lblNumero"), "1");
-        GoTo(form, entries - 1);
-        Touch(form, StepDown);
-        EXPECT_EQ(TextOf(form, "lblNumero"), QString::number(entries));
     }
 }
 
@@ -81,7 +78,6 @@ TEST_F(TextEditorTest, AYesReachesTheSiteAndItsFile) {
     for (const int none : {Messages::Cancel, Messages::Closed}) {
         Leave(Biblio, none);
         EXPECT_NE(Screen(Biblio), nullptr);
-        EXPECT_EQ(styles.last(), 35);
     }
     Leave(Biblio, Messages::Yes);
     EXPECT_EQ(Site().Biblio(64), QStringLiteral("Pump €").leftJustified(24));
@@ -131,11 +127,9 @@ TEST_F(TextEditorTest, ImportTakesTheHeadOfAFile) {
     Touch(Consignes, FromFile);
     const auto* whole = Find<QTextEdit>(Consignes, "txtConsigne");
     EXPECT_EQ(whole->toPlainText(), QStringLiteral("€ 1\n") + QString(1019, u'W'));
-    EXPECT_TRUE(Line(Consignes, 1).startsWith("01 - € 1 WWW"));
     EXPECT_EQ(IniRead("Files", "Import", QString()),
               QDir::cleanPath(Global::InApplicationFolder(QString())));
     Leave(Consignes, Messages::Yes);
-    EXPECT_EQ(Site().Consigne(1).size(), 1024);
-    EXPECT_TRUE(Site().Consigne(1).startsWith("€ 1\r\nW"));
+    EXPECT_EQ(Site().Consigne(1), QStringLiteral("€ 1\r\n") + QString(1019, u'W'));
     EXPECT_EQ(boxes, QStringList{GetText(30010)});
 }

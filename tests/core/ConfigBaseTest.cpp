@@ -159,9 +159,9 @@ TEST_F(ApplicationFolder, PortsAndTruth) {
     EXPECT_EQ(Bytes(Text("korvanelle.ini")), "[Ports]\r\nCOM3=/dev/ttyUSB0\r\n");
 
     const QString ports = Text("Ports");
+    const SLVfonctions::PortSetting board{Text("/dev/ttyS1"), true};
     for (const char* value : {"/dev/ttyS1,rs485", "/dev/ttyS1 , RS485"}) {
-        IniWrite(ports, Text("COM2"), QString::fromLatin1(value));
-        const SLVfonctions::PortSetting board{Text("/dev/ttyS1"), true};
+        IniWrite(ports, Text("COM2"), Text(value));
         EXPECT_EQ(SLVfonctions::PortOf(Text("COM2")), board) << value;
     }
     SLVfonctions::setDevicePath(Text("COM2"), Text("/dev/of,485"));
@@ -169,10 +169,15 @@ TEST_F(ApplicationFolder, PortsAndTruth) {
     SLVfonctions::setPort(Text("COM2"), {Text("/dev/of,485"), false});
     EXPECT_EQ(SLVfonctions::DevicePath(Text("COM2")), Text("/dev/of,485"));
 
-    for (const char* text : {"1", "-1", "True", "true"})
-        EXPECT_TRUE(SLVfonctions::IsTrue(Text(text))) << text;
-    for (const char* text : {"", "0", "False", "no"})
-        EXPECT_FALSE(SLVfonctions::IsTrue(Text(text))) << text;
+    for (const auto& [text, truth] : {std::pair{"1", true},
+                                      {"-1", true},
+                                      {"True", true},
+                                      {"true", true},
+                                      {"", false},
+                                      {"0", false},
+                                      {"False", false},
+                                      {"no", false}})
+        EXPECT_EQ(SLVfonctions::IsTrue(Text(text)), truth) << text;
 }
 
 TEST_F(ApplicationFolder, TraceOfEachDay) {

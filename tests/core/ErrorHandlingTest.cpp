@@ -78,17 +78,15 @@ TEST_F(Errors, GuardTurnsExceptionsIntoNumbers) {
 }
 
 TEST_F(Errors, PostponedErrorsAreToldAtTheEndAndOnce) {
-    const auto fail = [] {
+    {
         const ErrorHandling::Postponed outer;
         ErrorHandling::Report(Text("A.First"), errors::DiskFull);
-        const ErrorHandling::Postponed inner;
-        ErrorHandling::Report(Text("A.Second"), errors::DiskFull);
+        {
+            const ErrorHandling::Postponed inner;
+            ErrorHandling::Report(Text("A.Second"), errors::DiskFull);
+        }
         ErrorHandling::Report(Text("A.First"), errors::DiskFull);
-    };
-    {
-        const ErrorHandling::Postponed postponed;
-        fail();
-        EXPECT_EQ(boxes.size(), 0);
+        EXPECT_TRUE(boxes.isEmpty());
     }
     EXPECT_EQ(boxes, QStringList({ErrorText(Text("A.First"), errors::DiskFull),
                                   ErrorText(Text("A.Second"), errors::DiskFull)}));

@@ -122,16 +122,14 @@ TEST_F(TechFindPanelsTest, StopActsBeforeTheNextAddress) {
         // Eight absent ones took a second each.
         const QRegularExpression progress("^Address 9 of 64, about (0:5|1:)");
         EXPECT_TRUE(Shown("lblProgress").contains(progress)) << Shown("lblProgress").toStdString();
-        EXPECT_TRUE(IsShown("frmWarning"));
-        EXPECT_FALSE(IsShown("imgFind_1"));
+        EXPECT_TRUE(IsShown("frmWarning") && !IsShown("imgFind_1"));
         Press("imgFind_0");
         EXPECT_FALSE(IsShown("frmWarning"));
         // A start from inside the search must not nest.
         QTest::mouseClick(Child(Form, "imgFind_1"), Qt::LeftButton);
     });
     Search();
-    EXPECT_EQ(Found(9), "-----");
-    EXPECT_EQ(Found(10), Unasked);
+    EXPECT_EQ(Found(9) + Found(10), "-----" + Unasked);
     Touch(10);
     Press("imgCommand_2");
     EXPECT_EQ(Grid()->Cell(9, 2), "-----") << "nothing to take over";
@@ -153,7 +151,6 @@ TEST_F(TechFindPanelsTest, ATouchGoesToTheRowThatWasTouched) {
     });
     Search();
     EXPECT_EQ(Row(3), "3//Q6200XT/No");
-    EXPECT_EQ(Shown("lblFrames_1"), "Panel 3");
     EXPECT_EQ(Grid()->verticalScrollBar()->value(), 0);
     EXPECT_EQ(Found(64), "-----") << "the search went on";
     // Left alone, the next search takes the selection along again, until the arrows are touched.
