@@ -94,11 +94,10 @@ TEST_F(BusModulesTest, TitlesOfAnyColourAndLengthCanBeRead) {
 }
 
 TEST_F(BusModulesTest, LeadsToThePanelTheMirrorsAndTheMenu) {
-    for (const auto& [array, tile] : {std::pair("imgPanneau", 0),
-                                      {"lblNumPan", 3},
-                                      {"lblTypePan", 7},
-                                      {"lblLblPan", 11},
-                                      {"imgCroix", 15}}) {
+    using Case = std::pair<const char*, int>;
+    for (const auto& [array, tile] :
+         {Case{"imgPanneau", 0}, Case{"lblNumPan", 3}, Case{"lblTypePan", 7}, Case{"lblLblPan", 11},
+          Case{"imgCroix", 15}}) {
         Forms::Show(Form);
         Turn(2);
         Tap(Form, Part(array, tile));

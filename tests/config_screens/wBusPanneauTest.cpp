@@ -61,14 +61,11 @@ TEST_F(BusPanneauTest, EachParameterIsStoredWhereItBelongs) {
     Site().setBiblio(7, "Pumps");
     Open(3);
     GoTo(5);
-    const std::pair<int, QString> values[] = {{Kind, GetText(300312, true)},
-                                              {Priority, "99"},
-                                              {7, GetText(10002)},
-                                              {Library, "7"},
-                                              {Instruction, "48"},
-                                              {10, GetText(10002)},
-                                              {Delay, "36:00"},
-                                              {ScreenText, "Pump 5"}};
+    const QString yes = GetText(10002);
+    const QString kind = GetText(300312, true);
+    const QPair<int, QString> values[] = {{Kind, kind},     {Priority, "99"},      {7, yes},
+                                          {Library, "7"},   {Instruction, "48"},   {10, yes},
+                                          {Delay, "36:00"}, {ScreenText, "Pump 5"}};
     for (const auto& [parameter, value] : values)
         Set(parameter, value);
     GoTo(6);

@@ -44,12 +44,8 @@ TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
     EXPECT_EQ(Key("Histo"), platform::ApplicationFolder());
     Leave(Messages::Yes);
     EXPECT_EQ(IniRead("General", "NoResize", QString()), "0");
-}
 
-TEST_F(SysConfSonTest, WithoutTheBoxFilesAreKeptForEver) {
-    IniWrite("Files", "PeriodTime", "6");
-    IniWrite("Files", "PeriodLimit", "1");
-    TapImage(UndoFiles);
+    Forms::Show(Form);
     Tap(Form, "chkPeriod");
     Leave(Messages::Yes);
     EXPECT_EQ(Key("PeriodTime") + Key("PeriodLimit"), "00") << "the purge goes by the time alone";

@@ -93,10 +93,8 @@ TEST_F(BoxesTest, ATouchWaitsForItsAnswerAndATickDoesNot) {
     const Operator::Acting acting;
     Fail("A.Touch");
     Yield();
-    ASSERT_EQ(waited.size(), 1);
-    EXPECT_TRUE(waited[0].endsWith(Text("Touch")));
-    ASSERT_EQ(shown.size(), 1);
-    EXPECT_TRUE(shown[0].endsWith(Text("Tick")));
+    EXPECT_EQ(waited, QStringList{ErrorHandling::ErrorText(Text("A.Touch"), errors::DiskFull)});
+    EXPECT_EQ(shown, QStringList{ErrorHandling::ErrorText(Text("A.Tick"), errors::DiskFull)});
     EXPECT_TRUE(Operator::Acts());
 }
 

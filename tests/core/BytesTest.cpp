@@ -9,18 +9,11 @@
 namespace {
 
 TEST(Bytes, ValReadsTheHeadOfAText) {
-    for (const auto& [text, value] : {std::pair{"", 0.0},
-                                      {"12", 12},
-                                      {" -3.5 m", -3.5},
-                                      {"+7x", 7},
-                                      {"1.2.3", 1.2},
-                                      {"abc", 0},
-                                      {"-", 0},
-                                      {".", 0},
-                                      {".5", 0.5},
-                                      {"3-4", 3},
-                                      {"0012", 12},
-                                      {"1,5", 1}})
+    using Case = std::pair<const char*, double>;
+    for (const auto& [text, value] :
+         {Case{"", 0}, Case{"12", 12}, Case{" -3.5 m", -3.5}, Case{"+7x", 7}, Case{"1.2.3", 1.2},
+          Case{"abc", 0}, Case{"-", 0}, Case{".", 0}, Case{".5", 0.5}, Case{"3-4", 3},
+          Case{"0012", 12}, Case{"1,5", 1}})
         EXPECT_EQ(Bytes::Val(Text(text)), value) << text;
     EXPECT_EQ(Bytes::Val(Text("\u0663")), 0) << "only ASCII digits are digits";
 }

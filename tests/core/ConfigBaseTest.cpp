@@ -104,13 +104,10 @@ TEST_F(ConfigBase, KeysAndBars) {
     EXPECT_EQ(GetText(20009), Text("One\r\nTwo\r\n"));
     EXPECT_EQ(GetText(20009, true), Text("One|Two|"));
     EXPECT_EQ(GetText(Text("20009"), true), Text("One|Two|"));
-    for (const auto& [key, text] : {std::pair{"", ""},
-                                    {"Mirror", ""},
-                                    {"nan", ""},
-                                    {"010100", "Mirror"},
-                                    {"0077", "#0077#"},
-                                    {"-1", "#-1#"},
-                                    {"99999999999", "#99999999999#"}})
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [key, text] :
+         {Case{"", ""}, Case{"Mirror", ""}, Case{"nan", ""}, Case{"010100", "Mirror"},
+          Case{"0077", "#0077#"}, Case{"-1", "#-1#"}, Case{"99999999999", "#99999999999#"}})
         EXPECT_EQ(GetText(Text(key)), Text(text)) << key;
 }
 
@@ -169,15 +166,10 @@ TEST_F(ApplicationFolder, PortsAndTruth) {
     SLVfonctions::setPort(Text("COM2"), {Text("/dev/of,485"), false});
     EXPECT_EQ(SLVfonctions::DevicePath(Text("COM2")), Text("/dev/of,485"));
 
-    for (const auto& [text, truth] : {std::pair{"1", true},
-                                      {"-1", true},
-                                      {"True", true},
-                                      {"true", true},
-                                      {"", false},
-                                      {"0", false},
-                                      {"False", false},
-                                      {"no", false}})
-        EXPECT_EQ(SLVfonctions::IsTrue(Text(text)), truth) << text;
+    for (const char* text : {"1", "-1", "True", "true"})
+        EXPECT_TRUE(SLVfonctions::IsTrue(Text(text))) << text;
+    for (const char* text : {"", "0", "False", "no"})
+        EXPECT_FALSE(SLVfonctions::IsTrue(Text(text))) << text;
 }
 
 TEST_F(ApplicationFolder, TraceOfEachDay) {

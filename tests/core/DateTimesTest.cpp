@@ -13,12 +13,10 @@ protected:
 };
 
 TEST_F(Dates, ShortDateHasTenColumnsInEveryLocale) {
-    for (const auto& [locale, text] : {std::pair{"C", "2024-03-05"},
-                                       {"fr_FR", "05/03/2024"},
-                                       {"de_DE", "05.03.2024"},
-                                       {"en_US", "03/05/2024"},
-                                       {"ja_JP", "2024/03/05"},
-                                       {"nl_NL", "05-03-2024"}}) {
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [locale, text] :
+         {Case{"C", "2024-03-05"}, Case{"fr_FR", "05/03/2024"}, Case{"de_DE", "05.03.2024"},
+          Case{"en_US", "03/05/2024"}, Case{"ja_JP", "2024/03/05"}, Case{"nl_NL", "05-03-2024"}}) {
         Use(locale);
         EXPECT_EQ(DateTimes::ShortDate(DateTimes::FromDate(QDate(2024, 3, 5))), Text(text))
             << locale;

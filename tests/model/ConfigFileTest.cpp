@@ -174,15 +174,11 @@ TEST_F(ConfigFile, SignatureAndVersion) {
         EXPECT_EQ(Read(header.Bytes() + tail), 20003) << signature;
     }
     header = {};
+    using Case = std::tuple<int, int, int, int>;
     // Minor 10 sorts below minor 2, as texts do.
-    for (const auto& [major, minor, revision, result] : {std::tuple{2, 3, 0, 20004},
-                                                         {3, 0, 0, 20004},
-                                                         {2, 9, 30, 20004},
-                                                         {2, 2, 9999, 0},
-                                                         {2, 1, 99, 0},
-                                                         {2, 10, 30, 0},
-                                                         {10, 0, 30, 0},
-                                                         {2, 20, 30, 20004}}) {
+    for (const auto& [major, minor, revision, result] :
+         {Case{2, 3, 0, 20004}, Case{3, 0, 0, 20004}, Case{2, 9, 30, 20004}, Case{2, 2, 9999, 0},
+          Case{2, 1, 99, 0}, Case{2, 10, 30, 0}, Case{10, 0, 30, 0}, Case{2, 20, 30, 20004}}) {
         header.majorVersion = major;
         header.minorVersion = minor;
         header.revision = revision;

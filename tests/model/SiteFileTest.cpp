@@ -49,7 +49,6 @@ TEST(SiteFile, PanelRecordHoldsAllChannels) {
     EXPECT_TRUE(read.ReadFrom(reader));
     EXPECT_EQ(reader.Left(), 0);
     EXPECT_FALSE(read.Modified());
-    EXPECT_EQ(read.Channel(24).ScreenText(), Text("Pompe 1 \u20AC"));
     EXPECT_EQ(read.Title(), Text("Hall A")) << "its blanks are lost on the way";
     read.setTitle(panel.Title());
     EXPECT_EQ(Saved(read), expected.bytes);

@@ -74,12 +74,9 @@ TEST_F(TechFindPanelsTest, TellsTheModelAtEachAddress) {
         line += TextOf(Form, Part("lblBusConfig", label));
     EXPECT_EQ(line, "19600None81");
     Search();
-    for (const auto& [panel, model] : {std::pair{1, "-----"},
-                                       {2, "Q6200XT"},
-                                       {3, "Q7100"},
-                                       {4, "P5500"},
-                                       {6, "-----"},
-                                       {64, "Q7000"}})
+    using Case = std::pair<int, const char*>;
+    for (const auto& [panel, model] : {Case{1, "-----"}, Case{2, "Q6200XT"}, Case{3, "Q7100"},
+                                       Case{4, "P5500"}, Case{6, "-----"}, Case{64, "Q7000"}})
         EXPECT_EQ(Found(panel), QString::fromLatin1(model)) << panel;
     EXPECT_EQ(Shown("lblFrames_1"), "Panel 64") << "the selection went along";
     EXPECT_EQ(Shown("lblProgress"), "64 of 64 addresses asked, modules found: 4");
@@ -97,17 +94,12 @@ TEST_F(TechFindPanelsTest, TellsWhyNothingWasFound) {
     };
     Forms::Show(Form);
     Search();
-    const char* reasons[] = {"no answer",
-                             "answer with a bad CRC",
-                             "answer is a Modbus exception",
-                             "answer from another address",
-                             "no answer",
-                             "answers, but as no known model",
-                             "the bus port is closed"};
-    for (int panel = 1; panel <= 7; ++panel) {
-        Grid()->SelectTag(QString::number(panel));
-        EXPECT_EQ(Shown("lblReason"),
-                  QStringLiteral("Panel %1: %2").arg(panel).arg(reasons[panel - 1]));
+    int panel = 0;
+    for (const char* reason : {"no answer", "answer with a bad CRC", "answer is a Modbus exception",
+                               "answer from another address", "no answer",
+                               "answers, but as no known model", "the bus port is closed"}) {
+        Grid()->SelectTag(QString::number(++panel));
+        EXPECT_EQ(Shown("lblReason"), QStringLiteral("Panel %1: %2").arg(panel).arg(reason));
         EXPECT_EQ(Found(panel), "-----");
     }
 }
