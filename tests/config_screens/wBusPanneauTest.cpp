@@ -118,6 +118,7 @@ TEST_F(BusPanneauTest, AChannelIsCarriedToAnotherPanel) {
     EXPECT_EQ(Value(Number), QString::number(Site().Panel(2).ChannelCount()));
     GoTo(12);
     Touch(Paste);
+    EXPECT_EQ(Value(ScreenText), "Carried");
     Leave(Messages::Yes);
     EXPECT_EQ(Site().Panel(2).Channel(12).ScreenText(), "Carried");
     EXPECT_EQ(Site().Panel(2).Channel(13).ScreenText(), "Beyond");

@@ -102,7 +102,6 @@ TEST_F(ConfigBase, WordsInTheLanguageInUse) {
 
 TEST_F(ConfigBase, KeysAndBars) {
     EXPECT_EQ(GetText(20009), Text("One\r\nTwo\r\n"));
-    EXPECT_EQ(GetText(20009, true), Text("One|Two|"));
     EXPECT_EQ(GetText(Text("20009"), true), Text("One|Two|"));
     using Case = std::pair<const char*, const char*>;
     for (const auto& [key, text] :

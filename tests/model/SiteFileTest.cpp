@@ -45,6 +45,7 @@ TEST(SiteFile, PanelRecordHoldsAllChannels) {
     EXPECT_FALSE(panel.Modified());
 
     PanelClass read;
+    read.setActive(true);
     SiteFileReader reader(expected.bytes);
     EXPECT_TRUE(read.ReadFrom(reader));
     EXPECT_EQ(reader.Left(), 0);

@@ -97,7 +97,7 @@ TEST_F(wTechEtatModuleTest, NothingIsKnownAfterThreeFailures) {
     modules.Remove(PanelAddress);
     form.tmrPoll_Timer();
     EXPECT_EQ(Sent(), "1 1 1 64 64 64");
-    EXPECT_EQ(Shown("lblCommResult"), GetText(830103));
+    EXPECT_EQ(Lamps() + Shown("lblCommResult"), QString(12, u'?') + GetText(830103));
     form.tmrClign_Timer();
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
 }
