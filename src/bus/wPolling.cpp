@@ -59,6 +59,7 @@ wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
     connect(&tmrPoll_, &QTimer::timeout, this, &wPolling::RunComm);
     connect(&tmrMidnight_, &QTimer::timeout, this, &wPolling::tmrMidnight_Timer);
     connect(&tmrReactiv_, &QTimer::timeout, this, &wPolling::tmrReactiv_Timer);
+    connect(this, &wPolling::BusEvent, &forwarder_, &EventForwarder::Forward);
     connect(&userSleep_, &platform::ActivityDetection::UserIsNotHere, this,
             &wPolling::UserSleep_UserIsNotHere);
 }
@@ -82,6 +83,7 @@ void wPolling::Form_Load(DateTime started) {
         ReinitComm();
         queue_.Clear();
         SetupPrinter();
+        forwarder_.Start();
         // The end of the program may have come while a box of the two stood.
         if (closing_)
             return;
@@ -136,6 +138,7 @@ void wPolling::Form_Unload() {
             link_->setPortOpen(false);
         queue_.Store();
         paper_.Finish();
+        forwarder_.Stop();
         platform::DiskFlush::Pay();
     });
 }

@@ -6,6 +6,7 @@
 #include "bus/Reactivation.h"
 #include "events/DirectPrinting.h"
 #include "events/EventClass.h"
+#include "events/EventForwarder.h"
 #include "events/EventPrinter.h"
 #include "platform/ActivityDetection.h"
 #include "platform/SerialLink.h"
@@ -104,6 +105,7 @@ public:
     const BusDiagnosis& Diagnosis() const { return *diagnosis_; }
     DirectPrinting& dpPrinter() { return dpPrinter_; }
     EventPrinter& Paper() { return paper_; }
+    EventForwarder& Forwarder() { return forwarder_; }
     const CommandClasses& Commands() const { return queue_.Commands(); }
     CommandQueue& Queue() { return queue_; }
     /// Counters and next poll of a panel, as the grid shows them; empty before its first poll.
@@ -185,6 +187,7 @@ private:
     platform::ActivityDetection userSleep_;
     DirectPrinting dpPrinter_;
     EventPrinter paper_{dpPrinter_};
+    EventForwarder forwarder_;
     QTimer tmrPoll_;
     QTimer tmrMidnight_;
     QTimer tmrReactiv_;

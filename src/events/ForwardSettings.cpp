@@ -1,0 +1,52 @@
+#include "events/ForwardSettings.h"
+
+#include "core/Bytes.h"
+#include "core/SLVfonctions.h"
+
+namespace {
+
+const QString Section = QStringLiteral("Forward");
+const QString Journal = QStringLiteral("Journal");
+const QString Syslog = QStringLiteral("Syslog");
+const QString Server = QStringLiteral("Server");
+const QString Port = QStringLiteral("Port");
+const QString Tls = QStringLiteral("Tls");
+const QString Authority = QStringLiteral("Authority");
+const QString Certificate = QStringLiteral("Certificate");
+
+constexpr int HighestPort = 65535;
+
+QString Word(bool value) {
+    return value ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+} // namespace
+
+ForwardSettings ForwardSettings::Read() {
+    const ForwardSettings factory;
+    const auto text = [](const QString& key) { return IniRead(Section, key, QString()).trimmed(); };
+    const auto truth = [](const QString& key, bool fallback) {
+        return SLVfonctions::IsTrue(IniRead(Section, key, Word(fallback)));
+    };
+    ForwardSettings settings;
+    settings.journal = truth(Journal, factory.journal);
+    settings.syslog = truth(Syslog, factory.syslog);
+    settings.server.host = text(Server);
+    const qint32 port = Bytes::LongVal(text(Port));
+    if (port >= 1 && port <= HighestPort)
+        settings.server.port = quint16(port);
+    settings.server.tls = truth(Tls, factory.server.tls);
+    settings.server.authority = text(Authority);
+    settings.server.certificate = text(Certificate);
+    return settings;
+}
+
+void ForwardSettings::Write() const {
+    IniWriteSection(Section, {{Journal, Word(journal)},
+                              {Syslog, Word(syslog)},
+                              {Server, server.host},
+                              {Port, QString::number(server.port)},
+                              {Tls, Word(server.tls)},
+                              {Authority, server.authority},
+                              {Certificate, server.certificate}});
+}

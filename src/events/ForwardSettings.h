@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/LogServer.h"
+
+/// Where events are forwarded to: the section "Forward" of the settings. Nowhere unless somebody
+/// wants it.
+struct ForwardSettings {
+    /// To the journal of the machine.
+    bool journal = false;
+    /// By syslog to a server.
+    bool syslog = false;
+    platform::LogServerSetup server;
+
+    bool operator==(const ForwardSettings&) const = default;
+
+    static ForwardSettings Read();
+    /// Throws RunTimeError when the settings can't be written.
+    void Write() const;
+};
