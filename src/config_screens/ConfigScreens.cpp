@@ -12,6 +12,7 @@
 #include "config_screens/system/wParamEcran.h"
 #include "config_screens/system/wSysComm.h"
 #include "config_screens/system/wSysConfSon.h"
+#include "config_screens/system/wSysForward.h"
 #include "config_screens/texts/wParamBiblio.h"
 #include "config_screens/texts/wParamConsignes.h"
 #include "core/FormNames.h"
@@ -31,5 +32,6 @@ void RegisterConfigScreens() {
     Forms::Register(FormNames::dlgParamPrinter, [] { return new dlgParamPrinter; });
     Forms::Register(FormNames::wSysComm, [] { return new wSysComm; });
     Forms::Register(FormNames::wSysConfSon, [] { return new wSysConfSon; });
+    Forms::Register(FormNames::wSysForward, [] { return new wSysForward; });
     Forms::Register(FormNames::dlgSysTime, [] { return new dlgSysTime; });
 }

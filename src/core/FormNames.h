@@ -22,6 +22,7 @@ inline const QString wParamEcran = QStringLiteral("wParamEcran");
 inline const QString wParamPrinter = QStringLiteral("wParamPrinter");
 inline const QString wSysComm = QStringLiteral("wSysComm");
 inline const QString wSysConfSon = QStringLiteral("wSysConfSon");
+inline const QString wSysForward = QStringLiteral("wSysForward");
 inline const QString wTechnician = QStringLiteral("wTechnician");
 inline const QString wTechFindPanels = QStringLiteral("wTechFindPanels");
 inline const QString wTechEtatModule = QStringLiteral("wTechEtatModule");

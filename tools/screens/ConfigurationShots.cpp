@@ -113,10 +113,10 @@ void TakeDialogs(const Paths& path) {
 
 void TakeConfiguration(const Paths& path) {
     TakePrinter(path);
-    const QString forms[] = {FormNames::wBusModules,     FormNames::wBusPanneau,
-                             FormNames::wBusMiroirs,     FormNames::wParamBiblio,
-                             FormNames::wParamConsignes, FormNames::wParamEcran,
-                             FormNames::wSysComm,        FormNames::wSysConfSon};
+    const QString forms[] = {
+        FormNames::wBusModules,  FormNames::wBusPanneau,     FormNames::wBusMiroirs,
+        FormNames::wParamBiblio, FormNames::wParamConsignes, FormNames::wParamEcran,
+        FormNames::wSysComm,     FormNames::wSysConfSon,     FormNames::wSysForward};
     FillSite();
     for (const QString& form : forms)
         Take(form, path((form.toLatin1() + "_full").constData()), 5);

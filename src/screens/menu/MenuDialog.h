@@ -2,7 +2,7 @@
 
 #include "screens/touch/ScreenForm.h"
 
-/// What the submenus have in common: five buttons, of which the pressed one is told.
+/// What the submenus have in common: buttons, of which the pressed one is told.
 class MenuDialog : public ScreenForm {
     Q_OBJECT
 public:

@@ -19,7 +19,7 @@ namespace {
 
 /// Buttons of the submenus.
 enum ParameterCmd { Consignes = 1, Biblio = 2, Ecran = 3, Printer = 4 };
-enum SystemCmd { Comm = 1, Sounds = 2, SystemTime = 3, Users = 4 };
+enum SystemCmd { Comm = 1, Sounds = 2, SystemTime = 3, Users = 4, Forwarding = 6 };
 
 template <class Menu> int AskMenu() {
     return RunDialog(
@@ -119,6 +119,9 @@ void wMain::OpenSystem() {
             SaveCurrent();
         if (IsLoaded(self.data()))
             ShowModified();
+        break;
+    case Forwarding:
+        Open(FormNames::wSysForward);
         break;
     default:
         break;

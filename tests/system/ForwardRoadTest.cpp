@@ -1,0 +1,289 @@
+// Events from a module on the bus to a log server that isn't ours, which is stopped, started,
+// starved and disguised, and the program killed in between.
+
+#include "core/FormNames.h"
+#include "events/ForwardSettings.h"
+#include "support/Road.h"
+#include "support/Script.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QStandardPaths>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+const QString Form = FormNames::wSysForward;
+
+/// A certificate of its own authority, and one of another.
+void MakeCertificates(const QString& folder) {
+    const QString script = "set -e; cd \"$0\"\n"
+                           "new='-newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2'\n"
+                           "for ca in ca other; do openssl req -x509 $new -subj /CN=$ca "
+                           "-keyout $ca.key -out $ca.pem; done\n"
+                           "for host in localhost elsewhere; do openssl req -x509 $new -CA ca.pem "
+                           "-CAkey ca.key -subj /CN=$host -addext subjectAltName=DNS:$host "
+                           "-addext basicConstraints=critical,CA:FALSE "
+                           "-keyout $host.key -out $host.pem; done\n";
+    QProcess shell;
+    shell.start("sh", {"-c", script, folder});
+    EXPECT_TRUE(shell.waitForFinished(60000) && shell.exitCode() == 0)
+        << shell.readAllStandardError().data();
+}
+
+int FreePort() {
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    bind(listener, reinterpret_cast<sockaddr*>(&address), size);
+    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+    close(listener);
+    return ntohs(address.sin_port);
+}
+
+/// rsyslogd as a process of its own, which writes what it understood of each message to a file.
+class Rsyslog {
+public:
+    explicit Rsyslog(const RunFolder& folder)
+        : folder_(folder) {
+        MakeCertificates(folder.Path(QString()));
+    }
+    ~Rsyslog() { Stop(); }
+
+    static QString Program() {
+        return QStandardPaths::findExecutable("rsyslogd", {"/usr/sbin", "/usr/bin", "/sbin"});
+    }
+    int Port() const { return port_; }
+
+    /// Starts with the certificate of a host.
+    void Start(const QString& host = "localhost") {
+        const QString configuration =
+            QStringLiteral(
+                "global(workDirectory=\"%1\" net.enableDNS=\"off\" defaultNetstreamDriver=\"ossl\" "
+                "defaultNetstreamDriverCAFile=\"%1/ca.pem\" "
+                "defaultNetstreamDriverCertFile=\"%1/%2.pem\" "
+                "defaultNetstreamDriverKeyFile=\"%1/%2.key\")\n"
+                "module(load=\"imtcp\" streamDriver.name=\"ossl\" streamDriver.mode=\"1\" "
+                "streamDriver.authMode=\"anon\")\n"
+                "input(type=\"imtcp\" port=\"%3\" address=\"127.0.0.1\")\n"
+                "template(name=\"t\" type=\"string\" string=\"%pri% %app-name% %msgid% "
+                "%structured-data% %msg%\\n\")\n"
+                "action(type=\"omfile\" file=\"%1/received\" template=\"t\")\n")
+                .arg(folder_.Path("."), host)
+                .arg(port_);
+        QFile file(folder_.Path("rsyslog.conf"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(configuration.toUtf8());
+        file.close();
+        process_.start(Program(), {"-n", "-f", file.fileName(), "-i", folder_.Path("rsyslog.pid")});
+        EXPECT_TRUE(process_.waitForStarted());
+    }
+    void Stop() {
+        Signal(SIGCONT);
+        process_.terminate();
+        process_.waitForFinished();
+    }
+    void Signal(int number) {
+        if (process_.processId() > 0)
+            ::kill(pid_t(process_.processId()), number);
+    }
+    QStringList Received() const {
+        QFile file(folder_.Path("received"));
+        return file.open(QIODevice::ReadOnly)
+                   ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
+                   : QStringList();
+    }
+    /// The numbers of the events in the order in which they came, each once.
+    QList<int> Numbers() const {
+        QList<int> numbers;
+        for (const QString& line : Received()) {
+            const int number = line.section(" number=\"", 1).section('"', 0, 0).toInt();
+            if (number > 0 && !numbers.contains(number))
+                numbers += number;
+        }
+        return numbers;
+    }
+
+private:
+    const RunFolder& folder_;
+    const int port_ = FreePort();
+    QProcess process_;
+};
+
+QList<int> UpTo(int last) {
+    QList<int> numbers;
+    for (int number = 1; number <= last; ++number)
+        numbers += number;
+    return numbers;
+}
+
+ForwardSettings SettingsFor(const RunFolder& folder, const Rsyslog& server) {
+    ForwardSettings settings;
+    settings.syslog = true;
+    settings.server.host = "localhost";
+    settings.server.port = quint16(server.Port());
+    settings.server.authority = folder.Path("ca.pem");
+    return settings;
+}
+
+class ForwardRoad : public Road {
+protected:
+    ForwardRoad()
+        : Road({"1=Q7100"})
+        , server(folder) {}
+
+    void SetUp() override {
+        if (Rsyslog::Program().isEmpty())
+            GTEST_SKIP() << "rsyslogd isn't installed";
+    }
+    void Type(const QString& control, const QString& text) {
+        script.On(FormNames::dlgKeyboard, [text] {
+            Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0")->setText(text);
+            Tap(FormNames::dlgKeyboard, "imgControl_1");
+        });
+        Tap(Form, control);
+    }
+    static QString Words(const char* label) { return Find<QLabel>(Form, label)->text(); }
+    qint64 Waiting() const { return engine->Forwarder().Present().waiting; }
+    bool Connects() const {
+        return Until([&] {
+            return engine->Forwarder().Present().phase == EventForwarder::Phase::Connected;
+        });
+    }
+    /// So many events of a channel that comes and goes, without the road over the line.
+    void Send(int events) {
+        for (int i = 0; i < events; ++i) {
+            EventClass event(1, 3, 0, qint16(i % 2));
+            engine->SendEvent(event);
+        }
+    }
+
+    Rsyslog server;
+    Script script;
+};
+
+class ForwardPlant : public PlantTest {
+protected:
+    void SetUp() override {
+        if (Rsyslog::Program().isEmpty())
+            GTEST_SKIP() << "rsyslogd isn't installed";
+    }
+};
+
+} // namespace
+
+TEST_F(ForwardRoad, EventsReachTheServerHoweverItComesAndGoes) {
+    server.Start();
+    Forms::Show(FormNames::wMain);
+    script.On(FormNames::dlgMenuSystem, [] { Tap(FormNames::dlgMenuSystem, "cmdButtons_6"); });
+    Tap(FormNames::wMain, "imgMenu_2");
+    ASSERT_NE(Forms::Find(Form), nullptr);
+    EXPECT_EQ(Words("lblState"), GetText(717020));
+    Tap(Form, "chkSyslog");
+    Tap(Form, "imgControl_1");
+    EXPECT_EQ(boxes.last(), GetText(20006)) << "no server yet";
+    Type("txtServer", "localhost");
+    Type("lblPort", QString::number(server.Port()));
+    Tap(Form, "imgControl_1");
+    EXPECT_TRUE(Until([] { return Words("lblError").endsWith(GetText(717036)); }))
+        << Words("lblError").toStdString();
+    ForwardSettings settings = ForwardSettings::Read();
+    EXPECT_TRUE(settings.server.tls);
+    settings.server.authority = folder.Path("ca.pem");
+    settings.Write();
+    Forms::Unload(Form);
+    Forms::Show(Form);
+    engine->Forwarder().Start();
+    ASSERT_TRUE(Connects());
+    EXPECT_TRUE(Words("lblState").startsWith(GetText(717023)));
+    Tap(Form, "imgTest");
+    EXPECT_TRUE(Until([&] { return server.Received().filter("korvanelle TEST - ").size() == 1; }));
+
+    engine->setRun(true);
+    ASSERT_TRUE(Until([&] { return engine->State() == BusState::Running; }));
+    simulator.Do("active 1 7");
+    EXPECT_TRUE(Until([&] {
+        return server.Received().filter(" ACTIVE [event@32473 panel=\"1\" channel=\"7\" ").size() ==
+               1;
+    })) << server.Received().join('\n').toStdString();
+    engine->setRun(false);
+
+    // Stopped, it finds all when it starts again; starved, it gets all when it goes on.
+    server.Stop();
+    Send(50);
+    EXPECT_GE(Waiting(), 50);
+    server.Start();
+    const auto all = [&] {
+        return server.Numbers().size() == IniRead("General", "LastEvent", "").toInt();
+    };
+    EXPECT_TRUE(Until(all));
+    server.Signal(SIGSTOP);
+    Send(3000);
+    EXPECT_TRUE(Until([&] { return Waiting() > 0; }));
+    server.Signal(SIGCONT);
+    EXPECT_TRUE(Until(all));
+    QList<int> numbers = server.Numbers();
+    EXPECT_EQ(numbers, UpTo(int(numbers.size()))) << "none is missing, each stands in its place";
+}
+
+TEST_F(ForwardRoad, ADisguisedServerIsRefusedAndTold) {
+    using platform::LogServerError;
+    const auto errorOf = [&](const ForwardSettings& settings) {
+        settings.Write();
+        engine->Forwarder().Start();
+        EXPECT_TRUE(
+            Until([&] { return engine->Forwarder().Present().error != LogServerError::None; }));
+        return engine->Forwarder().Present().error;
+    };
+    ForwardSettings settings = SettingsFor(folder, server);
+    EXPECT_EQ(errorOf(settings), LogServerError::Refused);
+    server.Start("elsewhere");
+    ASSERT_TRUE(Until([&] { return errorOf(settings) != LogServerError::Refused; }));
+    EXPECT_EQ(errorOf(settings), LogServerError::WrongName);
+    settings.server.authority = folder.Path("other.pem");
+    EXPECT_EQ(errorOf(settings), LogServerError::Untrusted);
+    settings.server.authority = folder.Path("ca.key");
+    EXPECT_EQ(errorOf(settings), LogServerError::FileUnreadable);
+    Send(3);
+    EXPECT_EQ(Waiting(), 3);
+    EXPECT_TRUE(server.Received().isEmpty());
+}
+
+// What the trace holds was spooled before.
+TEST_F(ForwardPlant, AKillInTheMiddleLosesNothing) {
+    Rsyslog server(folder);
+    SettingsFor(folder, server).Write();
+    Put(1);
+    Save();
+    const SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});
+    const auto traced = [&] {
+        QList<int> numbers;
+        for (const QString& line : folder.Trace()) {
+            if (const int number = line.mid(20, 6).toInt(); number > 0)
+                numbers += number;
+        }
+        return numbers;
+    };
+    for (const bool reachable : {false, true, false}) {
+        if (reachable)
+            server.Start();
+        const auto before = traced().size();
+        ProgramProcess program(folder);
+        EXPECT_TRUE(Eventually([&] {
+            return traced().size() >= before + 2 &&
+                   (!reachable || server.Numbers().size() >= before);
+        }));
+        program.Kill();
+        server.Stop();
+    }
+    const QList<int> killed = traced();
+    EXPECT_EQ(killed, UpTo(killed.last()));
+    server.Start();
+    const ProgramProcess program(folder);
+    EXPECT_TRUE(Eventually([&] { return server.Numbers().size() > killed.size(); }));
+    EXPECT_EQ(server.Numbers().mid(0, killed.size()), killed);
+}
