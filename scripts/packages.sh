@@ -10,6 +10,7 @@ packages=(
     libpulse-dev libasound2-dev libsystemd-dev pulseaudio pulseaudio-utils
     libgtest-dev libgmock-dev libbenchmark-dev libmodbus-dev
     qt6-qpa-plugins qt6-wayland fonts-dejavu-core
+    rsyslog rsyslog-openssl openssl
 )
 
 missing=()

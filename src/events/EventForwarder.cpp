@@ -51,8 +51,10 @@ EventForwarder::EventForwarder(std::unique_ptr<platform::LogServer> server,
 void EventForwarder::Start() {
     Stop();
     settings_ = ForwardSettings::Read();
-    if (!settings_.journal && !settings_.syslog)
+    if (!settings_.journal && !settings_.syslog) {
+        Faults::Clear(Faults::Kind::NotForwarded);
         return;
+    }
     tick_.start();
     lastGood_ = MonotonicNow();
     if (!settings_.syslog)
@@ -74,7 +76,6 @@ void EventForwarder::Stop() {
     settings_ = {};
     lost_ = 0;
     state_ = {};
-    Faults::Clear(Faults::Kind::NotForwarded);
     TellChange();
 }
 
@@ -116,8 +117,8 @@ void EventForwarder::EmptyJournalQueue() {
 }
 
 void EventForwarder::ToSpool(const LogEntry& entry) {
-    TellLost();
     spool_->Append(SyslogLine::Format(entry));
+    TellLost();
     if (state_.phase == Phase::Connected)
         pump_.start();
 }

@@ -24,7 +24,7 @@ protected:
         server = fake.get();
         forwarder = std::make_unique<EventForwarder>(
             std::move(fake), std::make_unique<platform::Journal>(Path("journal")),
-            platform::Spool::Limits{20000, 2000});
+            platform::Spool::Limits{10000, 2000});
     }
     void SwitchOn(bool syslog = true, bool journal = false) {
         ForwardSettings settings;
@@ -164,7 +164,6 @@ TEST_F(Forwarding, WhatIsDroppedIsAFaultAndALine) {
     EXPECT_TRUE(QRegularExpression("^\\d+ \\(-\\d+\\)$").match(Fault()).hasMatch())
         << Fault().toStdString();
     server->Accept();
-    QByteArray all;
     while (forwarder->Present().waiting > 0) {
         QCoreApplication::processEvents();
         server->onWritten();

@@ -4,115 +4,15 @@
 #include "core/FormNames.h"
 #include "events/ForwardSettings.h"
 #include "support/Road.h"
+#include "support/Rsyslog.h"
 #include "support/Script.h"
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QStandardPaths>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace {
 
 const QString Form = FormNames::wSysForward;
-
-/// A certificate of its own authority, and one of another.
-void MakeCertificates(const QString& folder) {
-    const QString script = "set -e; cd \"$0\"\n"
-                           "new='-newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2'\n"
-                           "for ca in ca other; do openssl req -x509 $new -subj /CN=$ca "
-                           "-keyout $ca.key -out $ca.pem; done\n"
-                           "for host in localhost elsewhere; do openssl req -x509 $new -CA ca.pem "
-                           "-CAkey ca.key -subj /CN=$host -addext subjectAltName=DNS:$host "
-                           "-addext basicConstraints=critical,CA:FALSE "
-                           "-keyout $host.key -out $host.pem; done\n";
-    QProcess shell;
-    shell.start("sh", {"-c", script, folder});
-    EXPECT_TRUE(shell.waitForFinished(60000) && shell.exitCode() == 0)
-        << shell.readAllStandardError().data();
-}
-
-int FreePort() {
-    const int listener = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    bind(listener, reinterpret_cast<sockaddr*>(&address), size);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    close(listener);
-    return ntohs(address.sin_port);
-}
-
-/// rsyslogd as a process of its own, which writes what it understood of each message to a file.
-class Rsyslog {
-public:
-    explicit Rsyslog(const RunFolder& folder)
-        : folder_(folder) {
-        MakeCertificates(folder.Path(QString()));
-    }
-    ~Rsyslog() { Stop(); }
-
-    static QString Program() {
-        return QStandardPaths::findExecutable("rsyslogd", {"/usr/sbin", "/usr/bin", "/sbin"});
-    }
-    int Port() const { return port_; }
-
-    /// Starts with the certificate of a host.
-    void Start(const QString& host = "localhost") {
-        const QString configuration =
-            QStringLiteral(
-                "global(workDirectory=\"%1\" net.enableDNS=\"off\" defaultNetstreamDriver=\"ossl\" "
-                "defaultNetstreamDriverCAFile=\"%1/ca.pem\" "
-                "defaultNetstreamDriverCertFile=\"%1/%2.pem\" "
-                "defaultNetstreamDriverKeyFile=\"%1/%2.key\")\n"
-                "module(load=\"imtcp\" streamDriver.name=\"ossl\" streamDriver.mode=\"1\" "
-                "streamDriver.authMode=\"anon\")\n"
-                "input(type=\"imtcp\" port=\"%3\" address=\"127.0.0.1\")\n"
-                "template(name=\"t\" type=\"string\" string=\"%pri% %app-name% %msgid% "
-                "%structured-data% %msg%\\n\")\n"
-                "action(type=\"omfile\" file=\"%1/received\" template=\"t\")\n")
-                .arg(folder_.Path("."), host)
-                .arg(port_);
-        QFile file(folder_.Path("rsyslog.conf"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(configuration.toUtf8());
-        file.close();
-        process_.start(Program(), {"-n", "-f", file.fileName(), "-i", folder_.Path("rsyslog.pid")});
-        EXPECT_TRUE(process_.waitForStarted());
-    }
-    void Stop() {
-        Signal(SIGCONT);
-        process_.terminate();
-        process_.waitForFinished();
-    }
-    void Signal(int number) {
-        if (process_.processId() > 0)
-            ::kill(pid_t(process_.processId()), number);
-    }
-    QStringList Received() const {
-        QFile file(folder_.Path("received"));
-        return file.open(QIODevice::ReadOnly)
-                   ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
-                   : QStringList();
-    }
-    /// The numbers of the events in the order in which they came, each once.
-    QList<int> Numbers() const {
-        QList<int> numbers;
-        for (const QString& line : Received()) {
-            const int number = line.section(" number=\"", 1).section('"', 0, 0).toInt();
-            if (number > 0 && !numbers.contains(number))
-                numbers += number;
-        }
-        return numbers;
-    }
-
-private:
-    const RunFolder& folder_;
-    const int port_ = FreePort();
-    QProcess process_;
-};
 
 QList<int> UpTo(int last) {
     QList<int> numbers;
@@ -134,7 +34,7 @@ class ForwardRoad : public Road {
 protected:
     ForwardRoad()
         : Road({"1=Q7100"})
-        , server(folder) {}
+        , server(folder.Path(".")) {}
 
     void SetUp() override {
         if (Rsyslog::Program().isEmpty())
@@ -255,7 +155,7 @@ TEST_F(ForwardRoad, ADisguisedServerIsRefusedAndTold) {
 
 // What the trace holds was spooled before.
 TEST_F(ForwardPlant, AKillInTheMiddleLosesNothing) {
-    Rsyslog server(folder);
+    Rsyslog server(folder.Path("."));
     SettingsFor(folder, server).Write();
     Put(1);
     Save();

@@ -14,6 +14,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <initializer_list>
 #include <utility>
 
 using platform::LogServerSetup;
@@ -35,11 +36,16 @@ enum Texts {
     MachinesAuthorities = 717013,
     NoCertificate = 717014,
     TestLine = 717015,
-    Waiting = 717016,
+    StateAndCount = 717016,
     LastError = 717017,
     FirstPhase = 717020,
     FirstError = 717030 // of no error, which has no words
 };
+
+void Enable(std::initializer_list<QWidget*> controls, bool on) {
+    for (QWidget* control : controls)
+        control->setEnabled(on);
+}
 
 QString OrText(const QString& value, int text) {
     return value.isEmpty() ? GetText(text) : value;
@@ -122,18 +128,11 @@ void wSysForward::ShowEdit() {
     ui_->lblTls->setText(GetText(server.tls ? Encrypted : NotEncrypted));
     ui_->txtAuthority->setCaption(OrText(server.authority, MachinesAuthorities));
     ui_->txtCertificate->setCaption(OrText(server.certificate, NoCertificate));
-    for (QWidget* control :
-         {static_cast<QWidget*>(ui_->txtServer), static_cast<QWidget*>(ui_->lblPort),
-          static_cast<QWidget*>(ui_->chkTls)})
-        control->setEnabled(edit_->syslog);
-    for (QWidget* control :
-         {static_cast<QWidget*>(ui_->txtAuthority), static_cast<QWidget*>(ui_->imgAuthority_0),
-          static_cast<QWidget*>(ui_->imgAuthority_1), static_cast<QWidget*>(ui_->txtCertificate),
-          static_cast<QWidget*>(ui_->imgCertificate_0),
-          static_cast<QWidget*>(ui_->imgCertificate_1)})
-        control->setEnabled(edit_->syslog && server.tls);
-    for (QWidget* control : {ui_->imgControl_0, ui_->imgControl_1})
-        control->setEnabled(Differs());
+    Enable({ui_->txtServer, ui_->lblPort, ui_->chkTls}, edit_->syslog);
+    Enable({ui_->txtAuthority, ui_->imgAuthority_0, ui_->imgAuthority_1, ui_->txtCertificate,
+            ui_->imgCertificate_0, ui_->imgCertificate_1},
+           edit_->syslog && server.tls);
+    Enable({ui_->imgControl_0, ui_->imgControl_1}, Differs());
     // What is tested is what is in use.
     ui_->imgTest->setEnabled(!Differs() && (edit_->journal || edit_->syslog) &&
                              Polling() != nullptr);
@@ -145,7 +144,7 @@ void wSysForward::ShowState() {
         Polling() != nullptr ? Polling()->Forwarder().Present() : EventForwarder::State();
     QString words = GetText(FirstPhase + int(state.phase));
     if (state.phase != EventForwarder::Phase::Off)
-        words = GetText(Waiting)
+        words = GetText(StateAndCount)
                     .replace(QStringLiteral("$1"), words)
                     .replace(QStringLiteral("$2"), QString::number(state.waiting));
     ui_->lblState->setText(words);
