@@ -1,9 +1,11 @@
 #include "platform/LogServer.h"
 
 #include <QFile>
+#include <QList>
 #include <QNetworkProxy>
 #include <QSslCertificate>
 #include <QSslConfiguration>
+#include <QSslError>
 #include <QSslKey>
 #include <QSslSocket>
 #include <linux/sockios.h>
@@ -22,16 +24,22 @@ constexpr int UserTimeout = 60000;
 /// A silent line is asked after so long, s.
 constexpr int KeepAliveIdle = 30;
 
-LogServerError Meaning(QSslError::SslError error) {
-    switch (error) {
-    case QSslError::HostNameMismatch:
-        return LogServerError::WrongName;
-    case QSslError::CertificateExpired:
-    case QSslError::CertificateNotYetValid:
-        return LogServerError::CertificateExpired;
-    default:
-        return LogServerError::Untrusted;
+/// The name in a certificate says something only if somebody vouches for it.
+LogServerError Meaning(const QList<QSslError>& errors) {
+    auto meaning = LogServerError::None;
+    for (const QSslError& error : errors) {
+        switch (error.error()) {
+        case QSslError::HostNameMismatch:
+            meaning = LogServerError::WrongName;
+            break;
+        case QSslError::CertificateExpired:
+        case QSslError::CertificateNotYetValid:
+            return LogServerError::CertificateExpired;
+        default:
+            return LogServerError::Untrusted;
+        }
     }
+    return meaning;
 }
 
 LogServerError Meaning(QAbstractSocket::SocketError error) {
@@ -112,7 +120,7 @@ void SocketServer::MakeSocket() {
     QSslSocket* socket = socket_.get();
     socket->setProxy(QNetworkProxy::NoProxy);
     QObject::connect(socket, &QSslSocket::sslErrors, socket,
-                     [this](const auto& errors) { verdict_ = Meaning(errors.value(0).error()); });
+                     [this](const QList<QSslError>& errors) { verdict_ = Meaning(errors); });
     // Told when the socket is through with it: whoever hears of it may connect anew.
     QObject::connect(
         socket, &QSslSocket::errorOccurred, socket,

@@ -9,6 +9,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 
 namespace {
 
@@ -44,6 +45,18 @@ protected:
         script.On(FormNames::dlgKeyboard, [text] {
             Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0")->setText(text);
             Tap(FormNames::dlgKeyboard, "imgControl_1");
+        });
+        Tap(Form, control);
+    }
+    void TakeFile(const QString& control, const QString& name) {
+        script.On(FormNames::dlgFilePicker, [name] {
+            auto* files = Find<QListWidget>(FormNames::dlgFilePicker, "lstFiles");
+            const QListWidgetItem* file = files->findItems(name, Qt::MatchExactly).value(0);
+            files->scrollToItem(file);
+            QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                              files->visualItemRect(file).center());
+            QCoreApplication::processEvents();
+            Tap(FormNames::dlgFilePicker, "imgControl_1");
         });
         Tap(Form, control);
     }
@@ -91,13 +104,8 @@ TEST_F(ForwardRoad, EventsReachTheServerHoweverItComesAndGoes) {
     Tap(Form, "imgControl_1");
     EXPECT_TRUE(Until([] { return Words("lblError").endsWith(GetText(717036)); }))
         << Words("lblError").toStdString();
-    ForwardSettings settings = ForwardSettings::Read();
-    EXPECT_TRUE(settings.server.tls);
-    settings.server.authority = folder.Path("ca.pem");
-    settings.Write();
-    Forms::Unload(Form);
-    Forms::Show(Form);
-    engine->Forwarder().Start();
+    TakeFile("imgAuthority_0", "ca.pem");
+    Tap(Form, "imgControl_1");
     ASSERT_TRUE(Connects());
     EXPECT_TRUE(Words("lblState").startsWith(GetText(717023)));
     Tap(Form, "imgTest");
