@@ -8,7 +8,10 @@
 #include "support/Rsyslog.h"
 
 #include <QCoreApplication>
+#include <QThread>
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <ctime>
 
 namespace {
 
@@ -42,13 +45,30 @@ void ForwardEvent(benchmark::State& state) {
 }
 BENCHMARK(ForwardEvent)->ArgName("on")->Arg(0)->Arg(1)->UseRealTime();
 
-/// From the first connection until the server has written the last of 20,000.
+/// Lets the event loop work off what is there; gives the processor's time that it took, ms.
+double Turn() {
+    const auto now = [] {
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+    };
+    const double begin = now();
+    QCoreApplication::processEvents();
+    const double took = now() - begin;
+    if (took < 0.1)
+        QThread::msleep(5);
+    return took;
+}
+
+/// From the first connection until the server has written the last of 20,000. "longest" is the
+/// longest work between two turns of the bus, agreement on the encryption included.
 void EmptySpool(benchmark::State& state) {
     constexpr int Events = 20000;
     if (Rsyslog::Program().isEmpty()) {
         state.SkipWithError("rsyslogd isn't there");
         return;
     }
+    double longest = 0;
     for (auto step : state) {
         state.PauseTiming();
         const Bed bed;
@@ -60,16 +80,17 @@ void EmptySpool(benchmark::State& state) {
             forwarder.Forward(Alarm(number));
         server.Start();
         while (forwarder.Present().phase != EventForwarder::Phase::Connected)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+            longest = std::max(longest, Turn());
         state.ResumeTiming();
         while (server.Lines() < Events)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+            longest = std::max(longest, Turn());
         state.PauseTiming();
         forwarder.Stop();
         Faults::Forget();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * Events);
+    state.counters["longest"] = longest;
 }
 BENCHMARK(EmptySpool)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
 

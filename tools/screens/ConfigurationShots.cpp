@@ -2,6 +2,7 @@
 
 #include "Shots.h"
 
+#include "bus/wPolling.h"
 #include "config_screens/mirrors/dlgEditMirror.h"
 #include "config_screens/panel/MirrorOne.h"
 #include "config_screens/panel/dlgColour.h"
@@ -10,10 +11,13 @@
 #include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Global.h"
+#include "core/SLVfonctions.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
 #include <QTimer>
 #include <utility>
 
@@ -109,14 +113,37 @@ void TakeDialogs(const Paths& path) {
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+/// Switched on, with a server that isn't there and paths of any length.
+void TakeForwarding(const Paths& path) {
+    ForwardSettings settings;
+    settings.journal = settings.syslog = true;
+    settings.server.host = QStringLiteral("logserver.waterworks.example.com");
+    settings.server.authority = QStringLiteral("/media/STICK/certificates/waterworks/plant-ca.pem");
+    settings.Write();
+    EventForwarder& forwarder = Polling()->Forwarder();
+    forwarder.Start();
+    forwarder.SendTest(QString());
+    // Certificates in a file that isn't there: no try leaves this machine.
+    QElapsedTimer patience;
+    patience.start();
+    while (forwarder.Present().error == platform::LogServerError::None &&
+           !patience.hasExpired(5000))
+        QApplication::processEvents(QEventLoop::AllEvents, 50);
+    Take(FormNames::wSysForward, path("wSysForward_on"));
+    IniDeleteSection(QStringLiteral("Forward"));
+    forwarder.Start();
+    QDir(Global::InApplicationFolder(QStringLiteral("Forward"))).removeRecursively();
+}
+
 } // namespace
 
 void TakeConfiguration(const Paths& path) {
+    TakeForwarding(path);
     TakePrinter(path);
-    const QString forms[] = {
-        FormNames::wBusModules,  FormNames::wBusPanneau,     FormNames::wBusMiroirs,
-        FormNames::wParamBiblio, FormNames::wParamConsignes, FormNames::wParamEcran,
-        FormNames::wSysComm,     FormNames::wSysConfSon,     FormNames::wSysForward};
+    const QString forms[] = {FormNames::wBusModules,     FormNames::wBusPanneau,
+                             FormNames::wBusMiroirs,     FormNames::wParamBiblio,
+                             FormNames::wParamConsignes, FormNames::wParamEcran,
+                             FormNames::wSysComm,        FormNames::wSysConfSon};
     FillSite();
     for (const QString& form : forms)
         Take(form, path((form.toLatin1() + "_full").constData()), 5);

@@ -47,8 +47,9 @@ void Enable(std::initializer_list<QWidget*> controls, bool on) {
         control->setEnabled(on);
 }
 
-QString OrText(const QString& value, int text) {
-    return value.isEmpty() ? GetText(text) : value;
+/// The folder is what the picker shows.
+QString NameOf(const QString& path, int wordForNone) {
+    return path.isEmpty() ? GetText(wordForNone) : FilePicker::FileName(path);
 }
 
 } // namespace
@@ -126,8 +127,8 @@ void wSysForward::ShowEdit() {
     ui_->lblPort->setCaption(QString::number(server.port));
     ui_->chkTls->setChecked(server.tls);
     ui_->lblTls->setText(GetText(server.tls ? Encrypted : NotEncrypted));
-    ui_->txtAuthority->setCaption(OrText(server.authority, MachinesAuthorities));
-    ui_->txtCertificate->setCaption(OrText(server.certificate, NoCertificate));
+    ui_->txtAuthority->setCaption(NameOf(server.authority, MachinesAuthorities));
+    ui_->txtCertificate->setCaption(NameOf(server.certificate, NoCertificate));
     Enable({ui_->txtServer, ui_->lblPort, ui_->chkTls}, edit_->syslog);
     Enable({ui_->txtAuthority, ui_->imgAuthority_0, ui_->imgAuthority_1, ui_->txtCertificate,
             ui_->imgCertificate_0, ui_->imgCertificate_1},
