@@ -1,7 +1,4 @@
-#include "events/EventPrinter.h"
-
 #include "events/FakePort.h"
-#include "support/Bench.h"
 #include "support/PipePrinter.h"
 
 #include <QCoreApplication>
@@ -11,11 +8,8 @@
 
 namespace {
 
-class Paper : public Bench {
+class Paper : public PrinterBench {
 protected:
-    Paper() { printer.setPort(Text("LPT1")); }
-
-    QByteArray Written() { return std::exchange(port->written, {}); }
     void Print(const char* line) { paper.Print(Text(line)); }
     void TimeOut() {
         port->advanceError = ETIMEDOUT;
@@ -26,10 +20,6 @@ protected:
         const QList<Faults::Fault> standing = Faults::Standing();
         return standing.isEmpty() ? QString() : standing[0].detail;
     }
-
-    FakePort* port = new FakePort;
-    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
-    EventPrinter paper{printer};
 };
 
 TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "events/EventPrinter.h"
 #include "platform/PrinterPort.h"
-#include "support/PrintText.h"
+#include "support/Bench.h"
 
 #include <QStringList>
 
@@ -56,4 +57,16 @@ public:
 private:
     bool open_ = false;
     bool busy_ = false;
+};
+
+/// An event printer on such a port, named LPT1.
+class PrinterBench : public Bench {
+protected:
+    PrinterBench() { printer.setPort(Text("LPT1")); }
+
+    QByteArray Written() { return std::exchange(port->written, {}); }
+
+    FakePort* port = new FakePort;
+    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
+    EventPrinter paper{printer};
 };
