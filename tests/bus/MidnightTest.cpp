@@ -4,8 +4,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class BusWide : public Engine {
 protected:
     BusWide() { Start(); }
@@ -18,7 +16,6 @@ protected:
         panel.setNextPoll(clock.Now() + 100);
         return panel;
     }
-    Lines Sent() const { return Frames::Said(link->sent); }
 };
 
 class Update : public BusWide {

@@ -18,49 +18,48 @@ protected:
         channel.setPrtAlm(true);
         channel.setPrintText(Text("Brûleur à gaz"));
         SetOptions(0, 0, 31, 0);
+        printer.Taken();
+        Forget();
     }
 
-    void Route(qint16 chnl, qint16 aff) {
+    /// What an event brings on paper.
+    QByteArray Route(qint16 chnl, qint16 aff) {
         EventClass event(5, chnl, 0, aff);
         event.setGDH(clock.Now());
         engine->SendEvent(event);
+        return printer.Taken();
     }
 
     PipePrinter printer{Path(Text("printer"))};
 };
 
 TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
-    printer.Taken();
-    Forget();
-    Route(7, 1);
-    const QByteArray line = printer.Taken();
-    EXPECT_EQ(line.left(30), QByteArray("\x1B"
-                                        "E2024-03-15 12:00:00        P"));
+    const QByteArray line = Route(7, 1);
+    EXPECT_EQ(line.left(30), "\x1B\x45"
+                             "2024-03-15 12:00:00        P");
     EXPECT_TRUE(line.endsWith("Br\x96leur \x85 gaz\r\n")) << line.toStdString();
-    Route(8, 1);
-    EXPECT_EQ(printer.Taken(), QByteArray()) << "a channel that isn't printed";
+    EXPECT_EQ(Route(8, 1), QByteArray()) << "a channel that isn't printed";
 
     printer.SwitchOff();
     Route(7, 1);
     Route(7, 0);
     EXPECT_EQ(events.size(), 4);
     EXPECT_EQ(boxes, QStringList());
-    const auto told = [this] { return TraceLines().filter(Text(" PRINTER ERROR  ")); };
-    const qsizetype first = told().size();
+    const auto told = [this] { return TraceLines().filter(Text(" PRINTER ERROR  ")).size(); };
+    const qsizetype first = told();
     EXPECT_GE(first, 1);
     Route(7, 1);
-    EXPECT_EQ(told().size(), first) << "once an hour";
+    EXPECT_EQ(told(), first) << "once an hour";
     clock.Advance(3601000);
     Route(7, 0);
-    EXPECT_EQ(told().size(), first + 1);
+    EXPECT_EQ(told(), first + 1);
 
     EXPECT_TRUE(Faults::Stands(Faults::Kind::PrinterNotReached));
     printer.SwitchOn();
     clock.Advance(EventPrinter::TryPause);
-    Route(7, 1);
-    const QByteArray paper = printer.Taken();
-    EXPECT_TRUE(paper.startsWith("4 events not printed, see history\r\n\x1B"
-                                 "E2024-03-15 13:00:31 "))
+    const QByteArray paper = Route(7, 1);
+    EXPECT_TRUE(paper.startsWith("4 events not printed, see history\r\n\x1B\x45"
+                                 "2024-03-15 13:00:31 "))
         << paper.toStdString();
     EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
 }
@@ -73,9 +72,7 @@ TEST_F(PrinterRoad, ThePortOfTheBusIsNeverPrintedOn) {
     engine->ConfigCommPort();
     EXPECT_EQ(boxes.filter(GetText(714061)).size(), 1);
     EXPECT_EQ(engine->dpPrinter().Port(), QString());
-    printer.Taken();
-    Route(7, 1);
-    EXPECT_EQ(printer.Taken(), QByteArray());
+    EXPECT_EQ(Route(7, 1), QByteArray());
 }
 
 } // namespace

@@ -12,8 +12,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 /// Modules that tell their model as the real ones do; the first start of the bus is the test's.
 class Synchro : public Engine {
 protected:
@@ -161,11 +159,11 @@ TEST_F(Synchro, StandingStatesBecomeEventsWithTheirQualifiers) {
     Put(6, Models::P5500);
     Put(7, Models::Q6200XT);
     Put(8, Models::Q7000);
-    const int states[] = {1, 3, 5, 0, 2, 4};
+    const int standing[] = {1, 3, 5, 0, 2, 4};
     const int qualifiers[] = {0, 1, 1, 1, 2, 1};
     for (const int address : {5, 6, 7, 8})
         for (int i = 0; i < 6; ++i) {
-            modules[address][1 + i] = quint16(states[i]);
+            modules[address][1 + i] = quint16(standing[i]);
             modules[address][49 + i] = quint16(qualifiers[i]);
         }
     modules[5][12] = 1;
