@@ -5,6 +5,8 @@
 #include "support/FakeLink.h"
 #include "support/FakeModules.h"
 
+#include <tuple>
+
 namespace {
 
 using Outcome = BusDiagnosis::Outcome;
@@ -19,7 +21,7 @@ public:
     }
 };
 
-class Diagnosis : public Bench {
+class Diagnosis : public QuietBench {
 protected:
     Diagnosis() {
         link.setPortOpen(true);
@@ -29,17 +31,20 @@ protected:
 
     /// Reads one word of a panel; the reply comes after some time.
     bool Read(int panel, const QByteArray& reply, int milliseconds = 0) {
-        link.answer = [reply](const QByteArray&) { return reply; };
-        link.delay = milliseconds;
-        link.waitedMs = 0;
+        Reply(reply, milliseconds);
         Words words{-5};
         const bool done = LitMots(link, quint8(panel), 144, words);
         EXPECT_EQ(words == Words{-5}, !done) << "a damaged reply changes nothing";
         return done;
     }
     bool Write(int panel, const QByteArray& reply) {
-        link.answer = [reply](const QByteArray&) { return reply; };
+        Reply(reply);
         return EcritUnMot(link, quint8(panel), 1, 3);
+    }
+    void Reply(const QByteArray& reply, int milliseconds = 0) {
+        link.answer = [reply](const QByteArray&) { return reply; };
+        link.delay = milliseconds;
+        link.waitedMs = 0;
     }
 
     SlowLink link;
@@ -48,11 +53,7 @@ protected:
 
 TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
     const QByteArray good = WithCrc(FromHex("1103020007"));
-    struct {
-        const char* what;
-        QByteArray reply;
-        Outcome outcome;
-    } const reads[] = {
+    const std::tuple<const char*, QByteArray, Outcome> reads[] = {
         {"a reply", good, Outcome::Answered},
         {"silence", {}, Outcome::NoAnswer},
         {"one byte", good.left(1), Outcome::BadCrc},
@@ -70,20 +71,33 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
         {"an exception of another", WithCrc(FromHex("128302")), Outcome::OtherAddress},
         {"another, at its own length", WithCrc(FromHex("12030400070008")), Outcome::OtherAddress},
     };
-    for (const auto& read : reads) {
-        EXPECT_EQ(Read(0x11, read.reply), read.outcome == Outcome::Answered) << read.what;
-        EXPECT_EQ(diagnosis.LastOf(0x11), read.outcome) << read.what;
-        EXPECT_EQ(link.waitedMs, read.reply.size() < good.size() ? 1028 : 0) << read.what;
+    for (const auto& [what, reply, outcome] : reads) {
+        EXPECT_EQ(Read(0x11, reply), outcome == Outcome::Answered) << what;
+        EXPECT_EQ(diagnosis.LastOf(0x11), outcome) << what;
+        EXPECT_EQ(link.waitedMs, reply.size() < good.size() ? 1028 : 0) << what;
     }
-    EXPECT_EQ(boxes, QStringList());
-    EXPECT_FALSE(Write(0x11, WithCrc(FromHex("118604"))));
-    EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::Exception);
-    EXPECT_TRUE(Write(0x11, FromHex("1106000100030000"))) << "its CRC doesn't count";
-    EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::BadCrc) << "but is told";
+    const QByteArray taken = WithCrc(FromHex("110600010003"));
+    const std::tuple<const char*, QByteArray, Outcome, int> writes[] = {
+        {"a reply", taken, Outcome::Answered, 0},
+        {"silence", {}, Outcome::NoAnswer, 500},
+        {"short by one", taken.chopped(1), Outcome::BadCrc, 500},
+        {"a surplus byte", taken + '\1', Outcome::BadCrc, 0},
+        {"another function", WithCrc(FromHex("110300010003")), Outcome::BadCrc, 0},
+        {"another address", WithCrc(FromHex("120600010003")), Outcome::OtherAddress, 0},
+        {"an exception", WithCrc(FromHex("118604")), Outcome::Exception, 500},
+    };
+    for (const auto& [what, reply, outcome, waits] : writes) {
+        EXPECT_EQ(Write(0x11, reply), outcome == Outcome::Answered) << what;
+        EXPECT_EQ(diagnosis.LastOf(0x11), outcome) << what;
+        EXPECT_EQ(link.waitedMs, waits) << what;
+    }
+    // Neither the CRC nor register and value count in the reply to a write, but it is told.
+    EXPECT_TRUE(Write(0x11, FromHex("1106FFFF00000000")));
+    EXPECT_EQ(diagnosis.LastOf(0x11), Outcome::BadCrc);
 
     const BusDiagnosis::Counters counters = diagnosis.SinceStart(0x11);
-    EXPECT_EQ(counters.exchanges, std::size(reads) + 2);
-    EXPECT_EQ(counters.outcomes, (std::array<quint32, 5>{1, 1, 11, 2, 3}));
+    EXPECT_EQ(counters.exchanges, std::size(reads) + std::size(writes) + 1);
+    EXPECT_EQ(counters.outcomes, (std::array<quint32, 5>{2, 2, 14, 2, 4}));
     EXPECT_EQ(diagnosis.SinceStart(0x12), BusDiagnosis::Counters()) << "it wasn't asked";
 
     link.setPortOpen(false);
@@ -94,23 +108,23 @@ TEST_F(Diagnosis, TellsWhyAnExchangeFailed) {
 
 TEST_F(Diagnosis, MeasuresTheRepliesOfTheHour) {
     const QByteArray good = WithCrc(FromHex("0503020007"));
+    using Told = std::array<double, 4>;
     const auto told = [](const BusDiagnosis::Counters& counters) {
-        return std::array<double, 4>{double(counters.exchanges), double(counters.shortest),
-                                     counters.Mean(), double(counters.longest)};
+        return Told{double(counters.exchanges), double(counters.shortest), counters.Mean(),
+                    double(counters.longest)};
     };
     Read(5, good, 40);
     Read(5, {});
-    EXPECT_EQ(told(diagnosis.SinceStart(5)), (std::array<double, 4>{2, 40, 40, 40}))
-        << "a time-out is no time of reply";
+    EXPECT_EQ(told(diagnosis.SinceStart(5)), (Told{2, 40, 40, 40})) << "a time-out has no time";
     clock.Advance(30 * qint64(60000));
     Read(5, good, 20);
     Read(5, good, 90);
-    EXPECT_EQ(told(diagnosis.LastHour(5)), (std::array<double, 4>{4, 20, 50, 90}));
+    EXPECT_EQ(told(diagnosis.LastHour(5)), (Told{4, 20, 50, 90}));
     clock.Advance(30 * qint64(60000));
-    EXPECT_EQ(told(diagnosis.LastHour(5)), (std::array<double, 4>{2, 20, 55, 90}));
+    EXPECT_EQ(told(diagnosis.LastHour(5)), (Told{2, 20, 55, 90}));
     clock.Advance(24 * qint64(60) * 60000);
     EXPECT_EQ(diagnosis.LastHour(5), BusDiagnosis::Counters());
-    EXPECT_EQ(told(diagnosis.SinceStart(5)), (std::array<double, 4>{4, 20, 50, 90}));
+    EXPECT_EQ(told(diagnosis.SinceStart(5)), (Told{4, 20, 50, 90}));
 }
 
 TEST_F(Diagnosis, KeepsTheFramesOfLate) {

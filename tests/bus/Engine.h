@@ -12,7 +12,7 @@
 using Lines = std::vector<std::string>;
 
 /// The engine on a bus of fake modules, loaded and with the port open.
-class Engine : public Bench {
+class Engine : public QuietBench {
 protected:
     Engine()
         : link(new FakeLink) {
@@ -52,7 +52,6 @@ protected:
     void Forget() {
         link->sent.clear();
         events.clear();
-        boxes.clear();
         stateChanges.clear();
     }
     /// A panel of the site with a module that answers.

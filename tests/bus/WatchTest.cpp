@@ -112,7 +112,6 @@ TEST_F(Watch, ABusThatStartsByItselfWaitsForItsPort) {
     engine->RunWhenPortComes();
     engine->tmrReactiv_Timer();
     EXPECT_EQ(engine->State(), BusState::WaitsForPort);
-    EXPECT_EQ(boxes, QStringList());
     TakePort(true);
     engine->tmrReactiv_Timer();
     EXPECT_TRUE(engine->Run());
@@ -143,7 +142,7 @@ TEST_F(Watch, AnErrorOfTheRoundStopsTheBusAloud) {
     EXPECT_EQ(engine->State(), BusState::Stopped);
     EXPECT_TRUE(Faults::Stands(Kind::RoundStopped));
     EXPECT_EQ(Global::Get().currentPriority, 99);
-    EXPECT_EQ(boxes.size(), 1);
+    EXPECT_EQ(Boxes().size(), 1);
     EXPECT_EQ(Ids(), QList<int>{0x00FE0005}) << "the record tells it too";
     QObject::disconnect(fails);
     engine->setRun(true);

@@ -39,7 +39,7 @@ bool Expected(const char* options, int mask) {
     return false;
 }
 
-class Decisions : public Bench {
+class Decisions : public QuietBench {
 protected:
     static constexpr int Address = 9;
 
@@ -77,7 +77,6 @@ TEST_F(Decisions, FollowOptionsForEveryKindOfEventAndModel) {
             }
         }
     }
-    EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(Decisions, AChannelWithoutItsFlagGoesNowhere) {
@@ -100,7 +99,6 @@ TEST_F(Decisions, AChannelWithoutItsFlagGoesNowhere) {
     const EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     EXPECT_TRUE(IsToHisto(event) && IsToPrint(event));
     EXPECT_FALSE(IsToDisplay(event) || IsToKlaxon(event));
-    EXPECT_EQ(boxes, QStringList());
 }
 
 } // namespace

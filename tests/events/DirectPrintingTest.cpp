@@ -11,7 +11,7 @@ namespace {
 
 const QString NoPrinter = Text("Printer error");
 
-class Printer : public Bench {
+class Printer : public QuietBench {
 protected:
     Printer() {
         printer.onError = [this](const QString& text, int where) {
@@ -124,7 +124,6 @@ TEST_F(Printer, TellsWhatFailedAndWhere) {
     // Nobody listens.
     printer.onError = nullptr;
     EXPECT_EQ(printer.PrintLine(Text("x")), late);
-    EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(Printer, EndsItsLinesAndHoldsASerialPortForOneLine) {
@@ -181,19 +180,17 @@ TEST_F(Printer, IsTriedOutByItsPortString) {
     IniWrite(Text("Ports"), Text("COM2"), Path(Text("missing")));
     for (const char* name : {"", ":9600,N,8,1", "LPT1:", "LPT1"})
         EXPECT_TRUE(TestPrintPort(Text(name))) << name;
-    EXPECT_EQ(boxes, QStringList());
     EXPECT_FALSE(TestPrintPort(Text("COM2:9600,N,8,1")));
     EXPECT_FALSE(TestPrintPort(Text("FILE1:")));
-    ASSERT_EQ(boxes.size(), 2);
-    EXPECT_EQ(boxes[0], Text("The printer port cannot be opened:\r\nNo such file or directory"));
-    EXPECT_TRUE(boxes[1].startsWith(Text("Error Nr 380 : Invalid property value")));
+    EXPECT_EQ(boxes.size(), 2);
+    EXPECT_EQ(boxes.value(0), Text("The printer port cannot be opened:\r\nNo such file or directory"));
+    EXPECT_TRUE(Boxes().value(1).startsWith(Text("Error Nr 380 : Invalid property value")));
 
     // The port of the bus, by its number and by its device.
-    boxes.clear();
     IniWrite(Text("Ports"), Text("LPT1"), SLVfonctions::DevicePath(Text("COM1")));
     for (const char* name : {"COM1:9600,N,8,1", "com01:", "LPT1:"})
         EXPECT_FALSE(TestPrintPort(Text(name))) << name;
-    EXPECT_EQ(boxes, QStringList(3, GetText(714061)));
+    EXPECT_EQ(Boxes(), QStringList(3, GetText(714061)));
 }
 
 } // namespace

@@ -60,7 +60,7 @@ private:
 };
 
 /// An event printer on such a port, named LPT1.
-class PrinterBench : public Bench {
+class PrinterBench : public QuietBench {
 protected:
     PrinterBench() { printer.setPort(Text("LPT1")); }
 

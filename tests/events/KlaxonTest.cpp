@@ -6,7 +6,7 @@
 
 namespace {
 
-class Klaxon : public Bench {
+class Klaxon : public QuietBench {
 protected:
     Klaxon() {
         Site().setAlarmPrioSound(3, 11);
@@ -67,7 +67,6 @@ TEST_F(Klaxon, AMachineWithoutSoundKeepsThePriority) {
     EXPECT_EQ(Global::Get().currentPriority, 7);
     Alarme(StopAlarme);
     EXPECT_EQ(Global::Get().currentPriority, 0);
-    EXPECT_EQ(boxes, QStringList());
 }
 
 } // namespace
