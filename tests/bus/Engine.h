@@ -23,13 +23,11 @@ protected:
     /// Makes and loads the engine; the application is started anew by a second call.
     void Load() {
         if (engine) {
-            auto next = std::make_unique<FakeLink>();
+            auto* next = new FakeLink;
             next->answer = link->answer;
-            link = next.get();
-            engine = std::make_unique<wPolling>(std::move(next));
-        } else {
-            engine = std::make_unique<wPolling>(std::unique_ptr<platform::SerialLink>(link));
+            link = next;
         }
+        engine = std::make_unique<wPolling>(std::unique_ptr<platform::SerialLink>(link));
         engine->Form_Load();
         const wPolling* from = engine.get();
         QObject::connect(from, &wPolling::BusEvent, [this](const auto& event) { events += event; });
@@ -93,14 +91,9 @@ protected:
     /// "panel/channel qualifier state clock" of each.
     static QStringList Fields(const QList<EventClass>& list) {
         QStringList fields;
-        for (const EventClass& event : list) {
-            fields += Text("%1/%2 %3 %4 %5")
-                          .arg(event.Panel())
-                          .arg(event.Chnl())
-                          .arg(event.Param())
-                          .arg(event.Aff())
-                          .arg(event.Clock());
-        }
+        for (const EventClass& event : list)
+            fields += QString::asprintf("%d/%d %d %d %d", event.Panel(), event.Chnl(),
+                                        event.Param(), event.Aff(), event.Clock());
         return fields;
     }
     static QList<int> Counters(const PanelClass& panel) {

@@ -20,12 +20,9 @@ protected:
     }
 
     static MirrorClass Rule(int toChannel, int kind) {
-        MirrorClass rule;
-        rule.setFromModule(5);
-        rule.setToModule(6);
-        rule.setToChannel(qint16(toChannel));
-        rule.setMirrorType(qint16(kind));
-        return rule;
+        MirrorClasses rules;
+        rules.Add(5, 0, 6, qint16(toChannel), qint16(kind));
+        return rules.Item(1);
     }
     /// What a round puts on the line.
     Lines Carried() {

@@ -52,15 +52,6 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     clock.Advance(3601000);
     Route(7, 0);
     EXPECT_EQ(told(), first + 1);
-
-    EXPECT_TRUE(Faults::Stands(Faults::Kind::PrinterNotReached));
-    printer.SwitchOn();
-    clock.Advance(EventPrinter::TryPause);
-    const QByteArray paper = Route(7, 1);
-    EXPECT_TRUE(paper.startsWith("4 events not printed, see history\r\n\x1B\x45"
-                                 "2024-03-15 13:00:31 "))
-        << paper.toStdString();
-    EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
 }
 
 // Whoever chooses the ports may do it in either order.

@@ -121,18 +121,6 @@ TEST_F(Queue, WaitsForTheTimeOfACommand) {
     EXPECT_EQ(Addresses(6), QList<int>{7});
 }
 
-TEST_F(Queue, TakesCommandsThatComeInAYield) {
-    modules[7];
-    BetweenExchanges([this] {
-        if (link->sent.size() == 1)
-            engine->SendCommand(Write(7, 66, {1}));
-    });
-    engine->SendCommand(Write(7, 67, {2}));
-    Rounds(1);
-    EXPECT_EQ(modules[7].value(66), 1);
-    EXPECT_EQ(engine->Commands().Count(), 0);
-}
-
 TEST_F(Queue, AnUnloadInAYieldEndsTheRoundAndStoresTheRest) {
     AddModule(7, Models::Q7100);
     BetweenExchanges([this] { engine->Form_Unload(); });
@@ -194,10 +182,13 @@ TEST_F(Queue, ComesBackAfterARestart) {
     EXPECT_EQ(IniReadKeys(keys, Pending), 0) << "nothing comes back at the next start";
 }
 
-TEST_F(Queue, AStopAndAStartInAYieldDontNestRounds) {
+TEST_F(Queue, AStopAStartAndACommandInAYieldDontNestRounds) {
     int depth = 0;
+    modules[7];
     BetweenExchanges([&] {
         EXPECT_EQ(++depth, 1);
+        if (link->sent.size() == 1)
+            engine->SendCommand(Write(7, 66, {1}));
         engine->setRun(false);
         engine->setRun(true);
         engine->RunComm();
@@ -205,10 +196,70 @@ TEST_F(Queue, AStopAndAStartInAYieldDontNestRounds) {
     });
     rounds.clear();
     engine->SendCommand(Write(7, 67, {2}));
-    engine->SendCommand(Write(7, 66, {2}));
     Rounds(1);
     EXPECT_EQ(rounds.size(), 1);
-    EXPECT_EQ(link->sent.size(), 2);
+    EXPECT_EQ(Sent(), (Lines{"write 7 67 2", "write 7 66 1"}));
+    EXPECT_EQ(engine->Commands().Count(), 0);
+}
+
+TEST_F(Queue, DropsWhatAlreadyWaits) {
+    CommandClasses queue;
+    const CommandPtr first = Write(5, 67, {2}, 45000);
+    first->ErrorInc();
+    queue.Add(first);
+    queue.Add(Write(5, 67, {2}, 99999));
+    ASSERT_EQ(queue.Count(), 1);
+    EXPECT_EQ(queue.Item(1), first) << "the older one keeps its time and its errors";
+
+    const CommandPtr read = Write(5, 67, {2});
+    read->setCmdType(CommandTypes::Read);
+    for (const CommandPtr& other :
+         {Write(5, 67, {1}), Write(5, 67, {2, 0}), Write(6, 67, {2}), Write(5, 66, {2}), read})
+        queue.Add(other);
+    EXPECT_EQ(queue.Count(), 6);
+
+    // One that was carried out is no longer the same kind: its repetition is a new command.
+    first->setCmdType(CommandTypes::Done);
+    queue.Add(Write(5, 67, {2}));
+    EXPECT_EQ(queue.Count(), 7);
+
+    queue.Remove(2);
+    EXPECT_EQ(queue.Item(2)->ValuesCount(), 2);
+    for (const int position : {0, 7, -1}) {
+        EXPECT_THROW((void)queue.Item(position), platform::RunTimeError);
+        EXPECT_THROW(queue.Remove(position), platform::RunTimeError);
+    }
+    // The values of a command grow and keep their content.
+    EXPECT_THROW((void)first->Value(1), platform::RunTimeError);
+    first->setValue(2, -1);
+    EXPECT_EQ(first->Values(), (Words{2, 0, -1}));
+    EXPECT_THROW(first->setValue(-1, 1), platform::RunTimeError);
+}
+
+TEST_F(Queue, KeepsACommandOverARestart) {
+    const CommandPtr command = Write(7, 288, {62, -1, 0}, clock.Now());
+    EXPECT_EQ(command->ToText(), Text("2|7|0120|2024-03-15 12:00:00|003E|FFFF|0000"));
+    const CommandPtr back = CommandClass::FromText(command->ToText());
+    EXPECT_TRUE(back->SameAs(*command));
+    EXPECT_DOUBLE_EQ(back->SendTime(), clock.Now());
+    EXPECT_EQ(back->ErrorCount(), 0);
+
+    const CommandPtr soon = CommandClass::FromText(Write(0, 289, {0})->ToText());
+    EXPECT_EQ(soon->SendTime(), 0);
+    EXPECT_EQ(soon->Module(), 0);
+    // A time that another locale wrote can't hold a command back.
+    EXPECT_EQ(CommandClass::FromText(Text("2|7|0043|15.3.2099 noon|0002"))->SendTime(), 0);
+}
+
+TEST_F(Queue, RefusesWhatIsNoCommand) {
+    const QByteArray tooMany = "2|7|0043|00:00:00" + QByteArray("|0001").repeated(125);
+    for (const char* text :
+         {"", "|", "2", "2|7|0043", "2|7|0043|00:00:00", "x|7|0043|00:00:00|0002",
+          "2||0043|00:00:00|0002", "2|7|00G3|00:00:00|0002", "2|7|0043|00:00:00|",
+          "2|7|0043|00:00:00|0002|zz", "2|65|0043|00:00:00|0002", "2|256|0043|00:00:00|0002",
+          "2|-1|0043|00:00:00|0002", "2|99999999999|0043|00:00:00|0002", "2|7|10120|00:00:00|0002",
+          "2|7|-43|00:00:00|0002", "2|7|0043|00:00:00|10002", tooMany.constData()})
+        EXPECT_THROW(CommandClass::FromText(Text(text)), platform::RunTimeError) << text;
 }
 
 } // namespace

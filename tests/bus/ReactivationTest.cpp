@@ -113,7 +113,7 @@ TEST_F(Reactivation, GoesThroughAllRows) {
     console->rows.prepend({Text("3 15.03.2024 11:00:00"), 0x05070101});
     EXPECT_EQ(TakenAt(0), 0);
     EXPECT_EQ(Boxes(), TextList({"Error Nr 13 : Type mismatch\r\nModule : wPolling\r\n"
-                               "Object : tmr\r\nEvent : Reactiv_Timer"}));
+                                 "Object : tmr\r\nEvent : Reactiv_Timer"}));
     console->rows.removeFirst();
     EXPECT_EQ(TakenAt(1), 2);
 }
@@ -178,25 +178,6 @@ TEST_F(Reactivation, AnAlarmMayCostTheConsole) {
     EXPECT_EQ(Taken(), 1) << "on the new console";
     EXPECT_EQ(console->RowCount(), 0);
     EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
-}
-
-TEST_F(Reactivation, APortThatCameBackIsOpenedAgain) {
-    Stand(0, "");
-    const PanelClass& panel = Site().Panel(5);
-    link->setPortOpen(false);
-    link->canOpen = false;
-    Tick(0);
-    EXPECT_FALSE(link->PortOpen());
-    EXPECT_GT(panel.NextPoll(), clock.Now());
-    link->canOpen = true;
-    Tick(10);
-    EXPECT_TRUE(link->PortOpen());
-    EXPECT_LT(panel.NextPoll(), clock.Now()) << "what went missing is asked at once";
-
-    engine->setRun(false);
-    link->setPortOpen(false);
-    Tick(20);
-    EXPECT_FALSE(link->PortOpen()) << "not for a bus at rest";
 }
 
 } // namespace

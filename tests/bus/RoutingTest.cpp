@@ -41,10 +41,8 @@ protected:
     }
     /// What each consumer has of the last event, besides the log of the forms.
     void Note(const QString& what) {
-        log += Text("%1, %2 histo, %3 traced")
-                   .arg(what)
-                   .arg(Histo().size())
-                   .arg(TraceLines().size() - traced);
+        log += what + QString::asprintf(", %d histo, %d traced", int(Histo().size()),
+                                        int(TraceLines().size() - traced));
     }
     QStringList Histo() const {
         const QString name = Text("Histo202403.his");

@@ -22,18 +22,17 @@ protected:
         PanelClass& panel = AddModule(address, configured < 0 ? model : configured);
         panel.setPresent(false);
         modules[address][132] = model == Models::Q6200XT ? 2 : 1;
-        modules[address][133] = model == Models::Q7100 ? 1 : (model == Models::P5500 ? 2 : 0);
-        if (model == Models::Q7000)
-            silentOn133 += address;
+        if (model != Models::Q7000)
+            modules[address][133] = model == Models::Q7100 ? 1 : (model == Models::P5500 ? 2 : 0);
         return panel;
     }
     virtual QByteArray Answer(const QByteArray& frame) {
         if (inFrame)
             inFrame(frame);
-        const int address = quint8(frame[0]);
-        if (FakeModules::WordAt(frame, 2) == 133 && silentOn133.contains(address))
-            return {};
-        return modules.Answer(frame);
+        // Of the register that not all have some say nothing.
+        const bool silent =
+            FakeModules::WordAt(frame, 2) == 133 && !modules[quint8(frame[0])].contains(133);
+        return silent ? QByteArray() : modules.Answer(frame);
     }
     static void Add(Lines& lines, const Lines& more) {
         lines.insert(lines.end(), more.begin(), more.end());
@@ -52,7 +51,6 @@ protected:
         return list;
     }
 
-    QList<int> silentOn133;
     std::function<void(const QByteArray&)> inFrame;
 };
 

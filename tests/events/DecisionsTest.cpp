@@ -1,7 +1,10 @@
 #include "events/Decisions.h"
 
 #include "model/Models.h"
+#include "platform/RunTimeError.h"
 #include "support/Bench.h"
+
+#include <array>
 
 namespace {
 
@@ -52,6 +55,14 @@ protected:
             channel.setKlaxon(klaxon);
         }
     }
+    /// What screen, history, printer and horn decide, and what is expected of them.
+    static std::array<bool, 4> Decided(const EventClass& event) {
+        return {IsToDisplay(event), IsToHisto(event), IsToPrint(event), IsToKlaxon(event)};
+    }
+    static std::array<bool, 4> Wanted(const Row& row, int mask) {
+        const bool record = Expected(row.record, mask);
+        return {Expected(row.display, mask), record, record, Expected(row.horn, mask)};
+    }
 };
 
 TEST_F(Decisions, FollowOptionsForEveryKindOfEventAndModel) {
@@ -61,19 +72,18 @@ TEST_F(Decisions, FollowOptionsForEveryKindOfEventAndModel) {
         const bool neverSounds = model == Models::P5000 || model == Models::P5500;
         for (int mask = 0; mask < 32; ++mask) {
             for (const Row& row : Table) {
-                const EventClass event(Address, row.chnl, row.param, row.aff);
                 SCOPED_TRACE(::testing::Message()
                              << "chnl " << row.chnl << " param " << row.param << " aff " << row.aff
                              << " mask " << mask << " model " << model);
+                const EventClass event(Address, row.chnl, row.param, row.aff);
+                auto wanted = Wanted(row, mask);
+                wanted[3] = wanted[3] && !neverSounds;
                 // Each decision has its own row of options: the others are the opposite.
-                SetOptions(mask, ~mask, ~mask, ~mask);
-                EXPECT_EQ(IsToDisplay(event), Expected(row.display, mask));
-                SetOptions(~mask, mask, ~mask, ~mask);
-                EXPECT_EQ(IsToHisto(event), Expected(row.record, mask));
-                SetOptions(~mask, ~mask, mask, ~mask);
-                EXPECT_EQ(IsToPrint(event), Expected(row.record, mask));
-                SetOptions(~mask, ~mask, ~mask, mask);
-                EXPECT_EQ(IsToKlaxon(event), !neverSounds && Expected(row.horn, mask));
+                for (size_t which = 0; which < 4; ++which) {
+                    const auto of = [&](size_t other) { return which == other ? mask : ~mask; };
+                    SetOptions(of(0), of(1), of(2), of(3));
+                    EXPECT_EQ(Decided(event)[which], wanted[which]) << which;
+                }
             }
         }
     }
@@ -82,23 +92,34 @@ TEST_F(Decisions, FollowOptionsForEveryKindOfEventAndModel) {
 TEST_F(Decisions, AChannelWithoutItsFlagGoesNowhere) {
     AddPanel(Address, Models::Q7100);
     SetOptions(31, 31, 31, 31);
-    for (int flag = 0; flag < 4; ++flag) {
-        // The flag under test is down, the three others are up.
+    // The flag under test is down, the three others are up.
+    for (size_t flag = 0; flag < 4; ++flag) {
         SetFlags(flag != 0, flag != 1, flag != 2, flag != 3);
         for (const Row& row : Table) {
             if (!Family::IsChannel(row.chnl))
                 continue;
-            const EventClass event(Address, row.chnl, row.param, row.aff);
-            EXPECT_EQ(IsToDisplay(event), flag != 0 && Expected(row.display, 31));
-            EXPECT_EQ(IsToHisto(event), flag != 1 && Expected(row.record, 31));
-            EXPECT_EQ(IsToPrint(event), flag != 2 && Expected(row.record, 31));
-            EXPECT_EQ(IsToKlaxon(event), flag != 3 && Expected(row.horn, 31));
+            auto wanted = Wanted(row, 31);
+            wanted[flag] = false;
+            EXPECT_EQ(Decided(EventClass(Address, row.chnl, row.param, row.aff)), wanted) << flag;
         }
     }
     // Events of the application need no panel.
-    const EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
-    EXPECT_TRUE(IsToHisto(event) && IsToPrint(event));
-    EXPECT_FALSE(IsToDisplay(event) || IsToKlaxon(event));
+    EXPECT_EQ(Decided(EventClass(0, Family::System, 0, SystemEvents::ApplicationStarted)),
+              (std::array{false, true, true, false}));
+}
+
+// With the top bit set a key still splits by bytes, but none is packed.
+TEST(EventClass, IdPacksTheFourFieldsAndSplitsAgain) {
+    EventClass event;
+    for (const auto& [key, fields] :
+         {std::pair(0x03FF0101U, std::array{3, 255, 1, 1}), {0xFFFE0200U, {255, 254, 2, 0}}}) {
+        event.setID(qint32(key));
+        EXPECT_EQ((std::array<int, 4>{event.Panel(), event.Chnl(), event.Param(), event.Aff()}),
+                  fields);
+    }
+    EXPECT_THROW((void)event.ID(), platform::RunTimeError);
+    EXPECT_EQ(EventClass(64, 24, 0, 4).ID(), 0x40180004);
+    EXPECT_EQ(EventClass(127, 255, 255, 255).ID(), 0x7FFFFFFF);
 }
 
 } // namespace

@@ -11,9 +11,10 @@ namespace {
 
 const QString NoPrinter = Text("Printer error");
 
-class Printer : public QuietBench {
+class Printer : public PrinterBench {
 protected:
     Printer() {
+        printer.setPort(QString());
         printer.onError = [this](const QString& text, int where) {
             told += Text("%1 %2").arg(where).arg(text);
         };
@@ -21,40 +22,30 @@ protected:
 
     QStringList Done() { return std::exchange(port->log, {}); }
     QStringList Told() { return std::exchange(told, {}); }
-    int SetPort(const char* name) {
-        try {
-            printer.setPort(Text(name));
-        } catch (const platform::RunTimeError& error) {
-            return error.Number();
-        }
-        return 0;
-    }
 
-    FakePort* port = new FakePort;
-    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
     QStringList told;
 };
 
 TEST_F(Printer, TakesPortNamesAndRefusesOthers) {
     for (const char* name : {"COM1", "LPT1", "COM255", "LPT", "", "LPT2"}) {
-        EXPECT_EQ(SetPort(name), 0) << name;
+        printer.setPort(Text(name));
         EXPECT_EQ(printer.Port(), Text(name));
     }
     for (const char* name : {"USB1", " COM1", "CO", "/dev/lp0"}) {
-        EXPECT_EQ(SetPort(name), 380) << name;
+        EXPECT_THROW(printer.setPort(Text(name)), platform::RunTimeError) << name;
         EXPECT_EQ(printer.Port(), Text("LPT2"));
     }
     EXPECT_EQ(Done(), QStringList()) << "a closed port stays closed";
     printer.setSettings(Text("9600,N,8,1"));
     EXPECT_EQ(printer.OpenPrinter({}, {}, false), QString());
     EXPECT_EQ(printer.Handle(), 1);
-    SetPort("LPT2");
+    printer.setPort(Text("LPT2"));
     EXPECT_EQ(Done(), TextList({"open LPT2", "timeout 2000"}));
-    SetPort("COM2");
+    printer.setPort(Text("COM2"));
     EXPECT_EQ(Done(), TextList({"close", "open COM2", "line 9600 0 8 0", "timeout 2000"}));
-    EXPECT_EQ(SetPort("XYZ"), 380);
+    EXPECT_THROW(printer.setPort(Text("XYZ")), platform::RunTimeError);
     EXPECT_TRUE(printer.IsOpen());
-    SetPort("");
+    printer.setPort(Text(""));
     EXPECT_EQ(Done(), TextList({"close"}));
     EXPECT_EQ(printer.Handle(), 0);
 }
@@ -80,30 +71,23 @@ TEST_F(Printer, OpensWithTheLineOfItsSettings) {
     EXPECT_EQ(printer.OpenPrinter({}, {}, false), QString()) << "told, and goes on";
     EXPECT_EQ(Told(), TextList({"2 Invalid argument"}));
     EXPECT_TRUE(printer.IsOpen());
-    Done();
-    // A parallel port has no line; empty arguments stand for what is there.
-    printer.OpenPrinter(Text("LPT3"), {}, false);
-    EXPECT_EQ(printer.Settings(), Text("fast"));
-    printer.OpenPrinter({}, Text("2400,N,8,1"), false);
-    EXPECT_EQ(Done(), TextList({"close", "open LPT3", "timeout 2000", "close", "open LPT3",
-                                "timeout 2000"}));
-    EXPECT_EQ(printer.Port(), Text("LPT3"));
+    EXPECT_EQ(printer.Port() + printer.Settings(), Text("COM1fast")) << "empty arguments keep them";
 }
 
 TEST_F(Printer, TellsWhatFailedAndWhere) {
-    EXPECT_EQ(printer.PrintString(Text("x")), NoPrinter);
-    EXPECT_EQ(printer.PrintData("x"), NoPrinter);
-    EXPECT_EQ(printer.PrintLine(Text("x")), NoPrinter);
+    const auto printed = [this] {
+        return QStringList(
+            {printer.PrintData("x"), printer.PrintString(Text("x")), printer.PrintLine(Text("x"))});
+    };
+    EXPECT_EQ(printed(), QStringList(3, NoPrinter));
     EXPECT_EQ(Done() + Told(), QStringList()) << "no port";
 
     port->openError = ENOENT;
     const QString missing = Text("No such file or directory");
     EXPECT_EQ(printer.OpenPrinter(Text("LPT1"), {}, false), missing);
     EXPECT_EQ(printer.Handle(), -1);
-    EXPECT_EQ(printer.PrintString(Text("x")), NoPrinter);
-    EXPECT_EQ(Told(), QStringList{Text("0 ") + missing});
-    EXPECT_EQ(printer.PrintLine(Text("x")), missing) << "tried again with each line";
-    EXPECT_EQ(Told(), QStringList{Text("0 ") + missing});
+    EXPECT_EQ(printed(), QStringList({NoPrinter, NoPrinter, missing})) << "tried with each line";
+    EXPECT_EQ(Told(), QStringList(2, Text("0 ") + missing));
     printer.ClosePrinter();
     EXPECT_EQ(printer.Handle(), 0);
 
@@ -115,19 +99,15 @@ TEST_F(Printer, TellsWhatFailedAndWhere) {
 
     port->writeError = ETIMEDOUT;
     const QString late = Text("Connection timed out");
-    EXPECT_EQ(printer.PrintData("x"), late);
-    EXPECT_EQ(printer.PrintString(Text("x")), late);
-    EXPECT_EQ(printer.PrintLine(Text("x")), late);
+    EXPECT_EQ(printed(), QStringList(3, late));
     EXPECT_EQ(Told(), QStringList({Text("6 ") + late, Text("8 ") + late, Text("8 ") + late}));
     EXPECT_EQ(Done(), TextList({"write", "write", "write", "close"}));
-
-    // Nobody listens.
     printer.onError = nullptr;
-    EXPECT_EQ(printer.PrintLine(Text("x")), late);
+    EXPECT_EQ(printer.PrintLine(Text("x")), late) << "nobody listens";
 }
 
 TEST_F(Printer, EndsItsLinesAndHoldsASerialPortForOneLine) {
-    SetPort("LPT1");
+    printer.setPort(Text("LPT1"));
     EXPECT_EQ(printer.PrintLine(Text("one")), QString());
     printer.setAddLF(true);
     EXPECT_EQ(printer.PrintLine(QString()), QString());
@@ -143,7 +123,7 @@ TEST_F(Printer, EndsItsLinesAndHoldsASerialPortForOneLine) {
     EXPECT_EQ(printer.PrintLine(Text("two")), QString());
     EXPECT_EQ(Done(), TextList({"open LPT1", "timeout 2000", "write"}));
 
-    SetPort("COM1");
+    printer.setPort(Text("COM1"));
     printer.setSettings(Text("4800,N,8,1"));
     printer.PrintLine(Text("one"));
     Done();
@@ -183,7 +163,8 @@ TEST_F(Printer, IsTriedOutByItsPortString) {
     EXPECT_FALSE(TestPrintPort(Text("COM2:9600,N,8,1")));
     EXPECT_FALSE(TestPrintPort(Text("FILE1:")));
     EXPECT_EQ(boxes.size(), 2);
-    EXPECT_EQ(boxes.value(0), Text("The printer port cannot be opened:\r\nNo such file or directory"));
+    EXPECT_EQ(boxes.value(0),
+              Text("The printer port cannot be opened:\r\nNo such file or directory"));
     EXPECT_TRUE(Boxes().value(1).startsWith(Text("Error Nr 380 : Invalid property value")));
 
     // The port of the bus, by its number and by its device.

@@ -158,7 +158,8 @@ TEST_F(EventLines, OfChannelsAndThePanelAsAWhole) {
         ExpectLines(
             event,
             TextList({row.display, row.parameter, row.origin, row.clock, common, text}).join(u'|'),
-            TextList({row.clock, key, row.origin, row.parameter, row.word, common, text}).join(u'|'),
+            TextList({row.clock, key, row.origin, row.parameter, row.word, common, text})
+                .join(u'|'),
             TextList({row.origin, row.parameter, row.display, common, printed}).join(u'|'));
     }
     EventClass event = Event(0, 254, 0, 4);
@@ -190,7 +191,8 @@ TEST_F(EventLines, OfThePanelsAtMidnight) {
 
 TEST_F(EventLines, KeepWhatStoodWhenACodePassesTheLists) {
     const auto told = [this](const char* function) {
-        EXPECT_EQ(Boxes(), QStringList(Text("Error Nr 9 : Subscript out of range\r\n") + Text(function)));
+        EXPECT_EQ(Boxes(),
+                  QStringList(Text("Error Nr 9 : Subscript out of range\r\n") + Text(function)));
     };
     EXPECT_EQ(Screen(12, 7, 2, 1).leftJustified(162).left(7), Text("0000123"));
     told("Module : TextProcs\r\nFunction : FormateHistoScreen");
@@ -286,20 +288,6 @@ TEST_F(EventLines, ControlSequencesAreBytesInHexadecimalWithinTheLongestLine) {
     EXPECT_EQ(Print(12, 7, 0, 1), "\x1B\x46\x0F" + whole.left(77));
     Site().setPrintMaxLen(-1);
     EXPECT_EQ(Print(12, 7, 0, 1).size(), 133);
-}
-
-TEST_F(EventLines, NothingStopsForAPrinterThatFails) {
-    QStringList told;
-    printer.onError = [&](const QString&, int where) { told += QString::number(where); };
-    port->writeError = ETIMEDOUT;
-    Print(12, 7, 0, 1);
-    printer.ClosePrinter();
-    port->openError = ENOENT;
-    clock.Advance(EventPrinter::TryPause);
-    EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
-    printer.setPort(QString());
-    EXPECT_EQ(Print(12, 7, 0, 1), QByteArray());
-    EXPECT_EQ(told, TextList({"8", "0"}));
 }
 
 TEST_F(EventLines, DefinitionFilesHoldSequences) {

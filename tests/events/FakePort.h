@@ -27,11 +27,8 @@ public:
     bool IsOpen() const override { return open_; }
     int CheckLine() override { return checkError; }
     int SetLine(const platform::LineSettings& settings) override {
-        log += Text("line %1 %2 %3 %4")
-                   .arg(settings.speed)
-                   .arg(settings.parity)
-                   .arg(settings.dataBits)
-                   .arg(settings.stopBits);
+        log += QString::asprintf("line %d %d %d %d", int(settings.speed), int(settings.parity),
+                                 int(settings.dataBits), int(settings.stopBits));
         return lineError;
     }
     void SetWriteTimeout(int milliseconds) override { log += Text("timeout %1").arg(milliseconds); }

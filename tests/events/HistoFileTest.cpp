@@ -3,7 +3,6 @@
 #include "events/TextProcs.h"
 #include "model/Models.h"
 #include "support/Bench.h"
-#include "support/Rows.h"
 
 namespace {
 
@@ -66,7 +65,7 @@ TEST_F(HistoFile, ThatCannotBeWrittenIsToldOnce) {
     ASSERT_TRUE(QDir().mkdir(Path(Month)));
     HistoProcs::HistoEvent(Event());
     EXPECT_EQ(Boxes(), TextList({"Error Nr 75 : Path/File access error\r\nModule : "
-                               "HistoProcs\r\nFunction : HistoEvent"}));
+                                 "HistoProcs\r\nFunction : HistoEvent"}));
     EXPECT_TRUE(Faults::Stands(Faults::Kind::HistoryNotWritten));
     // Its folder goes away as a whole, and comes back with the next event.
     ASSERT_TRUE(QDir(Path(QString())).removeRecursively());

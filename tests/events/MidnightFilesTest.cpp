@@ -4,6 +4,7 @@
 #include "support/Bench.h"
 
 #include <QDateTime>
+#include <QScopeGuard>
 #include <sys/mount.h>
 
 namespace {
@@ -11,31 +12,6 @@ namespace {
 QDateTime At(int year, int month, int day, int hour = 0) {
     return QDateTime(QDate(year, month, day), QTime(hour, 0));
 }
-
-/// A small file system in memory at a folder, as long as it lives.
-class Disk {
-public:
-    Disk(const QString& folder, const char* options)
-        : folder_(QFile::encodeName(folder)) {
-        QDir().mkpath(folder);
-        mounted_ = mount("tmpfs", folder_.constData(), "tmpfs", 0, options) == 0;
-    }
-    ~Disk() {
-        if (mounted_)
-            umount2(folder_.constData(), MNT_DETACH);
-    }
-    Disk(const Disk&) = delete;
-    Disk& operator=(const Disk&) = delete;
-
-    bool IsThere() const { return mounted_; }
-    bool Protect() const {
-        return mount("tmpfs", folder_.constData(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr) == 0;
-    }
-
-private:
-    QByteArray folder_;
-    bool mounted_ = false;
-};
 
 class Midnight : public QuietBench {
 protected:
@@ -79,7 +55,8 @@ TEST_F(Midnight, TracesGoByTheDateOfTheirName) {
     QStringList kept = TextList({"20240315.log", "20240316.log"});
     // What the system writes, on both sides of the limit; the time stamp says the opposite.
     for (const int day : {-1, 0, 1}) {
-        const QString name = QDate(2024, 3, 16).addDays(day - days).toString(Text("yyyyMMdd.'log'"));
+        const QString name =
+            QDate(2024, 3, 16).addDays(day - days).toString(Text("yyyyMMdd.'log'"));
         Put(trace + name, "x", day < 0 ? QDateTime::currentDateTime() : Old);
         if (day >= 0)
             kept += name;
@@ -153,14 +130,8 @@ TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
     const QString second = UseSecond();
     const QDateTime when = At(2024, 3, 15, 8);
     const QString newer = Text("newer.his");
-    const struct {
-        QString name;
-        const char* source;
-        int later; // than `when`, ms
-        const char* copy;
-        int copyLater;
-        const char* left;
-    } rows[] = {
+    // Times are ms later than `when`.
+    const std::tuple<QString, const char*, int, const char*, int, const char*> rows[] = {
         {Text("equal.his"), "source", 0, "copy", 0, "copy"},
         // Times of a stick: even seconds.
         {Text("longer.his"), "source", 1999, "copy", 0, "source"},
@@ -170,18 +141,18 @@ TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
         {Text("other.his"), nullptr, 0, "of another machine", 0, "of another machine"},
         {Text("stick.his"), "source", 1999, "copied", 0, "copied"},
     };
-    for (const auto& row : rows) {
-        if (row.source != nullptr)
-            Put(row.name, row.source, when.addMSecs(row.later));
-        if (row.copy != nullptr)
-            Put(second + row.name, row.copy, when.addMSecs(row.copyLater));
+    for (const auto& [name, source, later, copy, copyLater, left] : rows) {
+        if (source != nullptr)
+            Put(name, source, when.addMSecs(later));
+        if (copy != nullptr)
+            Put(second + name, copy, when.addMSecs(copyLater));
     }
     Put(Text("note.txt"), "no history", when);
     QFile::setPermissions(Path(second + newer), QFile::ReadOwner);
     for (int night = 0; night < 2; ++night) {
         HistoProcs::DoMidnightActions();
-        for (const auto& row : rows)
-            EXPECT_EQ(BytesOf(second + row.name), QByteArray(row.left)) << row.name.toStdString();
+        for (const auto& [name, source, later, copy, copyLater, left] : rows)
+            EXPECT_EQ(BytesOf(second + name), QByteArray(left)) << name.toStdString();
         EXPECT_EQ(Written(second + newer), when.addMSecs(1));
         EXPECT_EQ(Names(second).size(), qsizetype(std::size(rows)));
     }
@@ -216,10 +187,15 @@ TEST_F(Midnight, NothingIsCopiedWhereThereIsNoOtherFolder) {
 }
 
 TEST_F(Midnight, AnotherDiskTakesWhatFitsAndAProtectedOneStopsNothing) {
-    const Disk disk(Path(Second), "size=64k");
-    if (!disk.IsThere())
-        GTEST_SKIP() << "mounting needs the system's master";
+    // A small file system in memory.
     const QString second = UseSecond();
+    const QByteArray folder = QFile::encodeName(Path(second));
+    const auto mounted = [&](unsigned long flags, const char* options) {
+        return mount("tmpfs", folder.constData(), "tmpfs", flags, options) == 0;
+    };
+    const auto back = qScopeGuard([&] { umount2(folder.constData(), MNT_DETACH); });
+    if (!mounted(0, "size=64k"))
+        GTEST_SKIP() << "mounting needs the system's master";
     const QDateTime when = At(2024, 3, 15, 8);
     Put(second + February, "the copy of yesterday", when);
     Put(March, QByteArray(20000, 'y'), when);
@@ -238,7 +214,7 @@ TEST_F(Midnight, AnotherDiskTakesWhatFitsAndAProtectedOneStopsNothing) {
     Put(second + Text("old.his"), "x", Old);
     Put(Text("old.his"), "x", Old);
     Put(February, "x");
-    ASSERT_TRUE(disk.Protect());
+    ASSERT_TRUE(mounted(MS_REMOUNT | MS_RDONLY, nullptr));
     HistoProcs::DoMidnightActions();
     EXPECT_EQ(Names(second), QStringList({February, March, Text("old.his")}));
     EXPECT_EQ(Names(QString(), Text("*.his")), QStringList({February, March}));
