@@ -1,5 +1,7 @@
 #include "bus/Engine.h"
 
+#include <tuple>
+
 namespace {
 
 class BusWide : public Engine {
@@ -246,11 +248,8 @@ TEST_F(Midnight, ReleasesPulsesThatNothingHolds) {
     Site().Panel(5).Channel(2).setState(1);
     // No event can come from a source out of all bounds, as that of channel 10.
     Site().Mirrors().Add(0, 1, 6, 10, MirrorClass::Pulse);
-    struct {
-        int channel;
-        QList<std::pair<int, int>> rules; // source channel and kind
-        bool released;
-    } const rows[] = {
+    // Source channel and kind of its rules, and whether it is released.
+    const std::tuple<int, QList<std::pair<int, int>>, bool> rows[] = {
         {3, {{1, MirrorClass::Pulse}}, true},
         {4, {{2, MirrorClass::Pulse}}, false},
         {5, {{1, MirrorClass::Permanent}}, false},
@@ -262,20 +261,19 @@ TEST_F(Midnight, ReleasesPulsesThatNothingHolds) {
         {12, {{1, MirrorClass::Pulse}, {3, MirrorClass::Pulse}}, true},
     };
     Lines expected;
-    for (const auto& row : rows) {
-        modules[6][row.channel] = 3;
-        Site().Panel(6).Channel(row.channel).setState(3);
-        for (const auto& [source, kind] : row.rules)
-            Site().Mirrors().Add(5, qint16(source), 6, qint16(row.channel), qint16(kind));
-        if (row.released)
-            expected.push_back("write 6 " + std::to_string(16 + row.channel) + " 0");
+    for (const auto& [channel, rules, released] : rows) {
+        modules[6][channel] = 3;
+        Site().Panel(6).Channel(channel).setState(3);
+        for (const auto& [source, kind] : rules)
+            Site().Mirrors().Add(5, qint16(source), 6, qint16(channel), qint16(kind));
+        if (released)
+            expected.push_back("write 6 " + std::to_string(16 + channel) + " 0");
     }
     Site().Mirrors().Add(5, 1, 6, 11, MirrorClass::Pulse); // a target that is at rest
     engine->MidnightSynchro();
     EXPECT_EQ(SentAfter(8), expected);
-    for (const auto& row : rows)
-        EXPECT_EQ(Site().Panel(6).Channel(row.channel).State(), row.released ? 0 : 3)
-            << row.channel;
+    for (const auto& [channel, rules, released] : rows)
+        EXPECT_EQ(Site().Panel(6).Channel(channel).State(), released ? 0 : 3) << channel;
     EXPECT_EQ(engine->Commands().Count(), 0) << "carried out at once";
 }
 

@@ -196,13 +196,13 @@ TEST_F(MirrorEngine, FindsAChainOfRules) {
     MirrorClasses rules;
     for (const auto& [from, to] : {std::pair(1, 2), {9, 3}, {2, 3}, {3, 4}})
         rules.Add(qint16(from), qint16(from), qint16(to), qint16(to), 1);
-    const std::array<qint16, 4> chains[] = {{2, 2, 1, 1}, {4, 4, 1, 1}, {4, 4, 9, 9}};
-    for (const auto& [to, toChannel, from, fromChannel] : chains)
-        EXPECT_TRUE(Miroirs::MirrorLoop(rules, to, toChannel, from, fromChannel)) << to << from;
-    // Only along the rules.
-    const std::array<qint16, 4> none[] = {{1, 1, 4, 4}, {4, 4, 1, 2}, {4, 3, 1, 1}, {4, 4, 4, 4}};
-    for (const auto& [to, toChannel, from, fromChannel] : none)
-        EXPECT_FALSE(Miroirs::MirrorLoop(rules, to, toChannel, from, fromChannel)) << to << from;
+    // Only along the rules, and from another end point.
+    const std::tuple<std::array<qint16, 4>, bool> rows[] = {
+        {{2, 2, 1, 1}, true},  {{4, 4, 1, 1}, true},  {{4, 4, 9, 9}, true}, {{1, 1, 4, 4}, false},
+        {{4, 4, 1, 2}, false}, {{4, 3, 1, 1}, false}, {{4, 4, 4, 4}, false}};
+    for (const auto& [ends, leads] : rows)
+        EXPECT_EQ(Miroirs::MirrorLoop(rules, ends[0], ends[1], ends[2], ends[3]), leads)
+            << ends[0] << ends[1] << ends[2] << ends[3];
 
     // Two ways from each layer to the next: the question goes once to each end point.
     for (qint16 layer = 1; layer < 60; ++layer)

@@ -94,32 +94,31 @@ protected:
 };
 
 TEST_F(EventLines, OfPanelsThatComeOrGoAndOfTheSystem) {
-    const struct {
-        qint16 panel, chnl, param, aff;
-        const char *screen, *trace, *paper;
-    } rows[] = {
-        {12, 255, 1, 0,
-         "Panel lost|Alarm|P12-Q62||Communication lost|The panel no longer answers on the bus",
-         "|0CFF0100|P12-Q62|Alarm|DISAPP|*|*", "P12-Q62|State|Panel lost||"},
-        {12, 255, 1, 1,
-         "Panel present|Return|P12-Q62||Communication restored|The panel answers on the bus again",
-         "|0CFF0101|P12-Q62|Alarm|APPEAR|*|*", "P12-Q62|Alarm|Panel present||"},
-        {12, 254, 0, 0, "Ackn. on PC|LEVEL 3|SYSTEM||%1|", "|0CFE0000|P12-Q62|USER|ACK PC|%1|*",
-         "SYSTEM|User|Ackn. on PC|%1|*"},
-        {0, 254, 0, 1, "APPLIC|START|SYSTEM|*|*|*", "|********|SYSTEM|APPLI|START|*|*",
-         "SYSTEM|START|APPLIC|*|*"},
-        {0, 254, 0, 2, "APPLIC|STOP|SYSTEM|*|*|*", "|********|SYSTEM|APPLI|STOP|*|*",
-         "SYSTEM|STOP|APPLIC|*|*"},
-        {0, 254, 0, 3, "LOGIN|LEVEL 3|SYSTEM||%1|", "|00FE0003|SYSTEM|USER|CHANGE|%1|LEVEL 3",
-         "SYSTEM|LEVEL 3|LOGIN|%1|"},
-        {0, 254, 0, 4, "COMM|START|SYSTEM|||", "|00FE0004|SYSTEM|COMM|START|*|*",
-         "SYSTEM|START|COMM|*|*"},
-        {0, 254, 0, 5, "COMM|STOP|SYSTEM|||", "|00FE0005|SYSTEM|COMM|STOP|*|*",
-         "SYSTEM|STOP|COMM|*|*"},
-        {12, 254, 0, 6, "Midnight state|State|P12-Q62|*|Panel never seen|*", "|0CFE0006|||||",
-         "SYSTEM||||"},
-        {0, 254, 0, 7, "||SYSTEM|||", "|00FE0007|||||", "SYSTEM||||"},
-    };
+    const std::tuple<qint16, qint16, qint16, qint16, const char*, const char*, const char*> rows[] =
+        {
+            {12, 255, 1, 0,
+             "Panel lost|Alarm|P12-Q62||Communication lost|The panel no longer answers on the bus",
+             "|0CFF0100|P12-Q62|Alarm|DISAPP|*|*", "P12-Q62|State|Panel lost||"},
+            {12, 255, 1, 1,
+             "Panel present|Return|P12-Q62||Communication restored|The panel answers on the bus "
+             "again",
+             "|0CFF0101|P12-Q62|Alarm|APPEAR|*|*", "P12-Q62|Alarm|Panel present||"},
+            {12, 254, 0, 0, "Ackn. on PC|LEVEL 3|SYSTEM||%1|", "|0CFE0000|P12-Q62|USER|ACK PC|%1|*",
+             "SYSTEM|User|Ackn. on PC|%1|*"},
+            {0, 254, 0, 1, "APPLIC|START|SYSTEM|*|*|*", "|********|SYSTEM|APPLI|START|*|*",
+             "SYSTEM|START|APPLIC|*|*"},
+            {0, 254, 0, 2, "APPLIC|STOP|SYSTEM|*|*|*", "|********|SYSTEM|APPLI|STOP|*|*",
+             "SYSTEM|STOP|APPLIC|*|*"},
+            {0, 254, 0, 3, "LOGIN|LEVEL 3|SYSTEM||%1|", "|00FE0003|SYSTEM|USER|CHANGE|%1|LEVEL 3",
+             "SYSTEM|LEVEL 3|LOGIN|%1|"},
+            {0, 254, 0, 4, "COMM|START|SYSTEM|||", "|00FE0004|SYSTEM|COMM|START|*|*",
+             "SYSTEM|START|COMM|*|*"},
+            {0, 254, 0, 5, "COMM|STOP|SYSTEM|||", "|00FE0005|SYSTEM|COMM|STOP|*|*",
+             "SYSTEM|STOP|COMM|*|*"},
+            {12, 254, 0, 6, "Midnight state|State|P12-Q62|*|Panel never seen|*", "|0CFE0006|||||",
+             "SYSTEM||||"},
+            {0, 254, 0, 7, "||SYSTEM|||", "|00FE0007|||||", "SYSTEM||||"},
+        };
     const auto named = [](const char* text) {
         return Text(text).replace(Text("%1"), Text("MANAGER of more than two c"));
     };
@@ -129,11 +128,8 @@ TEST_F(EventLines, OfPanelsThatComeOrGoAndOfTheSystem) {
 }
 
 TEST_F(EventLines, OfChannelsAndThePanelAsAWhole) {
-    const struct {
-        qint16 chnl, param, aff;
-        qint32 panelClock;
-        const char *clock, *origin, *parameter, *display, *word;
-    } rows[] = {
+    using Word = const char*;
+    const std::tuple<qint16, qint16, qint16, qint32, Word, Word, Word, Word, Word> rows[] = {
         {7, 0, 0, 1048575, "1048575", "P12-C07", "State", "Normal", "NORMAL"},
         {7, 0, 1, 74565, "0074565", "P12-C07", "State", "Active", "ACTIVE"},
         {7, 0, 2, 0, "0000000", "P12-C07", "State", "Cable fault", "CABLE"},
@@ -148,19 +144,17 @@ TEST_F(EventLines, OfChannelsAndThePanelAsAWhole) {
         // No model has such a channel.
         {30, 0, 1, 5, "", "", "", "", ""},
     };
-    for (const auto& row : rows) {
-        const EventClass event = Event(12, row.chnl, row.param, row.aff, row.panelClock);
-        const bool titled = row.chnl == 7;
+    for (const auto& [chnl, param, aff, panelClock, shown, origin, parameter, display, word] :
+         rows) {
+        const EventClass event = Event(12, chnl, param, aff, panelClock);
+        const bool titled = chnl == 7;
         const char* common = titled ? "High temperature" : "";
         const char* text = titled ? "Forty columns of a text, all of them use" : "";
         const char* printed = titled ? "Forty columns of paper, all of them used" : "";
         const auto key = QByteArray::number(event.ID(), 16).toUpper().rightJustified(8, '0');
-        ExpectLines(
-            event,
-            TextList({row.display, row.parameter, row.origin, row.clock, common, text}).join(u'|'),
-            TextList({row.clock, key, row.origin, row.parameter, row.word, common, text})
-                .join(u'|'),
-            TextList({row.origin, row.parameter, row.display, common, printed}).join(u'|'));
+        ExpectLines(event, TextList({display, parameter, origin, shown, common, text}).join(u'|'),
+                    TextList({shown, key, origin, parameter, word, common, text}).join(u'|'),
+                    TextList({origin, parameter, display, common, printed}).join(u'|'));
     }
     EventClass event = Event(0, 254, 0, 4);
     for (const auto& [number, text] : {std::pair{1, "000001"}, {999999, "999999"}, {0, "000000"}}) {

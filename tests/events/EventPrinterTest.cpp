@@ -16,10 +16,6 @@ protected:
         paper.Advance();
         port->advanceError = 0;
     }
-    static QString Detail() {
-        const QList<Faults::Fault> standing = Faults::Standing();
-        return standing.isEmpty() ? QString() : standing[0].detail;
-    }
 };
 
 TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
@@ -30,7 +26,7 @@ TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
     EXPECT_EQ(Faults::Standing().size(), 0) << "its time isn't over";
     port->written = "a";
     TimeOut();
-    EXPECT_EQ(Detail(), Text("2"));
+    EXPECT_EQ(Faults::Standing().value(0).detail, Text("2"));
     Written();
     port->stuck = false;
     port->log.clear();
@@ -38,7 +34,7 @@ TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
     clock.Advance(EventPrinter::TryPause - 1);
     paper.Advance();
     EXPECT_EQ(port->log, QStringList()) << "left alone";
-    EXPECT_EQ(Detail(), Text("3"));
+    EXPECT_EQ(Faults::Standing().value(0).detail, Text("3"));
 
     clock.Advance(1);
     paper.Advance();

@@ -1,5 +1,6 @@
 #include "events/HistoProcs.h"
 
+#include "events/TextProcs.h"
 #include "model/Models.h"
 #include "support/Bench.h"
 
@@ -79,36 +80,33 @@ TEST_F(Midnight, TracesGoByTheDateOfTheirName) {
 }
 
 TEST_F(Midnight, HistoriesGoByTheTimeTheyWereWritten) {
-    struct {
-        const char *unit, *period;
-        QDateTime limit;
-        int day = 16; // of March
-    } const rows[] = {{"0", "6", At(2023, 9, 16)},
-                      {"0", "1", At(2024, 2, 16)},
-                      {"1", "6", At(2024, 3, 10)},
-                      {"7", "1", At(2024, 3, 15)},
-                      {"-1", "12", At(2023, 3, 16)},
-                      // A month that is shorter than the day.
-                      {"0", "1", At(2024, 2, 29), 31}};
+    const std::tuple<const char*, const char*, QDateTime, int> rows[] = {
+        {"0", "6", At(2023, 9, 16), 16},
+        {"0", "1", At(2024, 2, 16), 16},
+        {"1", "6", At(2024, 3, 10), 16},
+        {"7", "1", At(2024, 3, 15), 16},
+        {"-1", "12", At(2023, 3, 16), 16},
+        // A month that is shorter than the day.
+        {"0", "1", At(2024, 2, 29), 31}};
     const QString second = UseSecond();
-    for (const auto& row : rows) {
-        clock.Set(2024, 3, row.day, 0, 0, 4);
-        Set("PeriodUnit", Text(row.unit));
-        Set("PeriodTime", Text(row.period));
-        Put(Text("Histo209901.his"), "x", row.limit.addSecs(-1));
-        Put(Text("HISTO20990101.HIS"), "x", row.limit.addDays(-1));
-        Put(Text("Histo199901.his"), "x", row.limit);
-        Put(Text("Histo199902.his"), "x", row.limit.addSecs(1));
-        Put(Text("Histo199901.txt"), "x", row.limit.addYears(-1));
-        Put(Text("protected.his"), "x", row.limit.addYears(-1));
+    for (const auto& [unit, period, limit, day] : rows) {
+        clock.Set(2024, 3, day, 0, 0, 4);
+        Set("PeriodUnit", Text(unit));
+        Set("PeriodTime", Text(period));
+        Put(Text("Histo209901.his"), "x", limit.addSecs(-1));
+        Put(Text("HISTO20990101.HIS"), "x", limit.addDays(-1));
+        Put(Text("Histo199901.his"), "x", limit);
+        Put(Text("Histo199902.his"), "x", limit.addSecs(1));
+        Put(Text("Histo199901.txt"), "x", limit.addYears(-1));
+        Put(Text("protected.his"), "x", limit.addYears(-1));
         QFile::setPermissions(Path(Text("protected.his")), QFile::ReadOwner);
         // The second folder is purged with the same limit.
-        Put(second + Text("old.his"), "x", row.limit.addSecs(-1));
-        Put(second + Text("young.his"), "x", row.limit);
+        Put(second + Text("old.his"), "x", limit.addSecs(-1));
+        Put(second + Text("young.his"), "x", limit);
         Put(second + Text("old.txt"), "x", Old);
         HistoProcs::DoMidnightActions();
         const QStringList left = TextList({"Histo199901.his", "Histo199902.his"});
-        EXPECT_EQ(Names(QString(), Text("*.his")), left) << row.unit << " " << row.period;
+        EXPECT_EQ(Names(QString(), Text("*.his")), left) << unit << " " << period;
         EXPECT_TRUE(QFile::exists(Path(Text("Histo199901.txt"))));
         EXPECT_EQ(Names(second), left + TextList({"old.txt", "young.his"}));
     }
@@ -231,6 +229,74 @@ TEST_F(Midnight, ATraceThatCannotBeOpenedKeepsNoFileFromItsEnd) {
     EXPECT_EQ(Boxes(), Box("75 : Path/File access error"));
     EXPECT_EQ(Names(QString(), Text("*.his")), QStringList(March));
     EXPECT_EQ(Names(second), QStringList(March));
+}
+
+class HistoFile : public QuietBench {
+protected:
+    HistoFile() { AddPanel(3, Models::Q7100); }
+
+    EventClass Event() {
+        EventClass event(3, 5, 0, 1);
+        event.setNum(42);
+        event.setGDH(clock.Now());
+        return event;
+    }
+};
+
+const QString Month = Text("Histo202403.his");
+
+TEST_F(HistoFile, BeginsWithItsHeadingAndGrowsLineByLine) {
+    HistoProcs::HistoEvent(Event());
+    HistoProcs::HistoEvent(Event());
+    const QByteArray bytes = BytesOf(Month);
+    EXPECT_EQ(bytes.size(), 3 * 140);
+    const QByteArray heading = "Date       Time     Evt\xA0No PnlCnt  Origin  Parameter   Display"
+                               "         Common\xA0text                Specific\xA0text";
+    EXPECT_EQ(bytes.left(140), heading.leftJustified(138, ' ') + "\r\n");
+    const QStringList lines = LinesOf(Month);
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[1],
+              TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(Event())));
+    EXPECT_EQ(lines[2], lines[1]);
+    // One byte for each character.
+    Site().Panel(3).Channel(5).setScreenText(QStringLiteral(u"Überdruck 5 \u20AC \u0394"));
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(BytesOf(Month).mid(3 * 140 + 98, 40).trimmed(), QByteArray("\xDC"
+                                                                         "berdruck 5 \x80 ?"));
+}
+
+TEST_F(HistoFile, IsNamedAfterTheMomentOfWriting) {
+    WriteFile(Month, "note\r\n");
+    EventClass old = Event();
+    old.setGDH(clock.Now() - 40);
+    HistoProcs::HistoEvent(old);
+    EXPECT_EQ(LinesOf(Month).size(), 2) << "no heading in a file that was there";
+    EXPECT_EQ(LinesOf(Month).value(0), Text("note"));
+
+    // A change to daily files leaves the file of the month as it is.
+    IniWrite(Text("Files"), Text("PeriodUnit"), Text("1"));
+    for (const auto second : {0, 1, 2}) {
+        HistoProcs::HistoEvent(Event());
+        if (second == 0)
+            clock.Set(2024, 12, 31, 23, 59, 58);
+        clock.Advance(1000);
+    }
+    EXPECT_EQ(LinesOf(Month).size(), 2);
+    for (const char* day : {"20240315", "20241231", "20250101"})
+        EXPECT_EQ(LinesOf(Text("Histo%1.his").arg(Text(day))).size(), 2) << day;
+}
+
+TEST_F(HistoFile, ThatCannotBeWrittenIsToldOnce) {
+    ASSERT_TRUE(QDir().mkdir(Path(Month)));
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(Boxes(), TextList({"Error Nr 75 : Path/File access error\r\nModule : "
+                                 "HistoProcs\r\nFunction : HistoEvent"}));
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::HistoryNotWritten));
+    // Its folder goes away as a whole, and comes back with the next event.
+    ASSERT_TRUE(QDir(Path(QString())).removeRecursively());
+    HistoProcs::HistoEvent(Event());
+    EXPECT_EQ(LinesOf(Month).size(), 2) << "heading and event";
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::HistoryNotWritten));
 }
 
 } // namespace
