@@ -111,6 +111,7 @@ protected:
     static QString Stored(const QString& section, const QString& key) {
         return IniRead(section, key, Text("none"));
     }
+    static QString LastEvent() { return Stored(Text("General"), Text("LastEvent")); }
 
     FakeModules modules;
     FakeLink* link;

@@ -41,7 +41,6 @@ protected:
     }
     /// What was sent behind the first frames.
     Lines SentAfter(int count) const { return Frames::Said(link->sent.mid(count)); }
-    static int LastEvent() { return Stored(Text("General"), Text("LastEvent")).toInt(); }
 };
 
 using Update = BusWide;
@@ -184,7 +183,7 @@ TEST_F(Midnight, TheRecordOfTheDayIsForced) {
     modules.Remove(7);
     Put(8, Models::None);
     Tick(3, 15, 12);
-    const int before = LastEvent();
+    const int before = LastEvent().toInt();
     Tick(4, 1, 0);
     EXPECT_EQ(Histo(Text("202403")), QStringList());
     const QStringList lines = Histo(Text("202404"));
@@ -193,7 +192,7 @@ TEST_F(Midnight, TheRecordOfTheDayIsForced) {
     for (const auto& [line, origin] : {std::pair(0, "P05-Q62"), {1, "P06-Q71"}, {2, "P07-P55"}})
         EXPECT_EQ(lines[line].mid(35, 7), Text(origin));
     EXPECT_TRUE(lines[0].contains(Text("030000000000000000000000")));
-    EXPECT_EQ(LastEvent(), before + 3) << "each has a number of its own";
+    EXPECT_EQ(LastEvent().toInt(), before + 3) << "each has a number of its own";
     EXPECT_EQ(events.size(), 0) << "no other consumer is served";
 }
 

@@ -42,7 +42,6 @@ protected:
 
 TEST_F(Watch, TheFirstReadingEndsWhenEachPanelWasAsked) {
     engine->setRun(false);
-    EXPECT_EQ(engine->State(), BusState::Stopped);
     AddModule(5, Models::Q7100);
     AddModule(6, Models::P5500);
     AddModule(7, Models::Q6200XT).setActive(false);
@@ -146,7 +145,6 @@ TEST_F(Watch, AnErrorOfTheRoundStopsTheBusAloud) {
     });
     Forget();
     engine->RunComm();
-    EXPECT_FALSE(engine->Run());
     EXPECT_EQ(engine->State(), BusState::Stopped);
     EXPECT_TRUE(Faults::Stands(Kind::RoundStopped));
     EXPECT_EQ(Global::Get().currentPriority, 99);
@@ -260,10 +258,8 @@ TEST_F(Watch, AStartThatSpansMidnightDoesntMissIt) {
     clock.Set(2024, 3, 16, 0, 0, 5);
     engine->Form_Load(clock.Now() - platform::OneMinute);
     engine->tmrMidnight_Timer();
-    EXPECT_TRUE(TraceLines().last().contains(Text("COMMAND P00:0121 0000")));
-    const auto lines = TraceLines().size();
     engine->tmrMidnight_Timer();
-    EXPECT_EQ(TraceLines().size(), lines);
+    EXPECT_EQ(TraceLines().filter(Text("COMMAND P00:0121 0000")).size(), 1);
 }
 
 TEST_F(Watch, ASignalEndsTheSynchronisationAfterItsExchange) {

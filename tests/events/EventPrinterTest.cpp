@@ -48,7 +48,6 @@ TEST_F(Paper, LeavesAStuckPrinterAloneAndTellsOnPaperWhatIsMissing) {
 TEST_F(Paper, ANoteThatFailsIsToldWithWhatCameMeanwhile) {
     port->writeError = ENODEV;
     Print("a");
-    EXPECT_EQ(paper.Unprinted(), 1);
     clock.Advance(EventPrinter::TryPause);
     port->writeError = 0;
     port->stuck = true;
@@ -56,7 +55,6 @@ TEST_F(Paper, ANoteThatFailsIsToldWithWhatCameMeanwhile) {
     Print("b");
     EXPECT_EQ(Written(), QByteArray("\r\n1 event not printed, see history\r"));
     TimeOut();
-    EXPECT_EQ(paper.Unprinted(), 2);
     port->stuck = false;
     clock.Advance(EventPrinter::TryPause);
     Print("c");
@@ -73,7 +71,6 @@ TEST_F(Paper, ASlowPrinterKeepsTheOrderAndALimit) {
         if (i < EventPrinter::MostWaiting)
             expected += line + '\r';
     }
-    EXPECT_EQ(paper.Unprinted(), 1);
     port->stuck = false;
     paper.Advance();
     EXPECT_EQ(Written(), expected + "1 event not printed, see history\r");

@@ -42,6 +42,13 @@ TEST_F(Klaxon, OnlyAHigherPriorityReplacesASoundUntilTheStop) {
     Site().setAlarmPrioSound(8, 98);
     Alarme(8);
     EXPECT_EQ(horn->reserve(), QByteArray());
+    // A machine without sound keeps the priority.
+    Alarme(StopAlarme);
+    Global::Get().sound.reset();
+    Alarme(7);
+    EXPECT_EQ(Global::Get().currentPriority, 7);
+    Alarme(StopAlarme);
+    EXPECT_EQ(Global::Get().currentPriority, 0);
 }
 
 TEST_F(Klaxon, AnAlarmEndsTheTrialOfASound) {
@@ -59,14 +66,6 @@ TEST_F(Klaxon, AnAlarmEndsTheTrialOfASound) {
     EndSoundTrial();
     EXPECT_EQ(horn->playing, QString());
     EXPECT_EQ(told, 1) << "who ends it knows";
-}
-
-TEST_F(Klaxon, AMachineWithoutSoundKeepsThePriority) {
-    Global::Get().sound.reset();
-    Alarme(7);
-    EXPECT_EQ(Global::Get().currentPriority, 7);
-    Alarme(StopAlarme);
-    EXPECT_EQ(Global::Get().currentPriority, 0);
 }
 
 } // namespace
