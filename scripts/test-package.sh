@@ -138,6 +138,7 @@ booted() {
 }
 unit=korvanelle-kiosk
 shown() { booted systemctl show -p "$1" --value "$unit"; }
+told() { booted journalctl -b -u "$unit" -g "$1" >/dev/null; }
 # up <starts>: the unit said that it is up, after so many new starts, and what it does.
 up() {
     [ "$(shown ActiveState 2>/dev/null)" = active ] && [ "$(shown NRestarts)" = "$1" ] &&
@@ -147,12 +148,12 @@ hangs_and_dies() {
     eventually up 0 || fail "$unit isn't up: $(booted journalctl -b -u "$unit")"
     booted killall -STOP korvanelle
     eventually up 1 || fail "$unit hung and wasn't started again"
-    booted journalctl -b -u "$unit" | grep -q "Watchdog timeout" || fail "the watchdog of $unit"
+    told "Watchdog timeout" || fail "the watchdog of $unit"
     booted killall -KILL korvanelle
     eventually up 2 || fail "$unit died and wasn't started again"
     booted systemctl stop "$unit"
     [ "$(shown Result)" = success ] || fail "the end of $unit"
-    booted journalctl -b -u "$unit" | grep -q "Korvanelle II stops" || fail "$unit was killed at its end"
+    told "Korvanelle II stops" || fail "$unit was killed at its end"
 }
 
 unmount_all
