@@ -14,8 +14,9 @@
 
 namespace {
 
-constexpr int ReceiptRegister = 288;
-constexpr int MemoryRegister = 146;
+using SimulatedLine::MemoryRegister;
+using SimulatedLine::ReceiptRegister;
+
 constexpr int Modules = 3;
 constexpr int Steps = 12000;
 
@@ -78,25 +79,11 @@ protected:
 
     void Trouble(int address) {
         Sim::LineFaults& faults = bus_.Find(address)->faults;
-        switch (Random(12)) {
-        case 0:
-            faults.muted = true;
-            break;
-        case 1:
-            faults.corrupt = 1 + Random(3);
-            break;
-        case 2:
-            faults.surplus = true;
-            break;
-        case 3:
-            faults.cut = true;
-            break;
-        case 4:
-            faults.alien = true;
-            break;
-        default:
+        // The first five; none of them as often as that a link that gave no answer is found again.
+        if (const int kind = Random(12); kind < 5)
+            SimulatedLine::GiveTrouble(faults, kind, [this](int below) { return Random(below); });
+        else
             faults.muted = false;
-        }
     }
 
     /// Something happens in the plant. The module's clock has tenths: two events of one moment

@@ -3,13 +3,13 @@
 // korvanelle-day <korvanelle.cfg> <hours>. Ends with 0 when each event came once and in order to
 // console, history, trace and paper, and nothing grew.
 
+#include "Base.h"
 #include "day/Ledger.h"
 #include "day/Plant.h"
 #include "support/PipePrinter.h"
 
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
-#include "core/Config.h"
 #include "core/Faults.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
@@ -20,7 +20,6 @@
 #include "core/Trace.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
-#include "platform/Folders.h"
 #include "screens/Screens.h"
 #include "screens/touch/ScreenForm.h"
 #include "screens/touch/Theme.h"
@@ -329,11 +328,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     Theme::Apply(application);
     const QTemporaryDir folder;
-    QFile::copy(QString::fromLocal8Bit(argv[1]), folder.filePath(QStringLiteral("korvanelle.cfg")));
-    platform::OverrideApplication(folder.path(), QStringLiteral("korvanelle"));
-    if (!Config::OpenConfigBase())
+    if (!Base::OpenCopy(argv[1], folder))
         return 1;
-    Global::ReadMarks();
     Global::Get().sound = std::make_unique<platform::SilentSound>();
     RegisterScreens();
     RegisterConfigScreens();
