@@ -39,21 +39,24 @@ constexpr int Minute = 60;
 constexpr int Hour = 60 * Minute;
 /// What the first hours take on, such as fonts, pictures and the heap's own reserve, is no growth.
 constexpr int SettledHours = 2;
-constexpr int MostGrowthKb = 4096;
-constexpr int MostHeapGrowthKb = 2048;
+constexpr int MostGrowthKb = 1024;
+constexpr int MostHeapGrowthKb = 512;
 /// The last things come to rest: a module that was missing is asked each ten minutes.
 constexpr int CalmSeconds = 15 * Minute;
 
 struct Sample {
     int kB = 0;
-    int heap = 0; // kB that are in use of it
+    int heap = 0; // kB that are in use of it, with what is mapped for large blocks
     int threads = 0;
     int handles = 0;
 };
 
+/// What malloc keeps free goes back first: it is no growth.
 Sample Measure() {
     Sample sample;
-    sample.heap = int(mallinfo2().uordblks / 1024);
+    malloc_trim(0);
+    const struct mallinfo2 heap = mallinfo2();
+    sample.heap = int((heap.uordblks + heap.hblkhd) / 1024);
     QFile status(QStringLiteral("/proc/self/status"));
     if (status.open(QIODevice::ReadOnly)) {
         for (const QByteArray& line : status.readAll().split('\n')) {
