@@ -1,7 +1,13 @@
 #include "events/ForwardSettings.h"
 
 #include "core/Bytes.h"
+#include "core/Global.h"
 #include "core/SLVfonctions.h"
+#include "platform/FileWriting.h"
+#include "platform/Folders.h"
+
+#include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -18,6 +24,18 @@ constexpr int HighestPort = 65535;
 
 QString Word(bool value) {
     return value ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+void KeepFile(QString& path) {
+    const QString folder = Global::InApplicationFolder(QStringLiteral("Certificates"));
+    const QFileInfo info(path);
+    QFile file(path);
+    if (path.isEmpty() || info.absolutePath() == folder || !file.open(QIODevice::ReadOnly))
+        return;
+    platform::MakeFolder(folder);
+    const QString kept = folder + u'/' + info.fileName();
+    platform::ReplaceFile(kept, file.readAll());
+    path = kept;
 }
 
 } // namespace
@@ -39,6 +57,11 @@ ForwardSettings ForwardSettings::Read() {
     settings.server.authority = text(Authority);
     settings.server.certificate = text(Certificate);
     return settings;
+}
+
+void ForwardSettings::KeepFiles() {
+    KeepFile(server.authority);
+    KeepFile(server.certificate);
 }
 
 void ForwardSettings::Write() const {

@@ -14,6 +14,10 @@ struct ForwardSettings {
     bool operator==(const ForwardSettings&) const = default;
 
     static ForwardSettings Read();
+    /// Copies the PEM files into the application's folder "Certificates", as a stick that they lie
+    /// on goes again, and names the copies. Throws RunTimeError when they can't be written; a file
+    /// that can't be read stays named as it is.
+    void KeepFiles();
     /// Throws RunTimeError when the settings can't be written.
     void Write() const;
 };

@@ -217,6 +217,7 @@ bool wSysForward::Take() {
         Message(GetText(Incomplete), Messages::Critical);
         return false;
     }
+    edit_->KeepFiles();
     edit_->Write();
     if (Polling() != nullptr)
         Polling()->Forwarder().Start();
