@@ -35,6 +35,8 @@ void KeepFile(QString& path) {
     platform::MakeFolder(folder);
     const QString kept = folder + u'/' + info.fileName();
     platform::ReplaceFile(kept, file.readAll());
+    // One of them holds a key.
+    QFile::setPermissions(kept, QFile::ReadOwner | QFile::WriteOwner);
     path = kept;
 }
 

@@ -13,7 +13,7 @@
 #include <utility>
 
 /// Certificates of the servers "localhost" and "elsewhere" by the authority "ca.pem", and another
-/// authority, in PEM files.
+/// authority, in PEM files; "own.pem" is one with its key.
 inline void MakeCertificates(const QString& folder) {
     const QString script = "set -e; cd \"$0\"\n"
                            "new='-newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2'\n"
@@ -22,7 +22,8 @@ inline void MakeCertificates(const QString& folder) {
                            "for host in localhost elsewhere; do openssl req -x509 $new -CA ca.pem "
                            "-CAkey ca.key -subj /CN=$host -addext subjectAltName=DNS:$host "
                            "-addext basicConstraints=critical,CA:FALSE "
-                           "-keyout $host.key -out $host.pem; done\n";
+                           "-keyout $host.key -out $host.pem; done\n"
+                           "cat elsewhere.pem elsewhere.key > own.pem\n";
     QProcess shell;
     shell.start("sh", {"-c", script, folder});
     shell.waitForFinished(60000);
@@ -58,8 +59,8 @@ public:
     }
     int Port() const { return port_; }
 
-    /// Starts with the certificate of a host.
-    void Start(const QString& host = "localhost") {
+    /// Starts with the certificate of a host; asks for one of whoever comes, or not.
+    void Start(const QString& host = "localhost", bool asks = false) {
         const QString configuration =
             QStringLiteral(
                 "global(workDirectory=\"%1\" net.enableDNS=\"off\" defaultNetstreamDriver=\"ossl\" "
@@ -67,13 +68,14 @@ public:
                 "defaultNetstreamDriverCertFile=\"%1/%2.pem\" "
                 "defaultNetstreamDriverKeyFile=\"%1/%2.key\")\n"
                 "module(load=\"imtcp\" streamDriver.name=\"ossl\" streamDriver.mode=\"1\" "
-                "streamDriver.authMode=\"anon\")\n"
+                "streamDriver.authMode=\"%4\")\n"
                 "input(type=\"imtcp\" port=\"%3\" address=\"127.0.0.1\")\n"
                 "template(name=\"t\" type=\"string\" string=\"%pri% %app-name% %msgid% "
                 "%structured-data% %msg%\\n\")\n"
                 "action(type=\"omfile\" file=\"%1/received\" template=\"t\")\n")
                 .arg(folder_, host)
-                .arg(port_);
+                .arg(port_)
+                .arg(asks ? "x509/certvalid" : "anon");
         QFile file(folder_ + "/rsyslog.conf");
         file.open(QIODevice::WriteOnly);
         file.write(configuration.toUtf8());

@@ -132,7 +132,7 @@ TEST_F(ForwardRoad, EventsReachTheServerHoweverItComesAndGoes) {
     };
     EXPECT_TRUE(Until(all));
     server.Signal(SIGSTOP);
-    Send(3000);
+    Send(1000);
     EXPECT_TRUE(Until([&] { return Waiting() > 0; }));
     server.Signal(SIGCONT);
     EXPECT_TRUE(Until(all));
@@ -161,6 +161,17 @@ TEST_F(ForwardRoad, ADisguisedServerIsRefusedAndTold) {
     Send(3);
     EXPECT_EQ(Waiting(), 3);
     EXPECT_TRUE(server.Received().isEmpty());
+
+    // One that asks for a certificate.
+    server.Stop();
+    server.Start("localhost", true);
+    settings = SettingsFor(folder, server);
+    ASSERT_TRUE(Until([&] { return errorOf(settings) != LogServerError::Refused; }));
+    EXPECT_TRUE(server.Received().isEmpty()) << "and gets none";
+    settings.server.certificate = folder.Path("own.pem");
+    settings.Write();
+    engine->Forwarder().Start();
+    EXPECT_TRUE(Until([&] { return server.Numbers().size() == 3; }));
 }
 
 // What the trace holds was spooled before.
