@@ -258,8 +258,8 @@ void AlarmTables::ReadSources(const AlarmReport& report, const HistoryRecords& r
                           {GetText(WordsText), 62, false}};
     nuisance_.title = Heading(NuisanceText);
     nuisance_.columns = {{GetText(OriginText), 12, false},    {GetText(AlarmsText), 12, true},
-                         {GetText(ChatteringText), 15, true}, {GetText(SpellsText), 11, true},
-                         {GetText(FleetingText), 13, true},   {GetText(WordsText), 37, false}};
+                         {GetText(ChatteringText), 15, true}, {GetText(SpellsText), 13, true},
+                         {GetText(FleetingText), 13, true},   {GetText(WordsText), 35, false}};
     for (const AlarmReport::Source& source : report.Sources()) {
         const bool isNuisance = source.chatters > 0 || source.fleeting > 0;
         const bool isBad = badActors_.rows.size() < AlarmLimits::BadActors;
