@@ -155,8 +155,7 @@ QString AlarmTables::NameOf(const AlarmPeriod& period) {
     case Unit::Day:
         return Language().standaloneDayName(first.dayOfWeek()) + u' ' + DateOf(period.Begin());
     case Unit::Week:
-        return Filled(WeekText, {QString::number(first.weekNumber())}) + QStringLiteral(", ") +
-               DateOf(period.Begin()) + QStringLiteral(" - ") + DateOf(period.End() - 1);
+        return Filled(WeekText, {QString::number(first.weekNumber()), DateOf(period.Begin())});
     case Unit::Month:
         return Language().standaloneMonthName(first.month()) + u' ' + year;
     case Unit::Year:

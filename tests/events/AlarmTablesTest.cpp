@@ -92,7 +92,7 @@ TEST_F(AlarmTablesTest, EveryPeriodHasWordsInEveryLanguage) {
         EXPECT_EQ(Reckon().BadActors().rows.first()[2], language == 0 ? "85.7" : "85,7");
     }
     Global::Get().language = 0;
-    EXPECT_EQ(Reckon(Unit::Week).Period(), "Week 11, 2024-03-11 - 2024-03-17");
+    EXPECT_EQ(Reckon(Unit::Week).Period(), "Week 11, from 2024-03-11");
     EXPECT_EQ(Reckon(Unit::Hour).Period(), "2024-03-15  12:00 - 13:00");
 }
 

@@ -36,6 +36,8 @@ void TakeReport(const Paths& path) {
         Click(form, unit);
         Save(form, path(("wAlarmReport_" + QByteArray(unit)).constData()));
     }
+    // The help shows the month.
+    Save(form, path("wAlarmReport"));
     for (const char* page : {"cmdPage_1", "cmdPage_2", "cmdPage_3", "cmdPage_4", "cmdPage_5"}) {
         Click(form, page);
         Save(form, path(("wAlarmReport_" + QByteArray(page)).constData()));
