@@ -66,7 +66,7 @@ QByteArray ContentOf(const QString& path) {
 
 QSslKey KeyIn(const QByteArray& pem) {
     for (const QSsl::KeyAlgorithm algorithm : {QSsl::Rsa, QSsl::Ec}) {
-        const QSslKey key(pem, algorithm);
+        QSslKey key(pem, algorithm);
         if (!key.isNull())
             return key;
     }

@@ -18,7 +18,7 @@ namespace platform {
 
 namespace {
 
-constexpr int NumberWidth = 12;
+constexpr qsizetype NumberWidth = 12;
 constexpr qint64 ReadAhead = 64 << 10;
 const QString Suffix = QStringLiteral(".log");
 const QString PositionName = QStringLiteral("/position");
