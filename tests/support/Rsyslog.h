@@ -36,8 +36,10 @@ inline int FreePort() {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
-    bind(listener, reinterpret_cast<sockaddr*>(&address), size);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+    auto* place = reinterpret_cast<sockaddr*>(&address);
+    // The system chooses one.
+    if (bind(listener, place, size) != 0 || getsockname(listener, place, &size) != 0)
+        address.sin_port = 0;
     close(listener);
     return ntohs(address.sin_port);
 }
