@@ -1,0 +1,48 @@
+#pragma once
+
+#include "events/HistoryRecords.h"
+#include "screens/history/HistoryWriter.h"
+
+#include <QFont>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QString>
+#include <QStringList>
+
+class QIODevice;
+
+/// History lines on pages of A4 across: the columns of the file, and ahead of each line the colour
+/// and the shape of its state.
+class HistoryPdf : public HistoryWriter {
+public:
+    struct Heading {
+        QString title;
+        /// What was looked for.
+        QString filter;
+        /// Site, and when it was written.
+        QString origin;
+        /// The nine of the columns.
+        QStringList columns;
+    };
+
+    /// For so many lines. The device lives longer.
+    HistoryPdf(QIODevice& device, Heading heading, int lines);
+    ~HistoryPdf() override;
+
+    void Write(const HistoryRecord& record, QByteArrayView line) override;
+    void End() override;
+
+private:
+    void BeginPage();
+    int Baseline(int row) const;
+
+    Heading heading_;
+    int lines_;
+    QPdfWriter writer_;
+    QPainter painter_;
+    QFont font_;
+    int pitch_ = 1;
+    int rowsOfPage_ = 1;
+    int row_ = 0;
+    int page_ = 0;
+};
