@@ -175,8 +175,7 @@ void wHistorySearch::ShowFilter() {
         SetCaption(button, GetText(FirstField + index) + u'\n' +
                                button->fontMetrics().elidedText(value, Qt::ElideRight, room));
     }
-    ui_->lblFilter->setText(ui_->lblFilter->fontMetrics().elidedText(
-        FilterWords::Sentence(search_.Filter()), Qt::ElideRight, ui_->lblFilter->width()));
+    ui_->lblFilter->setText(FilterWords::Sentence(search_.Filter()));
 }
 
 QString wHistorySearch::FoundText() const {
