@@ -4,8 +4,8 @@ namespace {
 
 enum class Step { None, Coming, Acknowledgement, Going };
 
-Step StepOf(EventKind kind) {
-    switch (kind) {
+Step StepOf(const HistoryRecord& record) {
+    switch (record.kind) {
     case EventKind::Active:
     case EventKind::CableFault:
     case EventKind::FirstFault:
@@ -22,60 +22,109 @@ Step StepOf(EventKind kind) {
     }
 }
 
-/// The steps of one channel, or of the presence of one panel.
-class Steps {
+bool IsOfWholePanel(const HistoryRecord& record) {
+    return record.kind == EventKind::LampsAcknowledged ||
+           record.kind == EventKind::PanelAcknowledged;
+}
+
+bool IsSameSource(const HistoryRecord& one, const HistoryRecord& other) {
+    return one.panel == other.panel && one.channel == other.channel;
+}
+
+/// Where to begin to follow the alarm of a line: behind the going ahead of it. Nothing where no
+/// line tells of its coming.
+std::optional<size_t> StartFor(const std::vector<HistoryRecord>& records, size_t place) {
+    std::optional<size_t> start;
+    for (size_t at = place + 1; at-- > 0;) {
+        if (!IsSameSource(records[at], records[place]))
+            continue;
+        const Step step = StepOf(records[at]);
+        if (step == Step::Coming)
+            start = at;
+        else if (step == Step::Going && start)
+            break;
+    }
+    return start;
+}
+
+/// Takes the lines of one source in their order, for the alarm that a place belongs to.
+class Follower {
 public:
-    Steps(const std::vector<HistoryRecord>& records, const HistoryRecord& one)
-        : records_(records)
-        , panel_(one.panel)
-        , channel_(one.channel) {}
+    explicit Follower(size_t place)
+        : place_(place) {}
 
-    Step At(size_t place) const {
-        const HistoryRecord& record = records_[place];
-        return record.panel == panel_ && record.channel == channel_ ? StepOf(record.kind)
-                                                                    : Step::None;
-    }
-
-    /// The first line of the alarm that stood at a place or, where none stood, of the one before.
-    std::optional<size_t> Coming(size_t place) const {
-        std::optional<size_t> coming;
-        for (size_t at = place + 1; at-- > 0;) {
-            const Step step = At(at);
-            if (step == Step::Coming)
-                coming = at;
-            else if (step == Step::Going && coming)
-                break;
+    /// False when what follows is of another alarm.
+    bool Take(const HistoryRecord& record, size_t at) {
+        switch (StepOf(record)) {
+        case Step::Coming:
+            return Come(record, at);
+        case Step::Acknowledgement:
+            Set(course_.acknowledged, at);
+            break;
+        case Step::Going:
+            Set(course_.going, at);
+            // The step that ends an alarm: one that had gone by itself is acknowledged now.
+            if (!record.isChange && record.channel != 0)
+                Set(course_.acknowledged, at);
+            break;
+        case Step::None:
+            break;
         }
-        return coming;
+        return true;
     }
+    void TakeOfPanel(const HistoryRecord& record, size_t at) {
+        if (IsOfWholePanel(record))
+            Set(course_.acknowledged, at);
+    }
+    bool IsComplete(size_t at) const {
+        return at >= place_ && course_.going && course_.acknowledged;
+    }
+    const AlarmCourse& Course() const { return course_; }
 
 private:
-    const std::vector<HistoryRecord>& records_;
-    quint8 panel_;
-    quint8 channel_;
+    static void Set(std::optional<size_t>& line, size_t at) {
+        if (!line)
+            line = at;
+    }
+
+    /// The panels report changes only: the same state twice is another alarm whose going before
+    /// was missed, unless a reading of the bus has found it.
+    bool Come(const HistoryRecord& record, size_t at) {
+        const bool again = record.isChange && !record.isSynchro && record.kind == state_;
+        if (course_.coming && (course_.going || again)) {
+            if (at > place_)
+                return false;
+            course_ = {};
+        }
+        Set(course_.coming, at);
+        if (record.isChange)
+            state_ = record.kind;
+        return true;
+    }
+
+    size_t place_;
+    EventKind state_ = EventKind::Unknown;
+    AlarmCourse course_;
 };
 
 } // namespace
 
 AlarmCourse CourseOf(const std::vector<HistoryRecord>& records, size_t place) {
-    AlarmCourse course;
-    const Steps steps(records, records[place]);
-    course.isStep = steps.At(place) != Step::None;
-    if (!course.isStep)
-        return course;
-    course.coming = steps.Coming(place);
-    if (!course.coming)
-        return course;
-    for (size_t at = *course.coming + 1; at < records.size(); ++at) {
-        const Step step = steps.At(at);
-        if (step == Step::Coming && course.going)
+    const HistoryRecord& line = records[place];
+    AlarmCourse none;
+    none.isStep = StepOf(line) != Step::None;
+    const std::optional<size_t> start = none.isStep ? StartFor(records, place) : std::nullopt;
+    if (!start)
+        return none;
+    Follower follower(place);
+    for (size_t at = *start; at < records.size() && !follower.IsComplete(at); ++at) {
+        const HistoryRecord& record = records[at];
+        if (IsSameSource(record, line) && !follower.Take(record, at))
             break;
-        if (step == Step::Going && !course.going)
-            course.going = at;
-        if (step == Step::Acknowledgement && !course.acknowledged)
-            course.acknowledged = at;
-        if (course.going && course.acknowledged)
-            break;
+        if (record.panel == line.panel && line.channel != 0)
+            follower.TakeOfPanel(record, at);
     }
+    AlarmCourse course = follower.Course();
+    course.isStep = true;
     return course;
 }

@@ -15,6 +15,6 @@ struct AlarmCourse {
 };
 
 /// The alarm to which a record belongs. It comes with the first line that tells of more than a
-/// normal state and goes with the next normal one; the acknowledgement may be later than that. A
-/// panel's comes when the panel is lost.
+/// normal state and goes with the next normal one; it may be acknowledged, by itself or with its
+/// whole panel, later than that. A panel's comes when the panel is lost.
 AlarmCourse CourseOf(const std::vector<HistoryRecord>& records, size_t place);

@@ -61,15 +61,17 @@ protected:
     HistorySearch search;
 };
 
-/// Lines of channel 7 of panel 1, one a minute, of these kinds.
+/// Lines of channel 7 of panel 1 or of the panel as a whole, one a minute, of these kinds.
 std::vector<HistoryRecord> Records(const std::vector<EventKind>& kinds) {
     std::vector<HistoryRecord> records;
+    using enum EventKind;
+    const EventKinds ofPanel{PanelLost, PanelPresent, LampsAcknowledged, Cleared};
     for (const EventKind kind : kinds) {
         HistoryRecord record{};
-        record.time = qint64(records.size()) * 60;
         record.panel = 1;
-        record.channel = kind == EventKind::PanelLost || kind == EventKind::PanelPresent ? 0 : 7;
+        record.channel = ofPanel.Has(kind) ? 0 : 7;
         record.kind = kind;
+        record.isChange = kind == Active || kind == Normal;
         records.push_back(record);
     }
     return records;
@@ -148,14 +150,18 @@ TEST_F(HistorySearchTest, WhatWasReadIsKeptUntilTheFilesGrow) {
 
 TEST_F(HistorySearchTest, AnAlarmIsFollowedFromAnyOfItsLines) {
     using enum EventKind;
-    const auto records =
-        Records({Normal, Active, FirstFault, PanelLost, Acknowledged, Normal, Normal, PanelPresent,
-                 CableFault, Normal, Acknowledged, SecondFault, Cleared});
+    auto records = Records({Normal, Active, FirstFault, PanelLost, Acknowledged, Normal, Normal,
+                            PanelPresent, CableFault, Normal, LampsAcknowledged, SecondFault,
+                            Active, Active, Active, Normal, Normal});
+    records[13].isSynchro = true; // known to stand
+    records[16].isChange = false; // the alarm's own end
     const struct {
         std::vector<size_t> lines;
         std::optional<size_t> coming, acknowledged, going;
-    } courses[] = {{{0}, {}, {}, {}},      {{1, 2, 4, 5, 6}, 1, 4, 5}, {{3, 7}, 3, {}, 7},
-                   {{8, 9, 10}, 8, 10, 9}, {{11}, 11, {}, {}},         {{12}, {}, {}, {}}};
+    } courses[] = {{{0}, {}, {}, {}},         {{1, 2, 4, 5, 6}, 1, 4, 5},
+                   {{3, 7}, 3, {}, 7},        {{8, 9}, 8, 10, 9},
+                   {{10}, {}, {}, {}},        {{11, 12, 13}, 11, {}, {}},
+                   {{14, 15, 16}, 14, 16, 15}};
     for (const auto& expected : courses) {
         for (const size_t line : expected.lines) {
             SCOPED_TRACE(line);
@@ -163,7 +169,7 @@ TEST_F(HistorySearchTest, AnAlarmIsFollowedFromAnyOfItsLines) {
             EXPECT_EQ(course.coming, expected.coming);
             EXPECT_EQ(course.acknowledged, expected.acknowledged);
             EXPECT_EQ(course.going, expected.going);
-            EXPECT_EQ(course.isStep, line != 12);
+            EXPECT_EQ(course.isStep, line != 10);
         }
     }
 }

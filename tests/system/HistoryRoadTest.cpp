@@ -20,7 +20,7 @@ protected:
     HistoryRoad()
         : Road({"1=Q7100"}) {
         for (int bit = 0; bit <= 4; ++bit) {
-            Site().setOptionScreen(bit, true);
+            Site().setOptionScreen(bit, bit != 3);
             Site().setOptionHisto(bit, true);
         }
         for (int number = 1; number <= 12; ++number)
@@ -89,7 +89,7 @@ TEST_F(HistoryRoad, AnAlarmIsFoundFollowedAndSavedWhileTheBusIsWatched) {
                 course.contains("returned to normal after 2:"))
         << course.toStdString();
     Tap(Search, "imgStep_0");
-    EXPECT_TRUE(Find<FoundGrid>(Search, "grdAlarms")->CurrentLine().contains("First fault"));
+    EXPECT_TRUE(Find<FoundGrid>(Search, "grdAlarms")->CurrentLine().contains("Active"));
 
     script.On("dlgFilePicker", [] { Tap("dlgFilePicker", "imgControl_1"); });
     Tap(Search, "imgExport_0");
