@@ -12,7 +12,7 @@ constexpr int Budget = 20;
 /// Bytes that a slow stick takes in some 50 ms.
 constexpr qint64 Portion = 64 * 1024;
 
-class CsvWriter : public HistoryWriter {
+class CsvWriter : public LineWriter {
 public:
     CsvWriter(QIODevice& device, const QStringList& titles)
         : device_(device)

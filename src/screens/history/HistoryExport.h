@@ -46,7 +46,7 @@ private:
     QString path_;
     std::unique_ptr<HistoryLines> lines_;
     std::unique_ptr<platform::GrowingFile> file_;
-    std::unique_ptr<HistoryWriter> writer_;
+    std::unique_ptr<LineWriter> writer_;
     qint64 stored_ = 0;
     size_t row_ = 0;
     QTimer timer_;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "events/HistoryRecords.h"
-#include "screens/history/HistoryWriter.h"
+#include "screens/history/LineWriter.h"
 
 #include <QFont>
 #include <QPainter>
@@ -13,7 +13,7 @@ class QIODevice;
 
 /// History lines on pages of A4 across: the columns of the file, and ahead of each line the colour
 /// and the shape of its state.
-class HistoryPdf : public HistoryWriter {
+class HistoryPdf : public LineWriter {
 public:
     struct Heading {
         QString title;

@@ -5,12 +5,12 @@
 struct HistoryRecord;
 
 /// Where history lines go one after the other.
-class HistoryWriter {
+class LineWriter {
 public:
-    HistoryWriter() = default;
-    virtual ~HistoryWriter() = default;
-    HistoryWriter(const HistoryWriter&) = delete;
-    HistoryWriter& operator=(const HistoryWriter&) = delete;
+    LineWriter() = default;
+    virtual ~LineWriter() = default;
+    LineWriter(const LineWriter&) = delete;
+    LineWriter& operator=(const LineWriter&) = delete;
 
     virtual void Write(const HistoryRecord& record, QByteArrayView line) = 0;
     /// What stands at the end of all.
