@@ -8,14 +8,13 @@
 
 #include <QTest>
 
-void TakeSearch(const Paths& path) {
+void TakeHistorySearch(const Paths& path) {
     const QString form = FormNames::wHistorySearch;
     Forms::Show(form);
     Save(form, path("wHistorySearch"));
     if (auto* grid = qobject_cast<FoundGrid*>(Child(form, "grdAlarms"))) {
         Click(form, "imgControl_8");
         QTest::mouseClick(grid, Qt::LeftButton, {}, QPoint(100, grid->RowHeight() / 2));
-        Save(form, path("wHistorySearch_whole"));
         Click(form, "imgStep_2");
         Save(form, path("wHistorySearch_found"));
         Click(form, "imgBack");

@@ -23,7 +23,7 @@ void WriteAlarms();
 /// Each page of the report of a month.
 void TakeReport(const Paths& path);
 /// What the search finds of one channel, with an alarm followed to its going.
-void TakeSearch(const Paths& path);
+void TakeHistorySearch(const Paths& path);
 
 class wPolling;
 /// The technician's screens with modules that answer.

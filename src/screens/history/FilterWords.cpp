@@ -21,7 +21,8 @@ constexpr int AllUsers = 711172;
 constexpr int PanelWord = 711102;
 constexpr int ChannelWord = 711103;
 constexpr int UserWord = 711105;
-constexpr int Days = 711175;
+constexpr int ShortDays = 711175;
+constexpr int Days = 711176;
 
 const QString Divider = QStringLiteral(" \u00B7 ");
 const QString Dash = QStringLiteral(" \u2013 ");
@@ -253,7 +254,7 @@ QString Duration(qint64 seconds) {
         return QString::number(length / Minute) + u':' + tail;
     const QString clock =
         QString::number(length % Day / Hour) + u':' + two(length % Hour / Minute) + u':' + tail;
-    return length < Day ? clock : Filled(Days, {QString::number(length / Day)}) + u' ' + clock;
+    return length < Day ? clock : Filled(ShortDays, {QString::number(length / Day)}) + u' ' + clock;
 }
 
 } // namespace FilterWords

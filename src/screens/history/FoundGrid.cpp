@@ -16,6 +16,8 @@ namespace {
 
 /// The last column of each half is blank.
 constexpr int Columns = HistoryGrid::Columns - 1;
+/// The frame of the selected row leaves the letters free.
+constexpr double RowPitch = 2.9;
 constexpr int FewestRows = 7;
 /// Room for the shape, in heights of the font.
 constexpr double MarkRoom = 1.3;
@@ -24,7 +26,7 @@ constexpr int MarkMargin = 5;
 } // namespace
 
 FoundGrid::FoundGrid(QWidget* parent)
-    : RowGrid({Columns, HistoryGrid::RowPitch, FewestRows, MarkRoom}, parent) {
+    : RowGrid({Columns, RowPitch, FewestRows, MarkRoom}, parent) {
     FitFont();
 }
 

@@ -11,6 +11,8 @@ namespace {
 
 /// Where the second half begins, behind the line break.
 constexpr int SecondHalf = ScreenLine::Break.start + ScreenLine::Break.width;
+/// Two lines of text and the room that tells a row from the next.
+constexpr double RowPitch = 2.7;
 constexpr int FewestRows = 8;
 
 /// Codes that aren't characters would be drawn as boxes.

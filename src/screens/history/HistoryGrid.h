@@ -13,8 +13,6 @@ class HistoryGrid : public RowGrid {
 public:
     /// Columns of the wider half.
     static constexpr int Columns = TextProcs::ScreenLine::Break.start;
-    /// Two lines of text and the room that tells a row from the next.
-    static constexpr double RowPitch = 2.7;
 
     explicit HistoryGrid(QWidget* parent = nullptr);
 

@@ -68,6 +68,9 @@ void dlgHistoryPeriod::Dress(QCalendarWidget& calendar, int side) {
         calendar.setWeekdayTextFormat(Qt::DayOfWeek(day), plain);
     plain.setForeground(Theme::QuietInk);
     calendar.setHeaderTextFormat(plain);
+    // Its days don't follow its own letters once they have got some.
+    if (auto* days = calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_calendarview")))
+        days->setFont(calendar.font());
     calendar.setLocale(LocaleOfWords());
     calendar.setNavigationBarVisible(false);
     calendar.setDateEditEnabled(false);
