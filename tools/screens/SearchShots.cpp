@@ -15,7 +15,8 @@ void TakeHistorySearch(const Paths& path) {
     if (auto* grid = qobject_cast<FoundGrid*>(Child(form, "grdAlarms"))) {
         Click(form, "imgControl_8");
         QTest::mouseClick(grid, Qt::LeftButton, {}, QPoint(100, grid->RowHeight() / 2));
-        Click(form, "imgStep_2");
+        Save(form, path("wHistorySearch_found"));
+        Click(form, "imgControl_6");
         Save(form, path("wHistorySearch_found"));
         Click(form, "imgBack");
     }

@@ -24,7 +24,6 @@ constexpr int UserWord = 711105;
 constexpr int ShortDays = 711175;
 constexpr int Days = 711176;
 
-const QString Divider = QStringLiteral(" \u00B7 ");
 const QString Dash = QStringLiteral(" \u2013 ");
 
 struct KindChoice {

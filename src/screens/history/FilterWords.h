@@ -14,6 +14,9 @@ namespace FilterWords {
 /// What is filtered by, in the order of the buttons.
 enum Field { Period, Panel, Channel, Kind, User, Words };
 
+/// Between the parts of a line.
+inline const QString Divider = QStringLiteral(" \u00B7 ");
+
 /// The value of a field for its button, empty while the field lets everything through.
 QString Value(Field field, const HistoryFilter& filter);
 /// The whole filter.

@@ -22,6 +22,7 @@ constexpr int FewestRows = 7;
 /// Room for the shape, in heights of the font.
 constexpr double MarkRoom = 1.3;
 constexpr int MarkMargin = 5;
+constexpr int FrameRoom = 3;
 
 } // namespace
 
@@ -76,7 +77,8 @@ void FoundGrid::PaintRow(QPainter& painter, int row, const QRect& area) const {
         RowShapes::Draw(painter, mark, *state, ink, ground);
     }
     painter.setPen(ink);
-    HistoryGrid::PaintHalves(painter, area.adjusted(LeftMargin(), 0, 0, 0), ScreenLine(row));
+    HistoryGrid::PaintHalves(painter, area.adjusted(LeftMargin(), FrameRoom, 0, -FrameRoom),
+                             ScreenLine(row));
     if (row == at_.Current())
         AlarmGrid::PaintFrame(painter, area);
 }

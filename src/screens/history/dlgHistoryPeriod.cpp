@@ -68,10 +68,16 @@ void dlgHistoryPeriod::Dress(QCalendarWidget& calendar, int side) {
         calendar.setWeekdayTextFormat(Qt::DayOfWeek(day), plain);
     plain.setForeground(Theme::QuietInk);
     calendar.setHeaderTextFormat(plain);
-    // Its days don't follow its own letters once they have got some.
-    if (auto* days = calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_calendarview")))
+    if (auto* days = calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_calendarview"))) {
+        // They don't follow the letters of the calendar once they have got some.
         days->setFont(calendar.font());
+        days->ensurePolished();
+        QPalette palette = days->palette();
+        palette.setColor(QPalette::Disabled, QPalette::Text, Theme::Dormant);
+        days->setPalette(palette);
+    }
     calendar.setLocale(LocaleOfWords());
+    calendar.setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
     calendar.setNavigationBarVisible(false);
     calendar.setDateEditEnabled(false);
     calendar.setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);

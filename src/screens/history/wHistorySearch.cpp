@@ -54,7 +54,7 @@ constexpr int NotSaved = 711137;
 constexpr int NameOfFile = 711139;
 constexpr int FirstColumn = 711140;
 constexpr int LastColumn = 711148;
-constexpr int Title = 711100;
+constexpr int History = 710004;
 constexpr int WordsTitle = 711173;
 
 enum Step { ToComing, ToAcknowledgement, ToGoing };
@@ -389,11 +389,12 @@ void wHistorySearch::imgExport_Click(int index) {
     if (path.isEmpty() || !IsLoaded(self.data()) || !search_.Done())
         return;
     HistoryPdf::Heading heading{
-        GetText(Title),
+        GetText(History),
         FilterWords::Sentence(search_.Filter()),
         FilePicker::SiteName(
             IniRead(QStringLiteral("Files"), QStringLiteral("LastUsed"), QString())) +
-            u' ' + DateTimes::DateAndTime(DateTimes::Now()) + u' ' + FoundText(),
+            FilterWords::Divider + DateTimes::DateAndTime(DateTimes::Now()) + FilterWords::Divider +
+            FoundText(),
         {}};
     for (int column = FirstColumn; column <= LastColumn; ++column)
         heading.columns += GetText(column);
