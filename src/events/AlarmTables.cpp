@@ -155,8 +155,7 @@ QString AlarmTables::NameOf(const AlarmPeriod& period) {
     case Unit::Day:
         return Language().standaloneDayName(first.dayOfWeek()) + u' ' + DateOf(period.Begin());
     case Unit::Week:
-        return Filled(WeekText, {QString::number(first.weekNumber())}) + QStringLiteral(", ") +
-               DateOf(period.Begin()) + QStringLiteral(" - ") + DateOf(period.End() - 1);
+        return Filled(WeekText, {QString::number(first.weekNumber()), DateOf(period.Begin())});
     case Unit::Month:
         return Language().standaloneMonthName(first.month()) + u' ' + year;
     case Unit::Year:
@@ -258,8 +257,8 @@ void AlarmTables::ReadSources(const AlarmReport& report, const HistoryRecords& r
                           {GetText(WordsText), 62, false}};
     nuisance_.title = Heading(NuisanceText);
     nuisance_.columns = {{GetText(OriginText), 12, false},    {GetText(AlarmsText), 12, true},
-                         {GetText(ChatteringText), 15, true}, {GetText(SpellsText), 11, true},
-                         {GetText(FleetingText), 13, true},   {GetText(WordsText), 37, false}};
+                         {GetText(ChatteringText), 15, true}, {GetText(SpellsText), 13, true},
+                         {GetText(FleetingText), 13, true},   {GetText(WordsText), 35, false}};
     for (const AlarmReport::Source& source : report.Sources()) {
         const bool isNuisance = source.chatters > 0 || source.fleeting > 0;
         const bool isBad = badActors_.rows.size() < AlarmLimits::BadActors;

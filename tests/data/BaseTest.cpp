@@ -9,24 +9,15 @@
 
 namespace {
 
-QStringList FieldNames(BaseReader& base, const QString& table) {
+QString FieldNames(const QString& table) {
+    const platform::RecordTable opened = BaseTable(table);
     QStringList names;
-    for (const QVariantList& row : base.Query(QStringLiteral("PRAGMA table_info(%1)").arg(table))) {
-        names.append(row[1].toString());
-    }
-    return names;
+    for (int field = 0; field < opened.FieldCount(); ++field)
+        names += opened.FieldName(field);
+    return names.join(u' ');
 }
 
-TEST(ConfigBase, OpensWithItsKeyOnly) {
-    const QString count = "SELECT count(*) FROM T_Language";
-    BaseReader right;
-    EXPECT_GT(right.Query(count).value(0).value(0).toInt(), 100);
-    EXPECT_EQ(right.Error(), SQLITE_OK);
-    for (const char* key : {"9C43", "9c42", ""}) {
-        BaseReader wrong(BasePath, key);
-        EXPECT_TRUE(wrong.Query(count).isEmpty()) << key;
-        EXPECT_EQ(wrong.Error(), SQLITE_NOTADB) << key;
-    }
+TEST(ConfigBase, NothingOfItIsInClear) {
     QFile file(BasePath);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray bytes = file.readAll();
@@ -35,24 +26,16 @@ TEST(ConfigBase, OpensWithItsKeyOnly) {
 }
 
 TEST(ConfigBase, TablesHaveTheFieldsTheProgramReads) {
-    BaseReader base;
-    const QStringList language = FieldNames(base, "T_Language");
-    EXPECT_EQ(language.join(u' '), "ID Used Remark English Français Deutsch Español");
-    EXPECT_EQ(FieldNames(base, "T_Config").join(u' '), "ID Value");
-    EXPECT_EQ(FieldNames(base, "T_Sounds").join(u' '), "ID Size Content Extension");
-    // The help file is found by the first two letters of the language's name.
-    QStringList starts;
-    for (const QString& name : language.mid(3)) {
-        starts.append(name.left(2).toLower());
-    }
-    EXPECT_EQ(starts.removeDuplicates(), 0);
+    EXPECT_EQ(FieldNames("T_Language"), "ID Used Remark English Français Deutsch Español");
+    EXPECT_EQ(FieldNames("T_Config"), "ID Value");
+    EXPECT_EQ(FieldNames("T_Sounds"), "ID Size Content Extension");
+    EXPECT_GT(BaseTexts().words.size(), 100);
 }
 
 TEST(ConfigBase, FactoryDefaultsAreUsable) {
     QHash<int, QString> defaults;
-    BaseReader base;
-    for (const QVariantList& row : base.Query("SELECT ID, Value FROM T_Config"))
-        defaults[row[0].toInt()] = row[1].toString();
+    for (const auto& [id, row] : BaseTable("T_Config").ReadAll().asKeyValueRange())
+        defaults[int(id)] = row[1].toString();
     EXPECT_EQ(defaults.value(100000, "absent"), QString()) << "the service code is not delivered";
     // What the touch keys and the fields of 16 characters allow.
     const QRegularExpression typed("^[0-9A-Z-]{1,16}$");

@@ -39,21 +39,9 @@ QSet<int> TextNumbersOfCode(const QString& source) {
            Numbers(source, QStringLiteral("\\b\\w*Text\\w*\\s*=") + Number);
 }
 
-/// Numbers of texts in a designed form.
-QSet<int> TextNumbersOfForm(const QString& source) {
-    return Numbers(source, "<property name=\"Tag\"[^>]*>\\s*<\\w+[^>]*>(\\d+)<");
-}
-
-QSet<int> ConfigNumbersOfCode(const QString& source) {
-    return Numbers(source, QStringLiteral("\\bGetConfig\\(") + Number);
-}
-
 TEST(Texts, EveryNumberUsedByTheProgramHasWords) {
-    BaseReader base;
-    QSet<int> config, used, usedByForms, usedConfig;
-    for (const QVariantList& row : base.Query("SELECT ID FROM T_Config")) {
-        config.insert(row[0].toInt());
-    }
+    const auto config = BaseTable("T_Config").ReadAll();
+    QSet<int> used, usedByForms, usedConfig;
     QDirIterator files(QStringLiteral(KORVANELLE_SOURCE_DIR "/src"), {"*.cpp", "*.h", "*.ui"},
                        QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
@@ -62,11 +50,13 @@ TEST(Texts, EveryNumberUsedByTheProgramHasWords) {
         const QString source = QString::fromUtf8(file.readAll());
         const std::string name = files.fileName().toStdString();
         const bool isForm = files.fileName().endsWith(QLatin1String(".ui"));
-        const QSet<int> texts = isForm ? TextNumbersOfForm(source) : TextNumbersOfCode(source);
+        const QSet<int> texts =
+            isForm ? Numbers(source, "<property name=\"Tag\"[^>]*>\\s*<\\w+[^>]*>(\\d+)<")
+                   : TextNumbersOfCode(source);
         for (const int id : texts)
             EXPECT_TRUE(BaseTexts().words.contains(id)) << name << " uses text " << id;
         (isForm ? usedByForms : used) += texts;
-        for (const int id : ConfigNumbersOfCode(source)) {
+        for (const int id : Numbers(source, "\\bGetConfig\\(" + Number)) {
             EXPECT_TRUE(config.contains(id)) << name << " uses the default " << id;
             usedConfig += id;
         }

@@ -6,25 +6,20 @@
 #include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace {
 
-struct Target {
-    const char* name;
-    int (*function)(const uint8_t*, size_t);
-};
-
-void PrintTo(const Target& target, std::ostream* stream) {
-    *stream << target.name;
-}
+using Target = std::pair<const char*, int (*)(const uint8_t*, size_t)>;
 
 class Replay : public ::testing::TestWithParam<Target> {};
 
 } // namespace
 
 TEST_P(Replay, Corpus) {
+    const auto [target, function] = GetParam();
     const QDir folder(QStringLiteral(KORVANELLE_SOURCE_DIR "/fuzz/corpus/") +
-                      QString::fromLatin1(GetParam().name));
+                      QString::fromLatin1(target));
     const QStringList names = folder.entryList(QDir::Files, QDir::Name);
     EXPECT_FALSE(names.isEmpty());
     for (const QString& name : names) {
@@ -34,11 +29,10 @@ TEST_P(Replay, Corpus) {
         // A function that finds a fault ends the process: the last name printed is its input.
         std::printf("%s\n", name.toLocal8Bit().constData());
         std::fflush(stdout);
-        EXPECT_EQ(GetParam().function(reinterpret_cast<const uint8_t*>(bytes.constData()),
-                                      size_t(bytes.size())),
-                  0);
+        EXPECT_EQ(
+            function(reinterpret_cast<const uint8_t*>(bytes.constData()), size_t(bytes.size())), 0);
     }
-    EXPECT_EQ(GetParam().function(nullptr, 0), 0);
+    EXPECT_EQ(function(nullptr, 0), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -48,4 +42,4 @@ INSTANTIATE_TEST_SUITE_P(
                       Target{"HistoLine", FuzzHistoLine}, Target{"Command", FuzzCommand},
                       Target{"AlarmList", FuzzAlarmList}, Target{"Printer", FuzzPrinter},
                       Target{"Sheet", FuzzSheet}),
-    [](const auto& given) { return std::string(given.param.name); });
+    [](const auto& given) { return std::string(given.param.first); });

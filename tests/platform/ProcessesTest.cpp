@@ -6,52 +6,33 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <array>
 #include <gtest/gtest.h>
 
-namespace {
-
-/// A name that no other process has.
-QString OwnName(const char* head) {
-    return QString::fromLatin1(head) + QString::number(QCoreApplication::applicationPid());
-}
-
-} // namespace
-
-class ProcessesTest : public ::testing::Test {
-protected:
-    /// A sleeper under a name of its own.
-    void Start(QProcess& process, const QString& name) const {
-        const QString program = folder_.filePath(name);
+TEST(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
+    const QTemporaryDir folder;
+    const QString own = QString::number(QCoreApplication::applicationPid());
+    const QString name = Text("sleeper") + own;
+    // Longer than what the system keeps of a name.
+    const QString longName = Text("a-screen-keyboard-") + own;
+    std::array<QProcess, 4> sleepers;
+    const QString names[] = {name, name, longName + u'a', longName + u'b'};
+    for (size_t i = 0; i < sleepers.size(); ++i) {
+        const QString program = folder.filePath(names[i]);
         ASSERT_TRUE(QFile::exists(program) || QFile::copy(Text("/bin/sleep"), program));
-        process.start(program, {Text("60")});
-        ASSERT_TRUE(process.waitForStarted());
+        sleepers[i].start(program, {Text("60")});
+        ASSERT_TRUE(sleepers[i].waitForStarted());
     }
-
-private:
-    QTemporaryDir folder_;
-};
-
-TEST_F(ProcessesTest, KillEndsEveryProcessOfTheNameAndNoOther) {
-    const QString name = OwnName("sleeper");
-    const QString longName = OwnName("a-screen-keyboard-");
-    QProcess first, second, third, other;
-    Start(first, name);
-    Start(second, name);
-    Start(third, longName + u'a');
-    Start(other, longName + u'b');
-    EXPECT_FALSE(platform::KillProcess(name)) << "always";
-    EXPECT_TRUE(first.waitForFinished(60000));
-    EXPECT_TRUE(second.waitForFinished(60000));
-    EXPECT_FALSE(platform::KillProcess(longName + u'a'));
-    EXPECT_TRUE(third.waitForFinished(60000));
-    EXPECT_FALSE(platform::KillProcess(QString()));
-    EXPECT_FALSE(platform::KillProcess(name.chopped(1)));
-    EXPECT_FALSE(other.waitForFinished(100));
-    other.kill();
-    other.waitForFinished();
+    for (const QString& killed : {name, longName + u'a', QString(), name.chopped(1)})
+        EXPECT_FALSE(platform::KillProcess(killed)) << "always";
+    for (const size_t ended : {0, 1, 2})
+        EXPECT_TRUE(sleepers[ended].waitForFinished(60000)) << ended;
+    EXPECT_FALSE(sleepers[3].waitForFinished(100));
+    sleepers[3].kill();
+    sleepers[3].waitForFinished();
 }
 
-TEST_F(ProcessesTest, StartTellsWhetherThereIsSuchAProgram) {
+TEST(ProcessesTest, StartTellsWhetherThereIsSuchAProgram) {
     EXPECT_TRUE(platform::StartProcess(Text("/bin/true --now")));
     EXPECT_FALSE(platform::StartProcess(Text("/nowhere/keyboard")));
     EXPECT_FALSE(platform::StartProcess(QString()));

@@ -101,43 +101,37 @@ private:
 
 } // namespace
 
-TEST_F(SystemClockTest, TheServiceSetsItWithoutAskingAnybody) {
-    EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
-    EXPECT_EQ(service.set, Wanted * 1000) << "in microseconds";
-    EXPECT_FALSE(service.asked);
-    EXPECT_FALSE(called) << "once is enough";
-}
-
-TEST_F(SystemClockTest, ARefusalTellsWhoseItIs) {
+TEST_F(SystemClockTest, TheServiceSetsItAndOnlyWithoutOneTheSystemIsCalled) {
     using Outcome = SystemClock::Outcome;
-    const std::pair<const char*, Outcome> refusals[] = {
-        {"org.freedesktop.timedate1.AutomaticTimeSyncEnabled", Outcome::KeptByNetwork},
-        {"org.freedesktop.DBus.Error.AccessDenied", Outcome::Refused},
-        {"org.freedesktop.DBus.Error.InteractiveAuthorizationRequired", Outcome::Refused},
-        {"org.freedesktop.DBus.Error.InvalidArgs", Outcome::Failed}};
-    for (const auto& [name, outcome] : refusals) {
-        service.refusal = Text(name);
-        const SystemClock::Result result = Set();
-        EXPECT_EQ(result.outcome, outcome) << name;
-        EXPECT_EQ(result.words, Text("words of the system"));
-    }
-    EXPECT_FALSE(called) << "what the system refuses isn't done behind its back";
-}
-
-TEST_F(SystemClockTest, WithoutTheServiceTheSystemIsCalled) {
-    for (const char* absence :
-         {"org.freedesktop.DBus.Error.ServiceUnknown", "org.freedesktop.systemd1.UnitMasked"}) {
-        service.refusal = Text(absence);
+    const struct {
+        const char* refusal; ///< null without a bus
+        int callError;
+        Outcome outcome;
+        bool isCalled;
+    } rows[] = {{"", 0, Outcome::Done, false},
+                {"timedate1.AutomaticTimeSyncEnabled", 0, Outcome::KeptByNetwork, false},
+                {"DBus.Error.AccessDenied", 0, Outcome::Refused, false},
+                {"DBus.Error.InteractiveAuthorizationRequired", 0, Outcome::Refused, false},
+                {"DBus.Error.InvalidArgs", 0, Outcome::Failed, false},
+                {"DBus.Error.ServiceUnknown", 0, Outcome::Done, true},
+                {"systemd1.UnitMasked", 0, Outcome::Done, true},
+                {nullptr, EPERM, Outcome::Refused, true},
+                {nullptr, EINVAL, Outcome::Failed, true}};
+    for (const auto& [refusal, error, outcome, isCalled] : rows) {
+        SCOPED_TRACE(refusal == nullptr ? "no bus" : refusal);
+        const QString name = Text(refusal);
+        service.refusal = name.isEmpty() ? name : Text("org.freedesktop.") + name;
+        service.set.reset();
         called.reset();
-        EXPECT_EQ(Set().outcome, SystemClock::Outcome::Done);
-        EXPECT_EQ(called, Wanted) << absence;
-    }
-    for (const auto& [error, outcome] : {std::pair{EPERM, SystemClock::Outcome::Refused},
-                                         {EINVAL, SystemClock::Outcome::Failed}}) {
         callError = error;
-        const SystemClock::Result result = Set(false);
+        const SystemClock::Result result = Set(refusal != nullptr);
         EXPECT_EQ(result.outcome, outcome);
-        EXPECT_FALSE(result.words.isEmpty());
+        EXPECT_NE(result.words.isEmpty(), outcome != Outcome::Done);
+        EXPECT_EQ(called, isCalled ? std::optional<qint64>(Wanted) : std::nullopt);
+        const bool isSet = outcome == Outcome::Done && !isCalled;
+        EXPECT_EQ(service.set, isSet ? std::optional<qlonglong>(Wanted * 1000) : std::nullopt)
+            << "in microseconds";
+        EXPECT_FALSE(service.asked) << "nobody is asked";
     }
 }
 

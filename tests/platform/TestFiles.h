@@ -21,6 +21,13 @@ inline void PutBytes(const QString& path, const QByteArray& bytes) {
         file.write(bytes);
 }
 
+inline QByteArray AllBytes() {
+    QByteArray bytes;
+    for (int code = 0; code < 256; ++code)
+        bytes += char(code);
+    return bytes;
+}
+
 /// Runs the event loop until a condition holds, at most 30 s.
 template <typename Condition> bool Until(Condition&& met) {
     const QDeadlineTimer deadline(30000);

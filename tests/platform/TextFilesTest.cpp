@@ -1,11 +1,15 @@
 #include "platform/CodePage.h"
 #include "platform/DiskFlush.h"
+#include "platform/FileCopy.h"
+#include "platform/FileWriting.h"
 #include "platform/LineLog.h"
 #include "platform/TestFiles.h"
 
 #include <QDir>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <sys/resource.h>
 
 using namespace platform;
 
@@ -25,14 +29,31 @@ protected:
     LineLog log;
 };
 
+/// No file grows beyond so many bytes while this lives, as on a disk that is full.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t most) {
+        getrlimit(RLIMIT_FSIZE, &former_);
+        const rlimit limit = {most, former_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &former_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit former_ = {};
+    void (*const handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
 } // namespace
 
 TEST(CodePageTest, EveryByteComesBackAsItself) {
-    QByteArray all;
-    for (int code = 0; code < 256; ++code)
-        all.append(char(code));
-    const QString text = FromCodePage(all);
-    EXPECT_EQ(ToCodePage(text), all);
+    const QString text = FromCodePage(AllBytes());
+    EXPECT_EQ(ToCodePage(text), AllBytes());
     QString sample = text.mid(0x41, 1) + text.mid(0x80, 1) + text.mid(0x92, 1) + text.mid(0x9F, 1);
     EXPECT_EQ(sample, Text("A€’Ÿ"));
     EXPECT_EQ(text.mid(0xE9, 1), Text("é"));
@@ -104,4 +125,28 @@ TEST_F(LineLogTest, EachFileIsFlushedOnceForManyWrites) {
     DiskFlush::Owe(folder.filePath(Text("gone.log")));
     EXPECT_EQ(DiskFlush::Pay(), 2);
     EXPECT_EQ(DiskFlush::Pay(), 0);
+}
+
+TEST(FileWritingTest, AFullDiskLeavesEveryFileAsItWas) {
+    const QTemporaryDir folder;
+    const QString kept = folder.filePath(Text("kept"));
+    const QString large = folder.filePath(Text("large"));
+    const QString made = folder.filePath(Text("made"));
+    const QByteArray much(5000, 'x');
+    PutBytes(kept, "former");
+    PutBytes(large, much);
+    QList<int> told;
+    {
+        // A failure told in here wouldn't get into a file either.
+        const FullDisk full(100);
+        told += ErrorOf([&] { AppendTo(kept, much, {}); });
+        told += ErrorOf([&] { AppendTo(made, much, "head"); });
+        told += ErrorOf([&] { ReplaceFile(kept, much); });
+        told += ErrorOf([&] { FileCopy(large, made).Advance(much.size()); });
+    }
+    EXPECT_THAT(told, ::testing::Each(errors::DeviceIo));
+    EXPECT_EQ(BytesOf(kept), "former") << "nothing torn";
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), TextList({"kept", "large"}));
+    EXPECT_EQ(ErrorOf([] { AppendTo(Text("/dev/full"), "x", {}); }), errors::DiskFull);
+    EXPECT_EQ(ErrorOf([] { ReplaceFile(Text("/dev/full"), "x"); }), errors::DiskFull);
 }

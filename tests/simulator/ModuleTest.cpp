@@ -42,16 +42,6 @@ protected:
 
 } // namespace
 
-TEST_F(ModuleTest, IdentificationOfEachModel) {
-    EXPECT_THAT(Read(1, 132, 1), ElementsAre(1));
-    EXPECT_NE(Read(1, 133, 1).at(0), 2);
-    EXPECT_THAT(Read(2, 132, 1), ElementsAre(2));
-    EXPECT_THAT(Read(3, 132, 1), ElementsAre(1));
-    EXPECT_EQ(Exchange(Reading(3, 133, 1)).at(1), 0x83);
-    EXPECT_THAT(Read(4, 132, 2), ElementsAre(1, 0));
-    EXPECT_THAT(Read(5, 132, 2), ElementsAre(1, 2));
-}
-
 TEST_F(ModuleTest, BlocksMustBeKnownAsAWhole) {
     EXPECT_EQ(Read(1, 1, 12).size(), 12U);
     EXPECT_THAT(Read(1, 1, 13), IsEmpty());
@@ -107,21 +97,6 @@ TEST_F(ModuleTest, AcknowledgementSettlesStandingAndGoneAlarms) {
     EXPECT_THAT(TakeEvents(1), ElementsAre(0xF020));
     At(1).SetContact(4, Contact::Normal);
     EXPECT_THAT(TakeEvents(1), ElementsAre(0x4000, 0x4100));
-}
-
-TEST_F(ModuleTest, HornAndClearing) {
-    At(3).SetContact(2, Contact::Active);
-    At(3).SetContact(2, Contact::Normal);
-    TakeEvents(3);
-    Write(3, 67, {1});
-    EXPECT_THAT(Read(3, 64, 1), ElementsAre(0));
-    Write(3, 67, {3});
-    Write(3, 67, {2});
-    EXPECT_THAT(TakeEvents(3), ElementsAre(0xF010, 0xF030, 0xF020));
-    Write(3, 64, {1});
-    EXPECT_THAT(Read(3, 64, 1), ElementsAre(1));
-    Write(3, 66, {1});
-    EXPECT_THAT(At(3).Describe(), HasSubstr("horn=1 lamps=1"));
 }
 
 TEST_F(ModuleTest, TheMemoryLosesTheOldest) {

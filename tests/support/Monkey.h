@@ -3,6 +3,7 @@
 #include "core/FormNames.h"
 #include "core/Forms.h"
 #include "core/Message.h"
+#include "support/FakeForm.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -19,29 +20,17 @@ inline int MonkeyTaps() {
 }
 
 /// Where a way out leads: what is there is no business of this test.
-class Elsewhere : public QWidget, public Forms::Form {
+class Elsewhere : public QObject, public FakeForm {
 public:
-    explicit Elsewhere(QString name)
-        : name_(std::move(name)) {
-        Forms::Added(this);
-    }
-    ~Elsewhere() override { Forms::Removed(this); }
-    Elsewhere(const Elsewhere&) = delete;
-    Elsewhere& operator=(const Elsewhere&) = delete;
-
-    QString Name() const override { return name_; }
-    void Show() override { show(); }
-    void Hide() override { hide(); }
-    void BringToFront() override {}
-    bool Visible() const override { return isVisible(); }
+    explicit Elsewhere(const QString& name)
+        : FakeForm(name, log) {}
     void Unload() override {
-        Forms::Removed(this);
-        hide();
+        FakeForm::Unload();
         deleteLater();
     }
 
 private:
-    QString name_;
+    static inline QStringList log;
 };
 
 /// Taps at random places of the form that takes touches, one tap as soon as the one before has

@@ -7,7 +7,6 @@
 #include "screens/dialogs/dlgMessage.h"
 #include "support/LeadingClock.h"
 #include "support/Road.h"
-#include "support/Script.h"
 
 #include <QLabel>
 
@@ -27,7 +26,6 @@ protected:
     static QString Words() { return Find<QLabel>(FormNames::wRunAlarms, "txtNoAlarm")->text(); }
 
     LeadingClock clock;
-    Script script;
 };
 
 } // namespace
@@ -79,42 +77,4 @@ TEST_F(ConsoleRoad, ABoxHoldsUpNeitherMidnightNorWhatFollows) {
     EXPECT_EQ(Global::Get().currentPriority, 99);
     EXPECT_FALSE(Find(FormNames::wRunAlarms, "lblFaults")->isHidden());
     EXPECT_EQ(Traced("FAULT BEGINS BUS STOPPED BY AN ERROR").size(), 1);
-}
-
-TEST_F(ConsoleRoad, OnlyACodeStopsTheBusOfAGuardedSite) {
-    const QString codes = FormNames::dlgUserCodes;
-    Site().setUserCount(2);
-    Site().setUserLevel(1, 1);
-    Site().setUserLevel(2, 2);
-    engine->setRun(true);
-    script.On(codes, [&] { Tap(codes, "imgControl_0"); });
-    Tap(FormNames::wRunAlarms, "imgStopRun");
-    EXPECT_TRUE(engine->Run()) << "the prompt was given up";
-    // An alarm takes the prompt's screen, or it is taken from outside.
-    script.On(codes, [&] { Forms::Unload(codes); });
-    Tap(FormNames::wRunAlarms, "imgStopRun");
-    EXPECT_TRUE(engine->Run());
-    // Nobody could enter a code.
-    Site().setUserCount(1);
-    Site().setUserLevel(1, 2);
-    Tap(FormNames::wRunAlarms, "imgStopRun");
-    EXPECT_FALSE(engine->Run());
-    EXPECT_EQ(Traced("COMM   STOP").size(), 1) << folder.Trace().join(u'\n').toStdString();
-}
-
-// The site that is opened holds a panel that nobody has ever heard.
-TEST_F(ConsoleRoad, ASiteOpenedOnARunningBusTellsItsSilentPanel) {
-    engine->setRun(true);
-    ASSERT_TRUE(Until(IsCalm));
-    auto site = std::make_unique<ConfigClass>();
-    site->setOptionScreen(2, true);
-    Global::setConfiguration(std::move(site));
-    for (const auto& [address, model] :
-         {std::pair(1, "Q7100"), std::pair(2, "Q7000"), std::pair(9, "Q7100")})
-        AddPanel(address, QString::fromLatin1(model));
-    ASSERT_TRUE(Until([&] { return !Traced("DISAPP").isEmpty(); }));
-    EXPECT_TRUE(Traced("DISAPP")[0].contains("P09"));
-    EXPECT_EQ(Rows().size(), 1);
-    EXPECT_TRUE(Until([&] { return Words() == GetText(714073) || !Rows().isEmpty(); }));
-    EXPECT_TRUE(Traced("APPEAR").isEmpty()) << "those that are there come without a word";
 }

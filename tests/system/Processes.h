@@ -121,10 +121,7 @@ public:
         process_.start(folder.Path("korvanelle"), arguments);
         EXPECT_TRUE(process_.waitForStarted());
     }
-    ~ProgramProcess() {
-        process_.kill();
-        process_.waitForFinished();
-    }
+    ~ProgramProcess() { Kill(); }
     void Kill() {
         process_.kill();
         process_.waitForFinished();

@@ -56,36 +56,6 @@ TEST_F(ProgramTest, ASecondInstanceEndsAtOnce) {
     EXPECT_LE(Traced("APPLI").size(), 1) << lines;
 }
 
-TEST_F(ProgramTest, QueuedCommandsSurviveARestart) {
-    const QString tomorrow = DateTimes::DateAndTime(DateTimes::Now() + 1);
-    const QString command = QStringLiteral("2|1|0043|%1|0002").arg(tomorrow);
-    IniWrite(Pending, "1", command);
-    IniWrite(Pending, "2", QString());
-    IniWrite(Pending, "3", "2|1|0042|00:00:00|0001");
-    {
-        ProgramProcess program(folder);
-        EXPECT_EQ(simulator_.WaitFor("write 1 66"), QByteArray("write 1 66 0001"));
-        EXPECT_EQ(program.Terminate(), 0);
-    }
-    QStringList keys;
-    EXPECT_EQ(IniReadKeys(keys, Pending), 1);
-    EXPECT_EQ(IniRead(Pending, "1", QString()), command);
-}
-
-// The adapter is missing: the start doesn't wait for anybody, and the commands wait for the port.
-TEST_F(ProgramTest, AMissingPortHoldsUpNoStartAndKeepsTheCommands) {
-    const QString command = "2|1|0043|00:00:00|0002";
-    IniWrite("Ports", "COM1", folder.Path("none"));
-    IniWrite(Pending, "1", command);
-    ProgramProcess program(folder);
-    ASSERT_TRUE(Comes("FAULT BEGINS MESSAGE UNREAD")) << "told";
-    ASSERT_TRUE(FileComes("AlarmSound1.wav")) << "and the start went on beneath the box";
-    EXPECT_EQ(program.Terminate(), 0);
-    EXPECT_EQ(IniRead(Pending, "1", QString()), command);
-    EXPECT_FALSE(Traced("APPLI  START").isEmpty());
-    EXPECT_FALSE(Traced(" TASK  MANAGER  ").isEmpty());
-}
-
 // A site that can't be read keeps the bus from starting by itself; the watchdog brings the console.
 TEST_F(ProgramTest, AnUnreadableSiteLeavesTheBusStopped) {
     QFile file(CurrentConfigFile());

@@ -11,12 +11,6 @@ protected:
     explicit RoadTest(const QStringList& modules = {"1=Q7100", "2=Q6200XT", "3=Q7000", "4=P5000",
                                                     "5=P5500"})
         : Road(modules) {
-        MakeSite();
-        engine->setRun(true);
-        Forms::Show("wRunAlarms");
-    }
-
-    static void MakeSite() {
         for (int bit = 0; bit <= 4; ++bit) {
             Site().setOptionScreen(bit, bit != 3);
             Site().setOptionHisto(bit, true);
@@ -30,6 +24,8 @@ protected:
             channel.setKlaxon(true);
             channel.setAlmPrio(qint16(10 + address));
         }
+        engine->setRun(true);
+        Forms::Show("wRunAlarms");
     }
 
     static const platform::SilentSound& Horn() {

@@ -1,53 +1,42 @@
 // The program under a service manager: it says that it is up and alive, and a hang is seen.
 
+#include "platform/Terminal.h"
 #include "system/Processes.h"
 
 #include <array>
 #include <csignal>
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 
 /// The manager's end of the socket.
 class NotifySocket {
 public:
-    explicit NotifySocket(const QString& path)
-        : socket_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    explicit NotifySocket(const QString& path) {
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         const QByteArray name = path.toLocal8Bit();
         EXPECT_LT(size_t(name.size()), sizeof address.sun_path);
         std::copy(name.begin(), name.end(), address.sun_path);
-        EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(
+            bind(socket_.Number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     }
-    ~NotifySocket() { close(socket_); }
-    NotifySocket(const NotifySocket&) = delete;
-    NotifySocket& operator=(const NotifySocket&) = delete;
-
     /// Waits for a message that begins so; false after so many milliseconds.
     bool Hears(const QByteArray& head, int milliseconds = 30000) const {
         const QDeadlineTimer deadline(milliseconds);
-        pollfd place = {socket_, POLLIN, 0};
+        pollfd place = {socket_.Number(), POLLIN, 0};
         while (poll(&place, 1, int(deadline.remainingTime())) > 0) {
             std::array<char, 4096> bytes = {};
-            const ssize_t length = recv(socket_, bytes.data(), bytes.size(), 0);
+            const ssize_t length = recv(socket_.Number(), bytes.data(), bytes.size(), 0);
             if (QByteArray(bytes.data(), length).startsWith(head))
                 return true;
         }
         return false;
     }
-    /// Throws away what has come.
-    void Empty() const {
-        std::array<char, 4096> bytes = {};
-        while (recv(socket_, bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
-        }
-    }
 
 private:
-    int socket_;
+    Handle socket_{::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
 };
 
 class ServiceTest : public PlantTest {};
@@ -66,7 +55,8 @@ TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
     EXPECT_TRUE(socket.Hears("STATUS=Bus running. Modules watched: 1, missing: 0, alarms: "));
     program.Signal(SIGSTOP);
     QThread::msleep(100);
-    socket.Empty();
+    while (socket.Hears({}, 0))
+        continue;
     EXPECT_FALSE(socket.Hears("WATCHDOG=1", 1000));
     program.Signal(SIGCONT);
     EXPECT_TRUE(socket.Hears("WATCHDOG=1"));

@@ -2,6 +2,8 @@
 
 #include "system/Processes.h"
 
+#include "core/DateTimes.h"
+
 #include <csignal>
 #include <numeric>
 
@@ -30,6 +32,13 @@ protected:
             modules += QStringLiteral("%1=Q7100").arg(address);
         return modules;
     }
+    /// The queue after the end of the program.
+    static QStringList Kept() {
+        QStringList commands;
+        for (const auto& entry : IniReadSection(Pending))
+            commands += entry.second;
+        return commands;
+    }
     /// The bus polls: its first start is through.
     bool Polls(SimulatorProcess& simulator, int address, int channel) const {
         simulator.Do(QByteArray("active ") + QByteArray::number(address) + ' ' +
@@ -56,15 +65,24 @@ TEST_F(WatchRun, AnUnknownCodeLeavesAllOthersWatched) {
     EXPECT_EQ(program.Terminate(), 0);
 }
 
-TEST_F(WatchRun, APortThatComesLateIsFound) {
+// The adapter is missing: the start doesn't wait for anybody, and the commands wait for the port.
+TEST_F(WatchRun, APortThatComesLateIsFoundAndGetsTheCommandsThatAreDue) {
     Save({1});
+    const QString command =
+        QStringLiteral("2|1|0043|%1|0002").arg(DateTimes::DateAndTime(DateTimes::Now() + 1));
+    IniWrite(Pending, "1", command);
+    IniWrite(Pending, "2", "2|1|0042|00:00:00|0001");
     ProgramProcess program(folder);
-    ASSERT_TRUE(Starts()) << "the start went on without a port";
+    EXPECT_TRUE(Comes("FAULT BEGINS MESSAGE UNREAD")) << "told";
+    ASSERT_TRUE(Starts()) << "and the start went on beneath the box";
     EXPECT_TRUE(Traced("COMM   START").isEmpty());
     SimulatorProcess simulator(folder.Bus(), Modules({1}));
     EXPECT_TRUE(Comes("COMM   START"));
+    EXPECT_EQ(simulator.WaitFor("write 1 66"), QByteArray("write 1 66 0001"));
     EXPECT_TRUE(Polls(simulator, 1, 2));
     EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_TRUE(Kept().contains(command)) << "tomorrow's";
+    EXPECT_TRUE(Kept().filter("|0042|").isEmpty()) << Kept().join(u' ').toStdString();
 }
 
 TEST_F(WatchRun, AnEndInTheSynchronisationWaitsForNoPanel) {
@@ -94,41 +112,8 @@ TEST_F(WatchRun, AnEndBehindABoxOfTheStartKeepsTheCommands) {
     ASSERT_TRUE(FileComes("korvanelle.lock"));
     QThread::msleep(2000);
     EXPECT_EQ(program.Terminate(), 0);
-    QStringList kept;
-    for (const auto& entry : IniReadSection(Pending))
-        kept += entry.second;
-    EXPECT_TRUE(kept.contains(command)) << kept.join(u' ').toStdString();
-    EXPECT_TRUE(kept.contains("2|1|0042|00:00:00|0001"));
-}
-
-TEST_F(WatchRun, AFolderThatWentAwayStopsNoBus) {
-    Save({1, 2});
-    SimulatorProcess simulator(folder.Bus(), Modules({1, 2}));
-    ProgramProcess program(folder);
-    ASSERT_TRUE(Polls(simulator, 1, 2));
-    ASSERT_TRUE(QDir(folder.Path("Trace")).removeRecursively());
-    for (const char* command : {"active 1 3", "active 2 3", "normal 1 3", "active 1 4"})
-        simulator.Do(command);
-    EXPECT_TRUE(Eventually([&] { return !folder.History().filter("P01-C04").isEmpty(); }));
-    EXPECT_TRUE(Comes("P01-C04")) << "made again";
-    EXPECT_TRUE(Traced("FAULT").isEmpty()) << "nothing to tell";
-    for (const char* address : {"1", "2"})
-        EXPECT_TRUE(Eventually([&] {
-            return simulator.Ask(QByteArray("show ") + address, "show").contains("waiting=0");
-        })) << "the events are taken, and so are their receipts";
-    EXPECT_EQ(program.Terminate(), 0);
-}
-
-// Panel 64 is good, and so the turn never comes to 1; the queue holds a command that no module
-// takes.
-TEST_F(WatchRun, WhatTheBusLeavesUndoneIsTold) {
-    Save({1, 2, 64});
-    IniWrite(Pending, "1", "2|2|0500|00:00:00|0002");
-    SimulatorProcess simulator(folder.Bus(), Modules({1, 2, 64}));
-    ProgramProcess program(folder);
-    EXPECT_TRUE(Comes("FAULT BEGINS COMMAND GIVEN UP P02:0500"));
-    EXPECT_TRUE(Comes("FAULT BEGINS PANEL NOT POLLED 1"));
-    EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_TRUE(Kept().contains(command)) << Kept().join(u' ').toStdString();
+    EXPECT_TRUE(Kept().contains("2|1|0042|00:00:00|0001"));
 }
 
 } // namespace

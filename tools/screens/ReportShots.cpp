@@ -12,9 +12,10 @@ void WriteAlarms() {
     const qint64 now = AlarmPeriod::SecondsOf(QDateTime::currentDateTime());
     const qint64 begin = AlarmPeriod(AlarmPeriod::Unit::Month, now).Next(-1).Begin();
     HistoryWriter history;
-    history.PutAlarm(3, 5, now - 3 * 86400, 400, -1);
+    history.PutAlarm(3, 11, begin + 4 * 86400, 400, 3 * 86400);
+    history.PutAlarm(3, 12, begin + 5 * 86400, 900, -1);
     std::mt19937 random(4);
-    for (qint64 at = begin; at < now - 120;) {
+    for (qint64 at = begin + 5 * 86400; at < now - 120;) {
         const qint64 day = (at - begin) / 86400;
         const bool isNight = at % 86400 < 6 * 3600;
         at += 1 + qint64(random() % (isNight ? 2400 : 300 + day * 7 % 5 * 180));
@@ -35,6 +36,8 @@ void TakeReport(const Paths& path) {
         Click(form, unit);
         Save(form, path(("wAlarmReport_" + QByteArray(unit)).constData()));
     }
+    // The help shows the month.
+    Save(form, path("wAlarmReport"));
     for (const char* page : {"cmdPage_1", "cmdPage_2", "cmdPage_3", "cmdPage_4", "cmdPage_5"}) {
         Click(form, page);
         Save(form, path(("wAlarmReport_" + QByteArray(page)).constData()));

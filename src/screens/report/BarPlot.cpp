@@ -23,6 +23,8 @@ constexpr int Steps = 4;
 constexpr double SmallestTop = 4;
 /// Width of a bar, of its column.
 constexpr double BarShare = 0.72;
+/// Smallest letters of a number, of those of the names.
+constexpr double SmallestNumber = 0.65;
 
 double Greatest(const QList<double>& values) {
     return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend());
@@ -120,14 +122,26 @@ void BarPlot::PaintBar(QPainter& painter, const Look& look, int bar) const {
     painter.fillRect(area, alarms > bars_.most[bar]         ? look.most
                            : alarms > bars_.acceptable[bar] ? look.above
                                                             : look.bar);
-    const QString number = QString::number(alarms);
-    const QFontMetricsF metrics(font_);
-    if (alarms == 0 || metrics.horizontalAdvance(number) > column.width())
-        return;
     painter.setPen(look.ink);
-    painter.drawText(
-        QRectF(column.left(), area.top() - metrics.height(), column.width(), metrics.height()),
-        Qt::AlignHCenter | Qt::AlignBottom, number);
+    PaintNumber(painter, alarms, column);
+}
+
+/// Above its bar, in smaller letters where the column is too narrow for it.
+void BarPlot::PaintNumber(QPainter& painter, int alarms, const QRectF& column) const {
+    const QString number = QString::number(alarms);
+    const double needed = QFontMetricsF(font_).horizontalAdvance(number);
+    const double share = std::min(1.0, column.width() / std::max(needed, 1.0));
+    if (alarms == 0 || share < SmallestNumber)
+        return;
+    QFont font = font_;
+    font.setPixelSize(int(font.pixelSize() * share));
+    painter.setFont(font);
+    const double height = QFontMetricsF(font).height();
+    painter.drawText(QRectF(column.left() - column.width(),
+                            column.bottom() - HeightOf(alarms) - height, 3 * column.width(),
+                            height),
+                     Qt::AlignHCenter | Qt::AlignBottom, number);
+    painter.setFont(font_);
 }
 
 void BarPlot::PaintName(QPainter& painter, int bar) const {

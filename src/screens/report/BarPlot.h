@@ -33,6 +33,7 @@ private:
     QRectF ColumnOf(int bar) const;
     void PaintScale(QPainter& painter, const Look& look) const;
     void PaintBar(QPainter& painter, const Look& look, int bar) const;
+    void PaintNumber(QPainter& painter, int alarms, const QRectF& column) const;
     void PaintName(QPainter& painter, int bar) const;
     void PaintLimit(QPainter& painter, const QList<double>& limit, const QColor& colour) const;
 

@@ -89,6 +89,8 @@ void wAlarmReport::ConnectControls() {
     connect(ui_->barAlarms, &BarChart::Touched, this, [this](int bar) {
         Guard("wAlarmReport.barAlarms_Touched", [&] { barAlarms_Touched(bar); });
     });
+    for (QAbstractButton* button : units_.buttons() + pages_.buttons())
+        button->setFocusPolicy(Qt::NoFocus);
     ui_->grdAlarms->setSortable(false);
     tmrRead_.callOnTimeout([this] { tmrRead_Timer(); });
 }
