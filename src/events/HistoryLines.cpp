@@ -30,6 +30,12 @@ void HistoryLines::ReadFrom(const HistoryRecord& record) {
     piece_.truncate(qMax<qint64>(count, 0));
 }
 
+void HistoryLines::Forget() {
+    file_.close();
+    file_.setFileName(QString());
+    piece_.clear();
+}
+
 QByteArrayView HistoryLines::Of(const HistoryRecord& record) {
     if (!Holds(record))
         ReadFrom(record);

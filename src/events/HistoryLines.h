@@ -17,6 +17,8 @@ public:
     /// At most the 138 columns, without the line end; empty for a line that can't be read any
     /// more. The bytes hold until the next call.
     QByteArrayView Of(const HistoryRecord& record);
+    /// Reads anew from then on.
+    void Forget();
 
 private:
     bool Holds(const HistoryRecord& record) const;

@@ -99,6 +99,7 @@ void HistorySearch::BeginMatching() {
         MakeSmall(platform::ToCodePage(word), words_.last());
     }
     user_ = platform::ToCodePage(filter_.user).left(FileLine::Common.width).trimmed();
+    lines_.Forget();
     at_ = 0;
     stage_ = Stage::Matching;
 }
@@ -127,9 +128,12 @@ void HistorySearch::Match() {
 }
 
 void HistorySearch::Cancel() {
-    if (stage_ == Stage::Reading)
+    if (stage_ == Stage::Reading) {
         records_.Cancel();
-    stage_ = Stage::Done;
+        BeginMatching();
+    } else {
+        stage_ = Stage::Done;
+    }
 }
 
 double HistorySearch::Progress() const {

@@ -23,7 +23,7 @@ public:
     void Return(const HistoryFilter& filter, std::vector<quint32> found);
     /// Goes on for about so many milliseconds. True when all is found.
     bool Step(int budget);
-    /// Leaves the rest; what was found stays.
+    /// Leaves the rest: what was found stays, and what was read is still looked through.
     void Cancel();
     bool Done() const { return stage_ == Stage::Done; }
     /// The files are still being read: how much there is to look through isn't known.

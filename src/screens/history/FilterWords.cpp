@@ -191,7 +191,7 @@ QStringList Choices(Field field, const HistorySearch& search) {
 }
 
 QString Chosen(Field field, const HistoryFilter& filter) {
-    const QString value = Value(field, filter);
+    QString value = Value(field, filter);
     if (!value.isEmpty())
         return value;
     switch (field) {

@@ -10,7 +10,7 @@ namespace {
 /// The watch of the bus waits no longer, ms.
 constexpr int Budget = 20;
 /// Bytes that a slow stick takes in some 50 ms.
-constexpr qint64 Portion = 64 * 1024;
+constexpr qint64 Portion = 0x10000;
 
 class CsvWriter : public LineWriter {
 public:

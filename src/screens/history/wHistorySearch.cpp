@@ -148,16 +148,18 @@ void wHistorySearch::Begin(const HistoryFilter& filter, const Place& place) {
     ShowFound();
 }
 
+/// One that fails doesn't fail again and again.
 void wHistorySearch::tmrSearch_Timer() {
-    Guard("wHistorySearch.tmrSearch_Timer", [this] {
-        const bool done = search_.Step(Budget);
-        if (done)
-            tmrSearch_.stop();
+    bool done = false;
+    const bool ran = Guard("wHistorySearch.tmrSearch_Timer", [&] {
+        done = search_.Step(Budget);
         ui_->grdAlarms->Grow();
         if (done)
             GoToWanted();
         ShowFound();
     });
+    if (done || !ran)
+        tmrSearch_.stop();
 }
 
 void wHistorySearch::GoToWanted() {
@@ -200,7 +202,6 @@ void wHistorySearch::ShowFound() {
     ui_->txtNoAlarm->setVisible(nothing);
     ui_->grdAlarms->setVisible(!nothing);
     ShowButtons();
-    ShowCourse();
 }
 
 /// What is saved stays as it is until it is.
@@ -213,7 +214,7 @@ void wHistorySearch::ShowButtons() {
         Control(Exports, index)->setEnabled(found && !saving);
     ui_->imgClear->setEnabled(search_.Filter().Chooses() && !saving);
     ui_->imgStop->setVisible(!search_.Done() || saving);
-    ui_->imgBack->setVisible(former_.has_value());
+    ui_->imgBack->setVisible(!former_.empty());
     ui_->imgBack->setEnabled(!saving);
 }
 
@@ -289,16 +290,15 @@ void wHistorySearch::ShowChannelOf(qint64 record, int below) {
     View left{search_.Filter(), PresentPlace(), std::nullopt};
     if (search_.Done() && !stopped_)
         left.found = search_.Found();
-    if (!former_)
-        former_ = std::move(left);
+    former_.push_back(std::move(left));
     Begin(filter, {record, below});
 }
 
 void wHistorySearch::imgBack_Click() {
-    if (!former_)
+    if (former_.empty())
         return;
-    View view = std::move(*former_);
-    former_.reset();
+    View view = std::move(former_.back());
+    former_.pop_back();
     if (!view.found) {
         Begin(view.filter, view.place);
         return;
@@ -316,7 +316,7 @@ void wHistorySearch::imgBack_Click() {
 void wHistorySearch::BeginAnew(const HistoryFilter& filter) {
     if (filter == search_.Filter() && !stopped_)
         return;
-    former_.reset();
+    former_.clear();
     Begin(filter, Place());
 }
 
@@ -360,10 +360,9 @@ void wHistorySearch::imgStop_Click() {
         export_->Stop();
         return;
     }
-    tmrSearch_.stop();
     search_.Cancel();
     stopped_ = true;
-    ShowFound();
+    tmrSearch_Timer();
 }
 
 /// To a line of the alarm: in this list where it stands there, else in that of the channel.

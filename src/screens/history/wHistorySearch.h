@@ -78,6 +78,7 @@ private:
     QTimer tmrSearch_;
     bool stopped_ = false;
     Place wanted_;
-    std::optional<View> former_;
+    /// The last one last.
+    std::vector<View> former_;
     QPointer<HistoryExport> export_;
 };
