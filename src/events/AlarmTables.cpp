@@ -39,6 +39,7 @@ enum Texts {
     ChannelsThatChatterText = 715039,
     FleetingAlarmsText = 715040,
     UnreadText = 715041,
+    UnreadFilesText = 715042,
     LimitsText = 715050,
     AtMostText = 715051,
     OriginText = 715060,
@@ -130,7 +131,7 @@ QString PartName(Unit unit, qint64 begin) {
 
 AlarmTables::AlarmTables(const AlarmReport& report, const HistoryRecords& records)
     : period_(NameOf(report.Period())) {
-    ReadFigures(report, records.Unread());
+    ReadFigures(report, records);
     ReadBars(report);
     ReadSources(report, records);
     ReadStale(report, records);
@@ -171,7 +172,16 @@ QString AlarmTables::Duration(qint64 seconds) {
         .arg(seconds % Minute, 2, 10, QChar(u'0'));
 }
 
-void AlarmTables::ReadFigures(const AlarmReport& report, qint64 unread) {
+QList<ReportFigure> AlarmTables::Unread(const HistoryRecords& records) {
+    QList<ReportFigure> figures;
+    if (records.Unread() > 0)
+        figures += {GetText(UnreadText), QString::number(records.Unread())};
+    if (records.UnreadFiles() > 0)
+        figures += {GetText(UnreadFilesText), QString::number(records.UnreadFiles())};
+    return figures;
+}
+
+void AlarmTables::ReadFigures(const AlarmReport& report, const HistoryRecords& records) {
     const QString acceptable = QString::number(AlarmLimits::AcceptableADay);
     const QString most = QString::number(AlarmLimits::MostADay);
     const auto named = [this](const QString& name, const QString& value) {
@@ -224,8 +234,7 @@ void AlarmTables::ReadFigures(const AlarmReport& report, qint64 unread) {
     figure(ChannelsThatChatterText, QString::number(chattering));
     figure(FleetingAlarmsText, QString::number(fleeting));
     named(Heading(StaleText), QString::number(report.StaleAlarms().size()));
-    if (unread > 0)
-        figure(UnreadText, QString::number(unread));
+    figures_ += Unread(records);
 }
 
 void AlarmTables::ReadBars(const AlarmReport& report) {

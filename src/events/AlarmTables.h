@@ -48,6 +48,8 @@ public:
     /// Hours, minutes and seconds.
     static QString Duration(qint64 seconds);
     static QLocale Language();
+    /// What couldn't be read of the files; nothing as a rule.
+    static QList<ReportFigure> Unread(const HistoryRecords& records);
 
     const QString& Period() const { return period_; }
     const QList<ReportFigure>& Figures() const { return figures_; }
@@ -64,7 +66,7 @@ public:
     QList<ReportTable> All() const;
 
 private:
-    void ReadFigures(const AlarmReport& report, qint64 unread);
+    void ReadFigures(const AlarmReport& report, const HistoryRecords& records);
     void ReadBars(const AlarmReport& report);
     void ReadSources(const AlarmReport& report, const HistoryRecords& records);
     void ReadStale(const AlarmReport& report, const HistoryRecords& records);

@@ -64,6 +64,8 @@ TEST_F(AlarmTablesTest, FiguresAndListsOfADay) {
     EXPECT_EQ(Figure(tables, 715036), "0:00:05");
     EXPECT_EQ(Figure(tables, 715038), "1");
     EXPECT_EQ(Figure(tables, 715041), "none");
+    WriteFile("Histo202402.his", "torn\r\n");
+    EXPECT_EQ(Figure(Reckon(), 715041), "1");
     EXPECT_EQ(tables.ByPart().alarms[11], 2);
     EXPECT_EQ(tables.ByPart().acceptable[11], 6.25);
     const QString words = "Überdruck Kessel; \"Nord\"";

@@ -157,7 +157,10 @@ void wAlarmReport::ShowProgress() {
     ui_->imgPrint->setEnabled(tables_.has_value() && Polling() != nullptr &&
                               !Polling()->dpPrinter().Port().isEmpty());
     if (!reads) {
-        ui_->lblTold->clear();
+        QStringList unread;
+        for (const ReportFigure& figure : AlarmTables::Unread(records_))
+            unread += figure.name + u' ' + figure.value;
+        ui_->lblTold->setText(unread.join(u'\n'));
         return;
     }
     const double reckoned =
