@@ -4,11 +4,11 @@
 #include <QByteArrayView>
 #include <QStringList>
 
-/// History lines for a spreadsheet: UTF-8 with its mark ahead, fields divided by ";" without the
-/// blanks around them, lines ended by carriage return and line feed.
+/// Lines of the history for spreadsheets, a field for each of the nine columns, without the blanks
+/// around it.
 namespace HistoryCsv {
 
-/// The mark and the line of the nine headings, in the order of the file's columns.
+/// The byte order mark and the line of the headings.
 QByteArray Heading(const QStringList& titles);
 /// A line of a history file.
 QByteArray Row(QByteArrayView line);

@@ -27,10 +27,6 @@ constexpr int HeadRows = 5;
 constexpr int FootRows = 1;
 constexpr int PageOf = 711138;
 
-constexpr Column Columns[] = {FileLine::Date,       FileLine::Time,   FileLine::Number,
-                              FileLine::PanelClock, FileLine::Origin, FileLine::Parameter,
-                              FileLine::Display,    FileLine::Common, FileLine::Specific};
-
 /// The font in which mark and line are as wide as the page.
 QFont FontFor(const QPaintDevice& page) {
     QFont font = Theme::Fixed(1);
@@ -49,7 +45,7 @@ QFont FontFor(const QPaintDevice& page) {
 QString Headings(const QStringList& titles) {
     Record line(FileLine::Width);
     for (int i = 0; i < titles.size(); ++i)
-        line.Set(Columns[i], titles[i]);
+        line.Set(FileLine::Columns[i], titles[i]);
     return line.Text();
 }
 
