@@ -45,9 +45,9 @@ QDate AlarmReport::ReadTo(const AlarmPeriod& period) {
     return AlarmPeriod::TimeOf(period.End() - 1).date().addDays(LookAhead);
 }
 
-AlarmReport::State& AlarmReport::At(const HistoryRecord& record) {
-    return states_[size_t(std::min<int>(record.panel, Panels - 1)) * ChannelsAPanel +
-                   std::min<size_t>(record.channel, Family::LastChannel)];
+AlarmReport::State& AlarmReport::At(size_t panel, size_t channel) {
+    return states_[std::min<size_t>(panel, Panels - 1) * ChannelsAPanel +
+                   std::min<size_t>(channel, Family::LastChannel)];
 }
 
 void AlarmReport::Take(const HistoryRecord& record) {
@@ -61,16 +61,16 @@ void AlarmReport::Take(const HistoryRecord& record) {
         Told(record);
         break;
     case EventKind::Normal:
-        Go(At(record), record.time);
+        Go(At(record.panel, record.channel), record.time);
         // The step that ends an alarm: what was gone before it was acknowledged is so now.
         if (!record.isChange)
-            Acknowledge(At(record), record.time);
+            Acknowledge(At(record.panel, record.channel), record.time);
         break;
     case EventKind::PanelPresent:
-        Go(At(record), record.time);
+        Go(At(record.panel, record.channel), record.time);
         break;
     case EventKind::Acknowledged:
-        Acknowledge(At(record), record.time);
+        Acknowledge(At(record.panel, record.channel), record.time);
         break;
     case EventKind::PanelAcknowledged:
     case EventKind::LampsAcknowledged:
@@ -88,7 +88,7 @@ void AlarmReport::Take(const HistoryRecord& record) {
 }
 
 void AlarmReport::Told(const HistoryRecord& record) {
-    State& state = At(record);
+    State& state = At(record.panel, record.channel);
     const bool isAgain = IsChange(record) && !record.isSynchro && record.kind == state.kind;
     if (!state.stands || isAgain)
         Come(state, record);
@@ -168,8 +168,8 @@ void AlarmReport::Acknowledge(State& state, qint64 time) {
 void AlarmReport::AcknowledgePanel(int panel, qint64 time) {
     if (panel < 0 || panel >= Panels || waiting_[size_t(panel)] == 0)
         return;
-    for (int channel = 0; channel < ChannelsAPanel; ++channel)
-        Acknowledge(states_[size_t(panel * ChannelsAPanel + channel)], time);
+    for (size_t channel = 0; channel < ChannelsAPanel; ++channel)
+        Acknowledge(At(size_t(panel), channel), time);
 }
 
 /// The line names the user and not the panel: where alarms of one panel alone wait, it is that one.
@@ -189,8 +189,8 @@ void AlarmReport::AcknowledgeOnPc(const HistoryRecord& record) {
 void AlarmReport::Clear(int panel) {
     if (panel < 0 || panel >= Panels)
         return;
-    for (int channel = 1; channel < ChannelsAPanel; ++channel) {
-        State& state = states_[size_t(panel * ChannelsAPanel + channel)];
+    for (size_t channel = 1; channel < ChannelsAPanel; ++channel) {
+        State& state = At(size_t(panel), channel);
         if (!state.waits || state.stands)
             continue;
         state.waits = false;

@@ -105,7 +105,7 @@ private:
         Source tally;
     };
 
-    State& At(const HistoryRecord& record);
+    State& At(size_t panel, size_t channel);
     void Told(const HistoryRecord& record);
     void Come(State& state, const HistoryRecord& record);
     void CountChatter(State& state, qint64 time);

@@ -148,7 +148,7 @@ QLocale AlarmTables::Language() {
 
 QString AlarmTables::NameOf(const AlarmPeriod& period) {
     const QDate first = AlarmPeriod::TimeOf(period.Begin()).date();
-    const QString year = QString::number(first.year());
+    QString year = QString::number(first.year());
     switch (period.Kind()) {
     case Unit::Hour:
         return DateOf(period.Begin()) + QStringLiteral("  ") + HourOf(period.Begin()) +

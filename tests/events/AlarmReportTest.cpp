@@ -98,9 +98,9 @@ TEST_F(AlarmReportTest, NuisanceAlarms) {
         Tell(time + (time == At(15, 0, 2) ? 11 : 10), EventKind::Normal);
     }
     // Half a minute apart: two chattering spells with a rest between.
-    for (int i = 0; i < 6; ++i) {
-        Tell(At(15, 1 + i / 3) + i % 3 * 30, EventKind::CableFault, 2);
-        Tell(At(15, 1 + i / 3) + i % 3 * 30 + 20, EventKind::Normal, 2);
+    for (qint64 i = 0; i < 6; ++i) {
+        Tell(At(15, int(1 + i / 3)) + i % 3 * 30, EventKind::CableFault, 2);
+        Tell(At(15, int(1 + i / 3)) + i % 3 * 30 + 20, EventKind::Normal, 2);
     }
     const AlarmReport report = Reckon();
     ASSERT_EQ(report.Sources().size(), 2U);
@@ -168,8 +168,9 @@ TEST_F(AlarmReportTest, TimeToAcknowledgement) {
 TEST_F(AlarmReportTest, RatesAndDays) {
     const auto many = [this](int day, int count) {
         for (int i = 0; i < count; ++i) {
-            Tell(At(day, 0) + i * 200, EventKind::Active, 1 + i % 24, 1 + i % 64);
-            Tell(At(day, 0) + i * 200 + 100, EventKind::Normal, 1 + i % 24, 1 + i % 64);
+            const qint64 time = At(day, 0) + qint64(i) * 200;
+            Tell(time, EventKind::Active, 1 + i % 24, 1 + i % 64);
+            Tell(time + 100, EventKind::Normal, 1 + i % 24, 1 + i % 64);
         }
     };
     many(12, 150);
