@@ -2,7 +2,6 @@
 
 #include "platform/RunTimeError.h"
 
-#include <QDateTime>
 #include <QFileInfo>
 
 namespace platform {
@@ -39,8 +38,7 @@ bool FileCopy::Advance(qint64 most) {
 
 /// The copy takes the time of its original: a trace is told by its day.
 void FileCopy::Finish() {
-    copy_.Device().setFileTime(QFileInfo(source_).lastModified(),
-                               QFileDevice::FileModificationTime);
+    copy_.setTime(QFileInfo(source_).lastModified());
     copy_.Finish();
     finished_ = true;
 }

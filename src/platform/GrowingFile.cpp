@@ -27,18 +27,12 @@ GrowingFile::~GrowingFile() {
 
 void GrowingFile::Append(const QByteArray& bytes) {
     errno = 0;
-    if (file_.write(bytes) != bytes.size())
+    if (file_.write(bytes) != bytes.size() || fdatasync(file_.handle()) != 0)
         throw RunTimeError(FileError(errno, errors::DeviceIo));
-    Store();
 }
 
-void GrowingFile::Store() {
-    if (file_.error() != QFileDevice::NoError)
-        throw RunTimeError(file_.error() == QFileDevice::ResourceError ? errors::DiskFull
-                                                                       : errors::DeviceIo);
-    errno = 0;
-    if (fdatasync(file_.handle()) != 0)
-        throw RunTimeError(FileError(errno, errors::DeviceIo));
+void GrowingFile::setTime(const QDateTime& time) {
+    file_.setFileTime(time, QFileDevice::FileModificationTime);
 }
 
 void GrowingFile::Finish() {

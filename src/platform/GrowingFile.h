@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QFile>
 #include <QString>
 
@@ -17,13 +18,11 @@ public:
     GrowingFile(const GrowingFile&) = delete;
     GrowingFile& operator=(const GrowingFile&) = delete;
 
-    /// For whoever writes to a device; `Store` tells what went wrong there.
-    QFile& Device() { return file_; }
-    /// Writes a portion onto the medium. Throws RunTimeError `DiskFull` or `DeviceIo`, as when the
-    /// medium is pulled out.
+    /// Writes a portion onto the medium itself. Throws RunTimeError `DiskFull` or `DeviceIo`, as
+    /// when the medium is pulled out.
     void Append(const QByteArray& bytes);
-    /// Puts what was written on the medium itself. Throws as `Append`.
-    void Store();
+    /// The time of its last change, in place of the present one.
+    void setTime(const QDateTime& time);
     /// Gives the file its name. Throws as `Append`, or `PathAccess`.
     void Finish();
 

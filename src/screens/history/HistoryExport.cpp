@@ -14,24 +14,11 @@ constexpr qint64 Portion = 0x10000;
 
 class CsvWriter : public LineWriter {
 public:
-    CsvWriter(QIODevice& device, const QStringList& titles)
-        : device_(device)
-        , bytes_(HistoryCsv::Heading(titles)) {}
+    explicit CsvWriter(const QStringList& titles) { Bytes().write(HistoryCsv::Heading(titles)); }
 
     void Write(const HistoryRecord&, QByteArrayView line) override {
-        bytes_ += HistoryCsv::Row(line);
-        if (bytes_.size() >= Portion)
-            End();
+        Bytes().write(HistoryCsv::Row(line));
     }
-    /// What fails is told by the device.
-    void End() override {
-        device_.write(bytes_);
-        bytes_.clear();
-    }
-
-private:
-    QIODevice& device_;
-    QByteArray bytes_;
 };
 
 } // namespace
@@ -44,10 +31,9 @@ HistoryExport::HistoryExport(const HistorySearch& search, Format format, const Q
     , lines_(std::make_unique<HistoryLines>(search.Records()))
     , file_(std::make_unique<platform::GrowingFile>(path)) {
     if (format == Format::Csv)
-        writer_ = std::make_unique<CsvWriter>(file_->Device(), heading.columns);
+        writer_ = std::make_unique<CsvWriter>(heading.columns);
     else
-        writer_ =
-            std::make_unique<HistoryPdf>(file_->Device(), heading, int(search.Found().size()));
+        writer_ = std::make_unique<HistoryPdf>(heading, int(search.Found().size()));
     timer_.callOnTimeout([this] { Advance(); });
     timer_.start(0);
 }
@@ -67,16 +53,17 @@ void HistoryExport::Stop() {
 void HistoryExport::Advance() {
     try {
         WritePortion();
-        if (row_ < search_.Found().size()) {
-            StoreFrom(Portion);
-        } else {
+        const bool isLast = row_ == search_.Found().size();
+        if (isLast)
             writer_->End();
-            StoreFrom(0);
+        if (isLast || writer_->Waiting() >= Portion)
+            file_->Append(writer_->Take());
+        if (isLast) {
             file_->Finish();
             End(State::Complete);
-            return;
+        } else {
+            Q_EMIT Changed();
         }
-        Q_EMIT Changed();
     } catch (const platform::RunTimeError& error) {
         error_ = error.Number();
         End(State::Failed);
@@ -86,23 +73,14 @@ void HistoryExport::Advance() {
 void HistoryExport::WritePortion() {
     const platform::Clock& clock = platform::Clock::Current();
     const qint64 end = clock.MonotonicMs() + Budget;
-    do {
-        if (row_ == search_.Found().size())
-            return;
+    while (row_ < search_.Found().size() && writer_->Waiting() < Portion &&
+           clock.MonotonicMs() < end) {
         const HistoryRecord& record = search_.Row(int(row_));
         writer_->Write(record, lines_->Of(record));
         ++row_;
-    } while (clock.MonotonicMs() < end && file_->Device().pos() - stored_ < Portion);
+    }
 }
 
-void HistoryExport::StoreFrom(qint64 waiting) {
-    if (file_->Device().pos() - stored_ < waiting)
-        return;
-    file_->Store();
-    stored_ = file_->Device().pos();
-}
-
-/// A writer that is stopped has a last word as well: its file goes after it.
 void HistoryExport::End(State state) {
     timer_.stop();
     writer_.reset();

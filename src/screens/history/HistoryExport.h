@@ -39,7 +39,6 @@ Q_SIGNALS:
 private:
     void Advance();
     void WritePortion();
-    void StoreFrom(qint64 waiting);
     void End(State state);
 
     const HistorySearch& search_;
@@ -47,7 +46,6 @@ private:
     std::unique_ptr<HistoryLines> lines_;
     std::unique_ptr<platform::GrowingFile> file_;
     std::unique_ptr<LineWriter> writer_;
-    qint64 stored_ = 0;
     size_t row_ = 0;
     QTimer timer_;
     State state_ = State::Running;

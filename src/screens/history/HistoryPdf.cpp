@@ -51,10 +51,10 @@ QString Headings(const QStringList& titles) {
 
 } // namespace
 
-HistoryPdf::HistoryPdf(QIODevice& device, Heading heading, int lines)
+HistoryPdf::HistoryPdf(Heading heading, int lines)
     : heading_(std::move(heading))
     , lines_(lines)
-    , writer_(&device) {
+    , writer_(&Bytes()) {
     writer_.setResolution(Resolution);
     writer_.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Landscape,
                                       QMarginsF(MarginMm, MarginMm, MarginMm, MarginMm),

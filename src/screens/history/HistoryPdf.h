@@ -9,8 +9,6 @@
 #include <QString>
 #include <QStringList>
 
-class QIODevice;
-
 /// History lines on pages of A4 across: the columns of the file, and ahead of each line the colour
 /// and the shape of its state.
 class HistoryPdf : public LineWriter {
@@ -25,8 +23,8 @@ public:
         QStringList columns;
     };
 
-    /// For so many lines. The device lives longer.
-    HistoryPdf(QIODevice& device, Heading heading, int lines);
+    /// For so many lines.
+    HistoryPdf(Heading heading, int lines);
     ~HistoryPdf() override;
 
     void Write(const HistoryRecord& record, QByteArrayView line) override;
@@ -34,7 +32,6 @@ public:
 
 private:
     void BeginPage();
-    int Baseline(int row) const;
 
     Heading heading_;
     int lines_;
