@@ -22,7 +22,7 @@ void WriteYear() {
         Global::Configuration().Panel(panel).setModel(Models::Q7100);
     const AlarmPeriod year(AlarmPeriod::Unit::Year,
                            AlarmPeriod::SecondsOf({QDate(Year, 1, 1), QTime(0, 0)}));
-    const double pace = double(year.End() - year.Begin()) / (LinesAYear / 3);
+    const double pace = double(year.End() - year.Begin()) * 3 / LinesAYear;
     double at = double(year.Begin());
     HistoryWriter history;
     for (int alarm = 0; alarm < LinesAYear / 3 + 1; ++alarm) {

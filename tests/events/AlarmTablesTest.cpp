@@ -23,8 +23,8 @@ protected:
         panel.Channel(7).setScreenText("Kessel; \"Nord\"");
         AddPanel(2, Models::Q7000);
         HistoryWriter history;
-        history.PutAlarm(2, 9, noon - 3 * 86400, 60, -1);
-        for (int i = 0; i < 12; ++i)
+        history.PutAlarm(2, 9, noon - qint64(3) * 86400, 60, -1);
+        for (qint64 i = 0; i < 12; ++i)
             history.PutAlarm(12, 7, noon - 7200 + i * 15, 20, 5);
         history.PutAlarm(12, 8, noon - 3600, 130, 600);
         history.Put({2, 255, 1, 0}, noon - 1800);

@@ -21,8 +21,8 @@ protected:
     wAlarmReportTest() {
         AddPanel(1, Models::Q7100).Channel(7).setScreenText("Pump");
         HistoryWriter history;
-        for (const int day : {20, 15, 10, 1, 0})
-            for (int i = 0; i < 20 - day; ++i)
+        for (const qint64 day : {20, 15, 10, 1, 0})
+            for (qint64 i = 0; i < 20 - day; ++i)
                 history.PutAlarm(1, 7, noon - day * 86400 - 3600 + i * 20, 5, 15);
     }
     static void Open() {
