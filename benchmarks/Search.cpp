@@ -30,7 +30,7 @@ void MakeHistory() {
         HistoProcs::HistoEvent(event);
         QFile file(path);
         const bool opened = file.open(QIODevice::ReadOnly);
-        const QByteArray line = opened ? file.readAll().split('\n').value(1) + '\n' : QByteArray();
+        QByteArray line = opened ? file.readAll().split('\n').value(1) + '\n' : QByteArray();
         file.close();
         file.remove();
         return line;

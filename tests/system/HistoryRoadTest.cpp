@@ -1,6 +1,7 @@
 // An alarm of a module is looked for in a long history while the bus is watched, and what was found
 // goes to a stick.
 
+#include "core/DateTimes.h"
 #include "core/FormNames.h"
 #include "platform/Volumes.h"
 #include "screens/history/FoundGrid.h"
