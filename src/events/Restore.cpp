@@ -27,7 +27,7 @@ using platform::SettingsFile;
 namespace {
 
 constexpr qint64 Portion = 256 * 1024;
-const QString StageName = QStringLiteral("Restore.stage");
+const QString StageName = QStringLiteral("Restore.stage%1");
 const QString JournalName = QStringLiteral("Restore.list");
 const QString General = QStringLiteral("General");
 const QString Files = QStringLiteral("Files");
@@ -155,7 +155,7 @@ void TakeOver(const SettingsFile& from, SettingsFile& to, const QString& section
 /// The settings that this machine will have, in place of those that were unpacked.
 void MergeSettings(const Plan& plan, bool keepMachine) {
     const SettingsFile present(SLVfonctions::IniFileName());
-    SettingsFile merged(StagedFile(BackupFile::SettingsFile));
+    SettingsFile merged(plan.FileOf(BackupFile::SettingsFile));
     for (const QString& section : MomentSections())
         TakeOver(present, merged, section, QString());
     if (keepMachine)
@@ -212,18 +212,16 @@ QStringList Plan::TargetsOf(const QString& kind, Effect effect) const {
 }
 
 Places Places::OfProgram() {
-    return {platform::ApplicationFolder(), platform::ExecutableName(), platform::ProgramFolders()};
-}
-
-QString Places::Stage() const {
-    return folder + u'/' + StageName;
+    static int number = 0;
+    return {platform::ApplicationFolder(), platform::ExecutableName(), platform::ProgramFolders(),
+            Global::InApplicationFolder(StageName.arg(++number))};
 }
 
 Plan Stage(const QString& backup, const Places& places, BackupFile::Progress& progress) {
-    const QString stage = places.Stage();
+    const QString& stage = places.stage;
     QDir(stage).removeRecursively();
     try {
-        Plan plan{BackupFile::Unpack(backup, stage, progress), {}};
+        Plan plan{BackupFile::Unpack(backup, stage, progress), stage, {}};
         const Planner planner(places, progress);
         for (const Entry& entry : plan.manifest.entries)
             plan.items += planner.Of(entry);
@@ -234,17 +232,13 @@ Plan Stage(const QString& backup, const Places& places, BackupFile::Progress& pr
     }
 }
 
-QString StagedFile(const QString& name) {
-    return Places::OfProgram().Stage() + u'/' + name;
+void Drop(const Plan& plan) {
+    QDir(plan.stage).removeRecursively();
 }
 
-void DropStage() {
-    QDir(Places::OfProgram().Stage()).removeRecursively();
-}
-
-QList<Setting> ChangedSettings(bool keepMachine) {
+QList<Setting> ChangedSettings(const Plan& plan, bool keepMachine) {
     const QString hereFile = SLVfonctions::IniFileName();
-    const QString thereFile = StagedFile(BackupFile::SettingsFile);
+    const QString thereFile = plan.FileOf(BackupFile::SettingsFile);
     const SettingsFile here(hereFile);
     const SettingsFile there(thereFile);
     QStringList sections = SectionsOf(hereFile);
@@ -273,7 +267,7 @@ QList<Setting> ChangedSettings(bool keepMachine) {
 /// The settings come last: what they name is there then.
 void Commit(const Plan& plan, bool keepMachine) {
     MergeSettings(plan, keepMachine);
-    QStringList lines;
+    QStringList lines{QFileInfo(plan.stage).fileName()};
     QString settings;
     for (const Item& item : plan.items) {
         if (item.name == BackupFile::SettingsFile)
@@ -288,20 +282,28 @@ void Commit(const Plan& plan, bool keepMachine) {
 }
 
 bool Complete() {
-    if (!QFile::exists(Journal())) {
-        DropStage();
+    if (!QFile::exists(Journal()))
         return false;
-    }
-    for (const QString& line : QString::fromUtf8(platform::ReadFile(Journal())).split(u'\n')) {
-        const QString from = StagedFile(line.section(u'\t', 0, 0));
+    QStringList lines = QString::fromUtf8(platform::ReadFile(Journal())).split(u'\n');
+    const QString stage = Global::InApplicationFolder(lines.takeFirst());
+    for (const QString& line : lines) {
+        const QString from = stage + u'/' + line.section(u'\t', 0, 0);
         // One that isn't there any more has its place already.
-        if (line.contains(u'\t') && QFile::exists(from))
+        if (QFile::exists(from))
             platform::Rename(from, Global::InApplicationFolder(line.section(u'\t', 1)));
     }
     platform::FlushFolder(platform::ApplicationFolder());
     QFile::remove(Journal());
-    DropStage();
+    QDir(stage).removeRecursively();
     return true;
+}
+
+bool CompleteAtStart() {
+    const bool completed = Complete();
+    QDir folder(platform::ApplicationFolder());
+    for (const QString& name : folder.entryList({StageName.arg(u'*')}, QDir::Dirs))
+        QDir(folder.filePath(name)).removeRecursively();
+    return completed;
 }
 
 } // namespace Restore

@@ -27,7 +27,11 @@ struct Item {
 
 struct Plan {
     BackupFile::Manifest manifest;
+    QString stage; ///< folder in which the files wait
     QList<Item> items;
+
+    /// The waiting file of an entry.
+    QString FileOf(const QString& name) const { return stage + u'/' + name; }
 
     QStringList TargetsOf(const QString& kind, Effect effect) const;
 };
@@ -37,18 +41,16 @@ struct Places {
     QString folder;             ///< the application's
     QString executable;         ///< its name
     QStringList programFolders; ///< where printer definitions are looked for
+    QString stage;              ///< where the files wait, each time another
 
     static Places OfProgram();
-    QString Stage() const;
 };
 
 /// Unpacks a backup beside and finds what each of its files means. Throws like BackupFile::Unpack.
 /// Nothing is left of what fails.
 Plan Stage(const QString& backup, const Places& places, BackupFile::Progress& progress);
-/// The unpacked file of an entry.
-QString StagedFile(const QString& name);
-/// Drops what was unpacked.
-void DropStage();
+/// Drops what waits.
+void Drop(const Plan& plan);
 
 /// A setting that the backup has otherwise than this machine.
 struct Setting {
@@ -59,15 +61,17 @@ struct Setting {
 };
 /// Settings that would change, apart from those that belong to the moment and from the machine's
 /// own if they are kept.
-QList<Setting> ChangedSettings(bool keepMachine);
+QList<Setting> ChangedSettings(const Plan& plan, bool keepMachine);
 
 /// Writes down what takes which place; from then on it happens, now by Complete or at the next
 /// start. What belongs to the moment - standing alarms, commands on their way, numbers of events -
 /// stays this machine's, and so do its ports, folders and screen size when they are kept. Throws
 /// RunTimeError.
 void Commit(const Plan& plan, bool keepMachine);
-/// Does what was written down, and drops what was unpacked and never taken. True when a restore was
-/// brought to its end. Throws RunTimeError; the rest is done by another call.
+/// Does what was written down. At the start of the program, what waits for nothing goes as well.
+/// True when a restore was brought to its end. Throws RunTimeError; the rest is done by another
+/// call.
 bool Complete();
+bool CompleteAtStart();
 
 } // namespace Restore

@@ -48,6 +48,9 @@ protected:
         platform::Unwatched nobody;
         return Restore::Stage(backup, Restore::Places::OfProgram(), nobody);
     }
+    QStringList Stages() const {
+        return QDir(Path(QString())).entryList({"Restore*"}, QDir::Dirs | QDir::Files);
+    }
     /// Number of the error with which a file of these bytes is refused, 0 when it isn't.
     int Refusal(const QByteArray& bytes) {
         WriteFile("refused.zip", bytes);
@@ -55,7 +58,7 @@ protected:
             Stage(Path("refused.zip"));
             return 0;
         } catch (const platform::RunTimeError& error) {
-            EXPECT_FALSE(QFile::exists(Path("Restore.stage")));
+            EXPECT_TRUE(Stages().isEmpty());
             return error.Number();
         }
     }
@@ -138,10 +141,11 @@ TEST_F(BackupTest, MovesAMachineOntoAnother) {
     EXPECT_EQ(IniRead("Ports", "COM3", ""), "/dev/new");
     EXPECT_EQ(IniRead("PendingCommands", "1", ""), "new");
     EXPECT_EQ(IniRead("Files", "LastUsed", ""), Path("plant.kv2"));
-    EXPECT_FALSE(QFile::exists(Path("Restore.stage")));
+    EXPECT_TRUE(Stages().isEmpty());
     // A second time there is nothing to add, and a history that has grown goes on.
     WriteFile("Histo202401.his", "january\r\nmore\r\n");
-    for (const Restore::Item& item : Stage(path).items)
+    const Restore::Plan again = Stage(path);
+    for (const Restore::Item& item : again.items)
         EXPECT_TRUE(item.effect == Restore::Effect::Same || item.name == BackupFile::SettingsFile)
             << item.name.toStdString();
 }
@@ -152,8 +156,9 @@ TEST_F(BackupTest, IsAllOrNothingOverAKill) {
     BecomeAnother();
     const auto before = Content();
     Stage(path);
-    EXPECT_FALSE(Restore::Complete());
+    EXPECT_FALSE(Restore::CompleteAtStart());
     EXPECT_EQ(Content(), before);
+    EXPECT_TRUE(Stages().isEmpty());
 
     const auto Names = [&] { return Content().keys(); };
     Restore::Commit(Stage(path), false);
@@ -176,8 +181,9 @@ TEST_F(BackupTest, IsAllOrNothingOverAKill) {
         int status = 0;
         waitpid(child, &status, 0);
         killedInTheMiddle += WIFSIGNALED(status) ? 1 : 0;
-        Restore::Complete();
+        Restore::CompleteAtStart();
         EXPECT_EQ(Content(), after) << round;
+        EXPECT_TRUE(Stages().isEmpty()) << round;
     }
     RecordProperty("killed", killedInTheMiddle);
 }
