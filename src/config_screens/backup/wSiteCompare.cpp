@@ -28,8 +28,8 @@ enum Texts {
     NotFinished,
     RestoreTitle = 716101,
     PresentSite = 716103,
-    Place,
-    Setting,
+    PlaceColumn,
+    SettingColumn,
     FirstSite,
     HereAndBackup = 716108,
     ChooseTwo = 716110,
@@ -91,7 +91,7 @@ wSiteCompare::wSiteCompare()
 wSiteCompare::~wSiteCompare() = default;
 
 void wSiteCompare::SetColumns(int first) {
-    const QString titles[Columns] = {GetText(Place), GetText(Setting), GetText(first),
+    const QString titles[Columns] = {GetText(PlaceColumn), GetText(SettingColumn), GetText(first),
                                      GetText(first + 1)};
     constexpr int Shares[Columns] = {30, 22, 24, 24};
     QList<TouchTable::Column> columns;
@@ -117,7 +117,7 @@ void wSiteCompare::ShowRestore() {
                      manifest.date.toString(QStringLiteral("yyyy-MM-dd HH:mm")))
             .replace(QStringLiteral("$2"), manifest.machine) +
         (manifest.site.isEmpty() ? QString() : QStringLiteral(", ") + manifest.site));
-    Show(RestoreRun::Differences());
+    Present(RestoreRun::Differences());
 }
 
 void wSiteCompare::ShowSides() {
@@ -150,11 +150,11 @@ void wSiteCompare::CompareSides() {
             return;
         }
     }
-    Show(CompareSites(*sites[0], *sites[1]));
+    Present(CompareSites(*sites[0], *sites[1]));
 }
 
 /// A place is named once, ahead of all that differs there.
-void wSiteCompare::Show(QList<SiteDifference> differences) {
+void wSiteCompare::Present(QList<SiteDifference> differences) {
     differences_ = std::move(differences);
     QList<TouchTable::Row> rows;
     QString place;
@@ -215,7 +215,7 @@ void wSiteCompare::imgNavig_Click(int index) {
 /// As it was at the touch, however long the name takes.
 void wSiteCompare::imgSave_Click() {
     QString text =
-        CsvLine({GetText(Place), GetText(Setting),
+        CsvLine({GetText(PlaceColumn), GetText(SettingColumn),
                  ui_->lblSide_0->text() + QStringLiteral(": ") + ui_->lblSite_0->Caption(),
                  ui_->lblSide_1->text() + QStringLiteral(": ") + ui_->lblSite_1->Caption()});
     for (const SiteDifference& one : differences_)

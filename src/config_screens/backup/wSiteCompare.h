@@ -45,7 +45,7 @@ private:
     void SetColumns(int first);
     void ShowSides();
     void CompareSides();
-    void Show(QList<SiteDifference> differences);
+    void Present(QList<SiteDifference> differences);
     void ShowWhole();
     void lblSite_Click(int side);
     void imgPresent_Click(int side);
