@@ -101,3 +101,16 @@ TEST_F(wMainTest, LeavingStopsTheBusTellsItAndUnloadsEverything) {
     EXPECT_EQ(log.last(), "unload wLater");
     EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(FormNames::wPolling), 0);
 }
+
+TEST_F(wMainTest, OnALargerDisplayScreensFillItAndTheMenuKeepsNineTenthsOfItsSize) {
+    Global::Get().noResize = false;
+    OverrideScreenSize({1600, 1200});
+    Forms::Show(FormNames::wMain);
+    // 16 pixels twice as large, less the step below the goal, times 0.9.
+    EXPECT_EQ(Child(FormNames::wMain, "lblMenu_0")->font().pixelSize(), qRound(31 * 0.9));
+    for (const QString& name : {FormNames::wMain, FormNames::wHistoric, FormNames::wTeleCmdes}) {
+        Forms::Show(name);
+        EXPECT_EQ(Screen(name)->size(), QSize(1600, 1200)) << name.toStdString();
+    }
+    EXPECT_GT(Child(FormNames::wHistoric, "grdAlarms")->width(), 1580);
+}
