@@ -1,9 +1,11 @@
 // A machine that is backed up, spoilt and restored with a finger, while its bus goes on.
 
+#include "bus/BusDiagnosis.h"
 #include "config_screens/backup/RestoreRun.h"
 #include "core/FormNames.h"
 #include "core/SLVfonctions.h"
 #include "events/Backup.h"
+#include "platform/Volumes.h"
 #include "screens/dialogs/dlgListInput.h"
 #include "screens/touch/TouchTable.h"
 #include "screens/touch/ValueLabel.h"
