@@ -128,10 +128,15 @@ class Comparison {
 public:
     /// Words are formed only for what differs: most of two sites doesn't.
     using Words = std::function<QString()>;
-    void setPlace(Words place) { place_ = std::move(place); }
+    void setPanels(bool on) { isPanel_ = on; }
+    void setPlace(
+        Words group, Words part = [] { return QString(); }) {
+        group_ = std::move(group);
+        part_ = std::move(part);
+    }
     void Add(const Words& field, const QString& first, const QString& second) {
         if (first != second)
-            found_ += {place_(), field(), first, second};
+            found_ += {group_(), part_(), field(), first, second, isPanel_};
     }
     void Add(const QString& field, const QString& first, const QString& second) {
         Add([&] { return field; }, first, second);
@@ -139,7 +144,9 @@ public:
     const QList<SiteDifference>& Found() const { return found_; }
 
 private:
-    Words place_;
+    Words group_;
+    Words part_;
+    bool isPanel_ = false;
     QList<SiteDifference> found_;
 };
 
@@ -225,9 +232,8 @@ void ComparePanels(Comparison& found, const S& first, const S& second) {
         for (int i = 1; i <= P::MaxChannel; ++i) {
             const C& channel = one.Channel(i);
             const C& otherChannel = other.Channel(i);
-            found.setPlace([&] {
-                return panel() + QStringLiteral(", ") +
-                       Named(ChannelPlace, i,
+            found.setPlace(panel, [&] {
+                return Named(ChannelPlace, i,
                              Either(channel.ScreenText(), otherChannel.ScreenText()));
             });
             for (const Field<C>& field : ChannelFields)
@@ -270,7 +276,9 @@ void CompareMirrors(Comparison& found, const S& first, const S& second) {
 
 QList<SiteDifference> CompareSites(const ConfigClass& first, const ConfigClass& second) {
     Comparison found;
+    found.setPanels(true);
     ComparePanels(found, first, second);
+    found.setPanels(false);
     CompareSettings(found, first, second);
     CompareUsers(found, first, second);
     CompareTexts(found, first, second);

@@ -108,7 +108,7 @@ TEST_F(SiteDifferenceTest, SaysWhatIsOtherwiseButNoCode) {
     ASSERT_EQ(found.size(), 6);
     EXPECT_EQ(found[0].first, "99");
     EXPECT_EQ(found[0].second, "7");
-    EXPECT_TRUE(found[0].place.contains("Boiler") && found[0].place.contains("Low water"));
+    EXPECT_TRUE(found[0].group.contains("Boiler") && found[0].part.contains("Low water"));
     EXPECT_EQ(found[1].field, "Anna");
     EXPECT_EQ(found[2].field, "Bert");
     EXPECT_EQ(found[3].second, "Call nobody");

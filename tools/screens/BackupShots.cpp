@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLabel>
 
 namespace {
 
@@ -75,6 +76,10 @@ void TakeBackups(const Paths& path) {
     platform::OverrideVolumes(QList<platform::Volume>{{QStringLiteral("STICK"), stick}});
     Forms::Show(FormNames::wBackup);
     LetRun(800);
+    // The folder of the pictures is nobody's stick.
+    if (auto* form = dynamic_cast<QWidget*>(Forms::Find(FormNames::wBackup)))
+        form->findChild<QLabel*>(QStringLiteral("lblFolder"))
+            ->setText(QStringLiteral("/media/STICK"));
     Save(FormNames::wBackup, path("wBackup"));
     Forms::Unload(FormNames::wBackup);
     Take(FormNames::wSiteCompare, path("wSiteCompare_files"));

@@ -61,22 +61,30 @@ void AddFiles(QList<SiteDifference>& found) {
     for (const KindWords& word : words) {
         for (const Restore::Item& item : Waiting()->items) {
             const bool isCurrent = item.name == BackupFile::CurrentSite;
-            if (item.effect != Restore::Effect::Same && !isCurrent &&
-                item.name.startsWith(word.kind + u'/'))
-                found +=
-                    {GetText(word.place), item.name.section(u'/', 1),
-                     item.effect == Restore::Effect::New ? QString() : item.name.section(u'/', 1),
-                     EffectText(item.effect) + (item.effect == Restore::Effect::Beside
-                                                    ? QStringLiteral(": ") + item.target
-                                                    : QString())};
+            if (item.effect == Restore::Effect::Same || isCurrent ||
+                !item.name.startsWith(word.kind + u'/'))
+                continue;
+            const QString name = item.name.section(u'/', 1);
+            const bool isBeside = item.effect == Restore::Effect::Beside;
+            found += {GetText(word.place),
+                      QString(),
+                      name,
+                      item.effect == Restore::Effect::New ? QString() : name,
+                      EffectText(item.effect) +
+                          (isBeside ? QStringLiteral(": ") + item.target : QString()),
+                      false};
         }
     }
 }
 
 void AddSettings(QList<SiteDifference>& found) {
     for (const Restore::Setting& setting : Restore::ChangedSettings(*Waiting(), false))
-        found += {GetText(MachineSettings), setting.section + u' ' + setting.key, setting.here,
-                  setting.there};
+        found += {GetText(MachineSettings),
+                  QString(),
+                  setting.section + u' ' + setting.key,
+                  setting.here,
+                  setting.there,
+                  false};
 }
 
 /// The program goes on with what the files hold now.

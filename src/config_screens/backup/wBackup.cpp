@@ -76,7 +76,7 @@ wBackup::wBackup()
     , ui_(std::make_unique<Ui::wBackup>()) {
     ui_->setupUi(this);
     Prepare();
-    constexpr std::array<int, 6> Shares = {22, 21, 17, 12, 14, 14};
+    constexpr std::array<int, 6> Shares = {21, 19, 16, 12, 16, 16};
     QList<TouchTable::Column> columns;
     for (int i = 0; i < int(Shares.size()); ++i)
         columns += {GetText(FirstColumn + i), Shares[size_t(i)]};

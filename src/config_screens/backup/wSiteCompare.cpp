@@ -27,8 +27,8 @@ enum Texts {
     Restored,
     NotFinished,
     RestoreTitle = 716101,
-    PresentSite = 716103,
-    PlaceColumn,
+    TouchToChoose = 716102,
+    PlaceColumn = 716104,
     SettingColumn,
     FirstSite,
     HereAndBackup = 716108,
@@ -40,9 +40,12 @@ enum Texts {
     TableFilter,
     Saved,
     BackupName,
+    PresentSite,
 };
 
 const QString Files = QStringLiteral("Files");
+const QString Panels = QStringLiteral("modules");
+const QString Contents = QStringLiteral("contents");
 const QString LineEnd = QStringLiteral("\r\n");
 
 QString LastUsed() {
@@ -124,9 +127,10 @@ void wSiteCompare::ShowSides() {
     for (int side = 0; side < Sides; ++side) {
         const Side& chosen = sides_[size_t(side)];
         Control<ValueLabel>(QStringLiteral("lblSite"), side)
-            ->setCaption(chosen.present ? GetText(PresentSite) + QStringLiteral(": ") +
-                                              FilePicker::SiteName(LastUsed())
-                                        : chosen.path);
+            ->setCaption(chosen.present
+                             ? GetText(PresentSite).replace(u'$', FilePicker::SiteName(LastUsed()))
+                         : chosen.path.isEmpty() ? GetText(TouchToChoose)
+                                                 : chosen.path);
     }
     CompareSides();
 }
@@ -153,37 +157,51 @@ void wSiteCompare::CompareSides() {
     Present(CompareSites(*sites[0], *sites[1]));
 }
 
-/// A place is named once, ahead of all that differs there.
+/// A group and a part are named once, ahead of all that differs there.
 void wSiteCompare::Present(QList<SiteDifference> differences) {
     differences_ = std::move(differences);
     QList<TouchTable::Row> rows;
-    QString place;
-    for (const SiteDifference& one : differences_) {
-        const QString number = QString::number(rows.size());
-        rows += {{one.place == place ? QString() : one.place, one.field, one.first.simplified(),
-                  one.second.simplified()},
-                 number,
-                 {},
-                 {number}};
-        place = one.place;
+    QList<int> heads;
+    const auto add = [&](const QStringList& cells, int index, const QString& picture = {}) {
+        rows += {cells,
+                 index < 0 ? QString() : QString::number(index),
+                 picture,
+                 {QString::number(rows.size())}};
+    };
+    for (int i = 0; i < differences_.size(); ++i) {
+        const SiteDifference& one = differences_[i];
+        const bool newGroup = i == 0 || one.group != differences_[i - 1].group;
+        if (newGroup) {
+            heads += int(rows.size());
+            add({one.group}, -1, one.isPanel ? Panels : Contents);
+        }
+        const bool newPart = newGroup || one.part != differences_[i - 1].part;
+        add({newPart ? one.part : QString(), one.field, one.first.simplified(),
+             one.second.simplified()},
+            i);
     }
+    ui_->tblDifferences->clearSpans();
     ui_->tblDifferences->setRows(rows);
+    for (const int head : heads)
+        ui_->tblDifferences->setSpan(head, 0, 1, Columns);
     ui_->imgSave->setEnabled(true);
-    ui_->lblCount->setText(rows.isEmpty() ? GetText(NoDifference)
-                                          : GetText(rows.size() == 1 ? OneDifference : Differences)
-                                                .replace(u'$', QString::number(rows.size())));
+    const qsizetype count = differences_.size();
+    ui_->lblCount->setText(count == 0 ? GetText(NoDifference)
+                                      : GetText(count == 1 ? OneDifference : Differences)
+                                            .replace(u'$', QString::number(count)));
     ui_->lblWhole->setText(QString());
 }
 
 /// What the cells cut.
 void wSiteCompare::ShowWhole() {
-    const int row = ui_->tblDifferences->CurrentRow();
-    if (row < 0 || row >= differences_.size())
+    const QString tag = ui_->tblDifferences->CurrentTag();
+    if (tag.isEmpty() || tag.toInt() >= differences_.size())
         return;
-    const SiteDifference& one = differences_[row];
-    ui_->lblWhole->setText(
-        QStringLiteral("%1 - %2\n%3  >  %4")
-            .arg(one.place, one.field, one.first.simplified(), one.second.simplified()));
+    const SiteDifference& one = differences_[tag.toInt()];
+    QStringList place{one.group, one.part, one.field};
+    place.removeAll(QString());
+    ui_->lblWhole->setText(place.join(QStringLiteral(", ")) + u'\n' + one.first.simplified() +
+                           QStringLiteral("  >  ") + one.second.simplified());
 }
 
 void wSiteCompare::lblSite_Click(int side) {
@@ -215,11 +233,11 @@ void wSiteCompare::imgNavig_Click(int index) {
 /// As it was at the touch, however long the name takes.
 void wSiteCompare::imgSave_Click() {
     QString text =
-        CsvLine({GetText(PlaceColumn), GetText(SettingColumn),
+        CsvLine({GetText(PlaceColumn), QString(), GetText(SettingColumn),
                  ui_->lblSide_0->text() + QStringLiteral(": ") + ui_->lblSite_0->Caption(),
                  ui_->lblSide_1->text() + QStringLiteral(": ") + ui_->lblSite_1->Caption()});
     for (const SiteDifference& one : differences_)
-        text += CsvLine({one.place, one.field, one.first, one.second});
+        text += CsvLine({one.group, one.part, one.field, one.first, one.second});
     const QPointer<wSiteCompare> self(this);
     const QString path = FilePicker::SaveAs(
         FirstStick(), QStringLiteral("Comparison-") + DateTimes::FileDate(DateTimes::Now()),
