@@ -33,6 +33,8 @@ const QString General = QStringLiteral("General");
 const QString Files = QStringLiteral("Files");
 const QString LastUsed = QStringLiteral("LastUsed");
 const QString LastEvent = QStringLiteral("LastEvent");
+const QString Backups = QStringLiteral("Backup");
+const QString LastBackup = QStringLiteral("Last");
 
 /// Sections of what is on its way, which an old one must never bring back.
 const QStringList& MomentSections() {
@@ -158,6 +160,7 @@ void MergeSettings(const Plan& plan, bool keepMachine) {
     SettingsFile merged(plan.FileOf(BackupFile::SettingsFile));
     for (const QString& section : MomentSections())
         TakeOver(present, merged, section, QString());
+    TakeOver(present, merged, Backups, LastBackup);
     if (keepMachine)
         for (const MachineSetting& setting : MachineSettings())
             TakeOver(present, merged, setting.section, setting.key);
@@ -196,6 +199,7 @@ bool IsOfMachine(const QString& section, const QString& key) {
 
 bool IsOfMoment(const QString& section, const QString& key) {
     return MomentSections().contains(section, Qt::CaseInsensitive) ||
+           (section == Backups && key == LastBackup) ||
            key.compare(LastEvent, Qt::CaseInsensitive) == 0 ||
            key.compare(LastUsed, Qt::CaseInsensitive) == 0;
 }
@@ -301,7 +305,7 @@ bool Complete() {
 bool CompleteAtStart() {
     const bool completed = Complete();
     QDir folder(platform::ApplicationFolder());
-    for (const QString& name : folder.entryList({StageName.arg(u'*')}, QDir::Dirs))
+    for (const QString& name : folder.entryList({StageName.arg(QStringLiteral("*"))}, QDir::Dirs))
         QDir(folder.filePath(name)).removeRecursively();
     return completed;
 }

@@ -46,6 +46,7 @@ enum Texts {
 };
 
 constexpr int LookPeriodMs = 250;
+constexpr int StickPeriodMs = 1000;
 constexpr int DaysOfWeek = 7;
 const QString Section = QStringLiteral("Backup");
 const QString FolderKey = QStringLiteral("Folder");
@@ -94,19 +95,18 @@ wBackup::wBackup()
         Watch(BackupJob::Current());
     ShowWeekday();
     FindStick();
-    tmrLook_.callOnTimeout([this] {
-        Guard("wBackup.tmrLook", [&] {
-            FindStick();
-            ShowUnpacking();
-        });
-    });
+    tmrLook_.callOnTimeout([this] { Guard("wBackup.tmrLook", [&] { ShowUnpacking(); }); });
     tmrLook_.start(LookPeriodMs);
+    tmrStick_.callOnTimeout([this] { Guard("wBackup.tmrStick", [&] { FindStick(); }); });
+    tmrStick_.start(StickPeriodMs);
 }
 
 wBackup::~wBackup() = default;
 
 /// The folder used last as long as it is there, or else the first stick.
 void wBackup::FindStick() {
+    if (Busy())
+        return;
     if (!folder_.isEmpty() && platform::IsReady(folder_))
         return;
     const QString last = IniRead(Section, FolderKey, QString());
@@ -341,6 +341,7 @@ void wBackup::keyPressEvent(QKeyEvent* event) {
 /// itself takes away.
 void wBackup::Form_Unload() {
     tmrLook_.stop();
+    tmrStick_.stop();
     if (job_ && !job_->Automatic())
         job_->Stop();
     if (unpacking_ && unpacking_->Done() && !unpacking_->WasStopped() && unpacking_->Error() == 0)

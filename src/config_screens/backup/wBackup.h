@@ -59,4 +59,5 @@ private:
     std::shared_ptr<Restore::Plan> plan_;
     std::unique_ptr<platform::BackgroundTask> unpacking_;
     QTimer tmrLook_;
+    QTimer tmrStick_;
 };

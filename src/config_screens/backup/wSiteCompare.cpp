@@ -109,9 +109,13 @@ void wSiteCompare::ShowRestore() {
     const BackupFile::Manifest& manifest = RestoreRun::Proposed()->manifest;
     ui_->lblTitle->setText(GetText(RestoreTitle));
     SetColumns(HereAndBackup);
-    for (QWidget* control :
-         {static_cast<QWidget*>(ui_->imgPresent_0), static_cast<QWidget*>(ui_->imgPresent_1)})
-        control->hide();
+    // Nothing is chosen here: the words take the place of the buttons as well.
+    for (int side = 0; side < Sides; ++side) {
+        QWidget* button = Control(QStringLiteral("imgPresent"), side);
+        QWidget* words = Control(QStringLiteral("lblSite"), side);
+        button->hide();
+        words->setGeometry(words->geometry().united(button->geometry()));
+    }
     ui_->imgRestore->show();
     ui_->lblSite_0->setCaption(FilePicker::SiteName(LastUsed()));
     ui_->lblSite_1->setCaption(
