@@ -25,8 +25,8 @@ using platform::RunTimeError;
 namespace {
 
 constexpr int Format = 1;
-constexpr qint64 Portion = 256 * 1024;
-constexpr qsizetype LargestManifest = 4 * 1024 * 1024;
+constexpr qint64 Portion = qint64(256) * 1024;
+constexpr qsizetype LargestManifest = qsizetype(4) * 1024 * 1024;
 constexpr qsizetype DigestWidth = 64;
 const QString ManifestName = QStringLiteral("manifest.json");
 const QByteArray CommentHead = QByteArrayLiteral("Korvanelle II backup 1, SHA-256 of all before ");
@@ -125,7 +125,7 @@ Manifest FromJson(const QByteArray& bytes) {
     manifest.date = QDateTime::fromString(root[QStringLiteral("date")].toString(), Qt::ISODate);
     manifest.machine = root[QStringLiteral("machine")].toString();
     manifest.site = root[QStringLiteral("site")].toString();
-    for (const QJsonValue& value : root[QStringLiteral("files")].toArray()) {
+    for (const auto& value : root[QStringLiteral("files")].toArray()) {
         const QJsonObject file = value.toObject();
         Entry entry;
         entry.name = file[QStringLiteral("name")].toString();

@@ -26,7 +26,7 @@ using platform::SettingsFile;
 
 namespace {
 
-constexpr qint64 Portion = 256 * 1024;
+constexpr qint64 Portion = qint64(256) * 1024;
 const QString StageName = QStringLiteral("Restore.stage%1");
 const QString JournalName = QStringLiteral("Restore.list");
 const QString General = QStringLiteral("General");

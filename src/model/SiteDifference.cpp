@@ -197,7 +197,7 @@ void CompareUsers(Comparison& found, const S& first, const S& second) {
 }
 
 /// Titles and texts on the display may hold line breaks of their own.
-QString OneLine(QString text) {
+QString OneLine(const QString& text) {
     return text.simplified();
 }
 

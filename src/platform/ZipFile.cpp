@@ -16,7 +16,7 @@ constexpr double Step = 0.002;
 /// Lines of text shrink to a fraction by any level, and the lowest takes the least of a small
 /// processor.
 constexpr zip_uint32_t Level = 1;
-constexpr qsizetype Portion = 256 * 1024;
+constexpr qsizetype Portion = qsizetype(256) * 1024;
 
 zip_t* Open(const QString& path, int flags, int otherwise) {
     int error = 0;
