@@ -7,6 +7,7 @@
 #include "core/FormNames.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
+#include "events/ReportText.h"
 #include "model/CurrentConfig.h"
 #include "platform/FileWriting.h"
 #include "platform/RunTimeError.h"
@@ -46,20 +47,9 @@ enum Texts {
 const QString Files = QStringLiteral("Files");
 const QString Panels = QStringLiteral("modules");
 const QString Contents = QStringLiteral("contents");
-const QString LineEnd = QStringLiteral("\r\n");
 
 QString LastUsed() {
     return IniRead(Files, QStringLiteral("LastUsed"), QString());
-}
-
-/// Fields stand in quotes where they need it; spreadsheets of all four languages part by ";".
-QString CsvLine(QStringList fields) {
-    for (QString& field : fields) {
-        if (field.contains(u';') || field.contains(u'"') || field.contains(u'\n') ||
-            field.contains(u'\r'))
-            field = u'"' + field.replace(u'"', QStringLiteral("\"\"")) + u'"';
-    }
-    return fields.join(u';') + LineEnd;
 }
 
 QString FirstStick() {
@@ -236,19 +226,22 @@ void wSiteCompare::imgNavig_Click(int index) {
 
 /// As it was at the touch, however long the name takes.
 void wSiteCompare::imgSave_Click() {
-    QString text =
-        CsvLine({GetText(PlaceColumn), QString(), GetText(SettingColumn),
-                 ui_->lblSide_0->text() + QStringLiteral(": ") + ui_->lblSite_0->Caption(),
-                 ui_->lblSide_1->text() + QStringLiteral(": ") + ui_->lblSite_1->Caption()});
+    ReportTable table;
+    table.title = ui_->lblTitle->text();
+    for (const QString& title :
+         {GetText(PlaceColumn), QString(), GetText(SettingColumn),
+          ui_->lblSide_0->text() + QStringLiteral(": ") + ui_->lblSite_0->Caption(),
+          ui_->lblSide_1->text() + QStringLiteral(": ") + ui_->lblSite_1->Caption()})
+        table.columns += {title, 1, false};
     for (const SiteDifference& one : differences_)
-        text += CsvLine({one.group, one.part, one.field, one.first, one.second});
+        table.rows += QStringList{one.group, one.part, one.field, one.first, one.second};
     const QPointer<wSiteCompare> self(this);
     const QString path = FilePicker::SaveAs(
         FirstStick(), QStringLiteral("Comparison-") + DateTimes::FileDate(DateTimes::Now()),
         GetText(TableFilter, true));
     if (path.isEmpty())
         return;
-    platform::ReplaceFile(path, "\xEF\xBB\xBF" + text.toUtf8());
+    platform::ReplaceFile(path, ReportText::Csv({table}));
     if (IsLoaded(self.data()))
         ui_->lblWhole->setText(GetText(Saved).replace(u'$', path));
 }
