@@ -14,7 +14,9 @@
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
+#include "events/Backup.h"
 #include "events/Klaxon.h"
+#include "events/Restore.h"
 #include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
@@ -138,6 +140,11 @@ bool Startup::Main() {
         const Boxes::Held held;
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
+        // A restore that was cut short comes to its end before anything of it is read.
+        Guard("Startup.Main", [] {
+            if (Restore::CompleteAtStart())
+                Trace::Note(QStringLiteral("RESTORE BROUGHT TO ITS END"));
+        });
         DropFormerAlarms();
         if (!Config::OpenConfigBase()) {
             TellTheEnd(QStringLiteral("Unable to open configuration file."));
@@ -170,6 +177,7 @@ void Startup::ComeUp() {
     if (HasEnded())
         return;
     Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
+    backups_ = std::make_unique<BackupSchedule>();
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(FormNames::wMain);

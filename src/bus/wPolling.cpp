@@ -74,8 +74,7 @@ void wPolling::Form_Load(DateTime started) {
     lastMidnightCheck_ = started != 0 ? started : DateTimes::Now();
     Guard("wPolling.Form_Load", [&] {
         BusWatch::CheckDisk();
-        lastEvent_ = Bytes::LongVal(
-            IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QStringLiteral("0")));
+        ReadLastEvent();
         ConfigurationChanged();
         closing_ = false;
         run_ = false;
@@ -200,6 +199,11 @@ void wPolling::RunWhenPortComes() {
 
 void wPolling::SendCommand(const CommandPtr& command) {
     Guard("wPolling.SendCommand", [&] { queue_.Add(command); });
+}
+
+void wPolling::ReadLastEvent() {
+    lastEvent_ = Bytes::LongVal(
+        IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QStringLiteral("0")));
 }
 
 void wPolling::ConfigurationChanged() {

@@ -83,6 +83,8 @@ public:
     void ReinitComm();
     /// Opens the link as the site says.
     void ConfigCommPort();
+    /// Reads again with which number the events go on.
+    void ReadLastEvent();
     /// Reads the retention of the history again.
     void ConfigurationChanged();
     /// Sets the watch on the operator's input to the site's delay.
