@@ -11,6 +11,7 @@
 #include "core/Trace.h"
 #include "events/DirectPrinting.h"
 #include "events/EventPrinter.h"
+#include "events/ServiceTexts.h"
 #include "events/TextProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
@@ -85,6 +86,15 @@ void SetStartOrStop(Record& record, bool started, QStringView display) {
     record.Set(PrintLine::Specific, Stars(PrintLine::Specific.width));
 }
 
+void SetService(Record& record, const EventClass& event) {
+    const ServiceTexts::Words words = ServiceTexts::Of(event);
+    record.Set(PrintLine::Origin, words.origin);
+    record.Set(PrintLine::Parameter, words.parameter);
+    record.Set(PrintLine::Display, words.display);
+    record.Set(PrintLine::Common, words.common);
+    record.Set(PrintLine::Specific, words.specific);
+}
+
 void SetSystem(Record& record, const EventClass& event) {
     record.Set(PrintLine::Origin, u"SYSTEM");
     switch (event.Aff()) {
@@ -106,6 +116,11 @@ void SetSystem(Record& record, const EventClass& event) {
     case SystemEvents::CommStarted:
     case SystemEvents::CommStopped:
         SetStartOrStop(record, event.Aff() == SystemEvents::CommStarted, u"COMM");
+        break;
+    case SystemEvents::OutOfService:
+    case SystemEvents::BackInService:
+    case SystemEvents::OutOfServiceCount:
+        SetService(record, event);
         break;
     default:
         break;

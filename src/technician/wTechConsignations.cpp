@@ -1,5 +1,6 @@
 #include "technician/wTechConsignations.h"
 
+#include "bus/OutOfServiceWatch.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -38,6 +39,16 @@ const QString Navig = QStringLiteral("imgNavig");
 const QString Images = QStringLiteral("imgControl");
 
 constexpr int DeleteIt = 30007;
+/// Of the line below the lists.
+enum Detail {
+    NoReason = 850103,
+    ForEver = 850108,
+    SinceWhom = 850111,
+    Until,
+    UnknownTime,
+    Nobody,
+    TouchALine
+};
 constexpr int FirstColumn = 840010;
 constexpr int MinuteLetters = 5;
 
@@ -59,15 +70,43 @@ QString IconOf(const OutOfService::Change& entry) {
     return entry.out ? QStringLiteral("panel_out") : QStringLiteral("panel_ok");
 }
 
+QString Minutes(DateTime when) {
+    return DateTimes::ShortDate(when) + u' ' + DateTimes::LongTime(when).left(MinuteLetters);
+}
+
+QString OrElse(const QString& text, int otherwise) {
+    return text.isEmpty() ? GetText(otherwise) : text;
+}
+
+QString SinceText(const Thing& thing) {
+    const auto entry = OutOfService::Find(thing);
+    return entry && entry->since != 0 ? Minutes(entry->since) : QString();
+}
+
+/// Since when, who, until when, and the reason on a line of its own.
+QString DetailOf(const Thing& thing) {
+    const OutOfService::Entry entry = OutOfService::Find(thing).value_or(OutOfService::Entry());
+    const QString until =
+        entry.until == 0 ? GetText(ForEver) : GetText(Until).replace(u'$', Minutes(entry.until));
+    return GetText(SinceWhom)
+               .replace(QStringLiteral("$1"), OrElse(SinceText(thing), UnknownTime))
+               .replace(QStringLiteral("$2"), OrElse(entry.who, Nobody)) +
+           QStringLiteral(", ") + until + u'\n' + OrElse(entry.why, NoReason);
+}
+
+QString ReasonText(const QString& why, int minutes) {
+    return OrElse(why, NoReason) + u'\n' + EndText(minutes);
+}
+
 TouchTable::Row RowOf(const OutOfService::Change& entry, bool withTime) {
     const auto [panel, channel] = entry.thing;
     const QString key = wTechConsignations::FormatKey(panel, channel);
     TouchTable::Row row{{key, NameOf(entry.thing), QString()}, key, IconOf(entry)};
-    const auto since = withTime ? OutOfService::Since(entry.thing) : std::nullopt;
-    if (since) {
-        const QString time = DateTimes::LongTime(*since);
-        row.cells[2] = DateTimes::ShortDate(*since) + u' ' + time.left(MinuteLetters);
-        row.order = {{}, {}, DateTimes::FileDate(*since) + u' ' + time};
+    const auto known = withTime ? OutOfService::Find(entry.thing) : std::nullopt;
+    if (known && known->since != 0) {
+        row.cells[2] = Minutes(known->since);
+        row.order = {
+            {}, {}, DateTimes::FileDate(known->since) + u' ' + DateTimes::LongTime(known->since)};
     }
     return row;
 }
@@ -91,6 +130,7 @@ wTechConsignations::wTechConsignations()
     OnClick(Images, [this](int index) { imgControl_Click(index); });
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
     OnClick(ui_->imgDelete, [this] { imgDelete_Click(); });
+    OnClick(ui_->imgReason, [this] { imgReason_Click(); });
     for (const int index : {NewUp, NewDown, PresentUp, PresentDown})
         repeat_.Watch(Control(Navig, index), [this, index] { imgNavig_Click(index); });
     Form_Load();
@@ -107,13 +147,14 @@ void wTechConsignations::MakeTables() {
                                  {GetText(FirstColumn + 2), 158}},
                                 scale);
     ui_->lvwNew->setColumns({{GetText(FirstColumn), 124}, {GetText(FirstColumn + 1), 142}}, scale);
-    for (const List* list : {&present_, &new_})
+    for (List* list : {&present_, &new_})
         connect(list->table, &TouchTable::RowChanged, this, [this, list] { Choose(*list); });
 }
 
 void wTechConsignations::Form_Load() {
     Guard("wTechConsignations.Form_Load", [&] {
-        OutOfService::DropPast();
+        OutOfService::NoticeReturns();
+        TellOutOfService();
         for (const Thing& thing : OutOfService::Present())
             present_.entries.append({thing, true});
         const auto kept = keptEdit.Take(present_.entries);
@@ -122,6 +163,7 @@ void wTechConsignations::Form_Load() {
         Fill(present_);
         Fill(new_);
         lblModule_Click();
+        ShowReason();
     });
 }
 
@@ -205,7 +247,7 @@ void wTechConsignations::Request(int channel, bool out) {
     else if (thing.panel == 0 || OutOfService::IsOut(thing) == out)
         QApplication::beep();
     else
-        AjouteItem(new_, {thing, out});
+        AjouteItem(new_, out ? Entry{thing, true, reason_.why, reason_.minutes} : Entry{thing});
 }
 
 void wTechConsignations::lblModule_Click() {
@@ -228,11 +270,44 @@ void wTechConsignations::lblChannel_Change() {
 }
 
 /// What is touched in a list is what the buttons work on.
-void wTechConsignations::Choose(const List& list) {
+void wTechConsignations::Choose(List& list) {
     RefreshNavigation();
-    if (const Entry* entry = GetItem(list, list.table->CurrentTag())) {
-        module_->setValue(entry->thing.panel);
-        channel_->setValue(entry->thing.channel);
+    const Entry* entry = GetItem(list, list.table->CurrentTag());
+    if (entry == nullptr)
+        return;
+    module_->setValue(entry->thing.panel);
+    channel_->setValue(entry->thing.channel);
+    if (&list == &new_ && entry->out) {
+        reason_ = {entry->why, entry->minutes};
+        ShowReason();
+    }
+    const bool isOut = OutOfService::IsOut(entry->thing);
+    ui_->lblDetail->setText(isOut ? DetailOf(entry->thing)
+                                  : ReasonText(entry->why, entry->minutes));
+}
+
+void wTechConsignations::ShowReason() {
+    ui_->lblReason->setText(ReasonText(reason_.why, reason_.minutes));
+}
+
+/// The touched line that is to go out, or null.
+wTechConsignations::Entry* wTechConsignations::ChosenToGoOut() {
+    const Entry* chosen = GetItem(new_, ui_->lvwNew->CurrentTag());
+    return chosen == nullptr || !chosen->out ? nullptr
+                                             : &new_.entries[new_.entries.indexOf(*chosen)];
+}
+
+void wTechConsignations::imgReason_Click() {
+    const QPointer<wTechConsignations> self(this);
+    const auto chosen = AskOutOfService(reason_);
+    if (!chosen || !IsLoaded(self.data()))
+        return;
+    reason_ = *chosen;
+    ShowReason();
+    if (Entry* entry = ChosenToGoOut()) {
+        entry->why = reason_.why;
+        entry->minutes = reason_.minutes;
+        ui_->lblDetail->setText(ReasonText(entry->why, entry->minutes));
     }
 }
 
@@ -280,6 +355,7 @@ void wTechConsignations::imgDelete_Click() {
 bool wTechConsignations::Take() {
     OutOfService::Apply(new_.entries);
     new_.entries.clear();
+    TellOutOfService();
     return true;
 }
 
