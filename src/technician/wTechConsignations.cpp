@@ -78,18 +78,20 @@ QString OrElse(const QString& text, int otherwise) {
     return text.isEmpty() ? GetText(otherwise) : text;
 }
 
-QString SinceText(const Thing& thing) {
+/// What is remembered of a thing that is out; all unknown where that is nothing.
+OutOfService::Entry Remembered(const Thing& thing) {
     const auto entry = OutOfService::Find(thing);
-    return entry && entry->since != 0 ? Minutes(entry->since) : QString();
+    return entry && entry->IsOut() ? *entry : OutOfService::Entry();
 }
 
 /// Since when, who, until when, and the reason on a line of its own.
 QString DetailOf(const Thing& thing) {
-    const OutOfService::Entry entry = OutOfService::Find(thing).value_or(OutOfService::Entry());
+    const OutOfService::Entry entry = Remembered(thing);
+    const QString since = entry.since == 0 ? QString() : Minutes(entry.since);
     const QString until =
         entry.until == 0 ? GetText(ForEver) : GetText(Until).replace(u'$', Minutes(entry.until));
     return GetText(SinceWhom)
-               .replace(QStringLiteral("$1"), OrElse(SinceText(thing), UnknownTime))
+               .replace(QStringLiteral("$1"), OrElse(since, UnknownTime))
                .replace(QStringLiteral("$2"), OrElse(entry.who, Nobody)) +
            QStringLiteral(", ") + until + u'\n' + OrElse(entry.why, NoReason);
 }
@@ -102,11 +104,10 @@ TouchTable::Row RowOf(const OutOfService::Change& entry, bool withTime) {
     const auto [panel, channel] = entry.thing;
     const QString key = wTechConsignations::FormatKey(panel, channel);
     TouchTable::Row row{{key, NameOf(entry.thing), QString()}, key, IconOf(entry)};
-    const auto known = withTime ? OutOfService::Find(entry.thing) : std::nullopt;
-    if (known && known->since != 0) {
-        row.cells[2] = Minutes(known->since);
-        row.order = {
-            {}, {}, DateTimes::FileDate(known->since) + u' ' + DateTimes::LongTime(known->since)};
+    const DateTime since = withTime ? Remembered(entry.thing).since : 0;
+    if (since != 0) {
+        row.cells[2] = Minutes(since);
+        row.order = {{}, {}, DateTimes::FileDate(since) + u' ' + DateTimes::LongTime(since)};
     }
     return row;
 }
