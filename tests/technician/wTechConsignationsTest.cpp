@@ -144,7 +144,7 @@ TEST_F(OutOfServiceTest, ReasonAndEndGoAlongAndATouchedLineGetsOthers) {
     clock.Set(2025, 11, 25, 2, 43, 10);
     Global::Get().userLevel = 3;
     Global::Get().userName = "DUPONT";
-    const auto answer = [&](const QStringList& touches) {
+    const auto choose = [&](const QStringList& touches) {
         Script script;
         script.On(dialog, [&] {
             for (const QString& touch : touches)
@@ -155,9 +155,9 @@ TEST_F(OutOfServiceTest, ReasonAndEndGoAlongAndATouchedLineGetsOthers) {
     AskForThree();
     EXPECT_EQ(Shown("lblReason"), "No reason\nUnlimited");
     Press("imgNavig", 2);
-    answer({"imgReason_0", "imgEnd_3", "imgDate_1", "imgControl_1"});
+    choose({"imgReason_0", "imgEnd_3", "imgDate_1", "imgControl_1"});
     EXPECT_EQ(Shown("lblDetail"), "Maintenance\nuntil 2025-11-28 02:43");
-    answer({"imgReason_4", "imgEnd_2", "imgControl_0"});
+    choose({"imgReason_4", "imgEnd_2", "imgControl_0"});
     EXPECT_EQ(Shown("lblReason"), "Maintenance\nuntil 2025-11-28 02:43") << "cancelled";
     Press("imgNavig", 2);
     EXPECT_EQ(Shown("lblReason"), "No reason\nUnlimited") << "the next line has its own";
