@@ -82,12 +82,9 @@ void SetSystem(Record& record, const EventClass& event) {
         SetStartOrStop(record, event.Aff() == SystemEvents::CommStarted ? u"START" : u"STOP",
                        u"COMM");
         break;
-    case SystemEvents::OutOfService:
-    case SystemEvents::BackInService:
-    case SystemEvents::OutOfServiceCount:
-        SetService(record, event);
-        break;
     default:
+        if (ServiceTexts::IsOne(event))
+            SetService(record, event);
         break;
     }
 }

@@ -117,12 +117,9 @@ void SetSystem(Record& record, const EventClass& event) {
     case SystemEvents::CommStopped:
         SetStartOrStop(record, event.Aff() == SystemEvents::CommStarted, u"COMM");
         break;
-    case SystemEvents::OutOfService:
-    case SystemEvents::BackInService:
-    case SystemEvents::OutOfServiceCount:
-        SetService(record, event);
-        break;
     default:
+        if (ServiceTexts::IsOne(event))
+            SetService(record, event);
         break;
     }
 }

@@ -68,6 +68,12 @@ QString Until(DateTime since, DateTime until) {
     return DayAndMonth(until) + u' ' + DateTimes::LongTime(until).left(MinuteLetters);
 }
 
+bool IsOne(const EventClass& event) {
+    const bool ofThing =
+        event.Aff() == SystemEvents::OutOfService || event.Aff() == SystemEvents::BackInService;
+    return event.Aff() == SystemEvents::OutOfServiceCount || (ofThing && event.Panel() > 0);
+}
+
 Words Of(const EventClass& event) {
     if (event.Aff() == SystemEvents::OutOfServiceCount)
         return OfCount();

@@ -19,6 +19,8 @@ struct Words {
     QString specific;
 };
 
+/// The event is of this kind, and of a thing that can be.
+bool IsOne(const EventClass& event);
 Words Of(const EventClass& event);
 
 /// Until when, in the eleven columns of a parameter: day, month and time, or the date of an end

@@ -104,12 +104,9 @@ void SetSystem(Record& record, const EventClass& event) {
     case SystemEvents::MidnightState:
         SetMidnightState(record, event);
         break;
-    case SystemEvents::OutOfService:
-    case SystemEvents::BackInService:
-    case SystemEvents::OutOfServiceCount:
-        SetService(record, event);
-        break;
     default:
+        if (ServiceTexts::IsOne(event))
+            SetService(record, event);
         break;
     }
 }
