@@ -1,10 +1,8 @@
 #include "bus/Engine.h"
 
-#include "support/Frames.h"
+#include <tuple>
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 class BusWide : public Engine {
 protected:
@@ -18,11 +16,6 @@ protected:
         panel.setNextPoll(clock.Now() + 100);
         return panel;
     }
-    Lines Sent() const { return Frames::Said(link->sent); }
-};
-
-class Update : public BusWide {
-protected:
     /// Silences reads of a register; `failures` of them.
     void Fail(int registerNo, int failures) {
         link->answer = [this, registerNo, failures](const QByteArray& frame) mutable {
@@ -37,15 +30,27 @@ protected:
         engine->StartUpdate();
         Rounds(63);
     }
+    void Tick(int month, int day, int hour, int minute = 0, int second = 0) {
+        clock.Set(2024, month, day, hour, minute, second);
+        engine->tmrMidnight_Timer();
+    }
+    /// History lines of panels.
+    QStringList Histo(const QString& month) const {
+        const QString name = Text("Histo%1.his").arg(month);
+        return QFile::exists(Path(name)) ? LinesOf(name).filter(Text(" P0")) : QStringList();
+    }
+    /// What was sent behind the first frames.
+    Lines SentAfter(int count) const { return Frames::Said(link->sent.mid(count)); }
 };
+
+using Update = BusWide;
+using Midnight = BusWide;
 
 TEST_F(Update, GoesOnceThroughThePanelsUpToSixtyThree) {
     for (const int address : {1, 5, 63, 64})
         Put(address, Models::Q6200XT);
     Put(6, Models::Q6200XT).setActive(false);
     Put(7, Models::None);
-    QList<int> done;
-    QObject::connect(engine.get(), &wPolling::UpdateDone, [&] { done += int(link->sent.size()); });
     Rounds(3);
     EXPECT_EQ(link->sent.size(), 0) << "not before it is started";
     engine->StartUpdate();
@@ -55,18 +60,17 @@ TEST_F(Update, GoesOnceThroughThePanelsUpToSixtyThree) {
     EXPECT_EQ(Sent(), (Lines{"read 1 132 1", "read 5 132 1"})) << "one panel a turn";
     Rounds(100);
     EXPECT_EQ(Sent(), (Lines{"read 1 132 1", "read 5 132 1", "read 63 132 1"}));
-    EXPECT_EQ(done, QList<int>{3});
+    EXPECT_EQ(updates, QList<qsizetype>{3});
     EXPECT_EQ(Site().Panel(5).ActualModel(), Models::Q6200XT);
-}
 
-TEST_F(Update, WaitsForTheEndOfATurn) {
-    for (const int address : {1, 2, 3})
-        Put(address, Models::Q6200XT).setNextPoll(clock.Now() - 1);
+    // It waits for the end of a turn.
+    Put(64, Models::None);
+    for (const int address : {1, 5, 63})
+        Site().Panel(address).setNextPoll(clock.Now() - 1);
+    link->sent.clear();
     engine->StartUpdate();
-    Rounds(2);
-    EXPECT_EQ(Sent(), (Lines{"read 2 68 1", "read 3 68 1"}));
-    Rounds(1);
-    EXPECT_EQ(Sent(), (Lines{"read 2 68 1", "read 3 68 1", "read 1 68 1", "read 1 132 1"}));
+    Rounds(3);
+    EXPECT_EQ(Sent(), (Lines{"read 5 68 1", "read 63 68 1", "read 1 68 1", "read 1 132 1"}));
 }
 
 TEST_F(Update, ReportsWhatDiffersAndStoresAll) {
@@ -115,28 +119,7 @@ TEST_F(Update, ReadsNoStatesOfOtherModels) {
     EXPECT_EQ(events.size(), 0);
 }
 
-TEST_F(Update, GivesAPanelUpAfterThreeFailures) {
-    for (const int registerNo : {49, 1}) {
-        PanelClass& panel = Put(5, Models::Q7100);
-        for (int counter = 0; counter < 3; ++counter)
-            panel.setErrCptr(counter, counter == 0 ? 0 : 2);
-        modules[5][3] = 1;
-        Fail(registerNo, 9);
-        UpdateAll();
-        Lines expected = {"read 5 132 1", "read 5 133 1"};
-        if (registerNo == 1)
-            expected.push_back("read 5 49 12");
-        for (int tries = 0; tries < 3; ++tries)
-            expected.push_back("read 5 " + std::to_string(registerNo) + " 12");
-        EXPECT_EQ(Sent(), expected);
-        EXPECT_EQ(Counters(panel), (QList<int>{3, 2, 1}));
-        EXPECT_EQ(Ids(), QList<int>{0x05FF0100});
-        EXPECT_FALSE(panel.Present());
-        EXPECT_EQ(panel.Channel(3).State(), 0);
-    }
-}
-
-TEST_F(Update, ForgivesTwoFailures) {
+TEST_F(Update, ForgivesTwoFailuresAndGivesAPanelUpAfterThree) {
     PanelClass& panel = Put(5, Models::Q7100);
     modules[5][3] = 1;
     Fail(49, 2);
@@ -149,21 +132,26 @@ TEST_F(Update, ForgivesTwoFailures) {
     EXPECT_EQ(Counters(panel), (QList<int>{2, 2, 0}));
     EXPECT_EQ(events.size(), 1);
     EXPECT_TRUE(panel.Present());
-}
 
-class Midnight : public BusWide {
-protected:
-    void Tick(int month, int day, int hour, int minute = 0, int second = 0) {
-        clock.Set(2024, month, day, hour, minute, second);
-        engine->tmrMidnight_Timer();
+    modules[5][3] = 1;
+    const std::pair<int, Lines> rows[] = {
+        {49, {"read 5 132 1", "read 5 133 1", "read 5 49 12", "read 5 49 12", "read 5 49 12"}},
+        {1,
+         {"read 5 132 1", "read 5 133 1", "read 5 49 12", "read 5 1 12", "read 5 1 12",
+          "read 5 1 12"}}};
+    for (const auto& [registerNo, expected] : rows) {
+        Put(5, Models::Q7100);
+        for (int counter = 0; counter < 3; ++counter)
+            panel.setErrCptr(counter, counter == 0 ? 0 : 2);
+        Fail(registerNo, 9);
+        UpdateAll();
+        EXPECT_EQ(Sent(), expected);
+        EXPECT_EQ(Counters(panel), (QList<int>{3, 2, 1}));
+        EXPECT_EQ(Ids(), QList<int>{0x05FF0100});
+        EXPECT_FALSE(panel.Present());
+        EXPECT_EQ(panel.Channel(3).State(), 0);
     }
-    /// History lines of panels.
-    QStringList Histo(const QString& month) const {
-        const QString name = Text("Histo%1.his").arg(month);
-        return QFile::exists(Path(name)) ? LinesOf(name).filter(Text(" P0")) : QStringList();
-    }
-    static int LastEvent() { return Stored(Text("General"), Text("LastEvent")).toInt(); }
-};
+}
 
 TEST_F(Midnight, IsAnotherDayThanOneSecondAgo) {
     Put(5, Models::Q6200XT);
@@ -189,25 +177,22 @@ TEST_F(Midnight, IsAnotherDayThanOneSecondAgo) {
 }
 
 TEST_F(Midnight, TheRecordOfTheDayIsForced) {
-    Put(5, Models::Q6200XT);
+    Put(5, Models::Q6200XT).Channel(2).setState(3);
     Put(6, Models::Q7100).setActive(false);
     Put(7, Models::P5500);
     modules.Remove(7);
     Put(8, Models::None);
-    Site().Panel(5).Channel(2).setState(3);
     Tick(3, 15, 12);
-    const int before = LastEvent();
+    const int before = LastEvent().toInt();
     Tick(4, 1, 0);
     EXPECT_EQ(Histo(Text("202403")), QStringList());
     const QStringList lines = Histo(Text("202404"));
     ASSERT_EQ(lines.size(), 3);
     EXPECT_TRUE(lines[0].startsWith(Text("2024-04-01 00:00:00")));
-    QStringList origins;
-    for (const QString& line : lines)
-        origins += line.mid(35, 7);
-    EXPECT_EQ(origins, TextList({"P05-Q62", "P06-Q71", "P07-P55"}));
+    for (const auto& [line, origin] : {std::pair(0, "P05-Q62"), {1, "P06-Q71"}, {2, "P07-P55"}})
+        EXPECT_EQ(lines[line].mid(35, 7), Text(origin));
     EXPECT_TRUE(lines[0].contains(Text("030000000000000000000000")));
-    EXPECT_EQ(LastEvent(), before + 3) << "each has a number of its own";
+    EXPECT_EQ(LastEvent().toInt(), before + 3) << "each has a number of its own";
     EXPECT_EQ(events.size(), 0) << "no other consumer is served";
 }
 
@@ -226,17 +211,16 @@ TEST_F(Midnight, WithTheBusAtRestOnlyTheClocksAreReset) {
     Forget();
     Tick(3, 17, 0);
     EXPECT_EQ(link->sent.size(), 0);
-    EXPECT_EQ(boxes, QStringList());
     EXPECT_EQ(TraceLines().size(), 1);
 
     // The reset is given up after four tries.
     link->setPortOpen(true);
-    Forget();
     link->answer = [](const QByteArray&) -> QByteArray {
         throw platform::RunTimeError(platform::errors::DeviceIo);
     };
     Tick(3, 18, 0);
     EXPECT_EQ(Sent(), Lines(4, "write 0 289 0"));
+    EXPECT_EQ(Boxes().size(), 1);
 }
 
 TEST_F(Midnight, FilesThatCantBeCaredForHoldNothingUp) {
@@ -256,31 +240,15 @@ TEST_F(Midnight, FilesThatCantBeCaredForHoldNothingUp) {
     EXPECT_EQ(told, 1);
 }
 
-// Its sources are out of all bounds: no event can come from them.
-TEST_F(Midnight, ADamagedRuleKeepsNoOtherFromItsRelease) {
-    Put(6, Models::Q7100);
-    for (const int channel : {3, 4}) {
-        modules[6][channel] = 3;
-        Site().Panel(6).Channel(channel).setState(3);
-    }
-    Site().Mirrors().Add(0, 1, 6, 3, MirrorClass::Pulse);
-    Site().Mirrors().Add(5, 99, 6, 3, MirrorClass::Pulse);
-    Site().Mirrors().Add(5, 1, 6, 4, MirrorClass::Pulse);
-    engine->MidnightSynchro();
-    EXPECT_EQ(Site().Panel(6).Channel(4).State(), 0);
-    EXPECT_EQ(boxes, QStringList());
-}
-
 TEST_F(Midnight, ReleasesPulsesThatNothingHolds) {
     Put(5, Models::Q7100); // the sources
     Put(6, Models::Q7100);
     modules[5][2] = 1;
     Site().Panel(5).Channel(2).setState(1);
-    struct {
-        int channel;
-        QList<std::pair<int, int>> rules; // source channel and kind
-        bool released;
-    } const rows[] = {
+    // No event can come from a source out of all bounds, as that of channel 10.
+    Site().Mirrors().Add(0, 1, 6, 10, MirrorClass::Pulse);
+    // Source channel and kind of its rules, and whether it is released.
+    const std::tuple<int, QList<std::pair<int, int>>, bool> rows[] = {
         {3, {{1, MirrorClass::Pulse}}, true},
         {4, {{2, MirrorClass::Pulse}}, false},
         {5, {{1, MirrorClass::Permanent}}, false},
@@ -288,45 +256,37 @@ TEST_F(Midnight, ReleasesPulsesThatNothingHolds) {
         {7, {{1, MirrorClass::Pulse}, {2, MirrorClass::Pulse}}, false},
         {8, {{1, MirrorClass::Pulse}, {2, MirrorClass::Permanent}}, true},
         {9, {{2, MirrorClass::Permanent}, {1, MirrorClass::NoKind}}, false},
+        {10, {{99, MirrorClass::Pulse}}, true},
         {12, {{1, MirrorClass::Pulse}, {3, MirrorClass::Pulse}}, true},
     };
     Lines expected;
-    for (const auto& row : rows) {
-        modules[6][row.channel] = 3;
-        Site().Panel(6).Channel(row.channel).setState(3);
-        for (const auto& [source, kind] : row.rules)
-            Site().Mirrors().Add(5, qint16(source), 6, qint16(row.channel), qint16(kind));
-        if (row.released)
-            expected.push_back("write 6 " + std::to_string(16 + row.channel) + " 0");
+    for (const auto& [channel, rules, released] : rows) {
+        modules[6][channel] = 3;
+        Site().Panel(6).Channel(channel).setState(3);
+        for (const auto& [source, kind] : rules)
+            Site().Mirrors().Add(5, qint16(source), 6, qint16(channel), qint16(kind));
+        if (released)
+            expected.push_back("write 6 " + std::to_string(16 + channel) + " 0");
     }
     Site().Mirrors().Add(5, 1, 6, 11, MirrorClass::Pulse); // a target that is at rest
     engine->MidnightSynchro();
-    const Lines sent = Sent();
-    ASSERT_EQ(sent.size(), 8 + expected.size());
-    EXPECT_EQ(Lines(sent.begin() + 8, sent.end()), expected);
-    for (const auto& row : rows)
-        EXPECT_EQ(Site().Panel(6).Channel(row.channel).State(), row.released ? 0 : 3)
-            << row.channel;
+    EXPECT_EQ(SentAfter(8), expected);
+    for (const auto& [channel, rules, released] : rows)
+        EXPECT_EQ(Site().Panel(6).Channel(channel).State(), released ? 0 : 3) << channel;
     EXPECT_EQ(engine->Commands().Count(), 0) << "carried out at once";
 }
 
 TEST_F(Midnight, ReleasesTheLampsOfADisplay) {
     Put(5, Models::Q7100);
     PanelClass& display = Put(6, Models::Q6200XT);
-    display.Channel(2).setState(-1);
-    display.Channel(9).setState(3);
-    display.Channel(20).setState(-1);
-    display.Channel(24).setState(1);
+    for (const auto& [lamp, state] : {std::pair(2, -1), {9, 3}, {20, -1}, {24, 1}})
+        display.Channel(lamp).setState(qint16(state));
     for (const qint16 target : {9, 24})
         Site().Mirrors().Add(5, 1, 6, target, MirrorClass::Pulse);
     engine->MidnightSynchro();
-    const Lines sent = Sent();
-    ASSERT_GE(sent.size(), 5U);
-    EXPECT_EQ(Lines(sent.begin() + 5, sent.end()),
-              (Lines{"write 6 64 1", "write 6 2 0", "write 6 20 0", "write 6 9 0", "write 6 64 1",
-                     "write 6 2 0", "write 6 20 0", "write 6 24 0"}));
-    EXPECT_EQ(display.Channel(9).State(), 0);
-    EXPECT_EQ(display.Channel(24).State(), 0);
+    EXPECT_EQ(SentAfter(5), (Lines{"write 6 64 1", "write 6 2 0", "write 6 20 0", "write 6 9 0",
+                                   "write 6 64 1", "write 6 2 0", "write 6 20 0", "write 6 24 0"}));
+    EXPECT_EQ(display.Channel(9).State() + display.Channel(24).State(), 0);
     EXPECT_EQ(display.Channel(2).State(), -1) << "kept for the acknowledgement";
 
     // A display that doesn't answer is released in the model alone.

@@ -1,15 +1,14 @@
 #include "bus/Engine.h"
 
 #include "bus/Miroirs.h"
-#include "support/Frames.h"
 
+#include <QMultiHash>
 #include <QSet>
 #include <array>
 #include <random>
+#include <tuple>
 
 namespace {
-
-using Lines = std::vector<std::string>;
 
 /// Rules from panel 5 to panel 6, neither of which the cycle polls.
 class MirrorEngine : public Engine {
@@ -21,23 +20,18 @@ protected:
     }
 
     static MirrorClass Rule(int toChannel, int kind) {
-        MirrorClass rule;
-        rule.setFromModule(5);
-        rule.setToModule(6);
-        rule.setToChannel(qint16(toChannel));
-        rule.setMirrorType(qint16(kind));
-        return rule;
+        MirrorClasses rules;
+        rules.Add(5, 0, 6, qint16(toChannel), qint16(kind));
+        return rules.Item(1);
     }
     /// What a round puts on the line.
     Lines Carried() {
         link->sent.clear();
         Rounds(1);
-        return Frames::Said(link->sent);
+        return Sent();
     }
 
-    Miroirs::Sink Sink() {
-        return [this](const CommandPtr& command) { engine->SendCommand(command); };
-    }
+    Miroirs::Sink sink = [this](const CommandPtr& command) { engine->SendCommand(command); };
 
     ChannelClass& Lamp(int channel) { return Site().Panel(6).Channel(channel); }
 };
@@ -56,10 +50,7 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
     const auto v3v2 = [](int registerNo) {
         return Lines{"write 6 " + std::to_string(registerNo) + " 3", "write 6 64 1"};
     };
-    struct {
-        int source, fromChannel, target, toChannel;
-        Lines expected;
-    } const rows[] = {
+    const std::tuple<int, int, int, int, Lines> rows[] = {
         {1, 0, 1, 0, r3r3},      {1, 0, 3, 24, r3r3},      {3, 0, 1, 12, r3r3},
         {1, 0, 2, 0, r3r2},      {3, 0, 2, 0, r3r2},       {3, 0, 2, 1, error},
         {1, 0, 4, 0, none},      {3, 0, 5, 7, none},       {1, 0, 0, 0, none},
@@ -75,39 +66,36 @@ TEST_F(MirrorEngine, CarriesOutWhatAPairOfModelsCan) {
         {2, 1, 5, 1, error},     {4, 0, 1, 0, error},      {4, 1, 5, 1, error},
         {5, 1, 1, 1, error},     {5, 0, 5, 0, error},      {0, 1, 1, 1, error},
     };
-    for (const auto& row : rows) {
-        Site().Panel(5).setModel(quint8(row.source));
-        Site().Panel(6).setModel(quint8(row.target));
+    for (const auto& [source, fromChannel, target, toChannel, expected] : rows) {
+        Site().Panel(5).setModel(quint8(source));
+        Site().Panel(6).setModel(quint8(target));
         Site().Mirrors().RemoveAll();
-        const auto from = qint16(row.fromChannel);
-        Site().Mirrors().Add(5, from, 6, qint16(row.toChannel), MirrorClass::Permanent);
+        const auto from = qint16(fromChannel);
+        Site().Mirrors().Add(5, from, 6, qint16(toChannel), MirrorClass::Permanent);
         Lines seen;
         for (const qint16 aff : {2, 3}) {
             const qsizetype traced = TraceLines().size();
-            Miroirs::DoMirrors(EventClass(5, from, 1, aff), Sink());
+            Miroirs::DoMirrors(EventClass(5, from, 1, aff), sink);
             if (TraceLines().size() > traced)
-                seen.push_back("traced");
-            for (const std::string& frame : Carried())
-                seen.push_back(frame);
+                seen.emplace_back("traced");
+            std::ranges::copy(Carried(), std::back_inserter(seen));
         }
-        EXPECT_EQ(seen, row.expected)
-            << row.source << "/" << row.fromChannel << " to " << row.target << "/" << row.toChannel;
+        EXPECT_EQ(seen, expected) << source << "/" << fromChannel << " to " << target << "/"
+                                  << toChannel;
     }
-    EXPECT_EQ(boxes, QStringList());
 }
 
 TEST_F(MirrorEngine, TakesTheRulesOfTheSourceInTheirOrder) {
     AddModule(7, Models::P5000).setActive(false);
     for (const int address : {1, 8})
         AddModule(address, Models::Q7000).setActive(false);
-    Site().Mirrors().Add(5, 3, 8, 2, MirrorClass::Pulse);
-    Site().Mirrors().Add(5, 3, 7, 1, MirrorClass::Permanent);  // nothing can be done with it
-    Site().Mirrors().Add(5, 3, 6, 20, MirrorClass::Permanent); // an error
-    Site().Mirrors().Add(5, 4, 6, 9, MirrorClass::Permanent);
-    Site().Mirrors().Add(8, 3, 6, 9, MirrorClass::Permanent);
-    Site().Mirrors().Add(5, 3, 6, 1, MirrorClass::Permanent);
-    Site().Mirrors().Add(5, 3, 1, 2, MirrorClass::Pulse);
-    Miroirs::DoMirrors(EventClass(5, 3, 1, 4), Sink());
+    // With 7 nothing can be done, channel 20 is an error, and two rules are of other sources.
+    const std::array<qint16, 5> rules[] = {{5, 3, 8, 2, 2}, {5, 3, 7, 1, 1}, {5, 3, 6, 20, 1},
+                                           {5, 4, 6, 9, 1}, {8, 3, 6, 9, 1}, {5, 3, 6, 1, 1},
+                                           {5, 3, 1, 2, 2}};
+    for (const auto& [from, fromChannel, to, toChannel, kind] : rules)
+        Site().Mirrors().Add(from, fromChannel, to, toChannel, kind);
+    Miroirs::DoMirrors(EventClass(5, 3, 1, 4), sink);
     EXPECT_EQ(engine->Commands().Item(1)->SendTime(), clock.Now());
     EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 MIRROR ERROR   05030620"));
     EXPECT_EQ(Carried(), (Lines{"write 8 18 3", "write 6 17 2", "write 1 18 3"}));
@@ -116,9 +104,7 @@ TEST_F(MirrorEngine, TakesTheRulesOfTheSourceInTheirOrder) {
     Site().Mirrors().Add(5, 7, 0, 3, MirrorClass::Permanent);
     Site().Mirrors().Add(5, 7, 65, 3, MirrorClass::Permanent);
     const qsizetype traced = TraceLines().size();
-    EventClass event(5, 7, 0, 1);
-    Miroirs::DoMirrors(event, Sink());
-    EXPECT_EQ(boxes, QStringList());
+    Miroirs::DoMirrors(EventClass(5, 7, 0, 1), sink);
     EXPECT_EQ(TraceLines().mid(traced).filter(Text("MIRROR ERROR")).size(), 2);
 }
 
@@ -134,7 +120,7 @@ TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
                     value = 3;
                 else if (param == 1 && aff >= 2 && kind != MirrorClass::NoKind)
                     value = kind == MirrorClass::Permanent ? 2 : 3;
-                Miroirs::TraitementV3V3(EventClass(5, 1, param, aff), Rule(4, kind), Sink());
+                Miroirs::TraitementV3V3(EventClass(5, 1, param, aff), Rule(4, kind), sink);
                 EXPECT_EQ(Carried(),
                           value < 0 ? none : Lines{"write 6 20 " + std::to_string(value)})
                     << kind << " " << param << " " << aff;
@@ -144,11 +130,7 @@ TEST_F(MirrorEngine, ChannelToChannelByQualifierStateAndKind) {
 TEST_F(MirrorEngine, ChannelToLamp) {
     constexpr int Nothing = -2;
     Site().Panel(6).setModel(Models::Q6200XT);
-    const struct {
-        qint16 param, aff, before;
-        int written;
-        qint16 after;
-    } rows[] = {
+    const std::tuple<qint16, qint16, qint16, int, qint16> rows[] = {
         {1, 3, 0, 3, 3},        {1, 4, 1, 4, 4},       {0, 3, 1, Nothing, 1},
         {2, 3, 1, Nothing, 1},  {0, 1, 0, 1, 1},       {0, 1, 3, 1, 1},
         {1, 1, 3, Nothing, 3},  {0, 0, 3, 0, 0},       {0, 0, 0, 0, 0},
@@ -162,10 +144,10 @@ TEST_F(MirrorEngine, ChannelToLamp) {
         if (written != Nothing)
             expected.push_back("write 6 20 " + std::to_string(written));
         if (written >= 3)
-            expected.push_back("write 6 64 1");
+            expected.emplace_back("write 6 64 1");
         Lamp(20).setState(before);
         Lamp(20).setMirrorType(MirrorClass::NoKind);
-        Miroirs::TraitementV3V2(EventClass(5, 1, param, aff), Rule(20, MirrorClass::Pulse), Sink());
+        Miroirs::TraitementV3V2(EventClass(5, 1, param, aff), Rule(20, MirrorClass::Pulse), sink);
         EXPECT_EQ(Lamp(20).State(), after) << "at once, ahead of the command";
         EXPECT_EQ(Lamp(20).MirrorType(),
                   written == Nothing ? MirrorClass::NoKind : MirrorClass::Pulse);
@@ -175,29 +157,21 @@ TEST_F(MirrorEngine, ChannelToLamp) {
 
 TEST_F(MirrorEngine, PacksTheStatesOfADisplay) {
     Site().Panel(6).setModel(Models::Q6200XT);
-    const int states[] = {1, 0, 2, 0, 3};
-    for (int i = 0; i < 5; ++i)
-        Lamp(i + 1).setState(qint16(states[i]));
-    Lamp(6).setState(1);
-    Lamp(15).setState(4);
-    Lamp(24).setState(4);
-    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), Sink());
+    for (const auto& [channel, state] : {std::pair(1, 1), {3, 2}, {5, 3}, {6, 1}, {15, 4}, {24, 4}})
+        Lamp(channel).setState(qint16(state));
+    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), sink);
     EXPECT_EQ(Carried(), Lines{"writes 6 25 12417 1 16384 0 2048"});
 
     // An acknowledgement leaves of each lamp what its kind says.
-    struct {
-        qint16 kind, before, after;
-    } const rows[] = {{2, 3, 1}, {2, 4, 1}, {2, 2, 2}, {2, 1, 1}, {2, 0, 0}, {2, -1, 0},
-                      {1, 3, 0}, {1, 1, 0}, {0, 3, 3}, {0, 1, 1}, {3, 4, 4}};
-    int channel = 24;
-    for (const auto& row : rows) {
-        Lamp(channel).setMirrorType(row.kind);
-        Lamp(channel--).setState(row.before);
+    const std::array<qint16, 3> rows[] = {{2, 3, 1}, {2, 4, 1},  {2, 2, 2}, {2, 1, 1},
+                                          {2, 0, 0}, {2, -1, 0}, {1, 3, 0}, {1, 1, 0},
+                                          {0, 3, 3}, {0, 1, 1},  {3, 4, 4}};
+    for (const auto& [kind, before, after] : rows) {
+        Lamp(24).setMirrorType(kind);
+        Lamp(24).setState(before);
+        Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), sink);
+        EXPECT_EQ(Lamp(24).State(), after) << kind << " " << before;
     }
-    Miroirs::TraitementR2R2(EventClass(), Rule(0, 0), Sink());
-    channel = 24;
-    for (const auto& row : rows)
-        EXPECT_EQ(Lamp(channel--).State(), row.after) << row.kind << " " << row.before;
 }
 
 TEST_F(MirrorEngine, ADisplayThatIsAcknowledgedIsRefreshedAndPassesItOn) {
@@ -220,29 +194,23 @@ TEST_F(MirrorEngine, ADisplayThatIsAcknowledgedIsRefreshedAndPassesItOn) {
 
 TEST_F(MirrorEngine, FindsAChainOfRules) {
     MirrorClasses rules;
-    rules.Add(1, 1, 2, 2, 1);
-    rules.Add(9, 9, 3, 3, 1);
-    rules.Add(2, 2, 3, 3, 1);
-    rules.Add(3, 3, 4, 4, 1);
-    EXPECT_TRUE(Miroirs::MirrorLoop(rules, 2, 2, 1, 1));
-    EXPECT_TRUE(Miroirs::MirrorLoop(rules, 4, 4, 1, 1));
-    EXPECT_TRUE(Miroirs::MirrorLoop(rules, 4, 4, 9, 9));
-    EXPECT_FALSE(Miroirs::MirrorLoop(rules, 1, 1, 4, 4)) << "only along the rules";
-    EXPECT_FALSE(Miroirs::MirrorLoop(rules, 4, 4, 1, 2));
-    EXPECT_FALSE(Miroirs::MirrorLoop(rules, 4, 3, 1, 1));
-    EXPECT_FALSE(Miroirs::MirrorLoop(rules, 4, 4, 4, 4));
-    EXPECT_FALSE(Miroirs::MirrorLoop(MirrorClasses(), 1, 1, 1, 1));
+    for (const auto& [from, to] : {std::pair(1, 2), {9, 3}, {2, 3}, {3, 4}})
+        rules.Add(qint16(from), qint16(from), qint16(to), qint16(to), 1);
+    // Only along the rules, and from another end point.
+    const std::tuple<std::array<qint16, 4>, bool> rows[] = {
+        {{2, 2, 1, 1}, true},  {{4, 4, 1, 1}, true},  {{4, 4, 9, 9}, true}, {{1, 1, 4, 4}, false},
+        {{4, 4, 1, 2}, false}, {{4, 3, 1, 1}, false}, {{4, 4, 4, 4}, false}};
+    for (const auto& [ends, leads] : rows)
+        EXPECT_EQ(Miroirs::MirrorLoop(rules, ends[0], ends[1], ends[2], ends[3]), leads)
+            << ends[0] << ends[1] << ends[2] << ends[3];
 
     // Two ways from each layer to the next: the question goes once to each end point.
-    MirrorClasses layers;
     for (qint16 layer = 1; layer < 60; ++layer)
-        for (const qint16 from : {1, 2})
-            for (const qint16 to : {1, 2})
-                layers.Add(layer, from, qint16(layer + 1), to, 1);
-    EXPECT_TRUE(Miroirs::MirrorLoop(layers, 60, 1, 1, 2));
-    EXPECT_FALSE(Miroirs::MirrorLoop(layers, 60, 1, 1, 3));
-    layers.Add(60, 1, 1, 1, 1);
-    EXPECT_FALSE(Miroirs::MirrorLoop(layers, 60, 1, 9, 9)) << "a loop is no endless question";
+        for (const qint16 way : {0, 1, 2, 3})
+            rules.Add(layer, qint16(11 + way / 2), qint16(layer + 1), qint16(11 + way % 2), 1);
+    EXPECT_TRUE(Miroirs::MirrorLoop(rules, 60, 11, 1, 12));
+    rules.Add(60, 11, 1, 11, 1);
+    EXPECT_FALSE(Miroirs::MirrorLoop(rules, 60, 11, 1, 13)) << "a loop is no endless question";
 }
 
 // Against a walk over all chains, on lists with and without circles.
@@ -252,23 +220,24 @@ TEST_F(MirrorEngine, RefusesWhatWouldCloseACircle) {
     int loops = 0;
     for (int round = 0; round < 400; ++round) {
         MirrorClasses rules;
-        QList<std::array<qint16, 2>> edges;
+        QMultiHash<qint16, qint16> sources;
         for (int rule = 0; rule < 8; ++rule) {
-            edges += {number(6), number(6)};
-            rules.Add(edges.last()[0], 1, edges.last()[1], 1, 1);
+            const qint16 from = number(6);
+            const qint16 to = number(6);
+            sources.insert(to, from);
+            rules.Add(from, 1, to, 1, 1);
         }
         const qint16 from = number(6);
         const qint16 to = number(6);
         // Chains of more steps than there are panels go round in a circle.
-        QList<qint16> ends{from};
+        QSet<qint16> ends{from};
         bool expected = false;
         for (int step = 1; step <= 7; ++step) {
             QSet<qint16> before;
-            for (const auto& edge : edges) {
-                if (ends.contains(edge[1]))
-                    before.insert(edge[0]);
-            }
-            ends = before.values();
+            for (const qint16 end : ends)
+                for (const qint16 source : sources.values(end))
+                    before.insert(source);
+            ends = before;
             expected = expected || ends.contains(to) || (step == 7 && !ends.isEmpty());
         }
         EXPECT_EQ(Miroirs::IsMirrorLoop(rules, from, 1, to, 1), expected) << round;
@@ -283,7 +252,6 @@ TEST_F(MirrorEngine, RefusesWhatWouldCloseACircle) {
                        qint16(channel % 24 + 1), 1);
     EXPECT_TRUE(Miroirs::IsMirrorLoop(circle, 7, 7, 64, 1)) << "a damaged list ends too";
     EXPECT_FALSE(Miroirs::IsMirrorLoop(circle, 61, 1, 7, 7));
-    EXPECT_FALSE(Miroirs::IsMirrorLoop(MirrorClasses(), 1, 1, 1, 1));
 }
 
 } // namespace

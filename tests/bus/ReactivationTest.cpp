@@ -1,28 +1,21 @@
 #include "bus/Engine.h"
 
-#include "core/FormNames.h"
-#include "core/Forms.h"
-#include "support/FakeConsole.h"
+#include <tuple>
 
 namespace {
 
 /// An alarm of panel 5, channel 7, that came at noon and was acknowledged.
-class Reactivation : public Engine {
+class Reactivation : public EngineWithConsole {
 protected:
     Reactivation() {
         Start();
         SetOptions(31, 31, 31, 31);
-        Forms::Register(FormNames::wRunAlarms, [this]() -> Forms::Form* {
-            console = std::make_unique<FakeConsole>(log);
-            return console.get();
-        });
         AddModule(5, Models::Q7100).setNextPoll(clock.Now() + 1);
         Channel().setReact(true);
         Channel().setReactTpo(1);
         Channel().setKlaxon(true);
         Channel().setAlmPrio(40);
     }
-    ~Reactivation() override { Forms::Register(FormNames::wRunAlarms, {}); }
 
     static ChannelClass& Channel(int number = 7) { return Site().Panel(5).Channel(number); }
     /// The console on the screen, with one row.
@@ -37,9 +30,12 @@ protected:
         engine->tmrReactiv_Timer();
     }
     qsizetype Taken() const { return console ? console->taken.size() : 0; }
-
-    QStringList log;
-    std::unique_ptr<FakeConsole> console;
+    /// What came back since the last call, in a tick.
+    qsizetype TakenAt(int seconds) {
+        console->taken.clear();
+        Tick(seconds);
+        return Taken();
+    }
 };
 
 TEST_F(Reactivation, AnAlarmComesBackPastTheRouting) {
@@ -62,7 +58,16 @@ TEST_F(Reactivation, AnAlarmComesBackPastTheRouting) {
     EXPECT_EQ(events.size(), 0);
     EXPECT_EQ(TraceLines().size(), traced);
     EXPECT_EQ(BytesOf(Text("Histo202403.his")), histo);
-    EXPECT_EQ(boxes, QStringList());
+
+    // The horn sounds only for those who have it.
+    for (const auto& [klaxon, options, starts] :
+         {std::tuple(false, 31, 1), {true, 0, 1}, {false, 0, 1}, {true, 31, 2}}) {
+        Global::Get().currentPriority = 0;
+        Channel().setKlaxon(klaxon);
+        SetOptions(31, 31, 31, options);
+        EXPECT_EQ(TakenAt(3600), 1);
+        EXPECT_EQ(horn->starts, starts) << klaxon << options;
+    }
 }
 
 TEST_F(Reactivation, EachIndexHasItsDelay) {
@@ -70,58 +75,28 @@ TEST_F(Reactivation, EachIndexHasItsDelay) {
     Stand();
     for (int index = 1; index <= 8; ++index) {
         Channel().setReactTpo(index);
-        console->taken.clear();
-        Tick(minutes[index - 1] * 60 - 1);
-        EXPECT_EQ(Taken(), 0) << index;
-        Tick(minutes[index - 1] * 60 + 1);
-        EXPECT_EQ(Taken(), 1) << index;
+        EXPECT_EQ(TakenAt(minutes[index - 1] * 60 - 1), 0) << index;
+        EXPECT_EQ(TakenAt(minutes[index - 1] * 60 + 1), 1) << index;
     }
-
     // A clock that was set back holds no alarm back.
-    console->taken.clear();
-    Tick(-1);
-    EXPECT_EQ(Taken(), 0) << "a tick of the same second";
-    Tick(-3600);
-    EXPECT_EQ(Taken(), 1);
+    EXPECT_EQ(TakenAt(-1), 0) << "a tick of the same second";
+    EXPECT_EQ(TakenAt(-3600), 1);
 }
 
 TEST_F(Reactivation, OnlyAcknowledgedAlarmsOfChannelsThatWantIt) {
-    struct {
-        qint32 id;
-        bool react;
-        int reactTpo;
-        bool back;
-    } const rows[] = {
-        {0x05070101, true, 1, true},   {0x05070103, true, 1, true},  {0x050701FF, true, 1, true},
-        {0x05070100, true, 1, false},  {0x05070001, true, 1, false}, {0x05070201, true, 1, false},
-        {0x05070101, false, 1, false}, {0x05070101, true, 0, false}, {0x05070101, true, -1, false},
-        {0x05080101, true, 1, false},
+    const std::tuple<qint32, bool, int, int> rows[] = {
+        {0x05070101, true, 1, 1},  {0x05070103, true, 1, 1}, {0x050701FF, true, 1, 1},
+        {0x05070100, true, 1, 0},  {0x05070001, true, 1, 0}, {0x05070201, true, 1, 0},
+        {0x05070101, false, 1, 0}, {0x05070101, true, 0, 0}, {0x05070101, true, -1, 0},
+        {0x05080101, true, 1, 0},
     };
     Stand();
-    for (const auto& row : rows) {
-        console->rows[0].data = row.id;
-        console->taken.clear();
-        Channel().setReact(row.react);
-        Channel().setReactTpo(row.reactTpo);
-        Tick(3600);
-        EXPECT_EQ(Taken(), row.back ? 1 : 0) << std::hex << row.id << " " << row.reactTpo;
+    for (const auto& [id, react, reactTpo, taken] : rows) {
+        console->rows[0].data = id;
+        Channel().setReact(react);
+        Channel().setReactTpo(reactTpo);
+        EXPECT_EQ(TakenAt(3600), taken) << std::hex << id << " " << react << " " << reactTpo;
     }
-    EXPECT_EQ(boxes, QStringList());
-}
-
-TEST_F(Reactivation, TheHornSoundsOnlyForThoseWhoHaveIt) {
-    Stand();
-    Channel().setKlaxon(false);
-    Tick(3600);
-    EXPECT_EQ(Taken(), 1);
-    EXPECT_EQ(horn->starts, 0);
-    Channel().setKlaxon(true);
-    SetOptions(31, 31, 31, 0);
-    Tick(3600);
-    EXPECT_EQ(horn->starts, 0);
-    SetOptions(31, 31, 31, 31);
-    Tick(3600);
-    EXPECT_EQ(horn->starts, 1);
 }
 
 TEST_F(Reactivation, GoesThroughAllRows) {
@@ -130,23 +105,17 @@ TEST_F(Reactivation, GoesThroughAllRows) {
     Stand(0x05090101, "3 2024-03-15 11:00:00");
     for (const char* text : {"", "4", "5 2024-03-15", "6 2024-03-15 11:00:00 P05-C07 text"})
         console->rows += {Text(text), 0x05070101};
-    Tick(0);
-    ASSERT_EQ(Taken(), 2);
+    ASSERT_EQ(TakenAt(0), 2);
     EXPECT_EQ(console->taken[0].ID(), 0x050901FF);
     EXPECT_EQ(console->taken[1].Num(), 6);
-}
 
-TEST_F(Reactivation, ADateThatIsNoneEndsTheTick) {
-    Stand(0x05070101, "3 15.03.2024 11:00:00");
-    console->rows += {Text("4 2024-03-15 11:00:00"), 0x05070101};
-    Tick(0);
-    EXPECT_EQ(Taken(), 0);
-    ASSERT_EQ(boxes.size(), 1);
-    EXPECT_EQ(boxes[0], Text("Error Nr 13 : Type mismatch\r\nModule : wPolling\r\n"
-                             "Object : tmr\r\nEvent : Reactiv_Timer"));
+    // A date that is none ends the tick.
+    console->rows.prepend({Text("3 15.03.2024 11:00:00"), 0x05070101});
+    EXPECT_EQ(TakenAt(0), 0);
+    EXPECT_EQ(Boxes(), TextList({"Error Nr 13 : Type mismatch\r\nModule : wPolling\r\n"
+                                 "Object : tmr\r\nEvent : Reactiv_Timer"}));
     console->rows.removeFirst();
-    Tick(1);
-    EXPECT_EQ(Taken(), 1);
+    EXPECT_EQ(TakenAt(1), 2);
 }
 
 TEST_F(Reactivation, WithoutAConsoleTheSettingsTell) {
@@ -159,7 +128,6 @@ TEST_F(Reactivation, WithoutAConsoleTheSettingsTell) {
     IniWrite(section, Text("1"), Text("05070101 7 2024-03-15"));
     IniWrite(section, Text("2"), Text("05070001 8 2024-03-15 12:00:00"));
     Tick(3600);
-    EXPECT_EQ(console, nullptr);
     IniWrite(section, Text("3"), Text(" 05070103    9 2024-03-15   12:00:00 "));
     Tick(59);
     EXPECT_EQ(console, nullptr);
@@ -176,16 +144,18 @@ TEST_F(Reactivation, WithoutAConsoleTheSettingsTell) {
     IniWrite(section, Text("2"), Text("05070101 8 yesterday 12:00:00"));
     Tick(3600);
     EXPECT_EQ(console, nullptr);
-    EXPECT_EQ(boxes.size(), 1);
-}
+    EXPECT_EQ(Boxes().size(), 1);
 
-TEST_F(Reactivation, SomeScreenIsAlwaysVisible) {
+    // Some screen is always visible.
+    again.Hide();
+    console.reset();
+    IniDeleteSection(section);
     FakeForm own(Text("wPolling"), log);
+    log.clear();
     Tick(0);
+    Tick(10);
     EXPECT_EQ(log, TextList({"show wRunAlarms"}));
     EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
-    Tick(10);
-    EXPECT_EQ(log.size(), 1);
     console->Hide();
     log.clear();
     own.Show();
@@ -210,27 +180,6 @@ TEST_F(Reactivation, AnAlarmMayCostTheConsole) {
     EXPECT_EQ(Taken(), 1) << "on the new console";
     EXPECT_EQ(console->RowCount(), 0);
     EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
-}
-
-TEST_F(Reactivation, APortThatCameBackIsOpenedAgain) {
-    Stand(0, "");
-    PanelClass& panel = Site().Panel(5);
-    panel.setNextPoll(clock.Now() + 1);
-    link->setPortOpen(false);
-    link->canOpen = false;
-    Tick(0);
-    EXPECT_FALSE(link->PortOpen());
-    EXPECT_EQ(boxes, QStringList());
-    EXPECT_GT(panel.NextPoll(), clock.Now());
-    link->canOpen = true;
-    Tick(10);
-    EXPECT_TRUE(link->PortOpen());
-    EXPECT_LT(panel.NextPoll(), clock.Now()) << "what went missing is asked at once";
-
-    engine->setRun(false);
-    link->setPortOpen(false);
-    Tick(20);
-    EXPECT_FALSE(link->PortOpen()) << "not for a bus at rest";
 }
 
 } // namespace

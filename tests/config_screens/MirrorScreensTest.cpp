@@ -10,7 +10,6 @@
 
 namespace {
 
-const QString Table = FormNames::wBusMiroirs;
 const QString One = FormNames::wBusMirrorOne;
 const QString Dialog = FormNames::dlgEditMirror;
 const QString Panel = FormNames::wBusPanneau;
@@ -21,7 +20,8 @@ enum Answer { Cancel, Confirm };
 class MirrorScreensTest : public ConfigScreensTest {
 protected:
     /// Panels 1 to 5 of models 1 to 5, panel 6 of none.
-    MirrorScreensTest() {
+    MirrorScreensTest()
+        : ConfigScreensTest(FormNames::wBusMiroirs) {
         for (int model = 1; model <= 5; ++model)
             AddPanel(model, model);
     }
@@ -29,11 +29,16 @@ protected:
         Site().Mirrors().Add(qint16(from), qint16(fromChannel), qint16(to), qint16(toChannel),
                              qint16(kind));
     }
+    /// Opens the dialog by a button and does something there.
+    void InDialog(const QString& form, const char* button, const std::function<void()>& act) {
+        script.On(Dialog, act);
+        Tap(form, button);
+    }
     static void Press(int arrow, int times = 1) {
         while (times-- > 0)
             Tap(Dialog, Part("imgPlusMoins", arrow));
     }
-    static void Reply(int reply) { Tap(Dialog, Part("imgControl", reply)); }
+    static void Reply(int reply) { Tap(Dialog, "imgControl", reply); }
     /// Source and target as the dialog shows them.
     static QString Shown() {
         QStringList texts;
@@ -52,17 +57,12 @@ protected:
         Press(TargetUp, to - number("lblDestModNo"));
         Press(ToUp, toChannel - number("lblDestChnlNo"));
     }
-    static TouchTable* Rows() { return Find<TouchTable>(Table, "lvwMirrors"); }
+    TouchTable* Rows() const { return Find<TouchTable>(Form, "lvwMirrors"); }
     static QString Ids() {
         QStringList ids;
         for (const MirrorClass& rule : Site().Mirrors())
             ids += rule.ID();
         return ids.join(u' ');
-    }
-    void LeaveTable(int reply) {
-        answer = reply;
-        Tap(Table, "imgNavig_0");
-        RemoveUnloaded();
     }
     /// Opens the mirrors of a panel from its editor and does something there.
     void InMirrorsOf(int panel, const std::function<void()>& act) {
@@ -84,15 +84,13 @@ protected:
             lines += widget->item(row)->text();
         return lines;
     }
-
-    Script script;
 };
 
 } // namespace
 
 TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
-    Forms::Show(Table);
-    script.On(Dialog, [&] {
+    Forms::Show(Form);
+    InDialog(Form, "imgNew", [&] {
         Press(ChannelUp);
         EXPECT_EQ(Shown(), "///") << "no panel, no channel";
         Reply(Confirm);
@@ -103,7 +101,6 @@ TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
         Press(ToUp, 30);
         EXPECT_EQ(Shown(), "1/12/2/24");
         Press(ChannelDown, 30);
-        EXPECT_EQ(Shown(), "1/All/2/");
         EXPECT_FALSE(IsEnabled("frmType") || IsEnabled("frmDestChnl"));
         Press(SourceUp);
         EXPECT_EQ(Shown(), "2/All/2/") << "as a whole only";
@@ -126,9 +123,8 @@ TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
         EXPECT_EQ(Shown(), "2/All/4/---");
         Reply(Confirm);
     });
-    Tap(Table, "imgNew");
     EXPECT_EQ(Rows()->CurrentTag(), "02000400");
-    LeaveTable(Messages::Yes);
+    Leave(Messages::Yes);
     EXPECT_EQ(Ids(), "02000400");
     EXPECT_EQ(Site().Mirrors().Item(1).MirrorType(), MirrorClass::NoKind);
 }
@@ -136,8 +132,9 @@ TEST_F(MirrorScreensTest, TheModelsDecideWhatARuleCanBe) {
 TEST_F(MirrorScreensTest, ARefusedRuleIsAskedForAgain) {
     Add(1, 1, 2, 1);
     Add(2, 1, 3, 1);
-    Forms::Show(Table);
-    script.On(Dialog, [&] {
+    Site().Panel(2).setModel(1);
+    Forms::Show(Form);
+    InDialog(Form, "imgNew", [&] {
         Enter(1, 1, 2, 1);
         Tap(Dialog, "optType_2");
         script.Next(Dialog, [&] {
@@ -155,18 +152,15 @@ TEST_F(MirrorScreensTest, ARefusedRuleIsAskedForAgain) {
         });
         Reply(Confirm);
     });
-    Site().Panel(2).setModel(1);
-    Tap(Table, "imgNew");
     EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(Rows()->RowCount(), 3);
-    script.On(Dialog, [&] {
+    InDialog(Form, "imgModif", [&] {
         EXPECT_EQ(Shown(), "3/1/1/2");
         Tap(Dialog, "optType_2");
         Reply(Confirm);
     });
-    Tap(Table, "imgModif");
     EXPECT_TRUE(boxes.isEmpty()) << "the same end points with another kind, of the rule itself";
-    LeaveTable(Messages::Yes);
+    Leave(Messages::Yes);
     ASSERT_EQ(Ids(), "01010201 02010301 03010102");
     EXPECT_EQ(Site().Mirrors().Item(3).MirrorType(), MirrorClass::Pulse);
 }
@@ -174,46 +168,42 @@ TEST_F(MirrorScreensTest, ARefusedRuleIsAskedForAgain) {
 TEST_F(MirrorScreensTest, TheTableIsAWorkingListOfItsOwn) {
     Add(1, 0, 2, 0, 0);
     Add(1, 7, 2, 8);
-    Forms::Show(Table);
-    const auto row = [](int number) {
-        QStringList cells;
-        for (int column = 0; column < 7; ++column)
-            cells += Rows()->Cell(number, column);
-        return cells.join(u'/');
-    };
-    EXPECT_EQ(row(0), QStringLiteral("Q7100/1/---/Q6200XT/2//%1").arg(GetText(510300)));
-    EXPECT_EQ(row(1), QStringLiteral("Q7100/1/7/Q6200XT/2/8/%1").arg(GetText(510301)));
-    Tap(Table, "imgDelete");
+    Forms::Show(Form);
+    const char* rows[] = {"Q7100/1/---/Q6200XT/2//", "Q7100/1/7/Q6200XT/2/8/"};
+    for (int row = 0; row < 2; ++row) {
+        QString cells;
+        for (int column = 0; column < 6; ++column)
+            cells += Rows()->Cell(row, column) + u'/';
+        EXPECT_EQ(cells + Rows()->Cell(row, 6), rows[row] + GetText(510300 + row));
+    }
+    Tap(Form, "imgDelete");
     EXPECT_EQ(boxes.takeLast(), GetText(30004));
     Rows()->SelectTag("01000200");
-    EXPECT_FALSE(Child(Table, "imgNavig_1")->isEnabled());
-    Tap(Table, "imgNavig_2");
-    EXPECT_FALSE(Child(Table, "imgNavig_2")->isEnabled());
-    answer = Messages::Cancel;
-    Tap(Table, "imgDelete");
-    EXPECT_EQ(Rows()->RowCount(), 2);
-    answer = Messages::Ok;
-    Tap(Table, "imgDelete");
-    EXPECT_EQ(Rows()->RowCount(), 1);
+    EXPECT_FALSE(Child(Form, "imgNavig_1")->isEnabled());
+    Tap(Form, "imgNavig_2");
+    EXPECT_FALSE(Child(Form, "imgNavig_2")->isEnabled());
+    for (const int reply : {Messages::Cancel, Messages::Ok}) {
+        answer = reply;
+        Tap(Form, "imgDelete");
+        EXPECT_EQ(Rows()->RowCount(), reply == Messages::Ok ? 1 : 2);
+    }
     EXPECT_EQ(Site().Mirrors().Count(), 2);
-    script.On(Dialog, [&] {
+    InDialog(Form, "imgNew", [&] {
         Enter(1, 3, 2, 4);
         AlarmComes();
     });
-    Tap(Table, "imgNew");
     RemoveUnloaded();
-    Forms::Show(Table);
+    Forms::Show(Form);
     EXPECT_EQ(Rows()->RowCount(), 1) << "an alarm loses no edit";
-    script.On(Dialog, [&] {
+    InDialog(Form, "imgNew", [&] {
         EXPECT_EQ(Shown(), "1/3/2/4") << "nor what was being entered";
         Reply(Cancel);
     });
-    Tap(Table, "imgNew");
-    EXPECT_FALSE(Child(Table, "lblKept")->isHidden());
-    Tap(Table, "imgCancel");
+    EXPECT_TRUE(TellsOfKept());
+    Tap(Form, "imgCancel");
     EXPECT_EQ(Rows()->RowCount(), 2);
     boxes.clear();
-    LeaveTable(Messages::Cancel);
+    Leave(Messages::Cancel);
     EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
     EXPECT_EQ(Ids(), "01000200 01070208");
 }
@@ -235,7 +225,6 @@ TEST_F(MirrorScreensTest, AChannelShowsBothItsSides) {
         EXPECT_TRUE(Lines("lstTo").isEmpty() && Lines("lstFrom").isEmpty());
     });
     Forms::Unload(Panel);
-    RemoveUnloaded();
     InMirrorsOf(2, [&] {
         EXPECT_EQ(TextOf(One, "lblChannel"), "All");
         EXPECT_FALSE(Child(One, "imgControl_1")->isEnabled());
@@ -247,19 +236,17 @@ TEST_F(MirrorScreensTest, RulesOfAChannelReachTheSiteWithItsPanel) {
     InMirrorsOf(1, [&] {
         Tap(One, "imgDelete");
         EXPECT_EQ(boxes.takeLast(), GetText(30006).replace("$$$", GetText(520120)));
-        script.On(Dialog, [&] {
+        InDialog(One, "imgNew", [&] {
             EXPECT_TRUE(Child(Dialog, "imgPlusMoins_0")->isHidden());
             Enter(1, 1, 2, 1);
             Reply(Confirm);
         });
-        Tap(One, "imgNew");
-        EXPECT_EQ(boxes.takeLast(), GetText(20005)) << "and the dialog is gone";
-        EXPECT_EQ(Forms::Find(Dialog), nullptr);
-        script.On(Dialog, [&] {
+        EXPECT_EQ(boxes.takeLast(), GetText(20005));
+        EXPECT_EQ(Forms::Find(Dialog), nullptr) << "refused, it is gone";
+        InDialog(One, "imgNew", [&] {
             Enter(1, 1, 3, 12);
             Reply(Confirm);
         });
-        Tap(One, "imgNew");
         ASSERT_EQ(Lines("lstTo").size(), 2);
         Find<QListWidget>(One, "lstTo")->setCurrentRow(0);
         Tap(One, "imgDelete");

@@ -11,31 +11,28 @@ protected:
         Forms::Show(Form);
     }
 
-    /// A column from its first kind of event on.
-    QString Column(const char* cells) {
-        QString column;
-        for (int kind = 0; kind < 5; ++kind) {
-            const QString cell = TextOf(Form, Part(cells, kind));
-            column += cell.isEmpty() ? QStringLiteral("-") : cell;
+    /// The columns, each from its first kind of event on.
+    QString Columns() {
+        QStringList columns;
+        for (const char* cells : {"lblAffich", "lblHisto", "lblPrint", "lblKlaxon"}) {
+            columns += QString();
+            for (int kind = 0; kind < 5; ++kind)
+                columns.last() += TextOf(Form, Part(cells, kind)).leftJustified(1, u'-');
         }
-        return column;
+        return columns.join(u' ');
     }
 };
 
 } // namespace
 
 TEST_F(ParamEcranTest, ACellIsABitOfItsRoad) {
-    EXPECT_EQ(Column("lblAffich"), "X----");
-    EXPECT_EQ(Column("lblHisto"), "XXXXX");
-    EXPECT_EQ(Column("lblPrint"), "-----");
-    EXPECT_EQ(Column("lblKlaxon"), "--X--");
+    EXPECT_EQ(Columns(), "X---- XXXXX ----- --X--");
     Tap(Form, "lblPrint_4");
     Tap(Form, "lblKlaxon_2");
     EXPECT_FALSE(Site().OptionPrinter(4)) << "nothing is taken before the answer";
     Leave(Messages::Yes);
-    EXPECT_TRUE(Site().OptionPrinter(4));
+    EXPECT_TRUE(Site().OptionPrinter(4) && Site().OptionHisto(3));
     EXPECT_FALSE(Site().OptionKlaxon(2));
-    EXPECT_TRUE(Site().OptionHisto(3));
     EXPECT_NE(Screen(FormNames::wMain), nullptr);
 }
 
@@ -55,9 +52,9 @@ TEST_F(ParamEcranTest, WhatAnAlarmInterruptsStandsThereAgain) {
     AlarmComes();
     EXPECT_FALSE(Site().OptionPrinter(0));
     Forms::Show(Form);
-    EXPECT_EQ(Column("lblPrint"), "X----");
+    EXPECT_EQ(Columns(), "X---- XXXXX X---- --X--");
     EXPECT_TRUE(TellsOfKept());
     Leave(Messages::No);
     Forms::Show(Form);
-    EXPECT_EQ(Column("lblPrint"), "-----");
+    EXPECT_EQ(Columns(), "X---- XXXXX ----- --X--");
 }

@@ -93,10 +93,8 @@ TEST_F(BoxesTest, ATouchWaitsForItsAnswerAndATickDoesNot) {
     const Operator::Acting acting;
     Fail("A.Touch");
     Yield();
-    ASSERT_EQ(waited.size(), 1);
-    EXPECT_TRUE(waited[0].endsWith(Text("Touch")));
-    ASSERT_EQ(shown.size(), 1);
-    EXPECT_TRUE(shown[0].endsWith(Text("Tick")));
+    EXPECT_EQ(waited, QStringList{ErrorHandling::ErrorText(Text("A.Touch"), errors::DiskFull)});
+    EXPECT_EQ(shown, QStringList{ErrorHandling::ErrorText(Text("A.Tick"), errors::DiskFull)});
     EXPECT_TRUE(Operator::Acts());
 }
 
@@ -149,6 +147,7 @@ TEST_F(BoxesTest, WhatFailsAHundredTimesIsToldOnce) {
 TEST_F(BoxesTest, ATraceThatCantBeWrittenStands) {
     ASSERT_TRUE(QFile::remove(Trace::FileName(clock.Now())));
     ASSERT_TRUE(QDir(folder.path()).mkpath(Trace::FileName(clock.Now())));
+    EXPECT_THROW(Trace::OpenToday(), platform::RunTimeError);
     Trace::Note(Text("lost"));
     EXPECT_TRUE(Faults::Stands(Kind::TraceNotWritten));
     EXPECT_TRUE(shown.isEmpty());

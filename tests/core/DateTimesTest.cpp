@@ -10,20 +10,16 @@ class Dates : public ::testing::Test {
 protected:
     ~Dates() override { DateTimes::ReadLocale(QLocale::system()); }
     static void Use(const char* name) { DateTimes::ReadLocale(QLocale(Text(name))); }
-    static QString Short(int year, int month, int day) {
-        return DateTimes::ShortDate(DateTimes::FromDate(QDate(year, month, day)));
-    }
 };
 
 TEST_F(Dates, ShortDateHasTenColumnsInEveryLocale) {
-    struct Case {
-        const char *locale, *text;
-    };
-    for (const Case& test :
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [locale, text] :
          {Case{"C", "2024-03-05"}, Case{"fr_FR", "05/03/2024"}, Case{"de_DE", "05.03.2024"},
           Case{"en_US", "03/05/2024"}, Case{"ja_JP", "2024/03/05"}, Case{"nl_NL", "05-03-2024"}}) {
-        Use(test.locale);
-        EXPECT_EQ(Short(2024, 3, 5), Text(test.text)) << test.locale;
+        Use(locale);
+        EXPECT_EQ(DateTimes::ShortDate(DateTimes::FromDate(QDate(2024, 3, 5))), Text(text))
+            << locale;
     }
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "events/EventPrinter.h"
 #include "platform/PrinterPort.h"
-#include "support/PrintText.h"
+#include "support/Bench.h"
 
 #include <QStringList>
 
@@ -26,11 +27,8 @@ public:
     bool IsOpen() const override { return open_; }
     int CheckLine() override { return checkError; }
     int SetLine(const platform::LineSettings& settings) override {
-        log += Text("line %1 %2 %3 %4")
-                   .arg(settings.speed)
-                   .arg(settings.parity)
-                   .arg(settings.dataBits)
-                   .arg(settings.stopBits);
+        log += QString::asprintf("line %d %d %d %d", int(settings.speed), int(settings.parity),
+                                 int(settings.dataBits), int(settings.stopBits));
         return lineError;
     }
     void SetWriteTimeout(int milliseconds) override { log += Text("timeout %1").arg(milliseconds); }
@@ -56,4 +54,16 @@ public:
 private:
     bool open_ = false;
     bool busy_ = false;
+};
+
+/// An event printer on such a port, named LPT1.
+class PrinterBench : public QuietBench {
+protected:
+    PrinterBench() { printer.setPort(Text("LPT1")); }
+
+    QByteArray Written() { return std::exchange(port->written, {}); }
+
+    FakePort* port = new FakePort;
+    DirectPrinting printer{std::unique_ptr<platform::PrinterPort>(port)};
+    EventPrinter paper{printer};
 };

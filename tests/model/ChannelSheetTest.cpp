@@ -5,12 +5,9 @@
 
 #include "model/SiteBytes.h"
 #include "platform/CodePage.h"
-#include "platform/RunTimeError.h"
 
 #include <QTemporaryDir>
 #include <random>
-
-namespace errors = platform::errors;
 
 namespace {
 
@@ -67,14 +64,11 @@ TEST_F(ChannelSheet, TakesEveryColumn) {
     const ChannelClass& channel = site.Panel(64).Channel(24);
     EXPECT_TRUE(channel.ScrAlm() && channel.PrtAlm() && channel.Klaxon() && channel.React());
     EXPECT_FALSE(channel.Histo());
-    EXPECT_EQ(channel.TypeImp(), 2);
-    EXPECT_EQ(channel.AlmPrio(), 7);
-    EXPECT_EQ(channel.BibNum(), 64);
-    EXPECT_EQ(channel.HelpNum(), 48);
-    EXPECT_EQ(channel.ReactTpo(), 8);
+    const QList<int> numbers{channel.TypeImp(), channel.AlmPrio(), channel.BibNum(),
+                             channel.HelpNum(), channel.ReactTpo()};
+    EXPECT_EQ(numbers, QList<int>({2, 7, 64, 48, 8}));
     EXPECT_EQ(channel.ScreenText() + channel.PrintText(), Text("screenprint"));
-    EXPECT_TRUE(channel.Modified());
-    EXPECT_FALSE(site.Panel(64).Channel(23).Modified());
+    EXPECT_TRUE(channel.Modified() && !site.Panel(64).Channel(23).Modified());
     EXPECT_EQ(sheet->Lines(), 1);
     EXPECT_EQ(sheet->Changed(), 1);
 }
@@ -175,11 +169,7 @@ TEST_F(ChannelSheet, ComesBackFromAWholeFileOfASpreadsheet) {
 
 TEST_F(ChannelSheet, TellsWhereALineIsBad) {
     const QByteArray good = "1\t1\t" + Settings + "a\tb\r\n";
-    const struct {
-        QByteArray line;
-        int error;
-        const char* column;
-    } cases[] = {
+    const std::tuple<QByteArray, int, const char*> cases[] = {
         {"65\t1\t" + Settings, errors::Subscript, "Pnl"},
         {"-1\t1\t" + Settings, errors::Subscript, "Pnl"},
         {"1x\t1\t" + Settings, errors::TypeMismatch, "Pnl"},
@@ -195,12 +185,12 @@ TEST_F(ChannelSheet, TellsWhereALineIsBad) {
         {"2\t1\t1\t1\t2\t1\t7\t0\t64\t48\t1\t9\ta\tb", errors::InvalidPropertyValue, "Tempo"},
         {"2\t1\t" + Settings + "\xCE\xA9\xCE\xA9", errors::InvalidPropertyValue, "TxtScr"},
     };
-    for (const auto& bad : cases) {
+    for (const auto& [line, error, column] : cases) {
+        SCOPED_TRACE(line.toStdString());
         First().setScreenText({});
-        EXPECT_EQ(Import(good + bad.line + "\r\n3\t1\t" + Settings), bad.error)
-            << bad.line.toStdString();
-        EXPECT_EQ(sheet->BadLine(), 3) << bad.line.toStdString();
-        EXPECT_EQ(sheet->BadColumn(), Text(bad.column)) << bad.line.toStdString();
+        EXPECT_EQ(Import(good + line + "\r\n3\t1\t" + Settings), error);
+        EXPECT_EQ(sheet->BadLine(), 3);
+        EXPECT_EQ(sheet->BadColumn(), Text(column));
         EXPECT_EQ(First().ScreenText(), Text("a"));
         EXPECT_EQ(sheet->Lines(), 1);
         EXPECT_FALSE(site.Panel(2).Channel(1).Modified()) << "a bad line changes nothing";
@@ -215,10 +205,10 @@ TEST_F(ChannelSheet, GoesThroughAFile) {
     First().setScreenText(Text("Pump"));
     ChannelSheetExport(site).Write(path);
     EXPECT_EQ(FileBytes(path), Sheet(site));
-    ConfigClass other;
-    ChannelSheetImport import(other);
+    First().setScreenText(Text("Valve"));
+    ChannelSheetImport import(site);
     import.Read(path);
-    EXPECT_EQ(other.Panel(1).Channel(1).ScreenText(), Text("Pump"));
+    EXPECT_EQ(First().ScreenText(), Text("Pump"));
     EXPECT_EQ(ErrorNumberOf([&] { import.Read(folder.path() + Text("/none")); }),
               errors::FileNotFound);
     EXPECT_NE(ErrorNumberOf([&] { ChannelSheetExport(site).Write(folder.path()); }), 0);

@@ -5,74 +5,84 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "model/SiteBytes.h"
-#include "platform/RunTimeError.h"
-
-namespace errors = platform::errors;
 
 namespace {
 
 TEST(Configuration, PanelsAreNumberedAndBounded) {
     ConfigClass config;
-    EXPECT_EQ(config.Panel(1).Numero(), 1);
-    EXPECT_EQ(config.Panel(64).Numero(), 64);
-    EXPECT_FALSE(config.Modified());
+    EXPECT_EQ(config.Panel(1).Numero() * 100 + config.Panel(64).Numero(), 164);
     for (const int index : {-1, 0, 65}) {
         EXPECT_EQ(ErrorNumberOf([&] { config.Panel(index); }), errors::Subscript);
         EXPECT_NO_THROW(config.InitPanel(index));
     }
     EXPECT_FALSE(config.Modified());
+    config.InitPanel(5);
+    EXPECT_EQ(config.Panel(5).Numero(), 5);
+    EXPECT_TRUE(config.Modified() && !config.Panel(5).Modified());
 }
 
 TEST(Configuration, AnotherPanelObjectMarksEverything) {
     ConfigClass config;
     const auto panel = std::make_shared<PanelClass>();
     config.setPanel(5, panel);
+    EXPECT_EQ(&config.Panel(5), panel.get());
+    EXPECT_TRUE(config.Panel(64).Channel(24).Modified());
     config.setModified(false);
     config.setPanel(5, panel);
     EXPECT_FALSE(config.Modified()) << "the same object is no change";
-    config.setPanel(6, std::make_shared<PanelClass>());
-    EXPECT_EQ(&config.Panel(5), panel.get());
-    EXPECT_TRUE(config.Panel(64).Channel(24).Modified());
     EXPECT_NE(ErrorNumberOf([&] { config.setPanel(5, nullptr); }), 0);
-
-    config.setModified(false);
-    config.InitPanel(5);
-    EXPECT_NE(&config.Panel(5), panel.get());
-    EXPECT_EQ(config.Panel(5).Numero(), 5);
-    EXPECT_TRUE(config.Modified());
-    EXPECT_FALSE(config.Panel(5).Modified() || config.Panel(6).Modified());
 }
 
-TEST(Configuration, EachSettingMarks) {
-    ConfigClass config;
-    ExpectMarks<ConfigClass>(
-        config,
-        {Set(&ConfigClass::setAlarmPrioSound, 99, 3),
-         Set(&ConfigClass::setAutoStart, true),
-         Set(&ConfigClass::setBiblio, 64, Text("valve")),
-         Set(&ConfigClass::setBusSettings, Text("COM9:1200,N,8,1")),
-         Set(&ConfigClass::setBusControl, 1),
-         Set(&ConfigClass::setConsigne, 48, Text("close it")),
-         Set(&ConfigClass::setInactivityTime, 30),
-         Set(&ConfigClass::setOptionHisto, 4, true),
-         Set(&ConfigClass::setOptionKlaxon, 0, true),
-         Set(&ConfigClass::setOptionPrinter, 7, true),
-         Set(&ConfigClass::setOptionScreen, 1, true),
-         Set(&ConfigClass::setPrintBusResult, true),
-         Set(&ConfigClass::setPrintMaxLen, 80),
-         Set(&ConfigClass::setPrinterName, Text("Matrix")),
-         Set(&ConfigClass::setPrinterInitCode, 7, Text("<27>")),
-         Set(&ConfigClass::setPrinterInitString, 0, Text("\u001B")),
-         Set(&ConfigClass::setPrtSettings, Text("LPT9:")),
-         Set(&ConfigClass::setUserCount, 3),
-         Set(&ConfigClass::setUserLevel, 1, 1),
-         Set(&ConfigClass::setUserName, 1, Text("A")),
-         Set(&ConfigClass::setUserPwd, 1, Text("B"))},
-        [&] { return config.Modified(); }, [&] { config.setModified(false); });
-    config.Mirrors().Add(1, 1, 2, 2, 1).setModified(false);
-    EXPECT_TRUE(config.Modified());
-    config.setModified(false);
-    EXPECT_FALSE(config.Modified());
+/// A call of a setter.
+template <class Object, class... Parameters, class... Values>
+std::function<void()> Set(Object& object, void (Object::*setter)(Parameters...), Values... values) {
+    return [=, &object] { (object.*setter)(values...); };
+}
+
+TEST(Configuration, EachSettingMarksTheSiteUnlessItIsTheSameAgain) {
+    using Site = ConfigClass;
+    using Chnl = ChannelClass;
+    Site site;
+    PanelClass& panel = site.Panel(13);
+    Chnl& chnl = panel.Channel(24);
+    MirrorClass& rule = site.Mirrors().Add(0, 0, 0, 0, 0);
+    const std::vector<std::function<void()>> settings[] = {
+        {Set(site, &Site::setAlarmPrioSound, 99, 3), Set(site, &Site::setAutoStart, true),
+         Set(site, &Site::setBusSettings, Text("COM9")), Set(site, &Site::setBusControl, 1),
+         Set(site, &Site::setBiblio, 64, Text("valve")),
+         Set(site, &Site::setConsigne, 48, Text("close")), Set(site, &Site::setInactivityTime, 30),
+         Set(site, &Site::setOptionHisto, 4, true), Set(site, &Site::setOptionKlaxon, 0, true),
+         Set(site, &Site::setOptionPrinter, 7, true), Set(site, &Site::setOptionScreen, 1, true),
+         Set(site, &Site::setPrintBusResult, true)},
+        {Set(site, &Site::setPrintMaxLen, 80), Set(site, &Site::setPrinterName, Text("Matrix")),
+         Set(site, &Site::setPrinterInitCode, 7, Text("<27>")),
+         Set(site, &Site::setPrtSettings, Text("LPT9:")),
+         Set(site, &Site::setPrinterInitString, 0, Text("E")), Set(site, &Site::setUserCount, 3),
+         Set(site, &Site::setUserLevel, 1, 1), Set(site, &Site::setUserName, 1, Text("A")),
+         Set(site, &Site::setUserPwd, 1, Text("B"))},
+        {Set(panel, &PanelClass::setNumero, 9), Set(panel, &PanelClass::setModel, 3),
+         Set(panel, &PanelClass::setTitle, Text("Boiler")),
+         Set(panel, &PanelClass::setTitleColor, 255), Set(panel, &PanelClass::setActive, true)},
+        {Set(chnl, &Chnl::setAlmPrio, 98), Set(chnl, &Chnl::setBibNum, 1),
+         Set(chnl, &Chnl::setHelpNum, 1), Set(chnl, &Chnl::setHisto, false),
+         Set(chnl, &Chnl::setKlaxon, true), Set(chnl, &Chnl::setPrintText, Text("p")),
+         Set(chnl, &Chnl::setPrtAlm, true), Set(chnl, &Chnl::setReact, true),
+         Set(chnl, &Chnl::setReactTpo, 1), Set(chnl, &Chnl::setScreenText, Text("s")),
+         Set(chnl, &Chnl::setScrAlm, true), Set(chnl, &Chnl::setTypeImp, 1)},
+        {Set(rule, &MirrorClass::setFromModule, 1), Set(rule, &MirrorClass::setFromChannel, 1),
+         Set(rule, &MirrorClass::setToModule, 1), Set(rule, &MirrorClass::setToChannel, 1),
+         Set(rule, &MirrorClass::setMirrorType, 1)}};
+    for (const auto& ofOne : settings) {
+        for (const auto& set : ofOne) {
+            SCOPED_TRACE(testing::Message() << &ofOne - settings << '/' << &set - ofOne.data());
+            for (const bool first : {true, false}) {
+                site.setModified(false);
+                EXPECT_FALSE(site.Modified());
+                set();
+                EXPECT_EQ(site.Modified(), first);
+            }
+        }
+    }
 }
 
 TEST(Configuration, SoundsAndBitsStayInTheirPlaces) {
@@ -99,7 +109,7 @@ TEST(Configuration, FixedTextsKeepTheirWidth) {
     EXPECT_EQ(config.Consigne(48).size(), 1024);
     EXPECT_EQ(config.ConsigneText(48), QString());
     config.setBiblio(1, Text(" valve "));
-    EXPECT_EQ(config.Biblio(1), Text(" valve                  "));
+    EXPECT_EQ(config.Biblio(1), Text(" valve").leftJustified(24));
     EXPECT_EQ(config.BiblioText(1), Text("valve"));
     config.setBiblio(1, QString(30, u'x'));
     EXPECT_EQ(config.Biblio(1), QString(24, u'x'));
@@ -110,8 +120,7 @@ TEST(Configuration, FixedTextsKeepTheirWidth) {
     for (const int index : {-1, 0, 65}) {
         config.setBiblio(index, Text("x"));
         config.setConsigne(index, Text("x"));
-        EXPECT_EQ(config.Biblio(index), QString());
-        EXPECT_EQ(config.ConsigneText(index), QString());
+        EXPECT_EQ(config.Biblio(index) + config.ConsigneText(index), QString());
     }
     EXPECT_FALSE(config.Modified());
 }
@@ -119,16 +128,13 @@ TEST(Configuration, FixedTextsKeepTheirWidth) {
 TEST(Configuration, UserTablesGrowOneByOne) {
     ConfigClass config;
     EXPECT_EQ(config.UserCount(), 2);
-    EXPECT_EQ(config.UserLevel(1), 3);
-    EXPECT_EQ(config.UserLevel(2), 2);
+    EXPECT_EQ(config.UserLevel(1) * 10 + config.UserLevel(2), 32);
     config.setUserName(5, Text("Eve"));
     EXPECT_EQ(config.UserCount(), 5);
     EXPECT_EQ(config.UserLevel(5), 0);
-    EXPECT_EQ(config.UserPwd(5), QString());
-    EXPECT_EQ(config.UserName(6), QString());
+    EXPECT_EQ(config.UserPwd(5) + config.UserName(6), QString());
     config.setUserCount(1);
     EXPECT_EQ(config.UserCount(), 1);
-    EXPECT_EQ(config.UserLevel(1), 3);
     EXPECT_EQ(config.UserName(5), QString());
     for (const int count : {0, -1})
         EXPECT_EQ(ErrorNumberOf([&] { config.setUserCount(qint16(count)); }), errors::Subscript);

@@ -2,6 +2,7 @@
 
 #include "model/ConfigClass.h"
 #include "model/SiteFile.h"
+#include "platform/RunTimeError.h"
 #include "support/PrintText.h"
 
 #include <QByteArray>
@@ -9,7 +10,8 @@
 #include <QString>
 #include <functional>
 #include <gtest/gtest.h>
-#include <vector>
+
+namespace errors = platform::errors;
 
 /// Puts the bytes of a site file together by hand, without the program's own writer.
 class SiteBytes {
@@ -103,27 +105,6 @@ template <class Piece> QByteArray Saved(Piece& piece) {
     SiteFileWriter writer;
     piece.SaveTo(writer);
     return writer.Bytes();
-}
-
-/// A call of a setter.
-template <class Object, class... Parameters, class... Values>
-std::function<void(Object&)> Set(void (Object::*setter)(Parameters...), Values... values) {
-    return [=](Object& object) { (object.*setter)(values...); };
-}
-
-/// Each change marks its object once: the same value again is none.
-template <class Object>
-void ExpectMarks(Object& object, const std::vector<std::function<void(Object&)>>& changes,
-                 const std::function<bool()>& isMarked, const std::function<void()>& takeAway) {
-    for (size_t i = 0; i < changes.size(); ++i) {
-        SCOPED_TRACE(i);
-        changes[i](object);
-        EXPECT_TRUE(isMarked());
-        takeAway();
-        EXPECT_FALSE(isMarked());
-        changes[i](object);
-        EXPECT_FALSE(isMarked()) << "the same value again";
-    }
 }
 
 /// The number of the run-time error that `body` throws, 0 without one.

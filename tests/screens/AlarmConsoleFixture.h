@@ -45,15 +45,6 @@ protected:
         Q_EMIT engine->BusEvent(event);
     }
 
-    static void LoseEveryPanel() {
-        for (int panel = 1; panel <= 64; ++panel) {
-            Site().Panel(panel).setNumero(quint8(panel));
-            Site().Panel(panel).setModel(Models::P5000);
-            Site().Panel(panel).setActive(true);
-            Site().Panel(panel).setErrCptr(2, 1);
-        }
-    }
-
     template <class W = QWidget> W& Child(const char* name) const {
         W* child = console->findChild<W*>(name);
         if (child == nullptr)

@@ -1,6 +1,5 @@
-// The gestures that the forms share: pointers, arrows, clipboards, lists, tables, copies.
+// The gestures that the forms share: pointers, arrows, lists, tables.
 
-#include "screens/touch/EntryClipboard.h"
 #include "screens/touch/FieldPointer.h"
 #include "screens/touch/HoldToRepeat.h"
 #include "screens/touch/KeptEdit.h"
@@ -8,7 +7,6 @@
 #include "screens/touch/Stepper.h"
 #include "screens/touch/TouchTable.h"
 #include "screens/touch/ValueLabel.h"
-#include "screens/touch/WorkingCopy.h"
 
 #include <QHeaderView>
 #include <QListWidget>
@@ -34,19 +32,17 @@ TEST(GesturesTest, ThePointerStaysOnFieldsThatMayBePointedAt) {
     QPushButton back(&form);
     QPushButton on(&form);
     FieldPointer pointer(&form, fields, &back, &on);
-    EXPECT_TRUE(fields[0]->IsPointed());
-    EXPECT_FALSE(back.isEnabled());
+    EXPECT_TRUE(fields[0]->IsPointed() && !back.isEnabled());
     pointer.Skip(1);
-    pointer.MoveBy(1);
-    EXPECT_EQ(pointer.Place(), 2) << "steps over";
-    pointer.MoveBy(-1);
-    EXPECT_EQ(pointer.Place(), 0);
+    for (const auto& [by, place] : {std::pair(1, 2), std::pair(-1, 0)}) {
+        pointer.MoveBy(by);
+        EXPECT_EQ(pointer.Place(), place) << "steps over";
+    }
     QTest::mouseClick(fields[1], Qt::LeftButton);
     EXPECT_EQ(pointer.Place(), 0) << "a touch on a field that is stepped over means nothing";
     QTest::mouseClick(fields[3], Qt::LeftButton);
     EXPECT_EQ(pointer.Field(), fields[3]);
-    EXPECT_FALSE(on.isEnabled());
-    EXPECT_FALSE(fields[0]->IsPointed());
+    EXPECT_FALSE(on.isEnabled() || fields[0]->IsPointed());
     pointer.MoveBy(1);
     EXPECT_EQ(pointer.Place(), 3);
 }
@@ -71,23 +67,6 @@ TEST(GesturesTest, AStepperStopsAtItsBoundsAndTellsWhoStepped) {
     stepper.setBounds(1, 2);
     EXPECT_EQ(stepper.Value(), 2);
     EXPECT_FALSE(changes.last()[1].toBool());
-}
-
-TEST(GesturesTest, TheClipboardOutlivesTheEntryItWasCopiedFrom) {
-    EntryClipboard<QString> clipboard;
-    QString entry = "first";
-    EXPECT_FALSE(clipboard.Act(EntryAction::Paste, entry)) << "nothing to paste";
-    EXPECT_EQ(entry, "first");
-    EXPECT_FALSE(clipboard.Act(EntryAction::Copy, entry));
-    entry = "second";
-    EXPECT_TRUE(clipboard.Act(EntryAction::Paste, entry));
-    EXPECT_EQ(entry, "first");
-    entry = "third";
-    EXPECT_TRUE(clipboard.Act(EntryAction::Cut, entry));
-    EXPECT_TRUE(entry.isEmpty());
-    EXPECT_TRUE(clipboard.Act(EntryAction::Clear, entry));
-    EXPECT_TRUE(clipboard.Act(EntryAction::Paste, entry));
-    EXPECT_EQ(entry, "third");
 }
 
 TEST(GesturesTest, AListAndItsNumberFollowEachOther) {
@@ -118,24 +97,28 @@ TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
     table.setColumns({{"No", 1}, {"Word", 2}}, 1);
     QList<TouchTable::Row> rows{Line("x", "10", "b"), Line("y", "9", "c"), Line("z", "all", "a")};
     QSignalSpy changes(&table, &TouchTable::RowChanged);
+    const auto touch = [&](int column) { Q_EMIT table.horizontalHeader()->sectionClicked(column); };
+    const auto shown = [&](int column) {
+        return table.Cell(0, column) + u' ' + table.Cell(1, column) + u' ' + table.Cell(2, column);
+    };
     table.setRows(rows);
-    EXPECT_EQ(table.Cell(0, 0), "9") << "numbers by value, before words";
-    EXPECT_EQ(table.Cell(2, 0), "all");
+    EXPECT_EQ(shown(0), "9 10 all") << "numbers by value, before words";
     table.SelectTag("x");
-    Q_EMIT table.horizontalHeader()->sectionClicked(1);
+    touch(1);
+    EXPECT_EQ(shown(1), "a b c");
     EXPECT_EQ(table.CurrentTag(), "x");
     EXPECT_EQ(table.CurrentRow(), 1);
-    Q_EMIT table.horizontalHeader()->sectionClicked(1);
-    EXPECT_EQ(table.Cell(0, 1), "c");
-    table.MoveBy(1);
-    EXPECT_EQ(table.CurrentTag(), "z");
-    table.MoveBy(1);
-    EXPECT_EQ(table.CurrentTag(), "z");
+    touch(1);
+    EXPECT_EQ(shown(1), "c b a");
+    for (int times = 0; times < 2; ++times) {
+        table.MoveBy(1);
+        EXPECT_EQ(table.CurrentTag(), "z");
+    }
     table.setCells("y", {"9", "A"});
-    EXPECT_EQ(table.Cell(0, 1), "A") << "in its place";
+    EXPECT_EQ(shown(1), "A b a") << "in its place";
     rows[0].order = {QString(), "d"};
     table.setRows(rows);
-    EXPECT_EQ(table.Cell(0, 1), "b") << "sorted by more than its text";
+    EXPECT_EQ(shown(1), "b c a") << "sorted by more than its text";
     rows.removeLast();
     table.setRows(rows);
     EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";
@@ -146,10 +129,7 @@ TEST(GesturesTest, ASwipeScrollsAndATouchSelects) {
     TouchTable table;
     table.resize(400, 300);
     table.setColumns({{"No", 1}}, 1);
-    QList<TouchTable::Row> rows;
-    for (int i = 0; i < 100; ++i)
-        rows += Line(QString::number(i), QString::number(i), QString());
-    table.setRows(rows);
+    table.setRows(QList<TouchTable::Row>(100, Line("x", "1", {})));
     table.show();
     QWidget* view = table.viewport();
     const QPoint middle = view->rect().center();
@@ -161,23 +141,40 @@ TEST(GesturesTest, ASwipeScrollsAndATouchSelects) {
     EXPECT_EQ(table.CurrentRow(), -1) << "a swipe selects nothing";
     QTest::mouseClick(view, Qt::LeftButton, {}, middle);
     EXPECT_EQ(table.CurrentRow(), table.rowAt(middle.y()));
-    table.setRows(rows);
-    EXPECT_EQ(table.verticalScrollBar()->value(), 96) << "the view stays over a change";
+}
+
+TEST(GesturesTest, TheArrowsOfABarStayAtItsEndsAndTakeNoTouch) {
+    TouchTable table;
+    table.setColumns({{"No", 1}}, 1);
+    table.setRows(QList<TouchTable::Row>(100, Line("x", "1", QString())));
+    table.resize(400, 300);
+    table.show();
+    QScrollBar* bar = table.verticalScrollBar();
+    const auto ink = [&](int top) {
+        const QImage square = bar->grab(QRect(0, top, bar->width(), bar->width()))
+                                  .toImage()
+                                  .convertToFormat(QImage::Format_RGB32);
+        int count = 0;
+        for (int i = 0; i < square.width() * square.height(); ++i)
+            count += qGray(square.pixel(i % square.width(), i / square.width())) > 150 ? 1 : 0;
+        return count;
+    };
+    for (const int height : {300, 500}) {
+        table.resize(400, height);
+        EXPECT_GT(ink(0), 10);
+        EXPECT_GT(ink(bar->height() - bar->width()), 10);
+    }
+    table.setColumns({{"No", 1}}, 1);
+    EXPECT_EQ(bar->findChildren<QWidget*>().size(), 1);
+    QTest::mouseClick(bar, Qt::LeftButton, {}, QPoint(bar->width() / 2, bar->height() - 9));
+    EXPECT_GT(bar->value(), 0);
 }
 
 TEST(GesturesTest, AKeptEditIsWorthItsOriginalOnly) {
-    int site = 1;
-    WorkingCopy<int> copy([&] { return site; });
-    EXPECT_FALSE(copy.Differs());
-    *copy = 5;
-    EXPECT_TRUE(copy.Differs());
     KeptEdit<int> kept;
-    kept.Keep(copy.Original(), *copy);
-    copy.Reload();
-    EXPECT_FALSE(copy.Differs());
-    EXPECT_EQ(kept.Take(site), 5);
-    EXPECT_EQ(kept.Take(site), std::nullopt) << "once";
-    kept.Keep(site, 6);
-    site = 2;
-    EXPECT_EQ(kept.Take(site), std::nullopt) << "the site holds something else now";
+    kept.Keep(1, 5);
+    EXPECT_EQ(kept.Take(1), 5);
+    EXPECT_EQ(kept.Take(1), std::nullopt) << "once";
+    kept.Keep(1, 6);
+    EXPECT_EQ(kept.Take(2), std::nullopt) << "the site holds something else now";
 }

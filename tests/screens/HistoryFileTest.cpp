@@ -10,17 +10,11 @@
 #include "support/Bench.h"
 
 #include <QRegularExpression>
-#include <random>
 
 namespace {
 
 class HistoryFileTest : public Bench {
 protected:
-    void Put(const QByteArray& bytes) const {
-        QFile out(path);
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(bytes);
-    }
     /// Date, time and number of each line; one that stands as it is, without its break.
     QStringList Rows() const {
         QStringList rows;
@@ -36,7 +30,7 @@ protected:
         return rows;
     }
     QStringList Load(const QByteArray& bytes) {
-        Put(bytes);
+        WriteFile(path, bytes);
         EXPECT_TRUE(file.Load(path));
         return Rows();
     }
@@ -57,10 +51,7 @@ QString Row(int number) {
 } // namespace
 
 TEST_F(HistoryFileTest, LinesAsTheSystemWritesThem) {
-    PanelClass& panel = AddPanel(12, Models::Q7100);
-    Site().setBiblio(3, "Überdruck");
-    panel.Channel(7).setBibNum(3);
-    panel.Channel(7).setScreenText("Kessel");
+    AddPanel(12, Models::Q7100).Channel(7).setScreenText("Überdruck");
     EventClass event(12, 7, 0, 1);
     event.setGDH(clock.Now());
     event.setNum(12345);
@@ -80,7 +71,6 @@ TEST_F(HistoryFileTest, LinesAsTheSystemWritesThem) {
     QFile::resize(HistoProcs::HistoFileName(), 20);
     EXPECT_EQ(file.ScreenLine(0), QString(162, u' '));
     QFile::remove(HistoProcs::HistoFileName());
-    EXPECT_EQ(file.ScreenLine(0), QString(162, u' '));
     EXPECT_FALSE(file.Load(HistoProcs::HistoFileName()));
     EXPECT_EQ(file.Count(), 0);
     EXPECT_THROW((void)file.ScreenLine(0), platform::RunTimeError);
@@ -105,18 +95,6 @@ TEST_F(HistoryFileTest, DamagedFiles) {
     EXPECT_EQ(file.ScreenLine(2), QString(file.ScreenLine(3)).replace(5, 1, u'3'))
         << "a line has 138 characters";
 
-    QByteArray garbage(2'000'000, Qt::Uninitialized);
-    std::mt19937 random(7);
-    for (char& byte : garbage)
-        byte = char(random());
-    QStringList expected;
-    for (int at = 0; at < garbage.size() - 200; at += 1 + int(random() % 5000)) {
-        const QByteArray line = '\n' + Line(int(expected.size())) + "\r\n";
-        garbage.replace(at, line.size(), line);
-        at += int(line.size());
-        expected += Row(int(expected.size()));
-    }
-    EXPECT_EQ(Load(garbage).filter(Row(0).left(19)), expected);
     EXPECT_FALSE(file.Load(Path("none.his")));
     QDir().mkdir(Path("folder.his"));
     EXPECT_THROW(file.Load(Path("folder.his")), platform::RunTimeError);
@@ -127,34 +105,22 @@ TEST_F(HistoryFileTest, NoLineIsLostBetweenThePieces) {
     for (int length = 17; length < 40; ++length) {
         const int count = 600'000 / length;
         const QByteArray line = Line(1).left(length - 1) + '\n';
-        Put(line.repeated(count));
+        WriteFile(path, line.repeated(count));
         ASSERT_TRUE(file.Load(path));
         ASSERT_EQ(file.Count(), count) << length;
         EXPECT_EQ(file.ScreenLine(count - 1).mid(53, 10), "2024-03-15");
     }
 }
 
-/// Every locale may have written a part of the file.
 TEST_F(HistoryFileTest, ADateIsOneInWhateverForm) {
-    std::mt19937 random(11);
-    QByteArray all;
-    QStringList expected;
-    for (const char* locale : {"C", "de_DE", "fr_FR", "en_US", "sv_SE", "hu_HU", "fa_IR"}) {
-        DateTimes::ReadLocale(QLocale(locale));
-        for (int i = 0; i < 300; ++i) {
-            const QString date = DateTimes::ShortDate(double(random() % 60'000));
-            all += date.toLatin1() + Line(i).mid(10) + "\r\n";
-            expected += date + Row(i).mid(10);
-        }
-    }
-    DateTimes::ReadLocale(QLocale::c());
-    EXPECT_EQ(Load(all), expected);
+    for (const char* date : {"2024-03-15", "2024/03/15", "2024.03.15", "15.03.2024", "03/15/2024",
+                             "31-12-1999", "29.02.2024"})
+        EXPECT_EQ(Load(date + Line(1).mid(10)), QStringList(date + Row(1).mid(10)));
     // No dates: they stand as they are.
     for (const char* text :
          {"2024-13-45", "2024-03/15", "31.02.2024", "2024a03a15", "15.03.24  "}) {
-        const QString line = QString::fromLatin1(text) + " words";
-        Load(line.toLatin1());
+        Load(QByteArray(text) + " words");
         ASSERT_EQ(file.Count(), 1) << text;
-        EXPECT_EQ(file.ScreenLine(0).trimmed(), line);
+        EXPECT_EQ(file.ScreenLine(0).trimmed(), QLatin1String(text) + " words");
     }
 }

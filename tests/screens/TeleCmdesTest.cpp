@@ -33,17 +33,9 @@ protected:
         return numbers.join(u' ');
     }
     static bool Offers(const char* arrow) { return Child(Overview, arrow)->isVisible(); }
-    static Telecommande& Tile(int place) {
-        return dynamic_cast<Telecommande&>(
-            *Child(Overview, QStringLiteral("Telecmde_%1").arg(place)));
-    }
-    static void TapTile(int place) {
-        QTest::mouseClick(Tile(place).findChild<TouchImage*>(), Qt::LeftButton);
-    }
+    static QWidget& Tile(int place) { return *Child(Overview, Part("Telecmde", place)); }
     static QColor Lamp(int place, int channel) {
-        return Tile(place)
-            .findChild<Voyant*>(QStringLiteral("lblVoyant_%1").arg(channel))
-            ->Colour();
+        return Tile(place).findChild<Voyant*>(Part("lblVoyant", channel))->Colour();
     }
 };
 
@@ -60,9 +52,9 @@ TEST_F(TeleCmdesTest, OnlyModulesInServiceThatTakeCommandsHaveATile) {
     EXPECT_FALSE(Offers("lblNone"));
     EXPECT_FALSE(Offers("imgNavig_1"));
     EXPECT_FALSE(Offers("imgNavig_2"));
-    const auto text = [](const char* label) { return Tile(2).findChild<QLabel*>(label)->text(); };
-    EXPECT_EQ(text("lblTypePan"), "P5500");
-    EXPECT_EQ(text("lblPnlTitle"), "Doors");
+    for (const auto& [label, text] :
+         {std::pair("lblTypePan", "P5500"), std::pair("lblPnlTitle", "Doors")})
+        EXPECT_EQ(Tile(2).findChild<QLabel*>(label)->text(), text);
     EXPECT_EQ(Tile(2).findChildren<Voyant*>().size(), 12);
 
     Forms::Unload(Overview);
@@ -74,31 +66,21 @@ TEST_F(TeleCmdesTest, OnlyModulesInServiceThatTakeCommandsHaveATile) {
 }
 
 TEST_F(TeleCmdesTest, PagesOfTwelveLeadToEveryModule) {
-    const QString first = "01 02 03 04 05 06 07 08 09 10 11 12";
-    const QString second = "13 14 15 16 17 18 19 20 21 22 23 24";
-    const std::pair<int, QStringList> cases[] = {{12, {first}},
-                                                 {13, {first, "13"}},
-                                                 {24, {first, second}},
-                                                 {30, {first, second, "25 26 27 28 29 30"}}};
-    for (const auto& one : cases) {
-        SCOPED_TRACE(one.first);
-        AddModules(one.first);
-        const QStringList& pages = one.second;
+    for (const int count : {12, 13, 24, 30}) {
+        AddModules(count);
         Forms::Show(Overview);
-        const auto last = pages.size() - 1;
-        const auto check = [&](qsizetype page) {
-            EXPECT_EQ(Shown(), pages[page]);
+        const int last = (count - 1) / 12;
+        for (int visit = 0; visit <= 2 * last; ++visit) {
+            SCOPED_TRACE(testing::Message() << count << " modules, visit " << visit);
+            const int page = last - std::abs(last - visit);
+            QStringList numbers;
+            for (int number = page * 12 + 1; number <= qMin(count, page * 12 + 12); ++number)
+                numbers += QString::number(number).rightJustified(2, u'0');
+            EXPECT_EQ(Shown(), numbers.join(u' '));
             EXPECT_EQ(Offers("imgNavig_1"), page > 0);
             EXPECT_EQ(Offers("imgNavig_2"), page < last);
-        };
-        for (qsizetype page = 0; page < last; ++page) {
-            check(page);
-            Tap(Overview, "imgNavig_2");
-        }
-        check(last);
-        for (qsizetype page = last; page > 0; --page) {
-            Tap(Overview, "imgNavig_1");
-            check(page - 1);
+            if (visit < 2 * last)
+                Tap(Overview, visit < last ? "imgNavig_2" : "imgNavig_1");
         }
         Forms::Unload(Overview);
         RemoveUnloaded();
@@ -125,7 +107,7 @@ TEST_F(TeleCmdesTest, TileOpensItsModuleAndTheWayBackIsKept) {
     AddModules(13, 20);
     Forms::Show(Overview);
     Tap(Overview, "imgNavig_2");
-    TapTile(1);
+    QTest::mouseClick(Tile(1).findChild<TouchImage*>(), Qt::LeftButton);
     ASSERT_EQ(NbInstances(FormNames::wTeleCmde), 1);
     EXPECT_EQ(dynamic_cast<wTeleCmde&>(*Forms::Find(FormNames::wTeleCmde)).Panel(),
               &Site().Panel(32));
@@ -134,26 +116,4 @@ TEST_F(TeleCmdesTest, TileOpensItsModuleAndTheWayBackIsKept) {
     EXPECT_EQ(NbInstances(FormNames::wTeleCmde), 0);
     EXPECT_TRUE(Forms::Find(Overview)->Visible());
     EXPECT_EQ(Shown(), "32") << "the operator lands on the page that he left";
-}
-
-TEST_F(TeleCmdesTest, TilesFillTheGridOfALargerDisplayWithoutTouchingOneAnother) {
-    Global::Get().noResize = false;
-    OverrideScreenSize({1280, 800});
-    AddModules(12);
-    Forms::Show(Overview);
-    const QRect grid(QPoint(), Child(Overview, "fraTiles")->size());
-    QRegion all;
-    for (int place = 1; place <= 12; ++place) {
-        SCOPED_TRACE(place);
-        const QRect area = Tile(place).geometry();
-        EXPECT_TRUE(grid.contains(area));
-        EXPECT_FALSE(all.intersects(area));
-        all += area;
-        EXPECT_EQ(Tile(place).findChild<TouchImage*>()->size(), area.size());
-        for (const Voyant* lamp : Tile(place).findChildren<Voyant*>()) {
-            EXPECT_TRUE(QRect(QPoint(), area.size()).contains(lamp->geometry()));
-            EXPECT_GE(lamp->width(), 12);
-        }
-    }
-    EXPECT_EQ(all.boundingRect(), grid);
 }

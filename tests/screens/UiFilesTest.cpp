@@ -3,6 +3,7 @@
 
 #include "screens/touch/Theme.h"
 #include "screens/touch/TouchImage.h"
+#include "support/Bench.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -10,7 +11,6 @@
 #include <QHash>
 #include <QStringList>
 #include <QXmlStreamReader>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -20,50 +20,38 @@ constexpr int FieldPadding = 14;
 constexpr int ButtonPadding = 12;
 
 struct Control {
-    QString kind;
-    QString name;
+    QString kind, name, file;
     int parent = -1;
     /// Plain properties by name, parts of the rectangle and of the font by theirs.
     QHash<QString, QString> values;
 
     bool Is(const char* value) const { return values.value(value) == "true"; }
-    QString Array() const { return name.section(u'_', 0, 0); }
     bool IsDecoration() const { return name.startsWith("frmFrames"); }
     bool IsTouched() const { return kind == "TouchImage" || kind == "QPushButton"; }
+    std::string Path() const { return (file + u'.' + name).toStdString(); }
     QRect Area() const {
         return {values.value("x").toInt(), values.value("y").toInt(), values.value("width").toInt(),
                 values.value("height").toInt()};
     }
-    QFont Font() const {
-        QFont font(values.value("family", "DejaVu Sans"), values.value("pointsize", "12").toInt());
-        font.setBold(Is("bold"));
-        return font;
-    }
 };
 
-struct Design {
-    QString file;
-    QList<Control> controls;
-    std::string NameOf(const Control& control) const {
-        return (file + u'.' + control.name).toStdString();
-    }
-};
+using Design = QList<Control>;
 
 /// Arrays of which one control is shown at a time, and controls that stand in for another one.
 bool ShareAPlace(const Control& a, const Control& b) {
     static const QStringList oneOf{"imgStopRun", "imgIcons", "imgComm", "PicPort", "imgFind"};
     static const QList<QPair<QString, QString>> standIns{
         {"grdAlarms", "txtNoAlarm"}, {"grdAlarms", "imgNoAlarm"}, {"lstDevices", "lblNone"}};
-    return (a.Array() == b.Array() && oneOf.contains(a.Array())) ||
-           standIns.contains(qMakePair(a.name, b.name)) ||
-           standIns.contains(qMakePair(b.name, a.name));
+    const QString array = a.name.section(u'_', 0, 0);
+    return (b.name.section(u'_', 0, 0) == array && oneOf.contains(array)) ||
+           standIns.contains({a.name, b.name}) || standIns.contains({b.name, a.name});
 }
 
 Design Read(const QString& path) {
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     QXmlStreamReader xml(&file);
-    Design design{path.section(u'/', -1), {}};
+    Design design;
     QList<int> open;
     QString property;
     while (!xml.atEnd()) {
@@ -74,14 +62,14 @@ Design Read(const QString& path) {
         };
         if (begins && element == "widget") {
             const int parent = open.isEmpty() ? -1 : open.last();
-            open += int(design.controls.size());
-            design.controls.append({attribute("class"), attribute("name"), parent, {}});
+            open += int(design.size());
+            design.append(
+                {attribute("class"), attribute("name"), path.section(u'/', -1), parent, {}});
         } else if (begins && element == "property") {
             property = attribute("name");
         } else if (begins && !open.isEmpty() && element != "rect" && element != "font") {
             const bool isPart = property == "geometry" || property == "font";
-            design.controls[open.last()].values.insert(isPart ? element : property,
-                                                       xml.readElementText());
+            design[open.last()].values.insert(isPart ? element : property, xml.readElementText());
         } else if (xml.isEndElement() && element == "widget") {
             open.removeLast();
         }
@@ -99,54 +87,40 @@ QList<Design> Designs() {
     return designs;
 }
 
-/// The words of the plain table by text number, one for each language.
-QHash<QString, QStringList> TextTable() {
-    QHash<QString, QStringList> words;
-    QFile file(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/texts.tsv"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString all = QString::fromUtf8(file.readAll()).remove(u'\r');
-    for (const QString& line : all.split(u'\n')) {
-        QStringList fields = line.split(u'\t');
-        if (fields.size() > 3)
-            words.insert(fields[0], fields.mid(3).replaceInStrings("|", "\n"));
-    }
-    return words;
-}
-
-/// True when a text lies wholly in an area, wrapped between words or not.
-bool Fits(const QString& text, const QFont& font, const QSize& room, bool wrap) {
-    const QFontMetrics metrics(font);
-    const int flags = wrap ? int(Qt::TextWordWrap) : 0;
-    const QRect needed = metrics.boundingRect(QRect(QPoint(), room), flags, text);
-    return needed.width() <= room.width() && needed.height() <= room.height();
-}
-
+/// True when a text lies wholly in its control, wrapped between words or not.
 bool Fits(const Control& control, const QString& text) {
-    const QFont font = Theme::DesignFont(control.Font());
-    if (control.kind == "QLabel") {
-        const int padding = control.Is("field") ? FieldPadding : 0;
-        return Fits(text, font, control.Area().size() - QSize(padding, 0), control.Is("wordWrap"));
-    }
+    QFont font(control.values.value("family", "DejaVu Sans"),
+               control.values.value("pointsize", "12").toInt());
+    font.setBold(control.Is("bold"));
+    font = Theme::DesignFont(font);
+    QSize room = control.Area().size();
+    bool wrap = control.Is("wordWrap");
     if (control.kind == "TouchImage") {
         TouchImage image;
-        image.resize(control.Area().size());
+        image.resize(room);
         image.setFont(font);
         image.setPicture(control.values.value("picture"));
         image.setText(text);
-        return Fits(text, font, image.CaptionArea().size(), true);
+        room = image.CaptionArea().size();
+        wrap = true;
+    } else if (control.kind != "QLabel" || control.Is("field")) {
+        room.rwidth() -= control.kind == "QLabel" ? FieldPadding : ButtonPadding;
     }
-    return Fits(text, font, control.Area().size() - QSize(ButtonPadding, 0), false);
+    const QRect needed = QFontMetrics(font).boundingRect(QRect(QPoint(), room),
+                                                         wrap ? int(Qt::TextWordWrap) : 0, text);
+    return needed.width() <= room.width() && needed.height() <= room.height();
 }
+
+class UiFilesTest : public Bench {};
 
 } // namespace
 
-TEST(UiFilesTest, EveryControlLiesInsideItsFormAndBesideItsSiblings) {
+TEST_F(UiFilesTest, EveryControlLiesInsideItsFormAndBesideItsSiblings) {
     const QList<Design> designs = Designs();
     ASSERT_GE(designs.size(), 3);
-    for (const Design& design : designs) {
-        const QList<Control>& all = design.controls;
+    for (const Design& all : designs) {
         for (int i = 1; i < all.size(); ++i) {
-            SCOPED_TRACE(design.NameOf(all[i]));
+            SCOPED_TRACE(all[i].Path());
             const QRect form(QPoint(), all[all[i].parent].Area().size());
             EXPECT_TRUE(all[i].Area().isValid());
             EXPECT_TRUE(form.contains(all[i].Area()));
@@ -160,24 +134,24 @@ TEST(UiFilesTest, EveryControlLiesInsideItsFormAndBesideItsSiblings) {
     }
 }
 
-TEST(UiFilesTest, EveryTargetIsLargeEnoughAndEveryTextAndPictureExistsAndFits) {
-    const QHash<QString, QStringList> words = TextTable();
+TEST_F(UiFilesTest, EveryTargetIsLargeEnoughAndEveryTextAndPictureExistsAndFits) {
     int checked = 0;
     for (const Design& design : Designs()) {
-        for (const Control& control : design.controls) {
+        for (const Control& control : design) {
             const QString tag = control.values.value("Tag");
             const QString picture = control.values.value("picture");
-            SCOPED_TRACE(design.NameOf(control) + ' ' + tag.toStdString());
+            SCOPED_TRACE(control.Path() + ' ' + tag.toStdString());
             const int side = qMin(control.Area().width(), control.Area().height());
             EXPECT_TRUE(!control.IsTouched() || side >= SmallestTarget) << side;
             EXPECT_TRUE(picture.isEmpty() || !Theme::Picture(picture, SmallestTarget).isNull());
-            EXPECT_TRUE(tag.isEmpty() || words.contains(tag));
-            for (const QString& word : words.value(tag)) {
+            for (qint16 language = 0; !tag.isEmpty() && language < 4; ++language) {
+                Global::Get().language = language;
+                const QString text = GetText(tag).remove(u'\r');
                 ++checked;
-                EXPECT_FALSE(word.isEmpty());
-                EXPECT_TRUE(Fits(control, word)) << word.toStdString();
+                EXPECT_FALSE(text.isEmpty() || text == u'#' + tag + u'#');
+                EXPECT_TRUE(Fits(control, text)) << text.toStdString();
             }
         }
     }
-    EXPECT_GT(checked, 100);
+    EXPECT_GT(checked, 400);
 }

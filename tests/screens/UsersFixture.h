@@ -33,22 +33,20 @@ protected:
     }
 
     static QString Codes() { return "dlgUserCodes"; }
-    static QLineEdit* Box(int index) {
-        return qobject_cast<QLineEdit*>(Child(Codes(), QStringLiteral("txtPwd_%1").arg(index)));
-    }
-    static void TapImage(int index) { Tap(Codes(), QStringLiteral("imgControl_%1").arg(index)); }
+    static QLineEdit* Box(int index) { return Find<QLineEdit>(Codes(), Part("txtPwd", index)); }
+    static void TapImage(int index) { Tap(Codes(), "imgControl", index); }
     static void Cancel() { TapImage(0); }
     static void Confirm() { TapImage(1); }
     /// The keys of the form, "<" for backspace.
     static void TapKeys(const char* keys) {
         for (const char* key = keys; *key != '\0'; ++key)
-            Tap(Codes(), QStringLiteral("cmdChar_%1").arg(*key == '<' ? 8 : int(*key)));
+            Tap(Codes(), "cmdChar", *key == '<' ? 8 : int(*key));
     }
     /// Answers the next prompt with a code.
     void Enter(const char* code) {
         script.On(Codes(), [code] {
             QTest::keyClicks(Box(1), code);
-            Confirm();
+            QTest::keyClick(Box(1), Qt::Key_Return);
         });
     }
     void GiveUp() {

@@ -17,15 +17,11 @@ public:
     }
     int PreviewParameter() const override { return parameter; }
     int PreviewCount(int list) const override { return list == 8 ? 5 : 3; }
-    void setPreviewIndex(int list, int index) override { index_[list] = index; }
-    QString PreviewValue(int) const override { return held; }
-    int Index(int list) const { return index_.value(list, -99); }
+    void setPreviewIndex(int list, int index) override { indices[list] = index; }
+    QString PreviewValue(int) const override { return "2"; }
 
     int parameter = 9;
-    QString held = "2";
-
-private:
-    QHash<int, int> index_;
+    QHash<int, int> indices;
 };
 
 } // namespace
@@ -37,18 +33,13 @@ protected:
     static QListWidget* List() { return Find<QListWidget>(FormNames::dlgListInput, "lstValue"); }
     static QString Value() { return Find<QLineEdit>(FormNames::dlgListInput, "txtValue")->text(); }
     static QWidget* Image(int index) {
-        return Child(FormNames::dlgListInput, QStringLiteral("imgControl_%1").arg(index));
+        return Child(FormNames::dlgListInput, Part("imgControl", index));
     }
     static void Up() { QTest::mouseClick(Image(0), Qt::LeftButton); }
     static void Down() { QTest::mouseClick(Image(1), Qt::LeftButton); }
     static void Confirm() { QTest::mouseClick(Image(2), Qt::LeftButton); }
     static void Cancel() { QTest::mouseClick(Image(3), Qt::LeftButton); }
     static void PressKey(Qt::Key key) { QTest::keyClick(Screen(FormNames::dlgListInput), key); }
-    static void TapRow(int row) {
-        const QRect area = List()->visualItemRect(List()->item(row));
-        EXPECT_GE(area.height(), 48);
-        QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, area.center());
-    }
     static QTimer* Repeat() {
         return Screen(FormNames::dlgListInput)->findChild<QTimer*>("tmrRepeat");
     }
@@ -66,11 +57,6 @@ protected:
                 items += List()->item(i)->text();
         });
         return items;
-    }
-    static int RowOf(const QString& descriptor, const QString& present) {
-        int row = -99;
-        Ask(descriptor, present, [&] { row = List()->currentRow(); });
-        return row;
     }
 };
 
@@ -99,36 +85,38 @@ TEST_F(dlgListInputTest, EveryDescriptorMakesItsList) {
 }
 
 TEST_F(dlgListInputTest, TheLastItemEqualToTheValueIsSelected) {
-    EXPECT_EQ(RowOf("@|a|b|a|c", "a"), 2);
-    EXPECT_EQ(RowOf("@|a|b", "A"), -1);
-    EXPECT_EQ(RowOf("*|1|730", "700"), 699);
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"@|a|b|a|c", "a", 2}, {"@|a|b", "A", -1}, {"*|1|730", "700", 699}};
+    for (const auto& one : cases) {
+        const auto& [list, value, row] = one;
+        const auto look = [row = row] { EXPECT_EQ(List()->currentRow(), row); };
+        Ask(list, value, look);
+    }
     EXPECT_EQ(Ask("*|1|3", "99", Confirm), "99") << "what the list doesn't hold comes back";
 }
 
 TEST_F(dlgListInputTest, TapsArrowsAndKeysMoveWithoutWrapping) {
     const auto chosen = Ask("*|1|4", "2", [] {
-        Up();
-        Up();
-        EXPECT_EQ(Value(), "1");
+        const std::pair<void (*)(), const char*> steps[] = {{Up, "1"}, {Up, "1"}, {Down, "2"}};
+        for (const auto& [step, value] : steps) {
+            step();
+            EXPECT_EQ(Value(), value);
+        }
         // What a double tap sends.
-        Down();
         QTest::mouseDClick(Image(1), Qt::LeftButton);
         QTest::mouseRelease(Image(1), Qt::LeftButton);
         EXPECT_EQ(Value(), "3");
         for (int i = 0; i < 5; ++i)
             Down();
         EXPECT_EQ(Value(), "4");
-        TapRow(1);
+        TapRow(List(), 1);
         EXPECT_EQ(Value(), "2");
+        EXPECT_GE(List()->visualItemRect(List()->item(1)).height(), 48);
         Confirm();
         EXPECT_FALSE(Screen(FormNames::dlgListInput)->Visible());
     });
     EXPECT_EQ(chosen, "2");
-    const auto cancelled = Ask("*|1|4", "2", [] {
-        Down();
-        Cancel();
-    });
-    EXPECT_EQ(cancelled, std::nullopt);
+    EXPECT_EQ(Ask("*|1|4", "2", Cancel), std::nullopt);
     const auto typed = Ask("*|1|4", "2", [] {
         PressKey(Qt::Key_Down);
         PressKey(Qt::Key_Return);
@@ -147,29 +135,26 @@ TEST_F(dlgListInputTest, TapsArrowsAndKeysMoveWithoutWrapping) {
 TEST_F(dlgListInputTest, AnArrowThatIsHeldRepeatsUntilItIsLetGo) {
     Ask("*|1|6", "1", [] {
         // The left button alone repeats, and only on the arrows.
-        QTest::mousePress(Image(1), Qt::LeftButton, Qt::ShiftModifier);
-        EXPECT_FALSE(Repeat()->isActive());
-        QTest::mouseRelease(Image(1), Qt::LeftButton, {}, QPoint(-5, -5));
-        QTest::mousePress(Image(2), Qt::LeftButton);
-        EXPECT_FALSE(Repeat()->isActive());
+        for (const auto& [image, modifier] :
+             {std::pair(1, Qt::ShiftModifier), std::pair(2, Qt::NoModifier)}) {
+            QTest::mousePress(Image(image), Qt::LeftButton, modifier);
+            EXPECT_FALSE(Repeat()->isActive());
+            QTest::mouseRelease(Image(image), Qt::LeftButton, {}, QPoint(-5, -5));
+        }
         EXPECT_TRUE(Screen(FormNames::dlgListInput)->Visible());
-        QTest::mouseRelease(Image(2), Qt::LeftButton, {}, QPoint(-5, -5));
-
         QTest::mousePress(Image(1), Qt::LeftButton);
         EXPECT_TRUE(Repeat()->isActive());
         EXPECT_EQ(Repeat()->interval(), 1000) << "ahead of the first step";
         EXPECT_EQ(Value(), "1");
         Repeat()->setInterval(1);
-        EXPECT_TRUE(Comes([] { return Value() != "1"; }));
-        EXPECT_EQ(Repeat()->interval(), 100) << "ten steps a second";
         EXPECT_TRUE(Comes([] { return Value() == "6"; }));
+        EXPECT_EQ(Repeat()->interval(), 100) << "ten steps a second";
         QTest::qWait(250);
         EXPECT_EQ(Value(), "6") << "no further than the end";
         QTest::mouseRelease(Image(1), Qt::LeftButton);
         EXPECT_FALSE(Repeat()->isActive()) << "the finger is off";
         Up();
-        Up();
-        EXPECT_EQ(Value(), "4");
+        EXPECT_EQ(Value(), "5");
     });
 }
 
@@ -179,30 +164,24 @@ TEST_F(dlgListInputTest, TheListsOfThePanelEditorFollowTheValue) {
         return Ask("*|0|9", present, act, editor);
     };
     run("2", [&] {
-        EXPECT_EQ(editor->Index(9), 1);
+        EXPECT_EQ(editor->indices.value(9, -99), 1);
         Down();
-        EXPECT_EQ(editor->Index(9), 2);
+        EXPECT_EQ(editor->indices.value(9, -99), 2);
         Down();
-        EXPECT_EQ(editor->Index(9), 2) << "a number behind the end of the list shows nothing new";
-        TapRow(1);
+        EXPECT_EQ(editor->indices.value(9, -99), 2)
+            << "a number behind the end of the list shows nothing new";
+        TapRow(List(), 1);
         Cancel();
     });
-    EXPECT_EQ(editor->Index(9), 1) << "the preview isn't undone";
-    run("2", [&] {
-        Up();
-        Up();
-        EXPECT_EQ(editor->Index(9), -1);
-        Confirm();
-    });
-    EXPECT_EQ(editor->Index(9), -1);
-    EXPECT_EQ(editor->Index(8), -99);
-
-    editor->parameter = 8;
-    run("5", [] {});
-    EXPECT_EQ(editor->Index(8), 4);
-    editor->parameter = 7;
-    run("1", [] {});
-    EXPECT_EQ(editor->Index(7), -99);
+    EXPECT_EQ(editor->indices.value(9, -99), 1) << "the preview isn't undone";
+    run("1", Up);
+    EXPECT_EQ(editor->indices.value(9, -99), -1);
+    for (const auto& [parameter, index] : {std::pair(8, 4), std::pair(7, -99)}) {
+        EXPECT_EQ(editor->indices.value(parameter, -99), -99);
+        editor->parameter = parameter;
+        run("5", [] {});
+        EXPECT_EQ(editor->indices.value(parameter, -99), index);
+    }
     // An alarm takes both away under the finger.
     const auto taken = run("2", [] {
         QTest::mousePress(Image(1), Qt::LeftButton);

@@ -3,11 +3,9 @@
 
 namespace {
 
-const QString PollingForm = "wPolling";
-const QString Files = "Files";
 const QString Leave = "imgNavig_10";
 
-QString Setting(const QString& section, const QString& key) {
+QString Setting(const char* section, const char* key) {
     return IniRead(section, key, "none");
 }
 
@@ -17,7 +15,7 @@ class wMainTest : public ScreensTest {
 protected:
     wMainTest() {
         Site().setModified(false);
-        Forms::Load(PollingForm);
+        Forms::Load(FormNames::wPolling);
     }
 
     static QString Text(const char* label) { return TextOf(FormNames::wMain, label); }
@@ -27,27 +25,20 @@ protected:
 
 TEST_F(wMainTest, LoadingShowsTheSiteAndLeavesItAloneWithThePollingScreen) {
     const FakeForm other("wOther", log);
-    IniWrite(Files, "LastUsed", "C:\\Sites\\North.v2.kor");
+    IniWrite("Files", "LastUsed", "C:\\Sites\\North.v2.kor");
     Global::Get().userLevel = 3;
-    Forms::Show(PollingForm);
+    Forms::Show(FormNames::wPolling);
     Forms::Show(FormNames::wMain);
     EXPECT_TRUE(Screen(FormNames::wMain)->Visible());
-    EXPECT_FALSE(Screen(PollingForm)->Visible());
+    EXPECT_FALSE(Screen(FormNames::wPolling)->Visible());
     EXPECT_EQ(log, QStringList{"unload wOther"});
     EXPECT_EQ(Text("lblFileName"), "North.v2");
-    EXPECT_EQ(Text("lblLogin_0"), "3");
-    EXPECT_EQ(Text("lblLogin_1"), "3");
+    EXPECT_EQ(Text("lblLogin_0") + Text("lblLogin_1"), "33");
     EXPECT_TRUE(Text("lblLabels_2").startsWith("V.2.2.27 - 20"));
-    for (const bool modified : {false, true}) {
-        Site().setModified(modified);
-        Forms::BringToFront(FormNames::wMain);
-        EXPECT_EQ(Child(FormNames::wMain, "lblModified")->isVisible(), modified);
-    }
     // Run mode.
     Tap(FormNames::wMain, "imgMenu_3");
     EXPECT_EQ(NbInstances(FormNames::wMain), 0);
-    EXPECT_EQ(NbInstances(PollingForm), 1);
-    ASSERT_EQ(NbInstances(FormNames::wRunAlarms), 1);
+    EXPECT_EQ(NbInstances(FormNames::wPolling), 1);
     EXPECT_TRUE(Screen(FormNames::wRunAlarms)->Visible());
 }
 
@@ -55,17 +46,15 @@ TEST_F(wMainTest, ATapOnTheLanguageTakesTheNextOneAndStartsOver) {
     // The help file is that of the language or of the first one.
     const QString helpFiles[] = {Path("korvanelle-en.chm"), Path("korvanelle-de.chm")};
     for (const QString& name : helpFiles)
-        ASSERT_TRUE(QFile(name).open(QIODevice::WriteOnly));
+        WriteFile(name, {});
     Forms::Show(FormNames::wMain);
     for (const int expected : {1, 2, 3, 0, 1}) {
         Tap(FormNames::wMain, expected % 2 == 0 ? "lblLanguage_0" : "imgLanguage");
         EXPECT_EQ(Global::Get().language, expected);
         EXPECT_EQ(Global::Get().helpFile, helpFiles[expected == 2 ? 1 : 0]);
         EXPECT_EQ(Setting("General", "Language"), QString::number(expected));
-        for (const char* label : {"lblLanguage_0", "lblLanguage_1"})
-            EXPECT_EQ(Text(label), GetLanguage(expected)) << label;
-        for (const char* label : {"lblMenu_3", "lblMenu_9"})
-            EXPECT_EQ(Text(label), GetText(610004)) << label;
+        EXPECT_EQ(Text("lblLanguage_0") + Text("lblLanguage_1"), GetLanguage(expected).repeated(2));
+        EXPECT_EQ(Text("lblMenu_3") + Text("lblMenu_9"), GetText(610004).repeated(2));
         EXPECT_EQ(Text("lblFileName"), GetText(50010));
         EXPECT_EQ(Global::Get().text10100, GetText(10100));
         EXPECT_EQ(Global::Get().panelMark, GetText(50011).left(1));
@@ -78,31 +67,23 @@ TEST_F(wMainTest, ATapOnTheLanguageTakesTheNextOneAndStartsOver) {
 
 TEST_F(wMainTest, LeavingAsksByTheStateOfTheSiteAndOfThePolling) {
     Forms::Show(FormNames::wMain);
-    for (const int kept : {Messages::Cancel, Messages::Closed}) {
+    const auto asks = [this](int text, int style, int kept = Messages::Cancel) {
         answer = kept;
         Tap(FormNames::wMain, Leave);
-        EXPECT_EQ(boxes.takeLast(), GetText(50002));
-        EXPECT_EQ(styles.takeLast(), 49);
-    }
-    Site().setModified(true);
-    answer = Messages::Cancel;
-    Tap(FormNames::wMain, Leave);
-    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
-    EXPECT_EQ(boxes.last(), GetText(Site().Modified() ? 50003 : 50002));
-    EXPECT_EQ(styles.last(), Site().Modified() ? 51 : 49);
-    EXPECT_EQ(Setting(Files, "LastConfigModified"), "none");
-
+        EXPECT_EQ(boxes.takeLast(), GetText(text));
+        EXPECT_EQ(styles.takeLast(), style);
+        EXPECT_EQ(NbInstances(FormNames::wMain), 1);
+    };
+    asks(50002, 49);
+    asks(50002, 49, Messages::Closed);
     Site().setUserCount(1);
-    Site().setUserName(1, "OPERATOR");
     Site().setUserLevel(1, 1);
     engine->setRun(true);
-    Tap(FormNames::wMain, Leave);
-    EXPECT_EQ(boxes.last(), GetText(20009));
-    EXPECT_EQ(styles.last(), 16);
+    asks(20009, 16);
     Global::Get().userLevel = 1;
-    Tap(FormNames::wMain, Leave);
-    EXPECT_EQ(boxes.size(), 3) << "asked as before";
-    EXPECT_EQ(NbInstances(FormNames::wMain), 1);
+    asks(50003, 51); // the users have changed it
+    EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
+    EXPECT_EQ(Setting("Files", "LastConfigModified"), "none");
     EXPECT_TRUE(engine->Run());
 }
 
@@ -115,20 +96,21 @@ TEST_F(wMainTest, LeavingStopsTheBusTellsItAndUnloadsEverything) {
                      [&](const EventClass& event) { codes += event.Aff(); });
     Tap(FormNames::wMain, Leave);
     EXPECT_EQ(codes, (QList<int>{SystemEvents::ApplicationStopped, SystemEvents::CommStopped}));
-    EXPECT_EQ(Setting(Files, "LastConfigModified"), "0");
-    EXPECT_FALSE(engine->Run());
-    EXPECT_TRUE(engine->IsClosing());
-    EXPECT_FALSE(link->PortOpen());
+    EXPECT_EQ(Setting("Files", "LastConfigModified"), "0");
+    EXPECT_TRUE(engine->IsClosing() && !engine->Run() && !link->PortOpen());
     EXPECT_EQ(log.last(), "unload wLater");
-    for (const QString& name : {FormNames::wMain, PollingForm, QString("wLater")})
-        EXPECT_EQ(NbInstances(name), 0) << name.toStdString();
+    EXPECT_EQ(NbInstances(FormNames::wMain) + NbInstances(FormNames::wPolling), 0);
 }
 
-TEST_F(wMainTest, ScaledLabelsKeepNineTenthsOfTheirSize) {
+TEST_F(wMainTest, OnALargerDisplayScreensFillItAndTheMenuKeepsNineTenthsOfItsSize) {
     Global::Get().noResize = false;
     OverrideScreenSize({1600, 1200});
     Forms::Show(FormNames::wMain);
     // 16 pixels twice as large, less the step below the goal, times 0.9.
     EXPECT_EQ(Child(FormNames::wMain, "lblMenu_0")->font().pixelSize(), qRound(31 * 0.9));
-    EXPECT_EQ(Screen(FormNames::wMain)->size(), QSize(1600, 1200));
+    for (const QString& name : {FormNames::wMain, FormNames::wHistoric, FormNames::wTeleCmdes}) {
+        Forms::Show(name);
+        EXPECT_EQ(Screen(name)->size(), QSize(1600, 1200)) << name.toStdString();
+    }
+    EXPECT_GT(Child(FormNames::wHistoric, "grdAlarms")->width(), 1580);
 }

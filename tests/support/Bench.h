@@ -115,3 +115,12 @@ protected:
 private:
     QTemporaryDir folder_;
 };
+
+/// A bench on which every message box fails the test, but for those that it takes.
+class QuietBench : public Bench {
+protected:
+    void TearDown() override { EXPECT_EQ(boxes, QStringList()) << "boxes that nobody expected"; }
+
+    /// Takes the boxes up to now.
+    QStringList Boxes() { return std::exchange(boxes, {}); }
+};

@@ -4,6 +4,7 @@
 #include "core/FormNames.h"
 #include "model/CurrentConfig.h"
 #include "platform/SystemClock.h"
+#include "support/PortsOfTest.h"
 #include "support/ScreensFixture.h"
 #include "support/Script.h"
 
@@ -50,8 +51,7 @@ protected:
     bool TellsOfKept() const { return !Child(Form, "lblKept")->isHidden(); }
 
     /// Taps a control and answers the list that it brings up with a value.
-    static void Choose(const QString& form, const QString& control, const QString& value) {
-        Script script;
+    void Choose(const QString& form, const QString& control, const QString& value) {
         script.On(FormNames::dlgListInput, [&] {
             auto* list = Find<QListWidget>(FormNames::dlgListInput, "lstValue");
             QListWidgetItem* item = list->findItems(value, Qt::MatchExactly).value(0);
@@ -62,7 +62,7 @@ protected:
         Tap(form, control);
     }
     /// Answers the keyboard that comes up next.
-    static void Type(Script& script, const QString& text) {
+    void Type(const QString& text) {
         script.On(FormNames::dlgKeyboard, [text] {
             if (auto* line = Find<QLineEdit>(FormNames::dlgKeyboard, "txtValue_0");
                 line->isVisible())
@@ -73,16 +73,15 @@ protected:
         });
     }
     /// Takes a device of the machine for the port of the screen.
-    void ChooseDevice(const QString& label, int row) const {
-        Script script;
-        script.On(FormNames::dlgPortDevice, [&] {
+    void ChooseDevice(const QString& label, int row) {
+        script.On(FormNames::dlgPortDevice, [row] {
             Find<QListWidget>(FormNames::dlgPortDevice, "lstDevices")->setCurrentRow(row);
             Tap(FormNames::dlgPortDevice, "imgControl_1");
         });
         Tap(Form, label);
     }
     /// Takes a file of the run folder in the file dialog that comes up next.
-    static void TakeFile(Script& script, const QString& name) {
+    void TakeFile(const QString& name) {
         script.On(FormNames::dlgFilePicker, [name] {
             const QString picker = FormNames::dlgFilePicker;
             auto* files = Find<QListWidget>(picker, "lstFiles");
@@ -97,6 +96,8 @@ protected:
     }
 
     const QString Form;
+    PortsOfTest ports;
+    Script script;
 
 private:
     const QString out_;

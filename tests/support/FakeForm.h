@@ -3,6 +3,7 @@
 #include "core/Forms.h"
 
 #include <QStringList>
+#include <functional>
 
 /// A form that notes what is done with it.
 class FakeForm : public Forms::Form {
@@ -22,9 +23,13 @@ public:
     void BringToFront() override { Note(QStringLiteral("front"), visible_); }
     bool Visible() const override { return visible_; }
     void Unload() override {
+        if (atUnload)
+            atUnload();
         Note(QStringLiteral("unload"), false);
         Forms::Removed(this);
     }
+
+    std::function<void()> atUnload;
 
 private:
     void Note(const QString& what, bool visible) {

@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <QtTest/qtestspontaneevent.h>
 #include <functional>
 
 /// A bench with the screens and an engine on a silent line. The message box is a recorder with a
@@ -118,6 +119,13 @@ protected:
         EXPECT_EQ(NbInstances(dialog), 0);
         RemoveUnloaded();
         return given;
+    }
+    /// Asks a window to close, as the platform does. True when it agrees.
+    static bool CloseWindow(QWidget* window) {
+        QCloseEvent close;
+        QSpontaneKeyEvent::setSpontaneous(&close);
+        qApp->notify(window, &close);
+        return close.isAccepted();
     }
     /// An alarm comes: the console takes the display and unloads what is open.
     static void AlarmComes() {

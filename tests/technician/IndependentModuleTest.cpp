@@ -1,12 +1,10 @@
 // The far end is a Modbus slave that knows nothing of this program.
 
-#include "TechnicianFixture.h"
-#include "model/Models.h"
-#include "screens/touch/TouchTable.h"
-#include "technician/wTechEtatModule.h"
+#include "bus/CommFunctions.h"
+#include "platform/SerialLink.h"
 
-#include <atomic>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <modbus.h>
 #include <stdlib.h>
 #include <termios.h>
@@ -34,11 +32,10 @@ public:
         modbus_set_slave(context_, Address);
         modbus_set_socket(context_, line_);
         modbus_set_indication_timeout(context_, 0, 100000);
-        server_ = std::thread([this] { Serve(); });
+        server_ = std::jthread([this](const std::stop_token& stop) { Serve(stop); });
     }
     ~Slave() {
-        ended_ = true;
-        server_.join();
+        server_ = {};
         close(held_);
         close(line_);
         modbus_mapping_free(registers);
@@ -51,9 +48,9 @@ public:
     uint16_t& operator[](int number) { return registers->tab_registers[number]; }
 
 private:
-    void Serve() {
+    void Serve(const std::stop_token& stop) {
         uint8_t query[MODBUS_RTU_MAX_ADU_LENGTH];
-        while (!ended_) {
+        while (!stop.stop_requested()) {
             const int length = modbus_receive(context_, query);
             if (length > 0 && query[0] == Address)
                 modbus_reply(context_, query, length, registers);
@@ -64,63 +61,25 @@ private:
     modbus_mapping_t* registers;
     int line_;
     int held_ = -1;
-    std::thread server_;
-    std::atomic<bool> ended_ = false;
-};
-
-/// On the machine's own clock and serial port.
-class IndependentModuleTest : public TechnicianTest {
-protected:
-    IndependentModuleTest() {
-        platform::Clock::Install(nullptr);
-        engine->Form_Unload();
-        engine.reset();
-        engine = std::make_unique<wPolling>(
-            platform::MakeSerialPort([this](int) { return slave.Device(); }));
-        engine->Form_Load();
-        engine->CommBus().setSettings("9600,N,8,1");
-        engine->CommBus().setPortOpen(true);
-    }
-    ~IndependentModuleTest() override {
-        Forms::UnloadAllBut({});
-        engine->Form_Unload();
-        engine.reset();
-    }
-
-    Slave slave;
+    std::jthread server_;
 };
 
 } // namespace
 
-TEST_F(IndependentModuleTest, IsFoundAndShownLive) {
+TEST(IndependentModule, IsReadAndWritten) {
+    Slave slave;
+    const auto link = platform::MakeSerialPort([&](int) { return slave.Device(); });
+    link->setSettings("9600,N,8,1");
+    link->setPortOpen(true);
     slave[132] = 1;
-    slave[133] = 2;
-    const QString finder = FormNames::wTechFindPanels;
-    Forms::Show(finder);
-    auto* grid = Find<TouchTable>(finder, "grdPanels");
-    // One module is enough: the second address is silent.
-    QTimer stop;
-    stop.callOnTimeout([&] {
-        if (grid->Cell(1, 4) != QStringLiteral("?????"))
-            Tap(finder, "imgFind_0");
-    });
-    stop.start(20);
-    Tap(finder, "imgFind_1");
-    stop.stop();
-    EXPECT_EQ(grid->Cell(0, 4), ModuleName(Models::P5500));
-    Forms::Unload(finder);
-    RemoveUnloaded();
-
-    const QString front = FormNames::wTechEtatModule;
-    PanelClass& panel = AddPanel(Address, Models::Q7100);
-    for (int channel = 1; channel <= panel.ChannelCount(); ++channel)
-        slave[channel] = uint16_t(channel % 5);
-    Script script;
-    script.On(front, [&] {
-        EXPECT_TRUE(Comes([&] { return TextOf(front, "lblCommResult") == GetText(830102); }));
-        Tap(front, "cmdBoutons_4");
-        EXPECT_TRUE(Comes([&] { return slave[64] == 1; }));
-        Tap(front, "imgClose");
-    });
-    dynamic_cast<wTechEtatModule*>(Forms::Load(front))->Present(panel);
+    slave[133] = 0x8002;
+    Words words(2);
+    EXPECT_TRUE(LitMots(*link, Address, 132, words));
+    EXPECT_EQ(words, (Words{1, -32766}));
+    EXPECT_TRUE(EcritUnMot(*link, Address, 64, 7));
+    EXPECT_EQ(slave[64], 7);
+    EXPECT_TRUE(EcritMots(*link, Address, 25, {1, -2, 3}));
+    EXPECT_EQ(QList<int>({slave[25], slave[26], slave[27]}), QList<int>({1, 0xFFFE, 3}));
+    EXPECT_FALSE(LitMots(*link, Address, 299, words)) << "beyond its registers";
+    EXPECT_FALSE(LitMots(*link, Address + 1, 132, words)) << "nobody is there";
 }

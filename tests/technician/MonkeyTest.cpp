@@ -3,8 +3,6 @@
 
 #include "support/Monkey.h"
 #include "TechnicianFixture.h"
-#include "support/FakeModules.h"
-#include "support/PortsOfTest.h"
 
 #include <QRegularExpression>
 
@@ -29,11 +27,7 @@ protected:
             Site().Mirrors().Add(qint16(rule), qint16(rule % 12), 30, 1, 1);
         QFile::copy(QStringLiteral(KORVANELLE_SOURCE_DIR "/data/printers/escp.prt"),
                     Path("escp.prt"));
-        link->answer = [this](const QByteArray& frame) { return modules.Answer(frame); };
     }
-
-    PortsOfTest ports;
-    FakeModules modules;
 };
 
 class EveryForm : public TechnicianTest {};
@@ -48,12 +42,11 @@ TEST_F(EveryForm, ThatHasANameIsThere) {
     auto found = Name.globalMatch(QString::fromUtf8(names.readAll()));
     // Those that only their callers make.
     const QStringList made{FormNames::dlgMessage, FormNames::dlgPortDevice};
-    int count = 0;
-    for (; found.hasNext(); ++count) {
+    ASSERT_TRUE(found.hasNext());
+    while (found.hasNext()) {
         const QString name = found.next().captured(1);
         EXPECT_TRUE(made.contains(name) || Forms::Names().contains(name)) << name.toStdString();
     }
-    EXPECT_GT(count, 30);
 }
 
 TEST_P(MonkeyTest, NoTapsHarmTheProgramOrTheSite) {
