@@ -129,7 +129,6 @@ TEST_F(OutOfServiceTest, ReasonAndEndGoAlongAndATouchedLineGetsOthers) {
     Global::Get().userLevel = 3;
     Global::Get().userName = "DUPONT";
     const auto choose = [&](const QStringList& touches) {
-        Script script;
         script.On(dialog, [&] {
             for (const QString& touch : touches)
                 Tap(dialog, touch);
