@@ -15,6 +15,8 @@ namespace {
 constexpr double MillisecondsADay = 86400000;
 /// A clock that was set back by less makes an end late by no more; the change to winter time does.
 constexpr DateTime Patience = 1.5 / 24;
+/// Lines that a second tells; the next one goes on, so that the polls needn't wait.
+constexpr qsizetype LinesASecond = 20;
 
 EventClass EventOf(const Entry& entry) {
     EventClass event(qint16(entry.thing.panel), Family::System, qint16(entry.thing.channel),
@@ -57,40 +59,42 @@ void OutOfServiceWatch::Check() {
         OutOfService::NoticeReturns();
         if (OutOfService::BringBackDue([this](const Entry& entry) { return IsOverdue(entry); }))
             KeepCurrentConfig();
-        Tell();
+        Tell(LinesASecond);
     });
 }
 
-void OutOfServiceWatch::Tell() {
+void OutOfServiceWatch::Tell(qsizetype most) {
     Guard("OutOfServiceWatch.Tell", [&] {
         QList<Entry> entries = OutOfService::Memory();
-        QList<Entry> owed;
-        QList<bool> looked;
-        for (Entry& entry : entries) {
-            if (entry.line == OutOfService::LineTold)
-                continue;
-            // A number without its end is from before a kill.
-            looked += entry.line != OutOfService::LineOwed;
-            if (entry.line == OutOfService::LineOwed)
-                entry.line = engine_.IncEvtNum();
-            owed += entry;
-        }
-        if (owed.isEmpty())
+        const QList<Owed> lines = Number(entries, most);
+        if (lines.isEmpty())
             return;
         OutOfService::setMemory(entries);
-        for (qsizetype i = 0; i < owed.size(); ++i)
-            TellOne(owed[i], looked[i]);
-        for (Entry& entry : entries)
+        for (const Owed& line : lines) {
+            Entry& entry = entries[line.place];
+            EventClass event = EventOf(entry);
+            if (!line.doubtful || !HistoProcs::HistoryHolds(event))
+                engine_.TraiteEvent(event);
             entry.line = OutOfService::LineTold;
+        }
         entries.removeIf(IsDone);
         OutOfService::setMemory(entries);
     });
 }
 
-void OutOfServiceWatch::TellOne(const Entry& entry, bool looked) {
-    EventClass event = EventOf(entry);
-    if (!looked || !HistoProcs::HistoryHolds(event))
-        engine_.TraiteEvent(event);
+/// Gives their numbers to the first lines that are owed. One that has its number already is from
+/// before a kill.
+QList<OutOfServiceWatch::Owed> OutOfServiceWatch::Number(QList<Entry>& entries, qsizetype most) {
+    QList<Owed> lines;
+    for (qsizetype place = 0; place < entries.size() && lines.size() < most; ++place) {
+        Entry& entry = entries[place];
+        if (entry.line == OutOfService::LineTold)
+            continue;
+        lines.append({place, entry.line != OutOfService::LineOwed});
+        if (entry.line == OutOfService::LineOwed)
+            entry.line = engine_.IncEvtNum();
+    }
+    return lines;
 }
 
 void OutOfServiceWatch::TellDay() {

@@ -4,7 +4,9 @@
 #include "model/OutOfService.h"
 
 #include <QHash>
+#include <QList>
 #include <QString>
+#include <limits>
 
 class wPolling;
 
@@ -20,14 +22,20 @@ public:
 
     /// Each second: what is due comes back, and what isn't out any more is told.
     void Check();
-    /// Routes the lines that are owed.
-    void Tell();
+    /// Routes the lines that are owed, or the first of them.
+    void Tell(qsizetype most = std::numeric_limits<qsizetype>::max());
     /// The line of the day; none as long as nobody took anything out of service.
     void TellDay();
 
 private:
+    /// Place of an entry whose line is owed, and whether it may be in the history all the same.
+    struct Owed {
+        qsizetype place;
+        bool doubtful;
+    };
+
     bool IsOverdue(const OutOfService::Entry& entry);
-    void TellOne(const OutOfService::Entry& entry, bool looked);
+    QList<Owed> Number(QList<OutOfService::Entry>& entries, qsizetype most);
 
     wPolling& engine_;
     /// By key of the thing and its time: since when this program has known it out, monotonic, ms.

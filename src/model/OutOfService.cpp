@@ -285,9 +285,16 @@ void SiteSaved() {
     setMemory(entries);
 }
 
+/// Each second asks for it: what the settings hold is read into entries once.
 QList<Entry> Memory() {
-    QList<Entry> entries;
-    for (const auto& [key, value] : IniReadSection(Section)) {
+    static QList<std::pair<QString, QString>> values;
+    static QList<Entry> entries;
+    QList<std::pair<QString, QString>> present = IniReadSection(Section);
+    if (present == values)
+        return entries;
+    values = std::move(present);
+    entries.clear();
+    for (const auto& [key, value] : std::as_const(values)) {
         if (const auto thing = ThingOf(key))
             entries.append(EntryOf(*thing, value));
     }
