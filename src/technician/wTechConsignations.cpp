@@ -1,6 +1,7 @@
 #include "technician/wTechConsignations.h"
 
 #include "bus/OutOfServiceWatch.h"
+#include "bus/wPolling.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -134,6 +135,12 @@ wTechConsignations::wTechConsignations()
     OnClick(ui_->imgReason, [this] { imgReason_Click(); });
     for (const int index : {NewUp, NewDown, PresentUp, PresentDown})
         repeat_.Watch(Control(Navig, index), [this, index] { imgNavig_Click(index); });
+    // What comes back by itself goes from the list.
+    if (wPolling* polling = Polling())
+        connect(polling, &wPolling::BusEvent, this, [this](const EventClass& event) {
+            if (event.Chnl() == Family::System && event.Aff() == SystemEvents::BackInService)
+                FillPresent();
+        });
     Form_Load();
 }
 
@@ -156,16 +163,21 @@ void wTechConsignations::Form_Load() {
     Guard("wTechConsignations.Form_Load", [&] {
         OutOfService::NoticeReturns();
         TellOutOfService();
-        for (const Thing& thing : OutOfService::Present())
-            present_.entries.append({thing, true});
+        FillPresent();
         const auto kept = keptEdit.Take(present_.entries);
         new_.entries = kept.value_or(QList<Entry>());
         ShowKept(kept.has_value());
-        Fill(present_);
         Fill(new_);
         lblModule_Click();
         ShowReason();
     });
+}
+
+void wTechConsignations::FillPresent() {
+    present_.entries.clear();
+    for (const Thing& thing : OutOfService::Present())
+        present_.entries.append({thing, true});
+    Fill(present_);
 }
 
 QString wTechConsignations::FormatKey(int panel, int channel) {
@@ -215,6 +227,8 @@ void wTechConsignations::RefreshNavigation() {
     };
     refresh(*ui_->lvwPresent, PresentUp, PresentDown);
     refresh(*ui_->lvwNew, NewUp, NewDown);
+    if (ui_->lvwPresent->CurrentRow() < 0 && ui_->lvwNew->CurrentRow() < 0)
+        ui_->lblDetail->setText(GetText(TouchALine));
 }
 
 void wTechConsignations::imgControl_Click(int index) {

@@ -54,6 +54,7 @@ private:
 
     void MakeTables();
     void Form_Load();
+    void FillPresent();
     void AjouteItem(List& list, const Entry& entry);
     static const Entry* GetItem(const List& list, const QString& key);
     Entry* ChosenToGoOut();
