@@ -28,7 +28,7 @@ constexpr int FirstReason = 850130;
 /// winter time is none.
 constexpr DateTime ClockSetBack = 2.0 / 24;
 
-/// Fields of a value, parted by tabs, which no keyboard of the program types.
+/// Fields of a value, parted by tabs, which the keyboard of the program doesn't type.
 enum Field { Since, Until, Line, Back, BackBy, Settled, Who, Why, FieldCount };
 constexpr QChar Separator = u'\t';
 
@@ -42,7 +42,10 @@ std::optional<Thing> ThingOf(const QString& key) {
     bool isChannel = false;
     const Thing thing{key.section(u'.', 0, 0).toInt(&isPanel),
                       key.section(u'.', 1).toInt(&isChannel)};
-    return isPanel && isChannel ? std::optional(thing) : std::nullopt;
+    const bool isOne = isPanel && isChannel && thing.panel >= 1 &&
+                       thing.panel <= ConfigClass::PanelCount && thing.channel >= 0 &&
+                       thing.channel <= PanelClass::MaxChannel;
+    return isOne ? std::optional(thing) : std::nullopt;
 }
 
 /// The same in every locale: a machine that gets another one must know its ends all the same.
@@ -104,12 +107,10 @@ DateTime NowInSeconds() {
     return TimeOf(TimeText(DateTimes::Now()));
 }
 
+/// Nobody misses what isn't there, and no line tells of it.
 bool Exists(const Thing& thing) {
-    if (thing.panel < 1 || thing.panel > ConfigClass::PanelCount)
-        return false;
     const PanelClass& panel = Global::Configuration().Panel(thing.panel);
-    return panel.Model() != Models::None && thing.channel >= 0 &&
-           thing.channel <= panel.ChannelCount();
+    return panel.Model() != Models::None && thing.channel <= panel.ChannelCount();
 }
 
 void Set(const Thing& thing, bool out) {
@@ -217,6 +218,8 @@ void Apply(const QList<Change>& changes) {
         if (IsOut(change.thing) == change.out)
             continue;
         Set(change.thing, change.out);
+        if (!Exists(change.thing))
+            continue;
         if (change.out)
             RememberOut(entries, change);
         else
