@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "bus/OutOfServiceWatch.h"
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
 #include "core/Boxes.h"
@@ -20,6 +21,7 @@
 #include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "model/OutOfService.h"
 #include "platform/Folders.h"
 #include "platform/ServiceManager.h"
 #include "screens/Screens.h"
@@ -164,6 +166,7 @@ void Startup::ComeUp() {
     Global::Get().noResize = SLVfonctions::IsTrue(
         IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
     const qint32 result = ReadConfiguration();
+    OutOfService::Restore();
     if (HasEnded())
         return;
     LoadPolling();
@@ -171,6 +174,7 @@ void Startup::ComeUp() {
         return;
     EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     polling_->SendEvent(event);
+    polling_->ServiceWatch().Check();
     const bool autoStart = Global::Configuration().AutoStart();
     if (autoStart && result == 0)
         StartByItself();

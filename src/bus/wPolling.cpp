@@ -4,6 +4,7 @@
 #include "bus/BusWatch.h"
 #include "bus/CommFunctions.h"
 #include "bus/LineOpening.h"
+#include "bus/OutOfServiceWatch.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -46,6 +47,7 @@ wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
     : link_(std::move(link))
     , diagnosis_(std::make_unique<BusDiagnosis>())
     , watch_(std::make_unique<BusWatch>())
+    , outOfService_(std::make_unique<OutOfServiceWatch>(*this))
     , queue_(*link_, *watch_)
     , synchro_(*this, *link_, queue_)
     , reactivation_([this] { ShowConsole(); }) {

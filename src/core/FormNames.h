@@ -42,6 +42,7 @@ inline const QString dlgListInput = QStringLiteral("dlgListInput");
 inline const QString dlgMenuParams = QStringLiteral("dlgMenuParams");
 inline const QString dlgMenuSystem = QStringLiteral("dlgMenuSystem");
 inline const QString dlgMessage = QStringLiteral("dlgMessage");
+inline const QString dlgOutOfService = QStringLiteral("dlgOutOfService");
 inline const QString dlgParamPrinter = QStringLiteral("dlgParamPrinter");
 inline const QString dlgPortDevice = QStringLiteral("dlgPortDevice");
 inline const QString dlgSysTime = QStringLiteral("dlgSysTime");
