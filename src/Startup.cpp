@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "bus/OutOfServiceWatch.h"
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
 #include "core/Boxes.h"
@@ -14,10 +15,13 @@
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
+#include "events/Backup.h"
 #include "events/Klaxon.h"
+#include "events/Restore.h"
 #include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "model/OutOfService.h"
 #include "platform/Folders.h"
 #include "platform/ServiceManager.h"
 #include "screens/Screens.h"
@@ -138,6 +142,11 @@ bool Startup::Main() {
         const Boxes::Held held;
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
+        // A restore that was cut short comes to its end before anything of it is read.
+        Guard("Startup.Main", [] {
+            if (Restore::CompleteAtStart())
+                Trace::Note(QStringLiteral("RESTORE BROUGHT TO ITS END"));
+        });
         DropFormerAlarms();
         if (!Config::OpenConfigBase()) {
             TellTheEnd(QStringLiteral("Unable to open configuration file."));
@@ -157,6 +166,7 @@ void Startup::ComeUp() {
     Global::Get().noResize = SLVfonctions::IsTrue(
         IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
     const qint32 result = ReadConfiguration();
+    OutOfService::Restore();
     if (HasEnded())
         return;
     LoadPolling();
@@ -164,12 +174,14 @@ void Startup::ComeUp() {
         return;
     EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     polling_->SendEvent(event);
+    polling_->ServiceWatch().Check();
     const bool autoStart = Global::Configuration().AutoStart();
     if (autoStart && result == 0)
         StartByItself();
     if (HasEnded())
         return;
     Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
+    backups_ = std::make_unique<BackupSchedule>();
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(FormNames::wMain);

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <memory>
 
+class BackupSchedule;
 class wPolling;
 
 /// The program from its first step to its last. After `Main` the event loop and the timers of
@@ -42,6 +43,7 @@ private:
     std::unique_ptr<platform::SingleInstance> instance_;
     std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
     std::unique_ptr<wPolling> polling_;
+    std::unique_ptr<BackupSchedule> backups_;
     /// The day's change is due when a midnight has passed since.
     platform::DateTime started_ = platform::Clock::Current().Now();
     bool ended_ = false;

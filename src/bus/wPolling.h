@@ -20,6 +20,7 @@
 
 class BusDiagnosis;
 class BusWatch;
+class OutOfServiceWatch;
 class PanelClass;
 
 /// What can be said of the watch over the panels.
@@ -84,6 +85,8 @@ public:
     void ReinitComm();
     /// Opens the link as the site says.
     void ConfigCommPort();
+    /// Reads again with which number the events go on.
+    void ReadLastEvent();
     /// Reads the retention of the history again.
     void ConfigurationChanged();
     /// Sets the watch on the operator's input to the site's delay.
@@ -116,10 +119,15 @@ public:
     QString LastRound() const { return lastRound_; }
     platform::ActivityDetection& UserSleep() { return userSleep_; }
 
+    /// What is out of service, with its ends and its lines.
+    OutOfServiceWatch& ServiceWatch() { return *outOfService_; }
+
     /// Ticks of the timers.
     void tmrMidnight_Timer();
     void tmrReactiv_Timer();
 
+    /// Number of the next event.
+    qint32 IncEvtNum() override;
     /// Routes one event to all its consumers.
     void TraiteEvent(EventClass& event);
     /// Turns the words of a good poll into events.
@@ -180,7 +188,6 @@ private:
     void ExploiteStates(PanelClass& panel, const Words& words);
     void TraiteKlaxon(const EventClass& event);
     void ShowConsole();
-    qint32 IncEvtNum() override;
 
     std::unique_ptr<platform::SerialLink> link_;
     std::unique_ptr<BusDiagnosis> diagnosis_;
@@ -192,6 +199,7 @@ private:
     QTimer tmrMidnight_;
     QTimer tmrReactiv_;
     std::unique_ptr<BusWatch> watch_;
+    std::unique_ptr<OutOfServiceWatch> outOfService_;
     CommandQueue queue_;
     BusSynchro synchro_;
     Reactivation reactivation_;

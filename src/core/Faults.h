@@ -25,9 +25,10 @@ enum class Kind {
     DiskNearlyFull,    ///< under 5 % free
     ClockSetBack,      ///< times come a second time
     BoxUnanswered,     ///< a box that nobody has read
+    NoBackup,          ///< the last backup failed or is too old
     NotForwarded,      ///< whoever listens outside doesn't get them
 };
-inline constexpr int KindCount = 13;
+inline constexpr int KindCount = 14;
 
 struct Fault {
     Kind kind;

@@ -53,6 +53,7 @@ TEST_F(MenusTest, EveryTileAndButtonLeadsToItsScreenOrTellsThatThereIsNone) {
         {1, Parameters, 4, "wParamPrinter"},
         {2, System, 1, "wSysComm"},
         {2, System, 2, "wSysConfSon"},
+        {2, System, 5, "wBackup"},
         {2, System, 6, "wSysForward"}};
     for (const auto& [tile, dialog, button, screen] : ways) {
         const QString name = screen;

@@ -169,7 +169,9 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
             Take(form, path(form.toLatin1().constData()));
     TakeTouched(path);
     TakeReport(path);
+    TakeHistorySearch(path);
     TakeConfiguration(path);
+    TakeBackups(path);
 }
 
 } // namespace

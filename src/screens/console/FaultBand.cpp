@@ -53,7 +53,7 @@ void FaultBand::Present(const QList<Faults::Fault>& faults) {
 QString FaultBand::PictureOf(Faults::Kind kind) {
     static constexpr std::array<const char*, Faults::KindCount> names{
         "round",   "horn",    "disk_full", "history", "trace", "panel",  "memory",
-        "command", "printer", "disk",      "clock",   "box",   "forward"};
+        "command", "printer", "disk",      "clock",   "box",   "backup", "forward"};
     return QStringLiteral("fault_") + QString::fromLatin1(names[size_t(kind)]);
 }
 
