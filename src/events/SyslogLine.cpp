@@ -35,7 +35,10 @@ constexpr std::array SystemKinds{Kind{"ACK-PC", Severity::Notice},
                                  Kind{"USER-CHANGE", Severity::Information},
                                  Kind{"COMM-START", Severity::Information},
                                  Kind{"COMM-STOP", Severity::Information},
-                                 Kind{"MIDNIGHT-STATE", Severity::Information}};
+                                 Kind{"MIDNIGHT-STATE", Severity::Information},
+                                 Kind{"OUT-OF-SERVICE", Severity::Notice},
+                                 Kind{"BACK-IN-SERVICE", Severity::Notice},
+                                 Kind{"OUT-OF-SERVICE-COUNT", Severity::Information}};
 constexpr std::array PanelKinds{Kind{"ACK-UNKNOWN", Severity::Notice},
                                 Kind{"ACK-KL", Severity::Notice}, Kind{"ACK-CL", Severity::Notice},
                                 Kind{"CLEAR", Severity::Notice}};

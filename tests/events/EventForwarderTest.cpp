@@ -81,9 +81,11 @@ TEST_F(Forwarding, ALineHoldsTheEventEscapedAndMarked) {
 
     // Kinds and severities, as PRI of local0.
     const std::tuple<qint16, qint16, qint16, const char*, int> kinds[] = {
-        {7, 0, 0, "NORMAL", 133},       {7, 1, 1, "ACKLGD", 133},   {7, 0, 2, "CABLE-FAULT", 132},
-        {7, 0, 4, "SECOND-FAULT", 131}, {0, 0, 3, "CLEAR", 133},    {255, 1, 0, "PANEL-LOST", 131},
-        {255, 1, 1, "PANEL-BACK", 133}, {254, 0, 0, "ACK-PC", 133}, {254, 0, 5, "COMM-STOP", 134},
+        {7, 0, 0, "NORMAL", 133},       {7, 1, 1, "ACKLGD", 133},
+        {7, 0, 2, "CABLE-FAULT", 132},  {7, 0, 4, "SECOND-FAULT", 131},
+        {0, 0, 3, "CLEAR", 133},        {255, 1, 0, "PANEL-LOST", 131},
+        {255, 1, 1, "PANEL-BACK", 133}, {254, 0, 0, "ACK-PC", 133},
+        {254, 0, 5, "COMM-STOP", 134},  {254, 7, 7, "OUT-OF-SERVICE", 133},
         {254, 0, 60, "SYSTEM", 134}};
     for (const auto& [chnl, param, aff, word, priority] : kinds) {
         const QByteArray text = SyslogLine::Format(SyslogLine::EntryOf(Event(1, chnl, param, aff)));
