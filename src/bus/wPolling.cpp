@@ -207,8 +207,9 @@ void wPolling::SendCommand(const CommandPtr& command) {
 }
 
 void wPolling::ReadLastEvent() {
-    lastEvent_ = Bytes::LongVal(
-        IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QStringLiteral("0")));
+    lastEvent_ =
+        qMax(lastEvent_, Bytes::LongVal(IniRead(QStringLiteral("General"),
+                                                QStringLiteral("LastEvent"), QStringLiteral("0"))));
 }
 
 void wPolling::ConfigurationChanged() {

@@ -85,7 +85,7 @@ public:
     void ReinitComm();
     /// Opens the link as the site says.
     void ConfigCommPort();
-    /// Reads again with which number the events go on.
+    /// Reads with which number the events go on, never back behind one that was given.
     void ReadLastEvent();
     /// Reads the retention of the history again.
     void ConfigurationChanged();

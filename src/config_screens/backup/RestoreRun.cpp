@@ -1,5 +1,6 @@
 #include "config_screens/backup/RestoreRun.h"
 
+#include "bus/OutOfServiceWatch.h"
 #include "bus/wPolling.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
@@ -94,12 +95,14 @@ void TakeUp() {
     site.Read(CurrentConfigFile());
     site.setModified(SLVfonctions::IsTrue(IniRead(
         QStringLiteral("Files"), QStringLiteral("LastConfigModified"), QStringLiteral("1"))));
-    OutOfService::DropPast();
+    // What was out when the backup was made is so again, as at a start.
+    OutOfService::Restore();
     Global::Get().language = Bytes::ShortVal(
         IniRead(QStringLiteral("General"), QStringLiteral("Language"), QStringLiteral("0")));
     Global::ReadMarks();
     if (wPolling* polling = Polling()) {
         polling->ReadLastEvent();
+        TellOutOfService();
         polling->ConfigurationChanged();
         polling->ReinitComm();
         polling->SetupUserSleep();
@@ -150,6 +153,8 @@ void Run(bool keepMachine) {
     Restore::Commit(plan, keepMachine);
     // From here on it happens, now or at the next start.
     Waiting().reset();
+    OutOfService::LeaveSite();
+    TellOutOfService();
     const auto takeUp =
         qScopeGuard([] { ErrorHandling::Guard("RestoreRun.TakeUp", [] { TakeUp(); }); });
     Restore::Complete();
