@@ -2,6 +2,7 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/wRehearsal.h"
 #include "technician/wTechConsignations.h"
 #include "technician/wTechDiagnosis.h"
 #include "technician/wTechEtatModule.h"
@@ -13,5 +14,6 @@ void RegisterTechnician() {
     Forms::Register(FormNames::wTechFindPanels, [] { return new wTechFindPanels; });
     Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
     Forms::Register(FormNames::wTechConsignations, [] { return new wTechConsignations; });
+    Forms::Register(FormNames::wRehearsal, [] { return new wRehearsal; });
     Forms::Register(FormNames::wTechDiagnosis, [] { return new wTechDiagnosis; });
 }
