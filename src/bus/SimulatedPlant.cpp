@@ -90,8 +90,11 @@ bool SimulatedPlant::Play(const QByteArray& scenario) {
         TellContact(place.first, place.second, contact);
     for (const int panel : std::as_const(off_))
         simulator_.Tell(Order("mute", panel));
-    if (wPolling* polling = Polling())
+    if (wPolling* polling = Polling()) {
+        // What was taken of a former module's events says nothing of this one's.
+        polling->Queue().Receipts().DoubtAll();
         polling->ReinitComm();
+    }
     return true;
 }
 

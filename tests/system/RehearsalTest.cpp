@@ -4,7 +4,9 @@
 #include "bus/SimulatedPlant.h"
 #include "core/FormNames.h"
 #include "model/SimulatedSite.h"
+#include "platform/Clock.h"
 #include "platform/Replacement.h"
+#include "screens/touch/TouchGuard.h"
 #include "simulator/Scenario.h"
 #include "support/Road.h"
 
@@ -65,7 +67,18 @@ TEST_F(RehearsalRoad, AnAlarmIsRaisedAndTheSimulatorsDeathMended) {
     ASSERT_TRUE(plant.Start());
     engine->setRun(true);
     Forms::Show(FormNames::wRunAlarms);
-    QTimer::singleShot(0, qApp, [] { Tap(FormNames::wRehearsal, "lblVoyant_3"); });
+    QTimer opener;
+    opener.callOnTimeout([&] {
+        const Forms::Form* modules = Forms::Find(FormNames::wRehearsal);
+        if (modules == nullptr || !modules->Visible())
+            return;
+        opener.stop();
+        Tap(FormNames::wRehearsal, "lblVoyant_3");
+    });
+    opener.start(20);
+    // The console takes no touch before its operator can have seen what it shows.
+    dynamic_cast<QWidget*>(Forms::Find(FormNames::wRunAlarms))->grab();
+    platform::Clock::Current().Sleep(TouchGuard::HoldMs);
     Tap(FormNames::wRunAlarms, "lblRehearsal");
     EXPECT_TRUE(Until([] { return Rows().size() == 1; }));
     EXPECT_TRUE(Rows().value(0).contains("P01-C03"));
