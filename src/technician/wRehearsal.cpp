@@ -12,6 +12,8 @@
 #include "screens/dialogs/wHelp.h"
 #include "screens/remote/Telecommande.h"
 #include "screens/touch/Position.h"
+#include "screens/touch/Theme.h"
+#include "technician/FrontTiles.h"
 #include "ui_wRehearsal.h"
 
 #include <QFrame>
@@ -24,7 +26,7 @@ enum Navigation { Back = 0, PageBack = 1, PageOn = 2, Help = 7 };
 
 const QString Navig = QStringLiteral("imgNavig");
 const QString Tiles = QStringLiteral("imgPanneau");
-const QString Lamps = QStringLiteral("lblVoyant");
+const QString Channels = QStringLiteral("imgChannel");
 const QString Choices = QStringLiteral("optContact");
 
 constexpr int TilesAPage = 8;
@@ -33,9 +35,14 @@ constexpr QRect FirstTile{8, 58, 190, 70};
 constexpr int PitchX = 198;
 constexpr int PitchY = 76;
 
-constexpr int LampCount = 12;
-constexpr int LampsInRow = 6;
-constexpr int LampGap = 6;
+constexpr int ChannelCount = 12;
+constexpr int ChannelsInRow = 4;
+constexpr QRect FirstChannel{8, 254, 190, 58};
+constexpr int ChannelPitchY = 64;
+constexpr QRect Lamp{8, 9, 40, 40};
+constexpr QRect WordsArea{56, 2, 130, 54};
+constexpr int WordsPixels = 16;
+constexpr int WordsLines = 2;
 
 constexpr int SwitchOff = 718121;
 constexpr int SwitchOn = 718122;
@@ -67,11 +74,11 @@ wRehearsal::wRehearsal()
     , ui_(std::make_unique<Ui::wRehearsal>()) {
     ui_->setupUi(this);
     MakeTiles();
-    MakeLamps();
+    MakeChannels();
     Prepare();
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
     OnClick(Tiles, [this](int index) { imgPanneau_Click(index); });
-    OnClick(Lamps, [this](int index) { lblVoyant_Click(index); });
+    OnClick(Channels, [this](int index) { imgChannel_Click(index); });
     OnClick(Choices, [this](int index) { optContact_Click(index); });
     OnClick(ui_->cmdModule, [this] { cmdModule_Click(); });
     OnClick(ui_->cmdAcknowledge, [] {
@@ -100,16 +107,22 @@ void wRehearsal::MakeTiles() {
     shpSelection_->setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
-void wRehearsal::MakeLamps() {
-    const QRect area = ui_->fraVoyants->rect();
-    const int height = (area.height() + LampGap) * LampsInRow / LampCount - LampGap;
-    for (int i = 0; i < LampCount; ++i) {
-        auto* lamp = new Voyant(ui_->fraVoyants);
-        lamp->setObjectName(Lamps + u'_' + QString::number(i + 1));
-        const int left = i % LampsInRow * (area.width() + LampGap) / LampsInRow;
-        const int right = (i % LampsInRow + 1) * (area.width() + LampGap) / LampsInRow - LampGap;
-        lamp->setGeometry(left, i / LampsInRow * (height + LampGap), right - left, height);
-        lamps_ += lamp;
+void wRehearsal::MakeChannels() {
+    for (int i = 0; i < ChannelCount; ++i) {
+        auto* tile = new TouchImage(this);
+        auto* lamp = new Voyant(tile);
+        auto* words = new QLabel(tile);
+        const QPoint offset(i % ChannelsInRow * PitchX, i / ChannelsInRow * ChannelPitchY);
+        const auto place = [i](QWidget* part, const QString& array, const QRect& area) {
+            part->setObjectName(array + u'_' + QString::number(i + 1));
+            part->setGeometry(area);
+        };
+        place(tile, Channels, FirstChannel.translated(offset));
+        place(lamp, QStringLiteral("lblVoyant"), Lamp);
+        place(words, QStringLiteral("lblChannel"), WordsArea);
+        words->setFont(Theme::Text(WordsPixels));
+        for (QWidget* part : {static_cast<QWidget*>(lamp), static_cast<QWidget*>(words)})
+            part->setAttribute(Qt::WA_TransparentForMouseEvents);
     }
 }
 
@@ -151,16 +164,25 @@ void wRehearsal::ShowPanel() {
                                         panel.Title().replace(u'|', u' ').trimmed()
                                   : QString());
     ui_->lblState->setText(off ? GetText(IsOffText) : QString());
-    ui_->fraVoyants->setVisible(wired);
     ui_->lblNote->setVisible(!wired);
     ui_->lblNote->setText(GetText(chosen ? OnlyShows : NothingPlayed));
     ui_->cmdModule->setEnabled(chosen);
     ui_->cmdModule->setText(GetText(off ? SwitchOn : SwitchOff));
     ui_->cmdAcknowledge->setEnabled(chosen && !off);
-    for (int i = 0; wired && i < LampCount; ++i) {
-        lamps_[i]->setCaption(i + 1, panel.Channel(i + 1).ScreenText());
-        lamps_[i]->setState(qint16(plant->ContactOf(choice.panel, i + 1)), off);
+    for (int channel = 1; channel <= ChannelCount; ++channel) {
+        Control(Channels, channel)->setVisible(wired);
+        if (wired)
+            ShowChannel(channel, panel.Channel(channel).ScreenText());
     }
+}
+
+void wRehearsal::ShowChannel(int channel, const QString& text) {
+    const SimulatedPlant& plant = *SimulatedPlant::Current();
+    Control<Voyant>(QStringLiteral("lblVoyant"), channel)
+        ->setState(qint16(plant.ContactOf(choice.panel, channel)), plant.IsOff(choice.panel));
+    auto* words = Control<QLabel>(QStringLiteral("lblChannel"), channel);
+    words->setText(FrontTiles::Broken(QString::number(channel) + QStringLiteral("  ") + text,
+                                      words->fontMetrics(), words->width(), WordsLines));
 }
 
 void wRehearsal::ShowChoice() {
@@ -198,7 +220,7 @@ void wRehearsal::imgPanneau_Click(int index) {
     setPanel(panels_.value(page_ * TilesAPage + index));
 }
 
-void wRehearsal::lblVoyant_Click(int index) {
+void wRehearsal::imgChannel_Click(int index) {
     if (SimulatedPlant* plant = SimulatedPlant::Current())
         plant->setContact(choice.panel, index, choice.contact);
     ShowPanel();

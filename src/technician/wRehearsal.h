@@ -6,7 +6,6 @@
 #include <memory>
 
 class QFrame;
-class Voyant;
 
 namespace Ui {
 class wRehearsal;
@@ -30,20 +29,20 @@ protected:
 
 private:
     void MakeTiles();
-    void MakeLamps();
+    void MakeChannels();
     void ShowPage(int page);
     void ShowPanel();
+    void ShowChannel(int channel, const QString& text);
     void ShowChoice();
     void imgNavig_Click(int index);
     void imgPanneau_Click(int index);
-    void lblVoyant_Click(int index);
+    void imgChannel_Click(int index);
     void optContact_Click(int index);
     void cmdModule_Click();
     void cmdEnd_Click();
 
     std::unique_ptr<Ui::wRehearsal> ui_;
     QFrame* shpSelection_ = nullptr;
-    QList<Voyant*> lamps_;
     QList<int> panels_; // that are played, upwards
     int page_ = 0;
 };

@@ -73,7 +73,7 @@ TEST_F(RehearsalRoad, AnAlarmIsRaisedAndTheSimulatorsDeathMended) {
         if (modules == nullptr || !modules->Visible())
             return;
         opener.stop();
-        Tap(FormNames::wRehearsal, "lblVoyant_3");
+        Tap(FormNames::wRehearsal, "imgChannel_3");
     });
     opener.start(20);
     // The console takes no touch before its operator can have seen what it shows.
@@ -91,7 +91,7 @@ TEST_F(RehearsalRoad, AnAlarmIsRaisedAndTheSimulatorsDeathMended) {
     EXPECT_TRUE(boxes.contains(GetText(718031)));
     Forms::Show(FormNames::wRehearsal);
     Tap(FormNames::wRehearsal, "optContact_2");
-    Tap(FormNames::wRehearsal, "lblVoyant_5");
+    Tap(FormNames::wRehearsal, "imgChannel_5");
     EXPECT_TRUE(Until([&] { return !Traced("P01-C05 Alarm  CABLE").isEmpty(); }));
     EXPECT_GE(Traced("P01-C03 State  ACTIVE").size(), 2) << "the wiring is as it was";
 
