@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Installs the packages of scripts/package.sh in a clean Debian, runs the program from them against
-# the simulator, upgrades, removes and purges them; checks the units as systemd sees them. Needs
-# root. The clean system is kept in build/ for the next time.
+# the simulator, starts the system with its units where a container can be started, upgrades, removes
+# and purges them. Needs root. The clean system is kept in build/ for the next time.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 [ "$(id -u)" -eq 0 ] || { echo "scripts/test-package.sh needs root." >&2; exit 2; }
 
-scripts/packages.sh debootstrap systemd dpkg-dev
+scripts/packages.sh debootstrap systemd systemd-container dpkg-dev
 scripts/package.sh
 cmake --build --preset release --target korvanelle-sim korvanelle-mksite
 program_deb=$(echo build/packages/korvanelle_*.deb)
@@ -26,7 +26,9 @@ fi
 root=$(mktemp -d)
 simulator=
 program=
+machine=
 finish() {
+    [ -z "$machine" ] || { kill "$machine" && wait "$machine"; } 2>/dev/null || true
     [ -z "$program" ] || kill "$program" 2>/dev/null || true
     [ -z "$simulator" ] || kill "$simulator" 2>/dev/null || true
     local place
@@ -51,11 +53,16 @@ eventually() {
     return 1
 }
 
+mount_all() {
+    mount -t proc proc "$root/proc"
+    mount --bind /dev/pts "$root/dev/pts"
+    mount --bind build/release "$root/mnt"
+}
+unmount_all() { umount "$root/mnt" "$root/dev/pts" "$root/proc"; }
+
 tar -C "$root" -xf "$clean.tar"
-mount -t proc proc "$root/proc"
-mount --bind /dev/pts "$root/dev/pts"
 mkdir -p "$root/mnt"
-mount --bind build/release "$root/mnt"
+mount_all
 printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
 chmod +x "$root/usr/sbin/policy-rc.d"
 
@@ -115,7 +122,72 @@ kill "$program"
 wait "$program" || fail "the program ended with an error"
 program=
 grep -q "APPLI STOP" "$data"/Trace/*.log || fail "the end isn't in the trace"
+kill "$simulator"
+wait "$simulator" || true
+simulator=
 [ -z "$(find "$root/usr/lib/korvanelle" -newer "$data/korvanelle.ini" -type f)" ] || fail "the program wrote beside itself"
+
+# What the documentation tells to install for the compositor.
+read -ra compositor <<<"$(sed -n 's/^ *apt install --no-install-recommends \(cage .*\)/\1/p' docs/installation.md)"
+[ "${#compositor[@]}" -gt 0 ] || fail "no compositor in docs/installation.md"
+nspawn=(systemd-nspawn --quiet --register=no --private-network --console=pipe -D "$root")
+# Where no systemd runs there is none to make a unit for the container.
+[ -d /run/systemd/system ] || nspawn+=(--keep-unit)
+booted() {
+    local init
+    init=$(tr -d ' ' <"/proc/$machine/task/$machine/children") && [ -n "$init" ] &&
+        nsenter -t "$init" -a env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"
+}
+unit=korvanelle-kiosk
+shown() { booted systemctl show -p "$1" --value "$unit"; }
+told() { booted journalctl -b -u "$unit" -g "$1" >/dev/null; }
+# up <starts>: the unit said that it is up, after so many new starts, and what it does.
+up() {
+    [ "$(shown ActiveState 2>/dev/null)" = active ] && [ "$(shown NRestarts)" = "$1" ] &&
+        [[ $(shown StatusText) == *"Modules watched: 8"* ]]
+}
+hangs_and_dies() {
+    eventually up 0 || fail "$unit isn't up: $(booted journalctl -b -u "$unit")"
+    booted killall -STOP korvanelle
+    eventually up 1 || fail "$unit hung and wasn't started again"
+    told "Watchdog timeout" || fail "the watchdog of $unit"
+    booted killall -KILL korvanelle
+    eventually up 2 || fail "$unit died and wasn't started again"
+    booted systemctl stop "$unit"
+    [ "$(shown Result)" = success ] || fail "the end of $unit"
+    told "Korvanelle II stops" || fail "$unit was killed at its end"
+}
+
+unmount_all
+if "${nspawn[@]}" true 2>/dev/null; then
+    step "start of the system"
+    # A container has no console and no display; nobody waits a minute.
+    for unit in korvanelle-kiosk korvanelle-kiosk-wayland; do
+        mkdir "$root/etc/systemd/system/$unit.service.d"
+        printf '[Service]\nStandardInput=null\nWatchdogSec=5\n' >"$root/etc/systemd/system/$unit.service.d/container.conf"
+    done
+    cp "$root/etc/default/korvanelle-kiosk" "$root/default"
+    printf 'QT_QPA_PLATFORM=offscreen\nWLR_BACKENDS=headless\n' >>"$root/etc/default/korvanelle-kiosk"
+    mount_all
+    inside apt-get install -y -q --no-install-recommends "${compositor[@]}" psmisc
+    cp -u "$root"/var/cache/apt/archives/*.deb build/apt-cache/
+    unmount_all
+    "${nspawn[@]}" --boot </dev/null >/dev/null 2>&1 &
+    machine=$!
+    unit=korvanelle-kiosk
+    hangs_and_dies
+    unit=korvanelle-kiosk-wayland
+    booted systemctl start "$unit"
+    hangs_and_dies
+    kill "$machine"
+    wait "$machine" || true
+    machine=
+    rm -r "$root"/etc/systemd/system/korvanelle-kiosk*.service.d
+    mv "$root/default" "$root/etc/default/korvanelle-kiosk"
+else
+    step "no container can be started here: the units were not run"
+fi
+mount_all
 
 step "upgrade"
 echo "# changed by the technician" >>"$root/etc/default/korvanelle-kiosk"

@@ -9,6 +9,8 @@ namespace {
 constexpr int PanelText = 30023;
 constexpr int StepText = 30024;
 constexpr qint64 PaintPeriod = 250;
+/// As in the texts themselves, once they are read.
+const QString LineBreak = QStringLiteral("\r\n");
 
 } // namespace
 
@@ -23,7 +25,7 @@ void BusProgress::Tell(const BusStep& step) {
     if (now - told_ < PaintPeriod || step.panels < 1)
         return;
     told_ = now;
-    QString text = text_ + u'|' +
+    QString text = text_ + LineBreak +
                    GetText(PanelText)
                        .replace(QStringLiteral("$1"), QString::number(step.panel))
                        .replace(QStringLiteral("$2"), QString::number(step.panels));
@@ -31,10 +33,10 @@ void BusProgress::Tell(const BusStep& step) {
     const qint64 left = qint64(step.passes) * step.panels - done;
     if (done > 0) {
         const qint64 seconds = ((now - begun_) * left / done + 999) / 1000;
-        text += u'|' + GetText(StepText)
-                           .replace(QStringLiteral("$1"), QString::number(step.pass))
-                           .replace(QStringLiteral("$2"), QString::number(step.passes))
-                           .replace(QStringLiteral("$3"), QString::number(seconds));
+        text += LineBreak + GetText(StepText)
+                                .replace(QStringLiteral("$1"), QString::number(step.pass))
+                                .replace(QStringLiteral("$2"), QString::number(step.passes))
+                                .replace(QStringLiteral("$3"), QString::number(seconds));
     }
     notice_.setText(text);
 }

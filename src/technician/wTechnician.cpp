@@ -20,13 +20,13 @@
 #include "screens/dialogs/wHelp.h"
 #include "screens/touch/HoldToRepeat.h"
 #include "screens/touch/Navigation.h"
+#include "screens/touch/Theme.h"
 #include "screens/touch/ValueLabel.h"
 #include "technician/ModuleFront.h"
 #include "technician/TraceCopy.h"
 #include "ui_wTechnician.h"
 
 #include <QDir>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QScopeGuard>
@@ -100,8 +100,7 @@ wTechnician::wTechnician()
     ui_->setupUi(this);
     for (int phase = 0; phase < 2; ++phase)
         Control<QLabel>(QStringLiteral("imgComm"), phase)
-            ->setPixmap(
-                QIcon(QStringLiteral(":/pictures/beat_%1.svg").arg(phase)).pixmap(Beat, Beat));
+            ->setPixmap(Theme::Picture(QStringLiteral("beat_%1").arg(phase), Beat));
     Prepare();
     ConnectControls();
     Form_Load();

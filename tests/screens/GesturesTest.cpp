@@ -143,6 +143,33 @@ TEST(GesturesTest, ASwipeScrollsAndATouchSelects) {
     EXPECT_EQ(table.CurrentRow(), table.rowAt(middle.y()));
 }
 
+TEST(GesturesTest, TheArrowsOfABarStayAtItsEndsAndTakeNoTouch) {
+    TouchTable table;
+    table.setColumns({{"No", 1}}, 1);
+    table.setRows(QList<TouchTable::Row>(100, Line("x", "1", QString())));
+    table.resize(400, 300);
+    table.show();
+    QScrollBar* bar = table.verticalScrollBar();
+    const auto ink = [&](int top) {
+        const QImage square = bar->grab(QRect(0, top, bar->width(), bar->width()))
+                                  .toImage()
+                                  .convertToFormat(QImage::Format_RGB32);
+        int count = 0;
+        for (int i = 0; i < square.width() * square.height(); ++i)
+            count += qGray(square.pixel(i % square.width(), i / square.width())) > 150 ? 1 : 0;
+        return count;
+    };
+    for (const int height : {300, 500}) {
+        table.resize(400, height);
+        EXPECT_GT(ink(0), 10);
+        EXPECT_GT(ink(bar->height() - bar->width()), 10);
+    }
+    table.setColumns({{"No", 1}}, 1);
+    EXPECT_EQ(bar->findChildren<QWidget*>().size(), 1);
+    QTest::mouseClick(bar, Qt::LeftButton, {}, QPoint(bar->width() / 2, bar->height() - 9));
+    EXPECT_GT(bar->value(), 0);
+}
+
 TEST(GesturesTest, AKeptEditIsWorthItsOriginalOnly) {
     KeptEdit<int> kept;
     kept.Keep(1, 5);

@@ -21,11 +21,11 @@ protected:
         PanelClass& panel = AddPanel(1, 1);
         for (const int channel : {3, 4})
             panel.Channel(channel).setScrAlm(true);
-        // Polled tomorrow: no silent line becomes an alarm of its own.
-        panel.setNextPoll(DateTimes::Now() + 24 * 3600 * platform::OneSecond);
         Forms::Load("wPolling");
         link->setPortOpen(true);
         engine->setRun(true);
+        // Polled tomorrow: no silent line becomes an alarm of its own.
+        panel.setNextPoll(DateTimes::Now() + 24 * 3600 * platform::OneSecond);
         Forms::Show(FormNames::wRunAlarms);
     }
 

@@ -15,8 +15,9 @@
 
 namespace {
 
-constexpr int ReceiptRegister = 288;
-constexpr int MemoryRegister = 146;
+using SimulatedLine::MemoryRegister;
+using SimulatedLine::ReceiptRegister;
+
 constexpr int Modules = 3;
 constexpr int Steps = 12000;
 
@@ -79,12 +80,9 @@ protected:
 
     void Trouble(int address) {
         Sim::LineFaults& faults = bus_.Find(address)->faults;
-        const int what = Random(12);
-        faults.muted = what == 0;
-        faults.corrupt = what == 1 ? 1 + Random(3) : 0;
-        faults.surplus = what == 2;
-        faults.cut = what == 3;
-        faults.alien = what == 4;
+        faults = {};
+        if (const int what = Random(12); what < 5)
+            SimulatedLine::GiveTrouble(faults, what, [this](int below) { return Random(below); });
     }
 
     /// Something happens in the plant. The module's clock has tenths: two events of one moment

@@ -3,13 +3,13 @@
 // korvanelle-day <korvanelle.cfg> <hours>. Ends with 0 when each event came once and in order to
 // console, history, trace and paper, and nothing grew.
 
+#include "Base.h"
 #include "day/Ledger.h"
 #include "day/Plant.h"
 #include "support/PipePrinter.h"
 
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
-#include "core/Config.h"
 #include "core/Faults.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
@@ -20,7 +20,6 @@
 #include "core/Trace.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
-#include "platform/Folders.h"
 #include "screens/Screens.h"
 #include "screens/touch/ScreenForm.h"
 #include "screens/touch/Theme.h"
@@ -40,21 +39,24 @@ constexpr int Minute = 60;
 constexpr int Hour = 60 * Minute;
 /// What the first hours take on, such as fonts, pictures and the heap's own reserve, is no growth.
 constexpr int SettledHours = 2;
-constexpr int MostGrowthKb = 4096;
-constexpr int MostHeapGrowthKb = 2048;
+constexpr int MostGrowthKb = 1024;
+constexpr int MostHeapGrowthKb = 512;
 /// The last things come to rest: a module that was missing is asked each ten minutes.
 constexpr int CalmSeconds = 15 * Minute;
 
 struct Sample {
     int kB = 0;
-    int heap = 0; // kB that are in use of it
+    int heap = 0; // kB that are in use of it, with what is mapped for large blocks
     int threads = 0;
     int handles = 0;
 };
 
+/// What malloc keeps free goes back first: it is no growth.
 Sample Measure() {
     Sample sample;
-    sample.heap = int(mallinfo2().uordblks / 1024);
+    malloc_trim(0);
+    const struct mallinfo2 heap = mallinfo2();
+    sample.heap = int((heap.uordblks + heap.hblkhd) / 1024);
     QFile status(QStringLiteral("/proc/self/status"));
     if (status.open(QIODevice::ReadOnly)) {
         for (const QByteArray& line : status.readAll().split('\n')) {
@@ -329,11 +331,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     Theme::Apply(application);
     const QTemporaryDir folder;
-    QFile::copy(QString::fromLocal8Bit(argv[1]), folder.filePath(QStringLiteral("korvanelle.cfg")));
-    platform::OverrideApplication(folder.path(), QStringLiteral("korvanelle"));
-    if (!Config::OpenConfigBase())
+    if (!Base::OpenCopy(argv[1], folder))
         return 1;
-    Global::ReadMarks();
     Global::Get().sound = std::make_unique<platform::SilentSound>();
     RegisterScreens();
     RegisterConfigScreens();

@@ -4,9 +4,10 @@
 
 namespace {
 
-constexpr int ReceiptRegister = 288;
-constexpr int CountRegister = 144;
-constexpr int MemoryRegister = 146;
+using SimulatedLine::CountRegister;
+using SimulatedLine::MemoryRegister;
+using SimulatedLine::ReceiptRegister;
+
 /// Events of a memory that can be read at a time.
 constexpr int Readable = 71;
 /// Of contacts and keys, one change of which is more than one event, and of troubles on the line.
@@ -141,26 +142,10 @@ void Plant::Trouble() {
     const int address = 1 + Random(Modules);
     Sim::LineFaults& faulty = bus_.Find(address)->faults;
     qint64 lasts = 1000 + Random(20000);
-    switch (Random(6)) {
-    case 0:
-        faulty.muted = true;
-        lasts = Random(10) == 0 ? qint64(10) * Minute : lasts;
-        break;
-    case 1:
-        faulty.corrupt = 1 + Random(3);
-        break;
-    case 2:
-        faulty.surplus = true;
-        break;
-    case 3:
-        faulty.cut = true;
-        break;
-    case 4:
-        faulty.alien = true;
-        break;
-    default:
-        faulty.ringing = true;
-    }
+    const int kind = Random(SimulatedLine::Troubles);
+    SimulatedLine::GiveTrouble(faulty, kind, [this](int below) { return Random(below); });
+    if (kind == 0 && Random(10) == 0)
+        lasts = qint64(10) * Minute;
     // What waits for the next reply goes as well: a missing module gives few.
     until_[address] = qMax(until_.value(address), Now() + lasts);
 }

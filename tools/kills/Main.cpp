@@ -1,10 +1,10 @@
 // Kills the engine at random moments while events are routed, and counts what was lost:
 // korvanelle-kills <korvanelle.cfg> <number of kills>. Ends with 0 when nothing was.
 
+#include "Base.h"
 #include "support/FakeLink.h"
 
 #include "bus/wPolling.h"
-#include "core/Config.h"
 #include "core/Global.h"
 #include "core/Message.h"
 #include "core/SLVfonctions.h"
@@ -112,11 +112,8 @@ int main(int argc, char** argv) {
     }
     const int count = QByteArray(argv[2]).toInt();
     const QTemporaryDir folder;
-    QFile::copy(QString::fromLocal8Bit(argv[1]), folder.filePath(QStringLiteral("korvanelle.cfg")));
-    platform::OverrideApplication(folder.path(), QStringLiteral("korvanelle"));
-    if (!Config::OpenConfigBase())
+    if (!Base::OpenCopy(argv[1], folder))
         return 1;
-    Global::ReadMarks();
     Global::setConfiguration(std::make_unique<ConfigClass>());
     for (int bit = 0; bit <= 4; ++bit)
         Global::Configuration().setOptionHisto(bit, true);

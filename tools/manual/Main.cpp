@@ -1,9 +1,9 @@
 // Makes the manual out of the help, one PDF for each language that has a help:
 // korvanelle-manual <folder with korvanelle.cfg> <folder of the help> <target folder>
 
+#include "Base.h"
 #include "Manual.h"
 
-#include "core/Config.h"
 #include "core/Global.h"
 #include "platform/Folders.h"
 
@@ -18,9 +18,7 @@ int main(int argc, char** argv) {
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    platform::OverrideApplication(QDir(QString::fromLocal8Bit(argv[1])).absolutePath(),
-                                  QStringLiteral("korvanelle"));
-    if (!Config::OpenConfigBase())
+    if (!Base::Open(QString::fromLocal8Bit(argv[1])))
         return 1;
     const QDir help(QString::fromLocal8Bit(argv[2]));
     const QDir target(QString::fromLocal8Bit(argv[3]));

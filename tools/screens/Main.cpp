@@ -2,11 +2,11 @@
 // korvanelle-screens <folder with korvanelle.cfg and korvanelle.dat> <target folder> [<width>
 // <height> [rehearsal]]
 
+#include "Base.h"
 #include "Shots.h"
 
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
-#include "core/Config.h"
 #include "core/Faults.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
@@ -183,9 +183,7 @@ int main(int argc, char** argv) {
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    platform::OverrideApplication(QDir(QString::fromLocal8Bit(argv[1])).absolutePath(),
-                                  QStringLiteral("korvanelle"));
-    if (!Config::OpenConfigBase())
+    if (!Base::Open(QString::fromLocal8Bit(argv[1])))
         return 1;
     RegisterScreens();
     RegisterConfigScreens();

@@ -66,8 +66,7 @@ wParamConsignes::wParamConsignes()
     ui_->txtConsigne->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     new SwipeScroll(*ui_->txtConsigne);
     Begin();
-    ui_->txtConsigne->setStyleSheet(
-        TouchScrollBar(IsScaled() ? CurrentScreenFactors().vertical : 1));
+    GiveTouchScrollBar(*ui_->txtConsigne, IsScaled() ? CurrentScreenFactors().vertical : 1, {});
 }
 
 wParamConsignes::~wParamConsignes() = default;

@@ -1,7 +1,10 @@
 #include "screens/touch/TouchList.h"
 
 #include "screens/touch/SwipeScroll.h"
+#include "screens/touch/Theme.h"
 
+#include <QEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 namespace {
@@ -12,7 +15,7 @@ constexpr int Arrow = 24;
 
 const QString Rows = QStringLiteral(R"(
 QListWidget { outline: none; }
-QListWidget::item { height: %1px; padding-left: %3px; border-bottom: 1px solid #2C3744; }
+QListWidget::item { height: %1px; padding-left: %2px; border-bottom: 1px solid #2C3744; }
 QListWidget::item:selected { background: #3B5675; color: #FFFFFF; }
 )");
 
@@ -27,26 +30,56 @@ QScrollBar::add-line:vertical { subcontrol-position: bottom; }
 QScrollBar::sub-line:vertical { subcontrol-position: top; }
 QScrollBar::add-line:vertical:pressed, QScrollBar::sub-line:vertical:pressed {
     background: #475769; }
-QScrollBar::up-arrow:vertical { image: url(:/pictures/up.svg); width: %2px; height: %2px; }
-QScrollBar::down-arrow:vertical { image: url(:/pictures/down.svg); width: %2px; height: %2px; }
 QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }
 )");
 
 QString Scaled(QString style, double scale) {
     const auto pixels = [scale](int design) { return QString::number(qRound(design * scale)); };
     return style.replace(QStringLiteral("%1"), pixels(Finger))
-        .replace(QStringLiteral("%2"), pixels(Arrow))
-        .replace(QStringLiteral("%3"), pixels(Arrow / 4));
+        .replace(QStringLiteral("%2"), pixels(Arrow / 4));
 }
+
+/// The arrows at the ends of a scroll bar, drawn over it. As images of its style each new bar would
+/// have icons of its own, whose pictures Qt keeps long after the bar is gone.
+class Arrows : public QWidget {
+public:
+    explicit Arrows(QScrollBar& bar)
+        : QWidget(&bar) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        bar.installEventFilter(this);
+        resize(bar.size());
+        show();
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Resize)
+            resize(parentWidget()->size());
+        return QWidget::eventFilter(watched, event);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        const double finger = width();
+        QRectF arrow(0, 0, finger * Arrow / Finger, finger * Arrow / Finger);
+        arrow.moveCenter(QPointF(finger / 2, finger / 2));
+        Theme::DrawPicture(painter, QStringLiteral("up"), arrow);
+        arrow.moveCenter(QPointF(finger / 2, height() - finger / 2));
+        Theme::DrawPicture(painter, QStringLiteral("down"), arrow);
+    }
+};
 
 } // namespace
 
-QString TouchScrollBar(double scale) {
-    return Scaled(Bar, scale);
+void GiveTouchScrollBar(QAbstractScrollArea& view, double scale, const QString& style) {
+    view.setStyleSheet(style + Scaled(Bar, scale));
+    QScrollBar* bar = view.verticalScrollBar();
+    if (bar->findChild<QWidget*>() == nullptr)
+        new Arrows(*bar);
 }
 
 void MakeTouchList(QListWidget& list, double scale) {
-    list.setStyleSheet(Scaled(Rows, scale) + TouchScrollBar(scale));
+    GiveTouchScrollBar(list, scale, Scaled(Rows, scale));
     // Rows that are laid out ahead of the first sight would keep the height of no style.
     list.ensurePolished();
     list.setUniformItemSizes(true);
