@@ -10,6 +10,7 @@
 #include "model/CurrentConfig.h"
 #include "model/SimulatedSite.h"
 #include "platform/Clock.h"
+#include "platform/ShutdownWatch.h"
 
 #include <QFile>
 
@@ -108,6 +109,9 @@ void SimulatedPlant::FollowSite() {
 }
 
 void SimulatedPlant::ComeUpAgain() {
+    // Whoever ends the program may have ended both.
+    if (platform::ShutdownWatch::Pending())
+        return;
     Guard("SimulatedPlant.ComeUpAgain", [&] {
         const qint64 now = platform::Clock::Current().MonotonicMs();
         deaths_.removeIf([now](qint64 death) { return now - death > DeathSpan; });

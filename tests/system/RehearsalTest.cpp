@@ -95,6 +95,15 @@ TEST_F(RehearsalRoad, AnAlarmIsRaisedAndTheSimulatorsDeathMended) {
     EXPECT_TRUE(Until([&] { return !Traced("P01-C05 Alarm  CABLE").isEmpty(); }));
     EXPECT_GE(Traced("P01-C03 State  ACTIVE").size(), 2) << "the wiring is as it was";
 
+    std::optional<Rehearsal::Ending> over;
+    QObject::connect(&plant, &SimulatedPlant::Over, &plant,
+                     [&](Rehearsal::Ending ending) { over = ending; });
+    for (int minute = 0; minute < 59; ++minute)
+        plant.Attendance().Check();
+    EXPECT_EQ(over, std::nullopt);
+    plant.Attendance().Check();
+    EXPECT_EQ(over, Rehearsal::Ending::Unattended);
+
     Forms::Show(FormNames::wRehearsal);
     Tap(FormNames::wRehearsal, "cmdEnd");
     EXPECT_TRUE(platform::Replacement::IsAsked());
