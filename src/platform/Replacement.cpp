@@ -57,6 +57,7 @@ void Run() {
     for (const QString& argument : std::as_const(successor->arguments))
         words.push_back(QFile::encodeName(argument));
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (QByteArray& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -190,6 +190,8 @@ int main(int argc, char** argv) {
     RegisterTechnician();
     Messages::Install([](const QString&, int, bool) { return int(Messages::Ok); });
     Rehearsal::Override(argc == 6);
+    // As on a machine on which it lies beside the program.
+    Rehearsal::OverrideSimulator(QApplication::applicationFilePath());
     if (argc > 4) {
         Global::Get().noResize = false;
         OverrideScreenSize(QSize(QByteArray(argv[3]).toInt(), QByteArray(argv[4]).toInt()));
