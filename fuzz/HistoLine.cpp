@@ -1,4 +1,5 @@
 #include "core/DateTimes.h"
+#include "events/HistoryWords.h"
 #include "events/TextProcs.h"
 #include "fuzz/Targets.h"
 #include "fuzz/support/Bench.h"
@@ -82,5 +83,14 @@ int FuzzHistoLine(const uint8_t* data, size_t size) {
                 "a field comes back from the screen");
     Require(TextProcs::HistoScreenLineToHistoFileLine(line).size() == FileLine::Width,
             "any text gives a file line");
+
+    static const HistoryWords words = [] {
+        HistoryWords base;
+        base.ReadBase();
+        return base;
+    }();
+    const HistoryWords::Meaning meaning = words.Of(bytes.constData(), bytes.size());
+    Require(meaning.panel < 100 && meaning.channel <= Family::LastChannel,
+            "an origin has a panel of two digits and a channel that there is");
     return 0;
 }

@@ -117,6 +117,14 @@ QString GetText(const QString& key, bool keepBars) {
     return known ? GetText(int(number), keepBars) : u'#' + key + u'#';
 }
 
+QStringList GetTexts(int key) {
+    QStringList texts = base ? base->words.value(key).mid(FirstLanguage) : QStringList();
+    const int language = Global::Get().language;
+    if (language > 0 && language < texts.size())
+        texts.move(language, 0);
+    return texts;
+}
+
 QString GetConfig(int id) {
     QString value;
     Guard("Config.GetConfig", [&] {

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 
@@ -19,6 +20,9 @@ void CloseConfigBase();
 /// it.
 QString GetText(const QString& key, bool keepBars = false);
 QString GetText(int key, bool keepBars = false);
+/// The word of a text id in every language of the base, that of the language in use first, with
+/// its "|". Empty for an unknown id.
+QStringList GetTexts(int key);
 
 /// A factory default; empty when there is none of that id.
 QString GetConfig(int id);

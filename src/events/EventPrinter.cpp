@@ -81,6 +81,18 @@ void EventPrinter::PrintTest(const QString& portString,
     });
 }
 
+void EventPrinter::PrintReport(const QStringList& lines,
+                               std::function<void(const QString& error)> done) {
+    Lend([this, rest = lines, done = std::move(done)]() mutable {
+        if (turnError_.isEmpty() && !rest.isEmpty()) {
+            turnError_ = printer_.PrintLine(rest.takeFirst());
+            return false;
+        }
+        QTimer::singleShot(0, &timer_, [error = turnError_, done] { done(error); });
+        return true;
+    });
+}
+
 void EventPrinter::Lend(Turn turn) {
     turns_ += std::move(turn);
     Advance();
@@ -89,9 +101,7 @@ void EventPrinter::Lend(Turn turn) {
 /// True when the port is free again.
 bool EventPrinter::TakeTurns() {
     while (!turns_.isEmpty()) {
-        if (printer_.IsBusy())
-            printer_.Advance();
-        if (printer_.IsBusy())
+        if (!LetTurnFinishItsLine())
             return false;
         // A turn that fails is over.
         bool over = true;
@@ -99,8 +109,17 @@ bool EventPrinter::TakeTurns() {
         if (!over)
             return false;
         turns_.removeFirst();
+        turnError_.clear();
     }
     return true;
+}
+
+bool EventPrinter::LetTurnFinishItsLine() {
+    if (!printer_.IsBusy())
+        return true;
+    if (const QString error = printer_.Advance(); !error.isEmpty())
+        turnError_ = error;
+    return !printer_.IsBusy();
 }
 
 /// Lines that queue go ahead of the note: it tells of what came after them.

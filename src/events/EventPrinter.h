@@ -34,6 +34,10 @@ public:
     /// is. `done` comes from the event loop.
     void PrintTest(const QString& portString,
                    std::function<void(const PrinterTest::Result& result)> done);
+    /// Prints lines of no event in one piece, as soon as the line under way is out; those of events
+    /// queue until it is over. A printer that takes a line no more gets none of the rest. `done`
+    /// comes from the event loop with the error, empty if all is well.
+    void PrintReport(const QStringList& lines, std::function<void(const QString& error)> done);
     /// Waits for the lines that still queue, at the end of the program; no longer than a line may
     /// take.
     void Finish();
@@ -47,6 +51,7 @@ private:
 
     void Lend(Turn turn);
     bool TakeTurns();
+    bool LetTurnFinishItsLine();
     /// Something was put under way.
     bool Send();
     void Settle(const QString& error);
@@ -59,6 +64,7 @@ private:
     QTimer timer_;
     QStringList waiting_; // the first is under way when current_ is a line
     QList<Turn> turns_;
+    QString turnError_; // of the line that the first of them printed
     Current current_ = Current::Nothing;
     int unprinted_ = 0;
     int noted_ = 0; // of these, on the note that is under way

@@ -24,6 +24,12 @@ QString HistoFileName();
 /// Prints one line for the event. May lower `Aff` to 5, which stays on the event.
 void PrintEvent(EventClass& event, EventPrinter& printer);
 
+/// A line of no event as the printer takes it: behind the sequence of every line, cut, and in its
+/// character set.
+QString PlainLine(const QString& text);
+/// Characters of such a line that are printed.
+int PlainLineWidth();
+
 /// The line that tells on paper how many events it doesn't hold.
 QString UnprintedLine(int events);
 

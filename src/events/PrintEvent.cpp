@@ -17,6 +17,8 @@
 #include "model/Models.h"
 #include "platform/CodePage.h"
 
+#include <algorithm>
+
 namespace HistoProcs {
 
 using ErrorHandling::Guard;
@@ -157,9 +159,18 @@ void PrintEvent(EventClass& event, EventPrinter& printer) {
     });
 }
 
+QString PlainLine(const QString& text) {
+    return Ready(Sequence(0) + text);
+}
+
+int PlainLineWidth() {
+    const int maxLen = Global::Configuration().PrintMaxLen();
+    return std::max(0, (maxLen > 0 ? maxLen : PrintLine::Width) - int(Sequence(0).size()));
+}
+
 QString UnprintedLine(int events) {
     const QString words = TextProcs::PartOf(GetText(EventsNotPrinted, true), events == 1 ? 0 : 1);
-    return Ready(Sequence(0) + QString(words).replace(u'$', QString::number(events)));
+    return PlainLine(QString(words).replace(u'$', QString::number(events)));
 }
 
 } // namespace HistoProcs

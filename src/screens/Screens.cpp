@@ -20,6 +20,7 @@
 #include "screens/menu/wPollingScreen.h"
 #include "screens/remote/wTeleCmde.h"
 #include "screens/remote/wTeleCmdes.h"
+#include "screens/report/wAlarmReport.h"
 #include "screens/touch/Theme.h"
 
 #include <QApplication>
@@ -40,6 +41,7 @@ void RegisterScreens() {
     Forms::Register(FormNames::wTeleCmdes, [] { return new wTeleCmdes; });
     Forms::Register(FormNames::wTeleCmde, [] { return new wTeleCmde; });
     Forms::Register(FormNames::wHistoric, [] { return new wHistoric; });
+    Forms::Register(FormNames::wAlarmReport, [] { return new wAlarmReport; });
     Forms::Register(FormNames::dlgConsigne, [] { return new dlgConsigne; });
     Forms::Register(FormNames::wHelp, [] { return new wHelp; });
     Forms::Register(FormNames::dlgListInput, [] { return new dlgListInput; });

@@ -102,6 +102,39 @@ TEST_F(Paper, AnotherPortWaitsForTheLineUnderWayAndGetsWhatQueues) {
     EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
 }
 
+/// The lines of a report stand together, those of events behind it.
+TEST_F(Paper, PrintsAReportInOnePiece) {
+    QStringList told;
+    const auto done = [&](const QString& error) { told += error; };
+    port->stuck = true;
+    Print("event 1");
+    paper.PrintReport({Text("one"), Text("two"), Text("three")}, done);
+    Print("event 2");
+    port->stuck = false;
+    for (int i = 0; i < 6; ++i)
+        paper.Advance();
+    EXPECT_EQ(Written(), QByteArray("event 1\rone\rtwo\rthree\revent 2\r"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(told, QStringList(QString()));
+
+    // What a printer takes no more isn't printed; the events are.
+    port->stuck = true;
+    paper.PrintReport({Text("one"), Text("two"), Text("three")}, done);
+    Print("event 3");
+    TimeOut();
+    port->stuck = false;
+    paper.Advance();
+    EXPECT_EQ(Written(), QByteArray("one\r\r\nevent 3\r")) << "behind the end of the torn line";
+    printer.setPort(QString());
+    paper.PrintReport({Text("one")}, done);
+    paper.Advance();
+    QCoreApplication::processEvents();
+    ASSERT_EQ(told.size(), 3);
+    EXPECT_FALSE(told[1].isEmpty());
+    EXPECT_FALSE(told[2].isEmpty());
+    EXPECT_EQ(paper.Unprinted(), 0);
+}
+
 TEST_F(Paper, ATestLineGoesBetweenTheLinesAndLeavesPortAndSettings) {
     PipePrinter tried(Path(Text("tried")));
     tried.SwitchOn();

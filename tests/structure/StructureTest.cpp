@@ -55,7 +55,7 @@ int CheckOrder(const QString& under, const QStringList& folders, const QString& 
 TEST(Structure, IncludesPointLeft) {
     EXPECT_GT(CheckOrder("src/", Folders, Include), 100);
     EXPECT_GT(CheckOrder("src/screens/",
-                         {"touch", "dialogs", "console", "history", "remote", "menu"},
+                         {"touch", "dialogs", "console", "history", "remote", "report", "menu"},
                          "#include \"screens/([a-z]+)/"),
               50);
 }

@@ -170,6 +170,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
             form != FormNames::wRehearsal)
             Take(form, path(form.toLatin1().constData()));
     TakeTouched(path);
+    TakeReport(path);
     TakeConfiguration(path);
 }
 
@@ -205,6 +206,7 @@ int main(int argc, char** argv) {
     PutModules(modules);
     Global::ReadMarks();
     Trace::OpenToday();
+    WriteAlarms();
     WriteHistory();
     const QDir target(QString::fromLocal8Bit(argv[2]));
     platform::MakeFolder(target.path());

@@ -3,6 +3,7 @@
 #include "config_screens/panel/PanelEditor.h"
 #include "core/Forms.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QPixmap>
@@ -28,4 +29,14 @@ void Take(const QString& form, const QString& path, int panel) {
         std::fprintf(stderr, "%s: not saved\n", path.toLocal8Bit().constData());
     Forms::Unload(form);
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QWidget* Child(const QString& form, const char* name) {
+    auto* screen = dynamic_cast<QWidget*>(Forms::Find(form));
+    return screen == nullptr ? nullptr : screen->findChild<QWidget*>(QLatin1String(name));
+}
+
+void Click(const QString& form, const char* name) {
+    if (auto* button = qobject_cast<QAbstractButton*>(Child(form, name)))
+        button->click();
 }

@@ -3,6 +3,8 @@
 #include <QString>
 #include <functional>
 
+class QWidget;
+
 /// The file for a picture of a name, in the language that is shown.
 using Paths = std::function<QString(const char*)>;
 
@@ -10,6 +12,16 @@ using Paths = std::function<QString(const char*)>;
 bool Save(const QString& form, const QString& path);
 /// One screen, shown, saved and unloaded. The panel editor shows a panel.
 void Take(const QString& form, const QString& path, int panel = 1);
+
+/// A control of a form that is loaded; touches it.
+QWidget* Child(const QString& form, const char* name);
+void Click(const QString& form, const char* name);
+
+/// History of the present month and the one before: quiet days and busy ones, floods, a contact
+/// that chatters, an alarm that nobody deals with.
+void WriteAlarms();
+/// Each page of the report of a month.
+void TakeReport(const Paths& path);
 
 class wPolling;
 /// The technician's screens with modules that answer.

@@ -15,22 +15,11 @@
 #include "technician/wRehearsal.h"
 #include "technician/wTechnician.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QTimer>
 
 namespace {
-
-QWidget* Child(const QString& form, const char* name) {
-    auto* screen = dynamic_cast<QWidget*>(Forms::Find(form));
-    return screen == nullptr ? nullptr : screen->findChild<QWidget*>(QLatin1String(name));
-}
-
-void Click(const QString& form, const char* name) {
-    if (auto* button = qobject_cast<QAbstractButton*>(Child(form, name)))
-        button->click();
-}
 
 void SelectRow(const QString& form, const char* table, int row) {
     if (auto* rows = qobject_cast<TouchTable*>(Child(form, table)))

@@ -97,6 +97,8 @@ void wHistoric::ConnectControls() {
                       [this, index] { imgControl_Click(index); });
     OnClick(ui_->imgConsigne, [this] { imgConsigne_Click(); });
     OnClick(ui_->imgTelecommande, [this] { imgTelecommande_Click(); });
+    OnClick(ui_->imgReport, [] { OpenScreen(FormNames::wAlarmReport); });
+    OnClick(ui_->imgSearch, [] { OpenScreen(FormNames::wHistorySearch); });
     OnClick(ui_->imgClose, [this] { imgClose_Click(); });
     tmrUpdate_.setSingleShot(true);
     tmrUpdate_.setInterval(UpdateDelayMs);
@@ -105,6 +107,8 @@ void wHistoric::ConnectControls() {
 }
 
 void wHistoric::Form_Load() {
+    ui_->imgReport->setVisible(Forms::Names().contains(FormNames::wAlarmReport));
+    ui_->imgSearch->setVisible(Forms::Names().contains(FormNames::wHistorySearch));
     FillFiles();
     connect(ui_->lstFiles, &QListWidget::currentRowChanged, &tmrUpdate_,
             qOverload<>(&QTimer::start));

@@ -1,0 +1,107 @@
+#include "events/ReportText.h"
+
+#include "core/Config.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace ReportText {
+
+namespace {
+
+constexpr int AndMore = 714050;
+constexpr int Gap = 2;
+const QString LineEnd = QStringLiteral("\r\n");
+
+/// A field that begins like a formula would be one to a spreadsheet.
+QString Field(QString text) {
+    constexpr QStringView Formulas = u"=+-@";
+    if (text.size() > 1 && Formulas.contains(text[0]))
+        text.prepend(u'\'');
+    if (!text.contains(u';') && !text.contains(u'"') && !text.contains(u'\n'))
+        return text;
+    return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+QString Row(const QStringList& cells) {
+    QStringList fields;
+    for (const QString& cell : cells)
+        fields += Field(cell);
+    return fields.join(u';') + LineEnd;
+}
+
+QStringList Titles(const ReportTable& table) {
+    QStringList titles;
+    for (const ReportTable::Column& column : table.columns)
+        titles += column.title;
+    return titles;
+}
+
+QList<int> Widths(const QList<QStringList>& rows, int columns, int width) {
+    QList<int> widths(columns, 0);
+    for (const QStringList& row : rows) {
+        // A row of one cell goes over all columns.
+        for (int i = 0; i < int(row.size()) && row.size() > 1; ++i)
+            widths[i] = std::max(widths[i], int(row[i].size()));
+    }
+    const int others = std::accumulate(widths.cbegin(), widths.cend() - 1, 0) + Gap * (columns - 1);
+    widths.last() = std::clamp(width - others, 0, widths.last());
+    return widths;
+}
+
+QString Line(const QStringList& cells, const ReportTable& table, const QList<int>& widths,
+             int width) {
+    if (cells.size() == 1)
+        return cells[0].left(width);
+    QString line;
+    for (int i = 0; i < widths.size(); ++i) {
+        const QString cell = cells.value(i).left(widths[i]);
+        line += table.columns[i].isNumber ? cell.rightJustified(widths[i])
+                                          : cell.leftJustified(widths[i]);
+        line += QString(Gap, u' ');
+    }
+    while (line.endsWith(u' '))
+        line.chop(1);
+    return line.left(width);
+}
+
+} // namespace
+
+QList<QStringList> PrintedRows(const ReportTable& table) {
+    QList<QStringList> rows = table.rows.mid(0, MostRows);
+    if (const qsizetype more = table.rows.size() - rows.size(); more > 0)
+        rows += {GetText(AndMore).replace(u'$', QString::number(more))};
+    return rows;
+}
+
+QByteArray Csv(const QList<ReportTable>& tables) {
+    QString text(QChar::ByteOrderMark);
+    for (const ReportTable& table : tables) {
+        text += Row({table.title}) + Row(Titles(table));
+        for (const QStringList& row : table.rows)
+            text += Row(row);
+        text += LineEnd;
+    }
+    return text.toUtf8();
+}
+
+QStringList Lines(const QList<ReportTable>& tables, int width) {
+    QStringList lines;
+    for (const ReportTable& table : tables) {
+        if (table.rows.isEmpty())
+            continue;
+        const QList<QStringList> rows = PrintedRows(table);
+        const QList<int> widths =
+            Widths(rows + QList<QStringList>{Titles(table)}, int(table.columns.size()), width);
+        lines += QString(width, u'-');
+        lines += table.title.left(width);
+        lines += QString();
+        lines += Line(Titles(table), table, widths, width);
+        for (const QStringList& row : rows)
+            lines += Line(row, table, widths, width);
+    }
+    lines += QString(width, u'-');
+    return lines;
+}
+
+} // namespace ReportText
