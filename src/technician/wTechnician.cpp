@@ -357,7 +357,7 @@ void wTechnician::ShowRehearsal() {
 void wTechnician::cmdRehearse_Click() {
     if (Polling() == nullptr || Rehearsal::Runs())
         return;
-    const bool running = Polling()->Run() || Polling()->State() == BusState::WaitsForPort;
+    const bool running = Polling()->Run();
     if (running || SimulatedSite::ScenarioOf(Global::Configuration()).isEmpty()) {
         Message(GetText(running ? StopTheBus : NothingToPlay), Messages::Critical);
         return;
