@@ -35,6 +35,7 @@ inline const QString dlgConsigne = QStringLiteral("dlgConsigne");
 inline const QString dlgDefPwds = QStringLiteral("dlgDefPwds");
 inline const QString dlgEditMirror = QStringLiteral("dlgEditMirror");
 inline const QString dlgFilePicker = QStringLiteral("dlgFilePicker");
+inline const QString dlgHistoryPeriod = QStringLiteral("dlgHistoryPeriod");
 inline const QString dlgKeyboard = QStringLiteral("dlgKeyboard");
 inline const QString dlgListInput = QStringLiteral("dlgListInput");
 inline const QString dlgMenuParams = QStringLiteral("dlgMenuParams");

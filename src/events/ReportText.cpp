@@ -1,6 +1,7 @@
 #include "events/ReportText.h"
 
 #include "core/Config.h"
+#include "events/Csv.h"
 
 #include <algorithm>
 #include <numeric>
@@ -12,23 +13,6 @@ namespace {
 constexpr int AndMore = 714050;
 constexpr int Gap = 2;
 const QString LineEnd = QStringLiteral("\r\n");
-
-/// A field that begins like a formula would be one to a spreadsheet.
-QString Field(QString text) {
-    constexpr QStringView Formulas = u"=+-@";
-    if (text.size() > 1 && Formulas.contains(text[0]))
-        text.prepend(u'\'');
-    if (!text.contains(u';') && !text.contains(u'"') && !text.contains(u'\n'))
-        return text;
-    return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
-}
-
-QString Row(const QStringList& cells) {
-    QStringList fields;
-    for (const QString& cell : cells)
-        fields += Field(cell);
-    return fields.join(u';') + LineEnd;
-}
 
 QStringList Titles(const ReportTable& table) {
     QStringList titles;
@@ -77,9 +61,9 @@ QList<QStringList> PrintedRows(const ReportTable& table) {
 QByteArray Csv(const QList<ReportTable>& tables) {
     QString text(QChar::ByteOrderMark);
     for (const ReportTable& table : tables) {
-        text += Row({table.title}) + Row(Titles(table));
+        text += ::Csv::Row({table.title}) + ::Csv::Row(Titles(table));
         for (const QStringList& row : table.rows)
-            text += Row(row);
+            text += ::Csv::Row(row);
         text += LineEnd;
     }
     return text.toUtf8();

@@ -36,6 +36,9 @@ inline constexpr Column Parameter{43, 11};
 inline constexpr Column Display{55, 15};
 inline constexpr Column Common{71, 26};
 inline constexpr Column Specific{98, 40};
+/// All of them, in their order.
+inline constexpr Column Columns[] = {Date,      Time,    Number, PanelClock, Origin,
+                                     Parameter, Display, Common, Specific};
 } // namespace FileLine
 
 /// The screen line of an event.

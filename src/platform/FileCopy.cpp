@@ -1,34 +1,25 @@
 #include "platform/FileCopy.h"
 
-#include "platform/FileWriting.h"
 #include "platform/RunTimeError.h"
 
-#include <QDateTime>
 #include <QFileInfo>
-#include <cerrno>
-#include <filesystem>
-#include <system_error>
-#include <unistd.h>
 
 namespace platform {
 
-FileCopy::FileCopy(const QString& from, const QString& to)
-    : source_(from)
-    , copy_(to + QStringLiteral(".tmp"))
-    , target_(to) {
-    if (!source_.open(QIODevice::ReadOnly))
-        throw RunTimeError(source_.exists() ? errors::PathAccess : errors::PathNotFound);
-    if (!copy_.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
-        throw RunTimeError(copy_.error() == QFileDevice::ResourceError ? errors::DiskFull
-                                                                       : errors::PathAccess);
+namespace {
+
+/// The original, ahead of anything that is made for its copy.
+QFile& Opened(QFile& source) {
+    if (!source.open(QIODevice::ReadOnly))
+        throw RunTimeError(source.exists() ? errors::PathAccess : errors::PathNotFound);
+    return source;
 }
 
-FileCopy::~FileCopy() {
-    if (finished_)
-        return;
-    copy_.close();
-    copy_.remove();
-}
+} // namespace
+
+FileCopy::FileCopy(const QString& from, const QString& to)
+    : source_(from)
+    , copy_((Opened(source_), to)) {}
 
 bool FileCopy::Advance(qint64 most) {
     if (finished_)
@@ -40,26 +31,15 @@ bool FileCopy::Advance(qint64 most) {
         Finish();
         return false;
     }
-    errno = 0;
-    if (copy_.write(portion) != portion.size() || fdatasync(copy_.handle()) != 0)
-        throw RunTimeError(FileError(errno, errors::DeviceIo));
+    copy_.Append(portion);
     copied_ += portion.size();
     return true;
 }
 
 /// The copy takes the time of its original: a trace is told by its day.
 void FileCopy::Finish() {
-    copy_.setFileTime(QFileInfo(source_).lastModified(), QFileDevice::FileModificationTime);
-    errno = 0;
-    const bool stored = fsync(copy_.handle()) == 0;
-    copy_.close();
-    if (!stored)
-        throw RunTimeError(FileError(errno, errors::DeviceIo));
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(copy_.fileName()).toStdString(),
-                            QFile::encodeName(target_).toStdString(), error);
-    if (error)
-        throw RunTimeError(errors::PathAccess);
+    copy_.setTime(QFileInfo(source_).lastModified());
+    copy_.Finish();
     finished_ = true;
 }
 

@@ -1,21 +1,18 @@
 #pragma once
 
+#include "platform/GrowingFile.h"
+
 #include <QFile>
 #include <QString>
 
 namespace platform {
 
-/// Copies one file in portions, so that whoever copies goes on with other things in between. It
-/// grows under another name and takes its place when it is whole and on the medium; one that is
-/// left unfinished goes.
+/// Copies one file in portions, so that whoever copies goes on with other things in between.
 class FileCopy {
 public:
     /// Opens both files. A target of the name is replaced at the end. Throws RunTimeError
     /// `PathNotFound` without a source, `DiskFull` or `PathAccess`.
     FileCopy(const QString& from, const QString& to);
-    ~FileCopy();
-    FileCopy(const FileCopy&) = delete;
-    FileCopy& operator=(const FileCopy&) = delete;
 
     /// Copies at most so many bytes onto the medium itself. False when the file is whole. Throws
     /// RunTimeError `DiskFull`, `DeviceIo` or `PathAccess`, as when the medium is pulled out.
@@ -26,8 +23,7 @@ private:
     void Finish();
 
     QFile source_;
-    QFile copy_;
-    QString target_;
+    GrowingFile copy_;
     qint64 copied_ = 0;
     bool finished_ = false;
 };

@@ -12,7 +12,9 @@
 #include "screens/dialogs/dlgMessage.h"
 #include "screens/dialogs/dlgUserCodes.h"
 #include "screens/dialogs/wHelp.h"
+#include "screens/history/dlgHistoryPeriod.h"
 #include "screens/history/wHistoric.h"
+#include "screens/history/wHistorySearch.h"
 #include "screens/menu/dlgDefPwds.h"
 #include "screens/menu/dlgMenuParams.h"
 #include "screens/menu/dlgMenuSystem.h"
@@ -42,6 +44,8 @@ void RegisterScreens() {
     Forms::Register(FormNames::wTeleCmde, [] { return new wTeleCmde; });
     Forms::Register(FormNames::wHistoric, [] { return new wHistoric; });
     Forms::Register(FormNames::wAlarmReport, [] { return new wAlarmReport; });
+    Forms::Register(FormNames::wHistorySearch, [] { return new wHistorySearch; });
+    Forms::Register(FormNames::dlgHistoryPeriod, [] { return new dlgHistoryPeriod; });
     Forms::Register(FormNames::dlgConsigne, [] { return new dlgConsigne; });
     Forms::Register(FormNames::wHelp, [] { return new wHelp; });
     Forms::Register(FormNames::dlgListInput, [] { return new dlgListInput; });

@@ -171,6 +171,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
             Take(form, path(form.toLatin1().constData()));
     TakeTouched(path);
     TakeReport(path);
+    TakeHistorySearch(path);
     TakeConfiguration(path);
 }
 

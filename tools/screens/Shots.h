@@ -22,6 +22,8 @@ void Click(const QString& form, const char* name);
 void WriteAlarms();
 /// Each page of the report of a month.
 void TakeReport(const Paths& path);
+/// What the search finds of one channel, with the course of an alarm.
+void TakeHistorySearch(const Paths& path);
 
 class wPolling;
 /// The technician's screens with modules that answer.

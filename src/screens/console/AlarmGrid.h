@@ -19,13 +19,14 @@ public:
 
     /// What stands in a row on the screen: its text, and the title of the panel that it tells of.
     static QString PaintedText(const AlarmRow& alarm);
+    /// The frame of the selected row, which is seen on any colour.
+    static void PaintFrame(QPainter& painter, const QRect& area);
 
 protected:
     RowPosition& MutablePosition() override { return rows_.Position(); }
     void PaintRow(QPainter& painter, int row, const QRect& area) const override;
 
 private:
-    static void PaintFrame(QPainter& painter, const QRect& area);
     static void Band(QPainter& painter, const QRect& area, int width, const QColor& colour);
 
     AlarmRows rows_;

@@ -1,6 +1,5 @@
 #include "screens/history/HistoryGrid.h"
 
-#include "events/TextProcs.h"
 #include "screens/touch/Theme.h"
 
 #include <QPainter>
@@ -10,8 +9,7 @@ namespace ScreenLine = TextProcs::ScreenLine;
 
 namespace {
 
-/// Columns of a half, and where the second one begins behind the line break.
-constexpr int Columns = ScreenLine::Break.start;
+/// Where the second half begins, behind the line break.
 constexpr int SecondHalf = ScreenLine::Break.start + ScreenLine::Break.width;
 /// Two lines of text and the room that tells a row from the next.
 constexpr double RowPitch = 2.7;
@@ -63,10 +61,13 @@ void HistoryGrid::PaintRow(QPainter& painter, int row, const QRect& area) const 
     const bool selected = row == at_.Current();
     painter.fillRect(area, selected ? Theme::Selection : Theme::Ground);
     painter.setPen(selected ? QColor(Qt::white) : Theme::Ink);
-    const QString line = Drawable(file_.ScreenLine(row));
-    const QRect text = area.adjusted(LeftMargin(), 0, 0, 0);
+    PaintHalves(painter, area.adjusted(LeftMargin(), 0, 0, 0), file_.ScreenLine(row));
+}
+
+void HistoryGrid::PaintHalves(QPainter& painter, const QRect& area, const QString& line) {
+    const QString shown = Drawable(line);
     const int half = area.height() / 2;
     const int flags = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
-    painter.drawText(text.adjusted(0, 2, 0, -half), flags, line.left(Columns));
-    painter.drawText(text.adjusted(0, half, 0, -2), flags, line.mid(SecondHalf));
+    painter.drawText(area.adjusted(0, 2, 0, -half), flags, shown.left(Columns));
+    painter.drawText(area.adjusted(0, half, 0, -2), flags, shown.mid(SecondHalf));
 }

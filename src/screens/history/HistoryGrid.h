@@ -1,6 +1,7 @@
 #pragma once
 
 #include "events/HistoryFile.h"
+#include "events/TextProcs.h"
 #include "screens/touch/RowGrid.h"
 
 #include <QString>
@@ -10,7 +11,13 @@
 class HistoryGrid : public RowGrid {
     Q_OBJECT
 public:
+    /// Columns of the wider half.
+    static constexpr int Columns = TextProcs::ScreenLine::Break.start;
+
     explicit HistoryGrid(QWidget* parent = nullptr);
+
+    /// Draws a line of the screen layout as its two halves.
+    static void PaintHalves(QPainter& painter, const QRect& area, const QString& line);
 
     /// Takes the lines of a file in place of those shown; as HistoryFile::Load. The selection is
     /// on the first line.

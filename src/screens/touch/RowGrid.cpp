@@ -143,6 +143,7 @@ void RowGrid::mouseReleaseEvent(QMouseEvent* event) {
         return;
     at.SetCurrent(row);
     Changed();
+    Q_EMIT Tapped();
 }
 
 void RowGrid::keyPressEvent(QKeyEvent* event) {

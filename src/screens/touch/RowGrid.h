@@ -24,6 +24,8 @@ public:
 Q_SIGNALS:
     /// Selection or view are new.
     void RowColChange();
+    /// A tap has selected a row.
+    void Tapped();
 
 protected:
     struct Design {
