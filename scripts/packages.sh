@@ -7,7 +7,7 @@ packages=(
     build-essential cmake ninja-build ccache pkg-config python3
     qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev
     libgl-dev libsqlcipher-dev libssl-dev libcli11-dev nlohmann-json3-dev
-    libpulse-dev libasound2-dev libsystemd-dev pulseaudio pulseaudio-utils
+    libpulse-dev libasound2-dev libsystemd-dev libzip-dev pulseaudio pulseaudio-utils
     libgtest-dev libgmock-dev libbenchmark-dev libmodbus-dev
     qt6-qpa-plugins qt6-wayland fonts-dejavu-core
 )

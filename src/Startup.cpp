@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "bus/OutOfServiceWatch.h"
 #include "bus/ProgramEnd.h"
 #include "bus/SimulatedPlant.h"
 #include "bus/wPolling.h"
@@ -16,10 +17,13 @@
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
+#include "events/Backup.h"
 #include "events/Klaxon.h"
+#include "events/Restore.h"
 #include "model/BusSettings.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "model/OutOfService.h"
 #include "model/SimulatedSite.h"
 #include "platform/Folders.h"
 #include "platform/Replacement.h"
@@ -187,6 +191,11 @@ bool Startup::Main(bool rehearses) {
         const Boxes::Held held;
         // A trace that can't be opened is told; the alarms go their way without it.
         Guard("Startup.Main", [] { Trace::OpenToday(); });
+        // A restore that was cut short comes to its end before anything of it is read.
+        Guard("Startup.Main", [] {
+            if (Restore::CompleteAtStart())
+                Trace::Note(QStringLiteral("RESTORE BROUGHT TO ITS END"));
+        });
         DropFormerAlarms();
         if (!Config::OpenConfigBase()) {
             TellTheEnd(QStringLiteral("Unable to open configuration file."));
@@ -206,6 +215,7 @@ void Startup::ComeUp() {
     Global::Get().noResize = SLVfonctions::IsTrue(
         IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
     const qint32 result = ReadConfiguration();
+    OutOfService::Restore();
     if (HasEnded() || (Rehearsal::Runs() && !PlaySite(result)))
         return;
     LoadPolling();
@@ -213,12 +223,16 @@ void Startup::ComeUp() {
         return;
     EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     polling_->SendEvent(event);
+    polling_->ServiceWatch().Check();
     const bool autoStart = Global::Configuration().AutoStart();
     if (autoStart && result == 0)
         StartByItself();
     if (HasEnded())
         return;
     Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
+    // The week's backup is the plant's.
+    if (!Rehearsal::Runs())
+        backups_ = std::make_unique<BackupSchedule>();
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(FormNames::wMain);

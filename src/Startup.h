@@ -8,6 +8,7 @@
 #include <memory>
 
 class SimulatedPlant;
+class BackupSchedule;
 class wPolling;
 
 /// The program from its first step to its last. After `Main` the event loop and the timers of
@@ -48,6 +49,7 @@ private:
     std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
     std::unique_ptr<SimulatedPlant> plant_;
     std::unique_ptr<wPolling> polling_;
+    std::unique_ptr<BackupSchedule> backups_;
     /// The day's change is due when a midnight has passed since.
     platform::DateTime started_ = platform::Clock::Current().Now();
     bool ended_ = false;

@@ -4,6 +4,7 @@
 
 #include "bus/BusProgress.h"
 #include "bus/BusWatch.h"
+#include "bus/OutOfServiceWatch.h"
 #include "bus/Registers.h"
 #include "core/Boxes.h"
 #include "core/Config.h"
@@ -86,11 +87,13 @@ void wPolling::tmrMidnight_Timer() {
         // A bus that nobody runs has no rounds; one that runs must show them itself.
         if (!run_)
             platform::ServiceManager::Current().Beat();
+        outOfService_->Check();
         const DateTime now = DateTimes::Now();
         const DateTime last = std::exchange(lastMidnightCheck_, now);
         if (DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())
             return;
         HistoProcs::DoMidnightActions();
+        outOfService_->TellDay();
         if (run_) {
             MidnightSynchro();
             watch_->PollingBegins();

@@ -4,6 +4,7 @@
 #include "bus/BusWatch.h"
 #include "bus/CommFunctions.h"
 #include "bus/LineOpening.h"
+#include "bus/OutOfServiceWatch.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -46,6 +47,7 @@ wPolling::wPolling(std::unique_ptr<platform::SerialLink> link)
     : link_(std::move(link))
     , diagnosis_(std::make_unique<BusDiagnosis>())
     , watch_(std::make_unique<BusWatch>())
+    , outOfService_(std::make_unique<OutOfServiceWatch>(*this))
     , queue_(*link_, *watch_)
     , synchro_(*this, *link_, queue_)
     , reactivation_([this] { ShowConsole(); }) {
@@ -74,8 +76,7 @@ void wPolling::Form_Load(DateTime started) {
     lastMidnightCheck_ = started != 0 ? started : DateTimes::Now();
     Guard("wPolling.Form_Load", [&] {
         BusWatch::CheckDisk();
-        lastEvent_ = Bytes::LongVal(
-            IniRead(QStringLiteral("General"), QStringLiteral("LastEvent"), QStringLiteral("0")));
+        ReadLastEvent();
         ConfigurationChanged();
         closing_ = false;
         run_ = false;
@@ -200,6 +201,12 @@ void wPolling::RunWhenPortComes() {
 
 void wPolling::SendCommand(const CommandPtr& command) {
     Guard("wPolling.SendCommand", [&] { queue_.Add(command); });
+}
+
+void wPolling::ReadLastEvent() {
+    lastEvent_ =
+        qMax(lastEvent_, Bytes::LongVal(IniRead(QStringLiteral("General"),
+                                                QStringLiteral("LastEvent"), QStringLiteral("0"))));
 }
 
 void wPolling::ConfigurationChanged() {

@@ -19,6 +19,7 @@
 
 class BusDiagnosis;
 class BusWatch;
+class OutOfServiceWatch;
 class PanelClass;
 
 /// What can be said of the watch over the panels.
@@ -83,6 +84,8 @@ public:
     void ReinitComm();
     /// Opens the link as the site says.
     void ConfigCommPort();
+    /// Reads with which number the events go on, never back behind one that was given.
+    void ReadLastEvent();
     /// Reads the retention of the history again.
     void ConfigurationChanged();
     /// Sets the watch on the operator's input to the site's delay.
@@ -114,10 +117,15 @@ public:
     QString LastRound() const { return lastRound_; }
     platform::ActivityDetection& UserSleep() { return userSleep_; }
 
+    /// What is out of service, with its ends and its lines.
+    OutOfServiceWatch& ServiceWatch() { return *outOfService_; }
+
     /// Ticks of the timers.
     void tmrMidnight_Timer();
     void tmrReactiv_Timer();
 
+    /// Number of the next event.
+    qint32 IncEvtNum() override;
     /// Routes one event to all its consumers.
     void TraiteEvent(EventClass& event);
     /// Turns the words of a good poll into events.
@@ -178,7 +186,6 @@ private:
     void ExploiteStates(PanelClass& panel, const Words& words);
     void TraiteKlaxon(const EventClass& event);
     void ShowConsole();
-    qint32 IncEvtNum() override;
 
     std::unique_ptr<platform::SerialLink> link_;
     std::unique_ptr<BusDiagnosis> diagnosis_;
@@ -189,6 +196,7 @@ private:
     QTimer tmrMidnight_;
     QTimer tmrReactiv_;
     std::unique_ptr<BusWatch> watch_;
+    std::unique_ptr<OutOfServiceWatch> outOfService_;
     CommandQueue queue_;
     BusSynchro synchro_;
     Reactivation reactivation_;

@@ -1,5 +1,7 @@
 #include "config_screens/ConfigScreens.h"
 
+#include "config_screens/backup/wBackup.h"
+#include "config_screens/backup/wSiteCompare.h"
 #include "config_screens/mirrors/dlgEditMirror.h"
 #include "config_screens/mirrors/wBusMiroirs.h"
 #include "config_screens/mirrors/wBusMirrorOne.h"
@@ -31,5 +33,7 @@ void RegisterConfigScreens() {
     Forms::Register(FormNames::dlgParamPrinter, [] { return new dlgParamPrinter; });
     Forms::Register(FormNames::wSysComm, [] { return new wSysComm; });
     Forms::Register(FormNames::wSysConfSon, [] { return new wSysConfSon; });
+    Forms::Register(FormNames::wBackup, [] { return new wBackup; });
+    Forms::Register(FormNames::wSiteCompare, [] { return new wSiteCompare; });
     Forms::Register(FormNames::dlgSysTime, [] { return new dlgSysTime; });
 }

@@ -1,5 +1,6 @@
 #include "config_screens/SiteEdit.h"
 
+#include "bus/OutOfServiceWatch.h"
 #include "core/Config.h"
 #include "core/Message.h"
 #include "model/CurrentConfig.h"
@@ -9,18 +10,16 @@
 #include <array>
 
 void SaveSite() {
-    ConfigClass& site = Global::Configuration();
-    if (!site.Modified())
+    if (!Global::Configuration().Modified())
         return;
-    OutOfService::DropPast();
-    const qint32 result = SaveCurrentConfig();
-    // Its own file doesn't hold the change, and saving lowers the marks of the panels.
-    site.setModified(true);
+    const qint32 result = KeepCurrentConfig();
+    TellOutOfService();
     if (result >= 1)
         Message(GetText(result), Messages::Critical);
 }
 
 void CopySettings(PanelClass& to, const PanelClass& from) {
+    const QList<OutOfService::Thing> before = OutOfService::Present();
     const quint8 actualModel = to.ActualModel();
     const bool present = to.Present();
     const bool lossTold = to.LossTold();
@@ -37,4 +36,5 @@ void CopySettings(PanelClass& to, const PanelClass& from) {
         to.Channel(number).setState(live[size_t(number)].first);
         to.Channel(number).setMirrorType(live[size_t(number)].second);
     }
+    OutOfService::Notice(before);
 }

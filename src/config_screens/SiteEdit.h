@@ -7,5 +7,6 @@ class PanelClass;
 void SaveSite();
 
 /// Copies what is configured of a panel, and nothing that the bus has found out about it: states
-/// and presence of the source may be minutes old, or those of another module.
+/// and presence of the source may be minutes old, or those of another module. A panel of the site
+/// that goes out of service by it, or comes back, is remembered as such.
 void CopySettings(PanelClass& to, const PanelClass& from);

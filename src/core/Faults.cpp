@@ -20,10 +20,19 @@ std::optional<Fault>& Place(Kind kind) {
 
 /// English, like all of the trace.
 QString TraceWord(Kind kind) {
-    static constexpr std::array<const char*, KindCount> words{
-        "BUS STOPPED BY AN ERROR", "NO HORN",          "DISK FULL",       "HISTORY NOT WRITTEN",
-        "TRACE NOT WRITTEN",       "PANEL NOT POLLED", "EVENTS NOT READ", "COMMAND GIVEN UP",
-        "PRINTER NOT REACHED",     "DISK NEARLY FULL", "CLOCK SET BACK",  "MESSAGE UNREAD"};
+    static constexpr std::array<const char*, KindCount> words{"BUS STOPPED BY AN ERROR",
+                                                              "NO HORN",
+                                                              "DISK FULL",
+                                                              "HISTORY NOT WRITTEN",
+                                                              "TRACE NOT WRITTEN",
+                                                              "PANEL NOT POLLED",
+                                                              "EVENTS NOT READ",
+                                                              "COMMAND GIVEN UP",
+                                                              "PRINTER NOT REACHED",
+                                                              "DISK NEARLY FULL",
+                                                              "CLOCK SET BACK",
+                                                              "MESSAGE UNREAD",
+                                                              "NO BACKUP"};
     return QString::fromLatin1(words[size_t(kind)]);
 }
 
@@ -84,6 +93,7 @@ bool HasDetail(Kind kind) {
     case Kind::PrinterNotReached:
     case Kind::DiskNearlyFull:
     case Kind::BoxUnanswered:
+    case Kind::NoBackup:
         return true;
     default:
         return false;

@@ -25,8 +25,9 @@ enum class Kind {
     DiskNearlyFull,    ///< under 5 % free
     ClockSetBack,      ///< times come a second time
     BoxUnanswered,     ///< a box that nobody has read
+    NoBackup,          ///< the last backup failed or is too old
 };
-inline constexpr int KindCount = 12;
+inline constexpr int KindCount = 13;
 
 struct Fault {
     Kind kind;

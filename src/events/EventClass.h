@@ -72,6 +72,12 @@ inline constexpr qint16 UserChanged = 3;
 inline constexpr qint16 CommStarted = 4;
 inline constexpr qint16 CommStopped = 5;
 inline constexpr qint16 MidnightState = 6;
+/// `Panel` and, in `Param`, the channel that was taken out of service or came back; 0 for the panel
+/// as a whole.
+inline constexpr qint16 OutOfService = 7;
+inline constexpr qint16 BackInService = 8;
+/// How many are out of service, once a day.
+inline constexpr qint16 OutOfServiceCount = 9;
 } // namespace SystemEvents
 
 /// Mark of an alarm that the reactivation brings back to the console.

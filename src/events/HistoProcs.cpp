@@ -7,10 +7,12 @@
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
+#include "events/ServiceTexts.h"
 #include "events/TextProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "platform/CodePage.h"
+#include "platform/FileReading.h"
 #include "platform/FileWriting.h"
 #include "platform/LineLog.h"
 #include "platform/RunTimeError.h"
@@ -49,6 +51,16 @@ void SetStartOrStop(Record& record, QStringView word, QStringView parameter) {
     record.Set(Columns::Specific, Stars(Columns::Specific.width));
 }
 
+void SetService(Record& record, const EventClass& event) {
+    const ServiceTexts::Words words = ServiceTexts::Of(event);
+    record.Set(Columns::Origin, words.origin);
+    record.Set(Columns::Word, event.Aff() == SystemEvents::BackInService ? u"BACK" : u"OUT");
+    record.Set(Columns::Parameter,
+               event.Aff() == SystemEvents::OutOfServiceCount ? u"COUNT" : u"SERV");
+    record.Set(Columns::Common, words.common);
+    record.Set(Columns::Specific, words.specific);
+}
+
 void SetSystem(Record& record, const EventClass& event) {
     switch (event.Aff()) {
     case SystemEvents::AcknowledgedOnPc:
@@ -71,6 +83,8 @@ void SetSystem(Record& record, const EventClass& event) {
                        u"COMM");
         break;
     default:
+        if (ServiceTexts::IsOne(event))
+            SetService(record, event);
         break;
     }
 }
@@ -132,6 +146,25 @@ bool DailyFiles() {
                               QStringLiteral("0"))) >= 1;
 }
 
+/// Path of the history file of a moment.
+QString FileOf(DateTime when) {
+    return Global::InApplicationFolder(
+        QStringLiteral("Histo") +
+        (DailyFiles() ? DateTimes::FileDate(when) : DateTimes::FileMonth(when)) +
+        QStringLiteral(".his"));
+}
+
+/// The line of an event as it stands in the file.
+QByteArray BytesOf(const EventClass& event) {
+    return platform::ToCodePage(
+               TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(event))) +
+           "\r\n";
+}
+
+/// How far back a line is looked for that a kill may have cut off, in bytes: some four hundred
+/// lines, more than one start of the program writes.
+constexpr qint64 LastLines = qint64(64) * 1024;
+
 } // namespace
 
 QString FormateTrace(const EventClass& event) {
@@ -152,22 +185,26 @@ QString FormateTrace(const EventClass& event) {
 }
 
 QString HistoFileName() {
-    const DateTime now = DateTimes::Now();
-    return Global::InApplicationFolder(
-        QStringLiteral("Histo") +
-        (DailyFiles() ? DateTimes::FileDate(now) : DateTimes::FileMonth(now)) +
-        QStringLiteral(".his"));
+    return FileOf(DateTimes::Now());
+}
+
+bool HistoryHolds(const EventClass& event) {
+    bool held = false;
+    Guard("HistoProcs.HistoryHolds", [&] {
+        const QByteArray line = BytesOf(event);
+        for (const QString& path : {FileOf(event.GDH()), HistoFileName()})
+            held = held || platform::ReadEnd(path, LastLines).contains(line);
+    });
+    return held;
 }
 
 void HistoEvent(const EventClass& event) {
     const bool written = Guard("HistoProcs.HistoEvent", [&] {
-        const QString line =
-            TextProcs::HistoScreenLineToHistoFileLine(TextProcs::FormateHistoScreen(event));
+        const QByteArray line = BytesOf(event);
         const QString path = HistoFileName();
         EndTornLineOnce(path);
         try {
-            platform::AppendTo(path, platform::ToCodePage(line) + "\r\n",
-                               platform::ToCodePage(HeadingLine()) + "\r\n");
+            platform::AppendTo(path, line, platform::ToCodePage(HeadingLine()) + "\r\n");
         } catch (const platform::RunTimeError&) {
             EndTornLineOnce(QString());
             throw;

@@ -18,6 +18,10 @@ QString FormateTrace(const EventClass& event);
 /// for no longer than the call.
 void HistoEvent(const EventClass& event);
 
+/// The history holds the line of the event, which was written shortly before the end of the program
+/// or not any more.
+bool HistoryHolds(const EventClass& event);
+
 /// Path of the history file that takes the lines of the present moment.
 QString HistoFileName();
 

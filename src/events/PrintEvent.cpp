@@ -11,6 +11,7 @@
 #include "core/Trace.h"
 #include "events/DirectPrinting.h"
 #include "events/EventPrinter.h"
+#include "events/ServiceTexts.h"
 #include "events/TextProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
@@ -87,6 +88,15 @@ void SetStartOrStop(Record& record, bool started, QStringView display) {
     record.Set(PrintLine::Specific, Stars(PrintLine::Specific.width));
 }
 
+void SetService(Record& record, const EventClass& event) {
+    const ServiceTexts::Words words = ServiceTexts::Of(event);
+    record.Set(PrintLine::Origin, words.origin);
+    record.Set(PrintLine::Parameter, words.parameter);
+    record.Set(PrintLine::Display, words.display);
+    record.Set(PrintLine::Common, words.common);
+    record.Set(PrintLine::Specific, words.specific);
+}
+
 void SetSystem(Record& record, const EventClass& event) {
     record.Set(PrintLine::Origin, u"SYSTEM");
     switch (event.Aff()) {
@@ -110,6 +120,8 @@ void SetSystem(Record& record, const EventClass& event) {
         SetStartOrStop(record, event.Aff() == SystemEvents::CommStarted, u"COMM");
         break;
     default:
+        if (ServiceTexts::IsOne(event))
+            SetService(record, event);
         break;
     }
 }

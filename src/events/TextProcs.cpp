@@ -5,6 +5,7 @@
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
 #include "core/Trace.h"
+#include "events/ServiceTexts.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
@@ -63,6 +64,15 @@ void SetMidnightState(Record& record, const EventClass& event) {
     }
 }
 
+void SetService(Record& record, const EventClass& event) {
+    const ServiceTexts::Words words = ServiceTexts::Of(event);
+    record.Set(ScreenLine::Origin, words.origin);
+    record.Set(ScreenLine::Parameter, words.parameter);
+    record.Set(ScreenLine::Display, words.display);
+    record.Set(ScreenLine::Common, words.common);
+    record.Set(ScreenLine::Specific, words.specific);
+}
+
 void SetSystem(Record& record, const EventClass& event) {
     record.Set(ScreenLine::Origin, QStringLiteral("SYSTEM"));
     const bool started =
@@ -95,6 +105,8 @@ void SetSystem(Record& record, const EventClass& event) {
         SetMidnightState(record, event);
         break;
     default:
+        if (ServiceTexts::IsOne(event))
+            SetService(record, event);
         break;
     }
 }

@@ -1,6 +1,7 @@
 #include "model/CurrentConfig.h"
 
 #include "core/Global.h"
+#include "model/OutOfService.h"
 #include "platform/Folders.h"
 
 namespace {
@@ -22,5 +23,14 @@ QString CurrentConfigFile() {
 }
 
 qint32 SaveCurrentConfig() {
-    return Global::Configuration().Save(CurrentConfigFile());
+    const qint32 result = Global::Configuration().Save(CurrentConfigFile());
+    if (result == ConfigClass::Saved)
+        OutOfService::SiteSaved();
+    return result;
+}
+
+qint32 KeepCurrentConfig() {
+    const qint32 result = SaveCurrentConfig();
+    Global::Configuration().setModified(true);
+    return result;
 }

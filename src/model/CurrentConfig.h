@@ -19,3 +19,6 @@ void setConfiguration(std::unique_ptr<ConfigClass> configuration);
 QString CurrentConfigFile();
 /// Saves the site model there; results as ConfigClass::Save.
 qint32 SaveCurrentConfig();
+/// The same for a change that the site's own file doesn't hold: the site stays marked as changed,
+/// though saving lowers the marks of its panels.
+qint32 KeepCurrentConfig();

@@ -21,4 +21,18 @@ QByteArray ReadFile(const QString& path) {
     return bytes;
 }
 
+QByteArray ReadEnd(const QString& path, qint64 most) {
+    QFile file(path);
+    if (!file.exists())
+        return {};
+    if (!file.open(QIODevice::ReadOnly))
+        throw RunTimeError(errors::PathAccess);
+    if (!file.seek(qMax(file.size() - most, qint64(0))))
+        throw RunTimeError(errors::DeviceIo);
+    QByteArray bytes = file.read(most);
+    if (file.error() != QFileDevice::NoError)
+        throw RunTimeError(errors::DeviceIo);
+    return bytes;
+}
+
 } // namespace platform

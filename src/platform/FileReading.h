@@ -13,4 +13,8 @@ inline constexpr qint64 MaxFileSize = qint64(64) * 1024 * 1024;
 /// plain file or isn't plausible, `DeviceIo`.
 QByteArray ReadFile(const QString& path);
 
+/// The last bytes of a file, at most so many; nothing of a file that isn't there. Throws
+/// RunTimeError `PathAccess` or `DeviceIo`.
+QByteArray ReadEnd(const QString& path, qint64 most);
+
 } // namespace platform

@@ -160,4 +160,26 @@ void ReplaceFile(const QString& path, const QByteArray& bytes) {
     DiskFlush::Owe(QFileInfo(target).path());
 }
 
+void Flush(int handle) {
+    errno = 0;
+    if (fsync(handle) != 0 && errno != EINVAL)
+        throw RunTimeError(FileError(errno, errors::DeviceIo));
+}
+
+void FlushFolder(const QString& folder) {
+    const Handle handle(
+        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (handle.Number() >= 0)
+        fsync(handle.Number());
+}
+
+void ForgetRead(int handle) {
+    posix_fadvise(handle, 0, 0, POSIX_FADV_DONTNEED);
+}
+
+void Rename(const QString& from, const QString& to) {
+    if (rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
+        throw RunTimeError(FileError(errno, errors::PathAccess));
+}
+
 } // namespace platform

@@ -28,4 +28,14 @@ void AppendTo(const QString& path, const QByteArray& bytes, const QByteArray& he
 /// `PathNotFound`, `PathAccess`, `DiskFull` or `DeviceIo`, and has changed nothing then.
 void ReplaceFile(const QString& path, const QByteArray& bytes);
 
+/// Puts an open file on the disk itself. Throws RunTimeError `DiskFull` or `DeviceIo`.
+void Flush(int handle);
+/// The same for the names in a folder, as far as its medium can.
+void FlushFolder(const QString& folder);
+/// Makes the next reading of an open file that was flushed come from its medium.
+void ForgetRead(int handle);
+/// Gives a file another name on its volume, in place of one that has it. Throws RunTimeError
+/// `DiskFull` or `PathAccess`.
+void Rename(const QString& from, const QString& to);
+
 } // namespace platform

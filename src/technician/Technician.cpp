@@ -2,6 +2,7 @@
 
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "technician/dlgOutOfService.h"
 #include "technician/wRehearsal.h"
 #include "technician/wTechConsignations.h"
 #include "technician/wTechDiagnosis.h"
@@ -15,5 +16,6 @@ void RegisterTechnician() {
     Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
     Forms::Register(FormNames::wTechConsignations, [] { return new wTechConsignations; });
     Forms::Register(FormNames::wRehearsal, [] { return new wRehearsal; });
+    Forms::Register(FormNames::dlgOutOfService, [] { return new dlgOutOfService; });
     Forms::Register(FormNames::wTechDiagnosis, [] { return new wTechDiagnosis; });
 }

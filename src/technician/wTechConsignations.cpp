@@ -1,5 +1,7 @@
 #include "technician/wTechConsignations.h"
 
+#include "bus/OutOfServiceWatch.h"
+#include "bus/wPolling.h"
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
@@ -38,6 +40,16 @@ const QString Navig = QStringLiteral("imgNavig");
 const QString Images = QStringLiteral("imgControl");
 
 constexpr int DeleteIt = 30007;
+/// Of the line below the lists.
+enum Detail {
+    NoReason = 850103,
+    ForEver = 850108,
+    SinceWhom = 850111,
+    Until,
+    UnknownTime,
+    Nobody,
+    TouchALine
+};
 constexpr int FirstColumn = 840010;
 constexpr int MinuteLetters = 5;
 
@@ -59,15 +71,44 @@ QString IconOf(const OutOfService::Change& entry) {
     return entry.out ? QStringLiteral("panel_out") : QStringLiteral("panel_ok");
 }
 
+QString Minutes(DateTime when) {
+    return DateTimes::ShortDate(when) + u' ' + DateTimes::LongTime(when).left(MinuteLetters);
+}
+
+QString OrElse(const QString& text, int otherwise) {
+    return text.isEmpty() ? GetText(otherwise) : text;
+}
+
+/// What is remembered of a thing that is out; all unknown where that is nothing.
+OutOfService::Entry Remembered(const Thing& thing) {
+    const auto entry = OutOfService::Find(thing);
+    return entry && entry->IsOut() ? *entry : OutOfService::Entry();
+}
+
+/// Since when, who, until when, and the reason on a line of its own.
+QString DetailOf(const Thing& thing) {
+    const OutOfService::Entry entry = Remembered(thing);
+    const QString since = entry.since == 0 ? QString() : Minutes(entry.since);
+    const QString until =
+        entry.until == 0 ? GetText(ForEver) : GetText(Until).replace(u'$', Minutes(entry.until));
+    return GetText(SinceWhom)
+               .replace(QStringLiteral("$1"), OrElse(since, UnknownTime))
+               .replace(QStringLiteral("$2"), OrElse(entry.who, Nobody)) +
+           QStringLiteral(", ") + until + u'\n' + OrElse(entry.why, NoReason);
+}
+
+QString ReasonText(const QString& why, int minutes) {
+    return OrElse(why, NoReason) + u'\n' + EndText(minutes);
+}
+
 TouchTable::Row RowOf(const OutOfService::Change& entry, bool withTime) {
     const auto [panel, channel] = entry.thing;
     const QString key = wTechConsignations::FormatKey(panel, channel);
     TouchTable::Row row{{key, NameOf(entry.thing), QString()}, key, IconOf(entry)};
-    const auto since = withTime ? OutOfService::Since(entry.thing) : std::nullopt;
-    if (since) {
-        const QString time = DateTimes::LongTime(*since);
-        row.cells[2] = DateTimes::ShortDate(*since) + u' ' + time.left(MinuteLetters);
-        row.order = {{}, {}, DateTimes::FileDate(*since) + u' ' + time};
+    const DateTime since = withTime ? Remembered(entry.thing).since : 0;
+    if (since != 0) {
+        row.cells[2] = Minutes(since);
+        row.order = {{}, {}, DateTimes::FileDate(since) + u' ' + DateTimes::LongTime(since)};
     }
     return row;
 }
@@ -91,8 +132,15 @@ wTechConsignations::wTechConsignations()
     OnClick(Images, [this](int index) { imgControl_Click(index); });
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
     OnClick(ui_->imgDelete, [this] { imgDelete_Click(); });
+    OnClick(ui_->imgReason, [this] { imgReason_Click(); });
     for (const int index : {NewUp, NewDown, PresentUp, PresentDown})
         repeat_.Watch(Control(Navig, index), [this, index] { imgNavig_Click(index); });
+    // What comes back by itself goes from the list.
+    if (wPolling* polling = Polling())
+        connect(polling, &wPolling::BusEvent, this, [this](const EventClass& event) {
+            if (event.Chnl() == Family::System && event.Aff() == SystemEvents::BackInService)
+                FillPresent();
+        });
     Form_Load();
 }
 
@@ -107,22 +155,29 @@ void wTechConsignations::MakeTables() {
                                  {GetText(FirstColumn + 2), 158}},
                                 scale);
     ui_->lvwNew->setColumns({{GetText(FirstColumn), 124}, {GetText(FirstColumn + 1), 142}}, scale);
-    for (const List* list : {&present_, &new_})
+    for (List* list : {&present_, &new_})
         connect(list->table, &TouchTable::RowChanged, this, [this, list] { Choose(*list); });
 }
 
 void wTechConsignations::Form_Load() {
     Guard("wTechConsignations.Form_Load", [&] {
-        OutOfService::DropPast();
-        for (const Thing& thing : OutOfService::Present())
-            present_.entries.append({thing, true});
+        OutOfService::NoticeReturns();
+        TellOutOfService();
+        FillPresent();
         const auto kept = keptEdit.Take(present_.entries);
         new_.entries = kept.value_or(QList<Entry>());
         ShowKept(kept.has_value());
-        Fill(present_);
         Fill(new_);
         lblModule_Click();
+        ShowReason();
     });
+}
+
+void wTechConsignations::FillPresent() {
+    present_.entries.clear();
+    for (const Thing& thing : OutOfService::Present())
+        present_.entries.append({thing, true});
+    Fill(present_);
 }
 
 QString wTechConsignations::FormatKey(int panel, int channel) {
@@ -172,6 +227,8 @@ void wTechConsignations::RefreshNavigation() {
     };
     refresh(*ui_->lvwPresent, PresentUp, PresentDown);
     refresh(*ui_->lvwNew, NewUp, NewDown);
+    if (ui_->lvwPresent->CurrentRow() < 0 && ui_->lvwNew->CurrentRow() < 0)
+        ui_->lblDetail->setText(GetText(TouchALine));
 }
 
 void wTechConsignations::imgControl_Click(int index) {
@@ -205,7 +262,7 @@ void wTechConsignations::Request(int channel, bool out) {
     else if (thing.panel == 0 || OutOfService::IsOut(thing) == out)
         QApplication::beep();
     else
-        AjouteItem(new_, {thing, out});
+        AjouteItem(new_, out ? Entry{thing, true, reason_.why, reason_.minutes} : Entry{thing});
 }
 
 void wTechConsignations::lblModule_Click() {
@@ -228,11 +285,44 @@ void wTechConsignations::lblChannel_Change() {
 }
 
 /// What is touched in a list is what the buttons work on.
-void wTechConsignations::Choose(const List& list) {
+void wTechConsignations::Choose(List& list) {
     RefreshNavigation();
-    if (const Entry* entry = GetItem(list, list.table->CurrentTag())) {
-        module_->setValue(entry->thing.panel);
-        channel_->setValue(entry->thing.channel);
+    const Entry* entry = GetItem(list, list.table->CurrentTag());
+    if (entry == nullptr)
+        return;
+    module_->setValue(entry->thing.panel);
+    channel_->setValue(entry->thing.channel);
+    if (&list == &new_ && entry->out) {
+        reason_ = {entry->why, entry->minutes};
+        ShowReason();
+    }
+    const bool isOut = OutOfService::IsOut(entry->thing);
+    ui_->lblDetail->setText(isOut ? DetailOf(entry->thing)
+                                  : ReasonText(entry->why, entry->minutes));
+}
+
+void wTechConsignations::ShowReason() {
+    ui_->lblReason->setText(ReasonText(reason_.why, reason_.minutes));
+}
+
+/// The touched line that is to go out, or null.
+wTechConsignations::Entry* wTechConsignations::ChosenToGoOut() {
+    const Entry* chosen = GetItem(new_, ui_->lvwNew->CurrentTag());
+    return chosen == nullptr || !chosen->out ? nullptr
+                                             : &new_.entries[new_.entries.indexOf(*chosen)];
+}
+
+void wTechConsignations::imgReason_Click() {
+    const QPointer<wTechConsignations> self(this);
+    const auto chosen = AskOutOfService(reason_);
+    if (!chosen || !IsLoaded(self.data()))
+        return;
+    reason_ = *chosen;
+    ShowReason();
+    if (Entry* entry = ChosenToGoOut()) {
+        entry->why = reason_.why;
+        entry->minutes = reason_.minutes;
+        ui_->lblDetail->setText(ReasonText(entry->why, entry->minutes));
     }
 }
 
@@ -280,6 +370,7 @@ void wTechConsignations::imgDelete_Click() {
 bool wTechConsignations::Take() {
     OutOfService::Apply(new_.entries);
     new_.entries.clear();
+    TellOutOfService();
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "config_screens/ConfigForm.h"
 #include "model/OutOfService.h"
 #include "screens/touch/HoldToRepeat.h"
+#include "technician/dlgOutOfService.h"
 
 #include <QString>
 #include <memory>
@@ -14,8 +15,9 @@ namespace Ui {
 class wTechConsignations;
 }
 
-/// What is out of service, and since when. Changes are collected in a list of their own and reach
-/// the site when the screen is left with a yes.
+/// What is out of service: since when, who did it, why and until when. Changes are collected in a
+/// list of their own and reach the site when the screen is left with a yes. What is taken out takes
+/// the reason and the end along that the screen shows, and a line that is touched gets others.
 class wTechConsignations : public ConfigForm {
     Q_OBJECT
 public:
@@ -52,17 +54,21 @@ private:
 
     void MakeTables();
     void Form_Load();
+    void FillPresent();
     void AjouteItem(List& list, const Entry& entry);
     static const Entry* GetItem(const List& list, const QString& key);
+    Entry* ChosenToGoOut();
     void Remove(List& list, const QString& key);
     void Fill(const List& list);
     void RefreshNavigation();
     void imgControl_Click(int index);
     void imgNavig_Click(int index);
     void imgDelete_Click();
+    void imgReason_Click();
+    void ShowReason();
     void lblModule_Click();
     void lblChannel_Change();
-    void Choose(const List& list);
+    void Choose(List& list);
     void Request(int channel, bool out);
     void Move(List& list, int by);
 
@@ -72,4 +78,6 @@ private:
     Stepper* channel_;
     List present_;
     List new_;
+    /// Of what is taken out next.
+    dlgOutOfService::Choice reason_;
 };

@@ -118,6 +118,11 @@ TEST_F(EventLines, OfPanelsThatComeOrGoAndOfTheSystem) {
             {12, 254, 0, 6, "Midnight state|State|P12-Q62|*|Panel never seen|*", "|0CFE0006|||||",
              "SYSTEM||||"},
             {0, 254, 0, 7, "||SYSTEM|||", "|00FE0007|||||", "SYSTEM||||"},
+            {12, 254, 7, 7, "Out of service|Unlimited|P12-C07||*|*",
+             "|0CFE0707|P12-C07|SERV|OUT|*|*", "P12-C07|Unlimited|Out of service|*|*"},
+            {0, 254, 0, 9, "Out of service|0|SYSTEM||Panels: 0  Channels: 0|*",
+             "|00FE0009|SYSTEM|COUNT|OUT|Panels: 0  Channels: 0|*",
+             "SYSTEM|0|Out of service|Panels: 0  Channels: 0|*"},
         };
     const auto named = [](const char* text) {
         return Text(text).replace(Text("%1"), Text("MANAGER of more than two c"));

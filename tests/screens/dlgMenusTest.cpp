@@ -52,7 +52,8 @@ TEST_F(MenusTest, EveryTileAndButtonLeadsToItsScreenOrTellsThatThereIsNone) {
         {1, Parameters, 3, "wParamEcran"},
         {1, Parameters, 4, "wParamPrinter"},
         {2, System, 1, "wSysComm"},
-        {2, System, 2, "wSysConfSon"}};
+        {2, System, 2, "wSysConfSon"},
+        {2, System, 5, "wBackup"}};
     for (const auto& [tile, dialog, button, screen] : ways) {
         const QString name = screen;
         SCOPED_TRACE(screen);

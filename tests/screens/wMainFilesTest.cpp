@@ -2,6 +2,9 @@
 
 #include "screens/UsersFixture.h"
 
+#include "bus/OutOfServiceWatch.h"
+#include "model/Models.h"
+
 #include <QMessageBox>
 #include <QProcess>
 
@@ -208,6 +211,23 @@ TEST_F(wMainFilesTest, AFileThatCantBeReadLeavesTheSiteWithoutAName) {
     ExpectFile({}, GetText(50010), Site().Modified());
     EXPECT_EQ(Site().Panel(7).Title(), ConfigClass().Panel(7).Title()) << "a new site";
     EXPECT_EQ(TraceLines().filter("REINIT"), former) << "the bus isn't told";
+}
+
+TEST_F(wMainFilesTest, WhatIsOutOfServiceGoesAndComesWithItsSite) {
+    const auto history = [this] { return LinesOf("Histo202403.his").filter("ervice"); };
+    AddPanel(7, Models::Q7100);
+    AddPanel(8, Models::Q7100).setActive(false);
+    Exchange(North());
+    AddPanel(3, Models::Q7100);
+    OutOfService::Apply({{{3, 5}, true, "Test"}});
+    TellOutOfService();
+    answer = Messages::No;
+    Take();
+    Press(OpenFile);
+    ASSERT_EQ(history().size(), 3);
+    EXPECT_TRUE(history()[1].contains("P03-C05") && history()[1].contains("Back in service"));
+    EXPECT_TRUE(history()[2].contains("P08-Q71") && history()[2].contains("Out of service"));
+    EXPECT_EQ(OutOfService::Memory().size(), 1);
 }
 
 TEST_F(wMainFilesTest, OpeningAsksWhatBecomesOfTheChanges) {

@@ -115,12 +115,42 @@ TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
     Image(3);
     Leave(Messages::Yes);
     EXPECT_FALSE(Site().Panel(12).Channel(7).OutOfOrder());
-    // Back and out again elsewhere: nobody knows since when.
+    // Back and out again past all screens: nobody knows since when.
     Site().Panel(3).setActive(true);
-    OutOfService::DropPast();
+    OutOfService::NoticeReturns();
     Site().Panel(3).setActive(false);
     Forms::Show(Form);
     EXPECT_EQ(Present(), "P03,P40");
+}
+
+TEST_F(OutOfServiceTest, ReasonAndEndGoAlongAndATouchedLineGetsOthers) {
+    const QString dialog = FormNames::dlgOutOfService;
+    clock.Set(2025, 11, 25, 2, 43, 10);
+    Global::Get().userLevel = 3;
+    Global::Get().userName = "DUPONT";
+    const auto choose = [&](const QStringList& touches) {
+        script.On(dialog, [&] {
+            for (const QString& touch : touches)
+                Tap(dialog, touch);
+        });
+        Tap(Form, "imgReason");
+    };
+    AskForThree();
+    EXPECT_EQ(Shown("lblReason"), "No reason\nUnlimited");
+    Press("imgNavig", 2);
+    choose({"imgReason_0", "imgEnd_3", "imgDate_1", "imgControl_1"});
+    EXPECT_EQ(Shown("lblDetail"), "Maintenance\nuntil 2025-11-28 02:43");
+    choose({"imgReason_4", "imgEnd_2", "imgControl_0"});
+    EXPECT_EQ(Shown("lblReason"), "Maintenance\nuntil 2025-11-28 02:43") << "cancelled";
+    Press("imgNavig", 2);
+    EXPECT_EQ(Shown("lblReason"), "No reason\nUnlimited") << "the next line has its own";
+    Leave(Messages::Yes);
+    EXPECT_EQ(OutOfService::Find({3, 0})->why, "Maintenance");
+    EXPECT_EQ(OutOfService::Find({12, 7})->until, 0);
+    Forms::Show(Form);
+    Press("imgNavig", 103);
+    EXPECT_EQ(Shown("lblDetail"),
+              "Since 2025-11-25 02:43, by DUPONT, until 2025-11-28 02:43\nMaintenance");
 }
 
 TEST_F(OutOfServiceTest, AnAlarmKeepsTheEntriesAsLongAsTheyFit) {

@@ -173,6 +173,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     TakeReport(path);
     TakeHistorySearch(path);
     TakeConfiguration(path);
+    TakeBackups(path);
 }
 
 } // namespace

@@ -32,3 +32,6 @@ void TakeTechnician(wPolling& engine, const Paths& path);
 /// The screens of the configuration in the states that the demo site doesn't bring them into: with
 /// everything filled, with nothing, with each kind of printer. The site is read again afterwards.
 void TakeConfiguration(const Paths& path);
+
+/// Backups on a stick, a comparison, and the first screen of a new machine.
+void TakeBackups(const Paths& path);

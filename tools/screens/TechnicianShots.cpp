@@ -6,12 +6,16 @@
 #include "bus/wPolling.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "core/Global.h"
 #include "core/SLVfonctions.h"
+#include "model/Access.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
+#include "model/OutOfService.h"
 #include "screens/console/ConsoleHead.h"
 #include "screens/touch/TouchTable.h"
 #include "technician/ModuleFront.h"
+#include "technician/dlgOutOfService.h"
 #include "technician/wRehearsal.h"
 #include "technician/wTechnician.h"
 
@@ -69,11 +73,16 @@ void TakeConsole(const Paths& path) {
 void TakeOutOfService(const Paths& path) {
     ConfigClass& site = Global::Configuration();
     const QString widest(PanelClass::MaxTitle, u'W');
-    site.Panel(3).setActive(false);
+    Global::Get().userLevel = Levels::Technician;
+    Global::Get().userName = QString(16, u'W');
     site.Panel(5).setTitle(widest);
-    site.Panel(5).setActive(false);
+    OutOfService::Apply({{{3, 0}, true}, {{5, 0}, true}});
     for (const int channel : {1, 4, 12}) {
-        site.Panel(1).Channel(channel).setOutOfOrder(true);
+        OutOfService::Apply({{{1, channel},
+                              true,
+                              channel == 4 ? QString(OutOfService::MaxReason, u'W')
+                                           : OutOfService::Reasons().first(),
+                              channel * OutOfService::Day}});
         site.Panel(1).Channel(channel).setScreenText(channel == 4 ? widest
                                                                   : QStringLiteral("Pump"));
     }
@@ -82,10 +91,20 @@ void TakeOutOfService(const Paths& path) {
     for (int step = 0; step < 6; ++step)
         Click(form, "imgControl_5");
     Click(form, "imgControl_6");
+    for (int row = 0; row < 2; ++row)
+        Click(form, "imgNavig_103");
     Done(form, path("wTechConsignations_full"));
+    if (auto* dialog = dynamic_cast<dlgOutOfService*>(Forms::Load(FormNames::dlgOutOfService))) {
+        dialog->setChoice({QString(OutOfService::MaxReason, u'W'), 200 * OutOfService::Day});
+        dialog->Show();
+        Done(FormNames::dlgOutOfService, path("dlgOutOfService_full"));
+    }
     ConsoleHead::OverrideWatch(ConsoleHead::Watch{BusState::Running, {}, false});
     Take(FormNames::wRunAlarms, path("console_out_of_service"));
     ConsoleHead::OverrideWatch(std::nullopt);
+    OutOfService::setMemory({});
+    Global::Get().userLevel = 0;
+    Global::Get().userName.clear();
     site.Read(CurrentConfigFile());
 }
 

@@ -52,8 +52,8 @@ void FaultBand::Present(const QList<Faults::Fault>& faults) {
 
 QString FaultBand::PictureOf(Faults::Kind kind) {
     static constexpr std::array<const char*, Faults::KindCount> names{
-        "round",  "horn",    "disk_full", "history", "trace", "panel",
-        "memory", "command", "printer",   "disk",    "clock", "box"};
+        "round",   "horn",    "disk_full", "history", "trace", "panel", "memory",
+        "command", "printer", "disk",      "clock",   "box",   "backup"};
     return QStringLiteral("fault_") + QString::fromLatin1(names[size_t(kind)]);
 }
 

@@ -7,6 +7,7 @@
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
 #include "model/CurrentConfig.h"
+#include "model/Models.h"
 #include "platform/Folders.h"
 #include "screens/dialogs/FilePicker.h"
 #include "screens/dialogs/wHelp.h"
@@ -38,6 +39,16 @@ constexpr double ScaledLabelFont = 0.9;
 
 QString LastUsed() {
     return IniRead(Files, QStringLiteral("LastUsed"), QString());
+}
+
+/// A machine that was never set up.
+bool HasNoPanels() {
+    const ConfigClass& site = Global::Configuration();
+    for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
+        if (site.Panel(number).Model() != Models::None)
+            return false;
+    }
+    return true;
 }
 
 /// The help of a language beside the executable; empty when there is none.
@@ -74,6 +85,7 @@ wMain::wMain()
     OnClick(LanguageName, [this](int) { NextLanguage(); });
     OnClick(ui_->imgLanguage, [this] { NextLanguage(); });
     OnClick(ui_->imgHelp, [] { ShowHelp(); });
+    OnClick(ui_->imgRestore, [this] { imgRestore_Click(); });
     OnClick(LoginName, [this](int) { AskPassword(this); });
     if (Polling() != nullptr)
         connect(Polling(), &wPolling::UserChanged, this, &wMain::ShowLogin);
@@ -181,6 +193,7 @@ void wMain::ShrinkLabels() {
 
 void wMain::ShowModified() {
     ui_->lblModified->setVisible(Global::Configuration().Modified());
+    ui_->imgRestore->setVisible(HasNoPanels());
 }
 
 void wMain::Form_Activate() {

@@ -46,6 +46,7 @@ private:
     void RunTile(MenuTile tile);
     /// Opens a screen in place of the menu.
     void Open(const QString& name);
+    void imgRestore_Click();
     void OpenParameters();
     void OpenSystem();
 

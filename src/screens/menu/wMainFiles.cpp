@@ -1,5 +1,6 @@
 // What the main menu does with the site file, and the way out of the program.
 
+#include "bus/OutOfServiceWatch.h"
 #include "bus/ProgramEnd.h"
 #include "bus/wPolling.h"
 #include "core/Config.h"
@@ -41,6 +42,13 @@ void setLastUsed(const QString& path) {
 /// What the file dialogs show.
 QString Filter() {
     return GetText(50001, true).replace(u'$', SiteExtension);
+}
+
+/// What is out of service comes back with its site, and a new one takes the place of the two.
+void LeaveSite() {
+    OutOfService::LeaveSite();
+    TellOutOfService();
+    Global::setConfiguration(std::make_unique<ConfigClass>());
 }
 
 bool HasAnswer(int answer) {
@@ -167,6 +175,9 @@ void wMain::OpenSite() {
         return;
     ReadSite(path);
     SaveCurrent();
+    // What the new site has out of service is new to its history.
+    OutOfService::Notice({});
+    TellOutOfService();
     if (IsLoaded(self.data()))
         ShowModified();
 }
@@ -174,8 +185,7 @@ void wMain::OpenSite() {
 /// The former site goes with its panels. No round of the bus is under way here: it lets no touch
 /// in, and a box in the middle of it is modal.
 void wMain::ReadSite(const QString& path) {
-    Global::setConfiguration(std::make_unique<ConfigClass>());
-    OutOfService::Forget();
+    LeaveSite();
     ConfigClass& site = Global::Configuration();
     Pointer::Hourglass();
     const qint32 result = site.Read(path);
@@ -206,8 +216,7 @@ void wMain::MakeNewSite() {
     const QString unnamed = GetText(50010);
     ShowFileName(unnamed);
     setLastUsed(unnamed);
-    Global::setConfiguration(std::make_unique<ConfigClass>());
-    OutOfService::Forget();
+    LeaveSite();
     if (wPolling* polling = Polling())
         polling->SetupPrinter();
     SaveCurrent();

@@ -19,7 +19,7 @@ namespace {
 
 /// Buttons of the submenus.
 enum ParameterCmd { Consignes = 1, Biblio = 2, Ecran = 3, Printer = 4 };
-enum SystemCmd { Comm = 1, Sounds = 2, SystemTime = 3, Users = 4 };
+enum SystemCmd { Comm = 1, Sounds = 2, SystemTime = 3, Users = 4, Backup = 5 };
 
 template <class Menu> int AskMenu() {
     return RunDialog(
@@ -82,6 +82,12 @@ void wMain::Open(const QString& name) {
         Unload();
 }
 
+/// What a new machine begins with.
+void wMain::imgRestore_Click() {
+    if (InsistOnLevel(*this, Levels::Configuration))
+        Open(FormNames::wBackup);
+}
+
 void wMain::OpenParameters() {
     switch (AskMenu<dlgMenuParams>()) {
     case Consignes:
@@ -119,6 +125,9 @@ void wMain::OpenSystem() {
             SaveCurrent();
         if (IsLoaded(self.data()))
             ShowModified();
+        break;
+    case Backup:
+        Open(FormNames::wBackup);
         break;
     default:
         break;

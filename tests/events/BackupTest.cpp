@@ -1,0 +1,224 @@
+#include "events/Backup.h"
+#include "core/Faults.h"
+#include "events/BackupFile.h"
+#include "events/Restore.h"
+#include "model/CurrentConfig.h"
+#include "platform/RunTimeError.h"
+#include "platform/Volumes.h"
+#include "support/Bench.h"
+
+#include <QCoreApplication>
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class BackupTest : public Bench {
+protected:
+    BackupTest() {
+        EXPECT_TRUE(QDir().mkdir(Stick()));
+        platform::OverrideVolumes(QList<platform::Volume>{{"STICK", Stick()}});
+        Site().Panel(1).setTitle("Boiler");
+        Site().Save(Path("plant.kv2"));
+        SaveCurrentConfig();
+        WriteFile("Histo202401.his", "january\r\n");
+        WriteFile("Histo202402.his", "february\r\n");
+        WriteFile("AlarmSound5.wav", "RIFF");
+        WriteFile("own.prt", "[Styles]");
+        WriteFile("korvanelle.ini",
+                  "[General]\r\nLastEvent=40\r\nNoResize=0\r\nLanguage=2\r\n[Files]\r\nLastUsed=" +
+                      Path("plant.kv2").toLatin1() +
+                      "\r\n[PendingCommands]\r\n1=old\r\n[Ports]\r\nCOM3=/dev/old\r\n");
+    }
+    QString Stick() const { return Path("stick"); }
+    QStringList OnStick() const { return QDir(Stick()).entryList(QDir::Files, QDir::Name); }
+
+    static void WaitFor(const BackupJob& job) {
+        while (job.Outcome() == BackupJob::State::Running)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 60000);
+    }
+    QString MakeBackup(bool automatic = false) {
+        BackupJob job(Stick(), automatic, nullptr);
+        WaitFor(job);
+        EXPECT_EQ(job.Outcome(), BackupJob::State::Complete) << job.Error();
+        return job.Path();
+    }
+    Restore::Plan Stage(const QString& backup) {
+        platform::Unwatched nobody;
+        return Restore::Stage(backup, Restore::Places::OfProgram(), nobody);
+    }
+    QStringList Stages() const {
+        return QDir(Path(QString())).entryList({"Restore*"}, QDir::Dirs | QDir::Files);
+    }
+    /// Number of the error with which a file of these bytes is refused, 0 when it isn't.
+    int Refusal(const QByteArray& bytes) {
+        WriteFile("refused.zip", bytes);
+        try {
+            Restore::Drop(Stage(Path("refused.zip")));
+            return 0;
+        } catch (const platform::RunTimeError& error) {
+            EXPECT_EQ(Stages(), QStringList());
+            return error.Number();
+        }
+    }
+    /// Another machine, with a past of its own.
+    void BecomeAnother() {
+        for (const char* name : {"plant.kv2", "Histo202401.his", "own.prt", "korvanelle.dat"})
+            QFile::remove(Path(name));
+        WriteFile("Histo202402.his", "another february\r\n");
+        WriteFile("AlarmSound5.wav", "RIFF2");
+        WriteFile("korvanelle.ini", "[General]\r\nLastEvent=12\r\nNoResize=1\r\n"
+                                    "[PendingCommands]\r\n1=new\r\n[Ports]\r\nCOM3=/dev/new\r\n");
+    }
+    /// All files of the folder with their content.
+    QMap<QString, QByteArray> Content() const {
+        QMap<QString, QByteArray> content;
+        for (const QString& name : QDir(Path(QString())).entryList(QDir::Files))
+            content[name] = BytesOf(name);
+        return content;
+    }
+};
+
+} // namespace
+
+TEST_F(BackupTest, RefusesWhatIsCutAlteredOrForeign) {
+    const QString path = MakeBackup();
+    EXPECT_EQ(OnStick().size(), 1);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray whole = file.readAll();
+    EXPECT_EQ(Refusal(whole), 0);
+    QList<QByteArray> bad{QByteArray(), "PK", "hello", whole + '\n'};
+    for (qsizetype size = 0; size < whole.size(); size += 1000)
+        bad += whole.left(size);
+    for (qsizetype at = 0; at < whole.size(); at += 37) {
+        bad += whole;
+        bad.last()[at] = char(bad.last()[at] ^ (1 << at % 8));
+    }
+    for (qsizetype i = whole.size() - 70; i < whole.size(); ++i) {
+        bad += whole;
+        bad.last()[i] = char(bad.last()[i] ^ 0x20);
+    }
+    for (qsizetype i = 0; i < bad.size(); ++i)
+        EXPECT_EQ(Refusal(bad[i]), platform::errors::InvalidPropertyValue) << i;
+}
+
+// A good digest over a manifest that leads out of its folder.
+TEST_F(BackupTest, TakesNothingButFilesOfItsKinds) {
+    platform::Unwatched nobody;
+    for (const char* name : {"site/../x.kv2", "../x.wav", "/etc/x.his", "sounds/x.sh",
+                             "history/a/b.his", "site/other.dat", "history/..\\x.his"}) {
+        const QString path = Path("forged.zip");
+        EXPECT_THROW(BackupFile::Write(path, {}, {{name, {}, "x", 1, {}}}, nobody),
+                     platform::RunTimeError)
+            << name;
+        EXPECT_FALSE(QFile::exists(path) || QFile::exists(path + ".tmp")) << name;
+    }
+}
+
+TEST_F(BackupTest, MovesAMachineOntoAnother) {
+    const QByteArray site = BytesOf("korvanelle.dat");
+    const QDateTime written = QFileInfo(Path("Histo202401.his")).lastModified();
+    const QString path = MakeBackup();
+    BecomeAnother();
+    const auto before = Content();
+    const Restore::Plan plan = Stage(path);
+    EXPECT_EQ(Content(), before);
+    EXPECT_EQ(plan.TargetsOf("history", Restore::Effect::New), QStringList{"Histo202401.his"});
+    EXPECT_EQ(plan.TargetsOf("history", Restore::Effect::Beside), QStringList{"Histo202402R1.his"});
+    EXPECT_EQ(plan.TargetsOf("sounds", Restore::Effect::Replaced), QStringList{"AlarmSound5.wav"});
+    Restore::Commit(plan, true);
+    EXPECT_TRUE(Restore::Complete());
+    EXPECT_EQ(BytesOf("korvanelle.dat"), site);
+    EXPECT_EQ(BytesOf("Histo202402.his"), "another february\r\n");
+    EXPECT_EQ(BytesOf("Histo202402R1.his"), "february\r\n");
+    EXPECT_EQ(BytesOf("own.prt"), "[Styles]");
+    EXPECT_EQ(QFileInfo(Path("Histo202401.his")).lastModified(), written);
+    EXPECT_EQ(IniRead("General", "LastEvent", ""), "40");
+    EXPECT_EQ(IniRead("General", "Language", ""), "2");
+    EXPECT_EQ(IniRead("General", "NoResize", ""), "1");
+    EXPECT_EQ(IniRead("Ports", "COM3", ""), "/dev/new");
+    EXPECT_EQ(IniRead("PendingCommands", "1", ""), "new");
+    EXPECT_EQ(IniRead("Files", "LastUsed", ""), Path("plant.kv2"));
+    EXPECT_EQ(Stages(), QStringList());
+    // A second time there is nothing to add, and a history that has grown goes on.
+    WriteFile("Histo202401.his", "january\r\nmore\r\n");
+    const Restore::Plan again = Stage(path);
+    for (const Restore::Item& item : again.items)
+        EXPECT_TRUE(item.effect == Restore::Effect::Same || item.name == BackupFile::SettingsFile)
+            << item.name.toStdString();
+}
+
+// Killed at any moment, a restore has not begun or comes to its end at the next start.
+TEST_F(BackupTest, IsAllOrNothingOverAKill) {
+    const QString path = MakeBackup();
+    BecomeAnother();
+    const auto before = Content();
+    Stage(path);
+    EXPECT_FALSE(Restore::CompleteAtStart());
+    EXPECT_EQ(Content(), before);
+    EXPECT_EQ(Stages(), QStringList());
+
+    const auto Names = [&] { return Content().keys(); };
+    Restore::Commit(Stage(path), false);
+    ASSERT_TRUE(Restore::Complete());
+    const auto after = Content();
+    int killedInTheMiddle = 0;
+    for (int round = 0; round < 15; ++round) {
+        for (const QString& name : Names())
+            QFile::remove(Path(name));
+        for (auto file = before.cbegin(); file != before.cend(); ++file)
+            WriteFile(file.key(), file.value());
+        Restore::Commit(Stage(path), false);
+        const pid_t child = fork();
+        if (child == 0) {
+            Restore::Complete();
+            _exit(0);
+        }
+        usleep(useconds_t(300 + round * 100));
+        kill(child, SIGKILL);
+        int status = 0;
+        waitpid(child, &status, 0);
+        killedInTheMiddle += WIFSIGNALED(status) ? 1 : 0;
+        Restore::CompleteAtStart();
+        EXPECT_EQ(Content(), after) << round;
+        EXPECT_EQ(Stages(), QStringList()) << round;
+    }
+    RecordProperty("killed", killedInTheMiddle);
+}
+
+TEST_F(BackupTest, IsMadeOnItsDayAndTheLastFourStay) {
+    BackupSchedule schedule;
+    const auto Look = [&] {
+        schedule.Look();
+        if (BackupJob::Current() != nullptr)
+            WaitFor(*BackupJob::Current());
+    };
+    clock.Set(2024, 3, 13, 12);
+    Backup::setWeekday(7);
+    clock.Set(2024, 3, 17, 1, 59);
+    Look();
+    EXPECT_TRUE(OnStick().isEmpty());
+    for (int week = 0; week < 6; ++week) {
+        platform::OverrideVolumes(QList<platform::Volume>{{"STICK", Stick()}});
+        clock.Set(2024, 3, 17, 2 + week % 3);
+        clock.Set(clock.Now() + 7 * week);
+        Look();
+        Look();
+        EXPECT_EQ(OnStick().size(), qMin(week + 1, Backup::KeptAutomatic)) << week;
+        for (const QString& name : OnStick())
+            EXPECT_TRUE(Backup::IsOwnAutomatic(name)) << name.toStdString();
+        platform::OverrideVolumes(QList<platform::Volume>{});
+    }
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::NoBackup));
+    // Two weeks without a stick are told, and over with the next backup.
+    clock.Set(clock.Now() + 15);
+    Look();
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::NoBackup));
+    clock.Set(clock.Now() + 6);
+    platform::OverrideVolumes(QList<platform::Volume>{{"STICK", Stick()}});
+    Look();
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::NoBackup));
+    EXPECT_TRUE(boxes.isEmpty());
+}
