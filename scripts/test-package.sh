@@ -84,6 +84,8 @@ done
 desktop=$(inside dpkg-query -W -f="\${Package}\n" | grep -E '^(xserver-xorg|gnome-|plasma-|xfce4|task-|lightdm|gdm3|sddm|weston)' || true)
 [ -z "$desktop" ] || fail "a desktop came along: $desktop"
 
+inside /usr/lib/korvanelle/korvanelle-sim --help >/dev/null || fail "the simulator of the rehearsals"
+
 step "units"
 inside systemd-analyze verify --man=no /lib/systemd/system/korvanelle-kiosk.service \
     /lib/systemd/system/korvanelle-service.service

@@ -18,7 +18,7 @@ bool WantsWords(int argc, char** argv) {
     });
 }
 
-void Take(const QCoreApplication& application) {
+bool Take(const QCoreApplication& application) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Supervision of alarm annunciator modules on a serial Modbus RTU bus."));
@@ -28,11 +28,16 @@ void Take(const QCoreApplication& application) {
                        "lie beside the program."),
         QStringLiteral("DIR"));
     parser.addOption(folder);
+    const QCommandLineOption rehearsal(
+        QStringLiteral("rehearsal"),
+        QStringLiteral("Play the site with simulated modules, in the folder Rehearsal of that "
+                       "one. The program does this by itself; its end brings the watch back."));
+    parser.addOption(rehearsal);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.process(application);
     if (!parser.isSet(folder) || platform::UseApplicationFolder(parser.value(folder)))
-        return;
+        return parser.isSet(rehearsal);
     std::fprintf(stderr, "%s: can't write to the folder %s\n",
                  qUtf8Printable(platform::ExecutableName()), qUtf8Printable(parser.value(folder)));
     std::exit(EXIT_FAILURE);

@@ -10,6 +10,7 @@ bool WantsWords(int argc, char** argv);
 
 /// Reads the options that the toolkit left and takes the folder named by `--folder`. Ends the
 /// process when words were asked for, with status 0, or for what can't be done, with another.
-void Take(const QCoreApplication& application);
+/// True when a rehearsal is wanted.
+bool Take(const QCoreApplication& application);
 
 } // namespace CommandLine

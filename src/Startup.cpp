@@ -1,6 +1,8 @@
 #include "Startup.h"
 
 #include "bus/OutOfServiceWatch.h"
+#include "bus/ProgramEnd.h"
+#include "bus/SimulatedPlant.h"
 #include "bus/wPolling.h"
 #include "config_screens/ConfigScreens.h"
 #include "core/Boxes.h"
@@ -22,13 +24,16 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/OutOfService.h"
+#include "model/SimulatedSite.h"
 #include "platform/Folders.h"
+#include "platform/Replacement.h"
 #include "platform/ServiceManager.h"
 #include "screens/Screens.h"
 #include "technician/Technician.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QScopeGuard>
 #include <utility>
 
 using ErrorHandling::Guard;
@@ -36,6 +41,9 @@ using ErrorHandling::Guard;
 namespace {
 
 const QString Files = QStringLiteral("Files");
+
+/// Words of `Rehearsal::Ending`, from `Asked` on, which has none.
+constexpr int FirstEnding = 718040;
 
 void TellHorn(bool canBeHeard) {
     if (canBeHeard)
@@ -62,8 +70,11 @@ void TellTheEnd(const QString& text) {
 Startup::Startup() {
     connect(qApp, &QCoreApplication::aboutToQuit, this, &Startup::TellStop);
 }
-// The thread of the horn ends before what it reports to.
+// The thread of the horn ends before what it reports to. Whoever asked for the end since the
+// program gave its place away gets it.
 Startup::~Startup() {
+    if (platform::ShutdownWatch::Pending())
+        platform::Replacement::Forget();
     Global::Get().sound.reset();
 }
 
@@ -128,7 +139,45 @@ void Startup::StartByItself() {
     Forms::UnloadAllBut({FormNames::wRunAlarms, FormNames::wPolling});
 }
 
-bool Startup::Main() {
+/// The plant's watch comes back when that fails.
+bool Startup::EnterRehearsal() {
+    bool entered = false;
+    Guard("Startup.EnterRehearsal", [&] {
+        const auto backUnlessEntered = qScopeGuard([&] {
+            if (!entered)
+                platform::Replacement::Ask(Rehearsal::EndArguments(),
+                                           Rehearsal::NoteOf(Rehearsal::Ending::NotBegun));
+        });
+        Rehearsal::Begin();
+        entered = true;
+    });
+    return entered;
+}
+
+/// The modules are there before their port is opened.
+bool Startup::PlaySite(qint32 result) {
+    SimulatedSite::Fit(Global::Configuration());
+    plant_ = std::make_unique<SimulatedPlant>();
+    connect(
+        plant_.get(), &SimulatedPlant::Over, this,
+        [](Rehearsal::Ending ending) { EndProgram(ending); }, Qt::QueuedConnection);
+    if (result == 0 && plant_->Start())
+        return true;
+    EndProgram(result == 0 ? Rehearsal::Ending::Simulator : Rehearsal::Ending::NotBegun);
+    return false;
+}
+
+/// A rehearsal that ended by itself has left nobody to tell it to.
+void Startup::TellRehearsal() {
+    const auto ending = Rehearsal::EndingOf(platform::Replacement::Note());
+    if (!ending || Rehearsal::Runs())
+        return;
+    Trace::Note(QStringLiteral("REHEARSAL ENDED"));
+    if (*ending != Rehearsal::Ending::Asked)
+        Boxes::Post(GetText(FirstEnding + int(*ending)), Messages::Warning);
+}
+
+bool Startup::Main(bool rehearses) {
     bool started = false;
     Guard("Startup.Main", [&] {
         shutdownWatch_ = std::make_unique<platform::ShutdownWatch>();
@@ -136,7 +185,7 @@ bool Startup::Main() {
         RegisterScreens();
         RegisterConfigScreens();
         RegisterTechnician();
-        if (!ClaimInstance())
+        if (!ClaimInstance() || (rehearses && !EnterRehearsal()))
             return;
         // What fails is told over the first screen, when the bus runs.
         const Boxes::Held held;
@@ -167,7 +216,7 @@ void Startup::ComeUp() {
         IniRead(QStringLiteral("General"), QStringLiteral("NoResize"), QStringLiteral("1")));
     const qint32 result = ReadConfiguration();
     OutOfService::Restore();
-    if (HasEnded())
+    if (HasEnded() || (Rehearsal::Runs() && !PlaySite(result)))
         return;
     LoadPolling();
     if (HasEnded())
@@ -181,12 +230,16 @@ void Startup::ComeUp() {
     if (HasEnded())
         return;
     Config::ExportSounds([](int place) { return Global::Configuration().AlarmPrioSound(place); });
-    backups_ = std::make_unique<BackupSchedule>();
+    // The week's backup is the plant's.
+    if (!Rehearsal::Runs())
+        backups_ = std::make_unique<BackupSchedule>();
     Pointer::Default();
     if (!autoStart && !HasEnded())
         Forms::Show(FormNames::wMain);
-    if (!HasEnded())
-        TellStart();
+    if (HasEnded())
+        return;
+    TellRehearsal();
+    TellStart();
 }
 
 /// The first screen stands: whoever started the program is told.
@@ -200,6 +253,9 @@ void Startup::TellStart() {
 
 void Startup::TellStop() {
     platform::ServiceManager& manager = platform::ServiceManager::Current();
+    // Another program goes on in this process: that is no end.
+    if (platform::Replacement::IsAsked())
+        return;
     if (!std::exchange(stopTold_, true))
         manager.Log(platform::ServiceManager::Priority::Notice,
                     Global::Title + QStringLiteral(" stops"));
@@ -213,6 +269,7 @@ bool Startup::HasEnded() const {
 void Startup::End(platform::UnloadMode mode) {
     Guard("Startup.End", [&] {
         ended_ = true;
+        platform::Replacement::Forget();
         TellStop();
         // Nobody answers any more: an error on the way out must not hold up what follows it.
         Messages::Install({});

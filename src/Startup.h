@@ -7,6 +7,7 @@
 #include <QObject>
 #include <memory>
 
+class SimulatedPlant;
 class BackupSchedule;
 class wPolling;
 
@@ -20,8 +21,8 @@ public:
 
     /// Comes up; the event loop runs already, so that an end can come meanwhile. False when the
     /// program must end at once: it runs already, or there is no configuration base; the operator
-    /// has been told.
-    bool Main();
+    /// has been told. A rehearsal that can't be entered is an end as well.
+    bool Main(bool rehearses = false);
     /// Ends the program: horn, trace, port, queue, screens.
     void End(platform::UnloadMode mode);
 
@@ -31,17 +32,22 @@ private:
     void ComeUp();
     bool HasEnded() const;
     bool ClaimInstance();
+    bool EnterRehearsal();
     void DropFormerAlarms();
     /// Reads the current-configuration file; the result is that of `ConfigClass.Read`, or -1
     /// when there is no file.
     qint32 ReadConfiguration();
+    /// `result` is that of reading the site. False when the rehearsal is over.
+    bool PlaySite(qint32 result);
     void LoadPolling();
     void StartByItself();
+    void TellRehearsal();
     void TellStart();
     void TellStop();
 
     std::unique_ptr<platform::SingleInstance> instance_;
     std::unique_ptr<platform::ShutdownWatch> shutdownWatch_;
+    std::unique_ptr<SimulatedPlant> plant_;
     std::unique_ptr<wPolling> polling_;
     std::unique_ptr<BackupSchedule> backups_;
     /// The day's change is due when a midnight has passed since.

@@ -9,6 +9,7 @@
 #include "core/Faults.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "events/Klaxon.h"
 #include "model/ConfigClass.h"
@@ -22,7 +23,7 @@ using ErrorHandling::Guard;
 namespace {
 
 /// Words of the service's state.
-enum Text { BusRuns = 710008, BusStands = 710009, Summary = 301310 };
+enum Text { BusRuns = 710008, BusStands = 710009, Summary = 301310, RehearsalRuns = 718001 };
 
 } // namespace
 
@@ -137,6 +138,7 @@ void wPolling::TellService() const {
         IniReadKeys(kept, QStringLiteral("LastAlarms"));
     const qsizetype alarms = console != nullptr ? console->RowCount() : kept.size();
     platform::ServiceManager::Current().Status(
+        (Rehearsal::Runs() ? GetText(RehearsalRuns) + QStringLiteral(". ") : QString()) +
         GetText(run_ ? BusRuns : BusStands) + QStringLiteral(". ") +
         GetText(Summary)
             .replace(QStringLiteral("$1"), QString::number(watched))

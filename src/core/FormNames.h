@@ -10,6 +10,7 @@ inline const QString wPolling = QStringLiteral("wPolling");
 inline const QString wRunAlarms = QStringLiteral("wRunAlarms");
 inline const QString wTeleCmdes = QStringLiteral("wTeleCmdes");
 inline const QString wTeleCmde = QStringLiteral("wTeleCmde");
+inline const QString wRehearsal = QStringLiteral("wRehearsal");
 inline const QString wHistoric = QStringLiteral("wHistoric");
 inline const QString wAlarmReport = QStringLiteral("wAlarmReport");
 inline const QString wHistorySearch = QStringLiteral("wHistorySearch");

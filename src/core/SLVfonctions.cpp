@@ -3,6 +3,7 @@
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
+#include "core/Rehearsal.h"
 #include "platform/Folders.h"
 #include "platform/SettingsFile.h"
 
@@ -70,9 +71,10 @@ int IniReadKeys(QStringList& keys, const QString& section) {
 
 PortSetting PortOf(const QString& portName) {
     const int number = Bytes::ShortVal(portName.mid(3));
-    const QString fallback = portName.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive)
-                                 ? QStringLiteral("/dev/lp%1")
-                                 : QStringLiteral("/dev/ttyS%1");
+    const bool parallel = portName.startsWith(QStringLiteral("LPT"), Qt::CaseInsensitive);
+    if (Rehearsal::Runs())
+        return {parallel ? Rehearsal::Prints() : Rehearsal::Line(), false};
+    const QString fallback = parallel ? QStringLiteral("/dev/lp%1") : QStringLiteral("/dev/ttyS%1");
     const QString value = IniRead(PortSection, portName, fallback.arg(number - 1));
     // A name of a device may hold a comma of its own.
     const qsizetype comma = value.lastIndexOf(u',');

@@ -30,6 +30,7 @@ struct PortSetting {
 
 /// A port by its name: the key of that name in the section "Ports", a device with ",rs485" behind
 /// it or without. Without a key the device is /dev/ttyS(n-1) for "COMn", /dev/lp(n-1) for "LPTn".
+/// In a rehearsal all serial ports are its line and all parallel ones its file of prints.
 PortSetting PortOf(const QString& portName);
 /// Sets a port, from its next opening on.
 void setPort(const QString& portName, const PortSetting& port);

@@ -7,6 +7,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Global.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "platform/DiskFlush.h"
@@ -132,7 +133,10 @@ void DoMidnightActions() {
             Bytes::Val(FilesKey(QStringLiteral("PeriodUnit"), QStringLiteral("0"))) < 1;
         const QDateTime limit = months ? now.addMonths(-period) : now.addDays(-period);
         const QDir own(platform::ApplicationFolder());
-        const QString named = FilesKey(QStringLiteral("Histo"), platform::ApplicationFolder());
+        // What is rehearsed never stands among the plant's.
+        const QString named =
+            Rehearsal::Runs() ? platform::ApplicationFolder()
+                              : FilesKey(QStringLiteral("Histo"), platform::ApplicationFolder());
         const QDir second(own.absoluteFilePath(named));
         const bool ready = !named.isEmpty() && platform::IsReady(second.path());
         if (period > 0) {

@@ -8,6 +8,7 @@ namespace platform {
 
 namespace {
 QString namedFolder;
+QStringList formerFolders; // named before, the last one first
 QString overriddenFolder;
 QString overriddenName;
 } // namespace
@@ -19,13 +20,17 @@ QString ApplicationFolder() {
 }
 
 bool UseApplicationFolder(const QString& folder) {
+    if (!namedFolder.isEmpty())
+        formerFolders.prepend(namedFolder);
     namedFolder = QDir(folder).absolutePath();
     return MakeFolder(namedFolder) && QFileInfo(namedFolder).isWritable();
 }
 
 QStringList ProgramFolders() {
     QStringList folders = {ApplicationFolder()};
-    if (overriddenFolder.isEmpty() && folders.first() != QCoreApplication::applicationDirPath())
+    if (overriddenFolder.isEmpty())
+        folders += formerFolders;
+    if (overriddenFolder.isEmpty() && folders.last() != QCoreApplication::applicationDirPath())
         folders += QCoreApplication::applicationDirPath();
     return folders;
 }

@@ -9,10 +9,12 @@ namespace platform {
 /// history and sounds. The executable's own until another is named.
 QString ApplicationFolder();
 /// Names that folder, as the command line does, and makes it if there is none. What came with the
-/// program stays beside the executable. False when it can't be made or written to.
+/// program stays beside the executable or in the folder named before. False when it can't be made
+/// or written to.
 bool UseApplicationFolder(const QString& folder);
 /// Folders that hold what comes with the program: base, help and printer definitions. A file of
-/// the application's folder stands ahead of one beside the executable.
+/// the application's folder stands ahead of one of a folder named before, and that ahead of one
+/// beside the executable.
 QStringList ProgramFolders();
 /// Path of a file of that kind; in the application's folder when there is none.
 QString ProgramFile(const QString& name);

@@ -1,6 +1,7 @@
 #include "platform/ServiceManager.h"
 
 #include "platform/Clock.h"
+#include "platform/Replacement.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -35,6 +36,7 @@ ServiceRoads SystemRoads() {
     std::uint64_t microseconds = 0;
     if (sd_watchdog_enabled(0, &microseconds) > 0)
         roads.patience = qint64(microseconds) / MicrosecondsAMillisecond;
+    roads.replaced = Replacement::Note().has_value();
     if (qEnvironmentVariableIsEmpty("JOURNAL_STREAM"))
         roads.journal = [](const QByteArray& line) { ToStandardError(line.mid(3)); };
     else
@@ -60,14 +62,15 @@ void ServiceManager::Ready() {
 }
 
 void ServiceManager::Beat() {
-    if (!roads_.notify || (stage_ == Stage::Runs && !roads_.patience))
+    const bool watched = stage_ == Stage::Runs || (stage_ == Stage::Starts && roads_.replaced);
+    if (!roads_.notify || (watched && !roads_.patience))
         return;
     const qint64 patience = roads_.patience.value_or(UsualPatience);
     const qint64 now = Clock::Current().MonotonicMs();
     if (lastBeat_ && now - *lastBeat_ < patience / BeatsInPatience)
         return;
     lastBeat_ = now;
-    if (stage_ == Stage::Runs)
+    if (watched)
         Notify("WATCHDOG=1");
     else
         Notify("EXTEND_TIMEOUT_USEC=" + QByteArray::number(patience * MicrosecondsAMillisecond));

@@ -16,6 +16,9 @@ struct ServiceRoads {
     /// A program that gives no sign of life for so long is ended and started again, ms; none when
     /// nobody waits for one.
     std::optional<qint64> patience;
+    /// The process was ready before, with the program that this one has replaced: it is watched
+    /// from the start.
+    bool replaced = false;
 };
 
 /// The roads of this process: the service manager that started it, by libsystemd, and the standard

@@ -3,6 +3,7 @@
 #include "core/FormNames.h"
 #include "core/Forms.h"
 #include "technician/dlgOutOfService.h"
+#include "technician/wRehearsal.h"
 #include "technician/wTechConsignations.h"
 #include "technician/wTechDiagnosis.h"
 #include "technician/wTechEtatModule.h"
@@ -14,6 +15,7 @@ void RegisterTechnician() {
     Forms::Register(FormNames::wTechFindPanels, [] { return new wTechFindPanels; });
     Forms::Register(FormNames::wTechEtatModule, [] { return new wTechEtatModule; });
     Forms::Register(FormNames::wTechConsignations, [] { return new wTechConsignations; });
+    Forms::Register(FormNames::wRehearsal, [] { return new wRehearsal; });
     Forms::Register(FormNames::dlgOutOfService, [] { return new dlgOutOfService; });
     Forms::Register(FormNames::wTechDiagnosis, [] { return new wTechDiagnosis; });
 }

@@ -1,5 +1,6 @@
 #include "technician/wTechnician.h"
 
+#include "bus/ProgramEnd.h"
 #include "bus/Registers.h"
 #include "bus/wPolling.h"
 #include "core/Config.h"
@@ -12,6 +13,7 @@
 #include "events/HistoProcs.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
+#include "model/SimulatedSite.h"
 #include "platform/Folders.h"
 #include "platform/Volumes.h"
 #include "screens/dialogs/FilePicker.h"
@@ -55,6 +57,10 @@ constexpr int SentToAll = 810144;
 /// Words of `TraceCopy::State`.
 constexpr int FirstCopyState = 810151;
 
+constexpr int BeginIt = 718010;
+constexpr int StopTheBus = 718011;
+constexpr int NothingToPlay = 718012;
+
 constexpr int Beat = 32;
 
 /// What is copied goes on while an alarm has the display, and is told at the next visit.
@@ -71,8 +77,10 @@ QString TraceFolder() {
     return QDir::cleanPath(platform::ApplicationFolder() + QStringLiteral("/Trace"));
 }
 
-/// Where the traces go: beside the second histories.
+/// Where the traces go: beside the second histories, those of a rehearsal nowhere.
 QString TargetFolder() {
+    if (Rehearsal::Runs())
+        return TraceFolder();
     const QString histories =
         IniRead(QStringLiteral("Files"), QStringLiteral("Histo"), platform::ApplicationFolder());
     const QDir own(platform::ApplicationFolder());
@@ -120,6 +128,7 @@ void wTechnician::ConnectControls() {
     OnClick(ui_->cmdSynchroMinuit, [this] { cmdSynchroMinuit_Click(); });
     OnClick(ui_->cmdForceHisto, [this] { cmdForceHisto_Click(); });
     OnClick(ui_->cmdCopyTraces, [this] { cmdCopyTraces_Click(); });
+    OnClick(ui_->cmdRehearse, [this] { cmdRehearse_Click(); });
     OnClick(ui_->cmdStopCopy, [] {
         if (Copying())
             Copying()->Stop();
@@ -146,6 +155,7 @@ void wTechnician::Form_Load() {
             connect(polling, &wPolling::RunChanged, this, &wTechnician::ShowRun);
         }
         ui_->imgComm_1->hide();
+        ShowRehearsal();
         ShowRun();
         ui_->lblNumero->setCaption(IniRead(General, TechPanel, QStringLiteral("0")));
         lblNumero_Change();
@@ -335,6 +345,25 @@ void wTechnician::ShowCopy() {
     for (const auto& [mark, part] : parts)
         text.replace(QLatin1String(mark), part);
     SetCaption(ui_->lblCopy, text.replace(u'|', u'\n'));
+}
+
+void wTechnician::ShowRehearsal() {
+    ui_->cmdRehearse->setVisible(!Rehearsal::Runs());
+    ui_->cmdRehearse->setEnabled(Rehearsal::HasSimulator());
+    ui_->lblRehearse->setVisible(!Rehearsal::Runs() && !Rehearsal::HasSimulator());
+}
+
+/// The plant is left alone meanwhile: whoever stopped its bus knows that.
+void wTechnician::cmdRehearse_Click() {
+    if (Polling() == nullptr || Rehearsal::Runs())
+        return;
+    const bool running = Polling()->Run();
+    if (running || SimulatedSite::ScenarioOf(Global::Configuration()).isEmpty()) {
+        Message(GetText(running ? StopTheBus : NothingToPlay), Messages::Critical);
+        return;
+    }
+    if (Message(GetText(BeginIt), Messages::Warning | Messages::OkCancel) == Messages::Ok)
+        BeginRehearsal();
 }
 
 void wTechnician::mwPolling_PollDone() {

@@ -37,6 +37,7 @@ private:
     void ShowRun();
     void ShowOutcome(const TechCommand& command, QLabel& label);
     void ShowCopy();
+    void ShowRehearsal();
     void Ask(int text, TechCommand& command, int registerNo, int value);
     void Send(TechCommand& command, int registerNo, int value);
 
@@ -47,6 +48,7 @@ private:
     void cmdSynchroMinuit_Click();
     void cmdForceHisto_Click();
     void cmdCopyTraces_Click();
+    void cmdRehearse_Click();
     void mwPolling_PollDone();
 
     std::unique_ptr<Ui::wTechnician> ui_;

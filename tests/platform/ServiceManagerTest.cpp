@@ -37,3 +37,15 @@ TEST(ServiceManagerTest, BeatsAskForTimeUntilReadyThenShowLifeFourTimesInThePati
     EXPECT_EQ(journal, (QList<QByteArray>{"<3>Gr\xC3\xB6\xC3\x9F"
                                           "e err"}));
 }
+
+// The manager waits for signs of life of a process that was ready, whatever program is in it now.
+TEST(ServiceManagerTest, AProgramInAnothersPlaceShowsLifeFromItsStart) {
+    TestClock clock;
+    QList<QByteArray> told;
+    ServiceManager manager({[&](const QByteArray& line) { told += line; }, {}, 40000, true});
+    manager.Beat();
+    clock.Advance(20000);
+    manager.Beat();
+    manager.Ready();
+    EXPECT_EQ(told, (QList<QByteArray>{"WATCHDOG=1", "WATCHDOG=1", "READY=1", "WATCHDOG=1"}));
+}

@@ -135,6 +135,7 @@ public:
     void Signal(int number) { ::kill(pid_t(process_.processId()), number); }
     bool WaitForEnd(int milliseconds) { return process_.waitForFinished(milliseconds); }
     int ExitCode() const { return process_.exitCode(); }
+    qint64 Number() const { return process_.processId(); }
     bool Running() const { return process_.state() == QProcess::Running; }
 
 private:

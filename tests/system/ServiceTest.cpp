@@ -41,7 +41,72 @@ private:
 
 class ServiceTest : public PlantTest {};
 
+QByteArray ContentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Number of the one child of a process, 0 for none.
+int ChildOf(qint64 process) {
+    return ContentOf(QStringLiteral("/proc/%1/task/%1/children").arg(process)).trimmed().toInt();
+}
+
 } // namespace
+
+// A rehearsal is entered and left in one process, and the manager sees no end. Nothing of it stands
+// in the plant's folder.
+TEST_F(ServiceTest, ARehearsalTakesThePlaceOfTheWatchAndGivesItBack) {
+    ASSERT_TRUE(QFile::copy(KORVANELLE_BUILD_DIR "/simulator/korvanelle-sim",
+                            folder.Path("korvanelle-sim")));
+    Put(1);
+    site.setPrtSettings("COM2:9600,N,8,1");
+    Save();
+    const QDir own(folder.Path("Rehearsal"));
+    ASSERT_TRUE(QDir().mkpath(own.path()));
+    for (const char* former : {"Histo202001.his", "AlarmSound7.wav", "korvanelle.dat"})
+        EXPECT_TRUE(QFile(own.filePath(former)).open(QIODevice::WriteOnly));
+    IniWrite("Files", "Histo", "/media/usb0");
+    IniWrite("Files", "PeriodTime", "3");
+    IniWrite("Files", "LastUsed", "/sites/Waterworks.kv2");
+    IniWrite(Pending, "1", "2|1|0043|0|0002");
+    const QByteArray settings = ContentOf(folder.Path("korvanelle.ini"));
+
+    const NotifySocket socket(folder.Path("notify"));
+    ProgramProcess program(folder,
+                           {{"NOTIFY_SOCKET", folder.Path("notify")}, {"WATCHDOG_USEC", "2000000"}},
+                           {"--rehearsal"});
+    ASSERT_TRUE(socket.Hears("READY=1"));
+    EXPECT_FALSE(LinesIn(QDir(own.filePath("Trace")), "*.log").filter("COMM   START").isEmpty());
+    EXPECT_EQ(LinesIn(own, "Histo2*.his").filter("APPLIC").size(), 1);
+    EXPECT_TRUE(own.exists("Histo202001.his"));
+    EXPECT_TRUE(own.exists("Printed.txt"));
+    EXPECT_EQ(ContentOf(own.filePath("korvanelle.dat")), ContentOf(folder.Path("korvanelle.dat")));
+    const QByteArray copied = ContentOf(own.filePath("korvanelle.ini"));
+    EXPECT_TRUE(copied.contains("PeriodTime=3"));
+    EXPECT_TRUE(copied.contains("LastUsed=" + own.filePath("Waterworks.kv2").toLocal8Bit()));
+    EXPECT_FALSE(copied.contains("usb0") || copied.contains("Ports") || copied.contains("0043"));
+    EXPECT_EQ(ContentOf(folder.Path("korvanelle.ini")), settings);
+    EXPECT_TRUE(folder.Trace().isEmpty());
+    EXPECT_TRUE(folder.History().isEmpty());
+
+    // The simulator is killed until it is given up.
+    int child = 0;
+    for (int kill = 0; kill < 3; ++kill) {
+        const int before = child;
+        ASSERT_TRUE(Eventually([&] {
+            child = ChildOf(program.Number());
+            return child > 0 && child != before;
+        }));
+        ::kill(child, SIGKILL);
+    }
+    EXPECT_TRUE(Comes("REHEARSAL ENDED"));
+    EXPECT_TRUE(program.Running());
+    EXPECT_TRUE(Eventually([&] { return ChildOf(program.Number()) == 0; }));
+    EXPECT_FALSE(folder.History().filter("APPLIC").isEmpty());
+    EXPECT_TRUE(socket.Hears("READY=1"));
+    EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
+    EXPECT_EQ(program.Terminate(), 0);
+}
 
 TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
     SimulatorProcess simulator(folder.Bus(), {"1=Q7100"});

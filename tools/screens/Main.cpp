@@ -1,6 +1,6 @@
 // Saves a picture of every screen in every language, at the design size or scaled:
 // korvanelle-screens <folder with korvanelle.cfg and korvanelle.dat> <target folder> [<width>
-// <height>]
+// <height> [rehearsal]]
 
 #include "Base.h"
 #include "Shots.h"
@@ -12,6 +12,7 @@
 #include "core/Forms.h"
 #include "core/Global.h"
 #include "core/Message.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "events/HistoProcs.h"
@@ -165,7 +166,8 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     TakeConsole(engine, path);
     TakeTechnician(engine, path);
     for (const QString& form : Forms::Names())
-        if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter)
+        if (form != FormNames::wRunAlarms && form != FormNames::wParamPrinter &&
+            form != FormNames::wRehearsal)
             Take(form, path(form.toLatin1().constData()));
     TakeTouched(path);
     TakeReport(path);
@@ -177,8 +179,9 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3 && argc != 5) {
-        std::fprintf(stderr, "usage: korvanelle-screens <folder> <target> [<width> <height>]\n");
+    if (argc != 3 && argc != 5 && argc != 6) {
+        std::fprintf(stderr, "usage: korvanelle-screens <folder> <target> [<width> <height> "
+                             "[rehearsal]]\n");
         return 2;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -189,7 +192,10 @@ int main(int argc, char** argv) {
     RegisterConfigScreens();
     RegisterTechnician();
     Messages::Install([](const QString&, int, bool) { return int(Messages::Ok); });
-    if (argc == 5) {
+    Rehearsal::Override(argc == 6);
+    // As on a machine on which it lies beside the program.
+    Rehearsal::OverrideSimulator(QApplication::applicationFilePath());
+    if (argc > 4) {
         Global::Get().noResize = false;
         OverrideScreenSize(QSize(QByteArray(argv[3]).toInt(), QByteArray(argv[4]).toInt()));
     }

@@ -2,6 +2,7 @@
 
 #include "Shots.h"
 
+#include "bus/SimulatedPlant.h"
 #include "bus/wPolling.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
@@ -15,6 +16,7 @@
 #include "screens/touch/TouchTable.h"
 #include "technician/ModuleFront.h"
 #include "technician/dlgOutOfService.h"
+#include "technician/wRehearsal.h"
 #include "technician/wTechnician.h"
 
 #include <QApplication>
@@ -106,6 +108,25 @@ void TakeOutOfService(const Paths& path) {
     site.Read(CurrentConfigFile());
 }
 
+/// With the strip that every window then bears.
+void TakeRehearsal(const Paths& path) {
+    const bool before = Rehearsal::Runs();
+    Rehearsal::Override(true);
+    SimulatedPlant plant;
+    plant.setContact(1, 3, SimulatedPlant::Contact::Active);
+    plant.setContact(1, 8, SimulatedPlant::Contact::CableFault);
+    plant.setOff(7, true);
+    const QString form = FormNames::wRehearsal;
+    for (const auto& [panel, name] :
+         {std::pair{7, "wRehearsal_off"}, {4, "wRehearsal_display"}, {1, "wRehearsal"}}) {
+        Forms::Show(form);
+        if (auto* modules = dynamic_cast<wRehearsal*>(Forms::Find(form)))
+            modules->setPanel(panel);
+        Done(form, path(name));
+    }
+    Rehearsal::Override(before);
+}
+
 } // namespace
 
 void TakeTechnician(wPolling& engine, const Paths& path) {
@@ -117,5 +138,6 @@ void TakeTechnician(wPolling& engine, const Paths& path) {
     Done(FormNames::wTechDiagnosis, path("wTechDiagnosis_full"));
     TakeConsole(path);
     TakeOutOfService(path);
+    TakeRehearsal(path);
     engine.CommBus().setPortOpen(false);
 }

@@ -4,6 +4,7 @@
 #include "core/DateTimes.h"
 #include "core/FormNames.h"
 #include "core/Message.h"
+#include "core/Rehearsal.h"
 #include "platform/RunTimeError.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/touch/Navigation.h"
@@ -33,6 +34,7 @@ constexpr int Tick = 250;
 constexpr int KeptByNetwork = 630210;
 constexpr int NoRight = 630211;
 constexpr int NotSet = 630212;
+constexpr int NotInRehearsal = 718051;
 
 } // namespace
 
@@ -96,6 +98,11 @@ void dlgSysTime::cmdBoutons_Click(int index) {
 
 /// A day that the month doesn't have runs over into the next one.
 void dlgSysTime::SetClock() {
+    // The plant's records go by the machine's clock.
+    if (Rehearsal::Runs()) {
+        Message(GetText(NotInRehearsal), Messages::Information);
+        return;
+    }
     const auto value = [this](Field field) { return fields_[field]->Value(); };
     const QDate date = QDate(value(Year), value(Month), 1).addDays(value(Day) - 1);
     const QTime time(value(Hour), value(Minute), value(Second));

@@ -30,7 +30,7 @@ QWidget* Console() {
 }
 
 QRect Scaled(const QRect& area) {
-    const ScreenFactors by = Global::Get().noResize ? ScreenFactors{} : CurrentScreenFactors();
+    const ScreenFactors by = CurrentScreenFactors();
     return {qRound(area.x() * by.horizontal), qRound(area.y() * by.vertical),
             qRound(area.width() * by.horizontal), qRound(area.height() * by.vertical)};
 }

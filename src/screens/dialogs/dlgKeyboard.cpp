@@ -188,7 +188,7 @@ void dlgKeyboard::resizeEvent(QResizeEvent* event) {
     QWidget* keyboard = ui_->picKeyboard;
     const int margin = keyboard->x();
     keyboard->setGeometry(margin, keyboard->y(), width() - 2 * margin,
-                          height() - keyboard->y() - margin);
+                          FormHeight() - keyboard->y() - margin);
 }
 
 void dlgKeyboard::setTitle(const QString& title) {

@@ -242,7 +242,7 @@ int dlgMessage::MostHeight() const {
     if (unread_)
         return qRound(UnreadHeight * (IsScaled() ? CurrentScreenFactors().vertical : 1));
     const QScreen* display = QGuiApplication::primaryScreen();
-    return display ? display->geometry().height() : Theme::DesignHeight;
+    return (display ? display->geometry().height() : Theme::DesignHeight) - RehearsalStripHeight();
 }
 
 /// One that nobody called lies where the console has its oldest alarms, above its buttons, or above
@@ -272,7 +272,7 @@ void dlgMessage::Layout() {
     // A text in full sight lets a touch through to the box.
     box->setAttribute(Qt::WA_TransparentForMouseEvents, text >= wanted);
     box->setGeometry(box->x(), top + (area - text) / 2, box->width(), text);
-    setFixedSize(width(), area + rest);
+    setFormSize(width(), area + rest);
     for (const int i : Indices(Button)) {
         auto* control = Control<QPushButton>(Button, i);
         control->move(control->x(), top + area + lineHeight_);

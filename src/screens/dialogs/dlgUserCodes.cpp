@@ -137,7 +137,7 @@ void dlgUserCodes::Compact() {
         place(Control(Key, characters[i].unicode()),
               PromptKey.translated(i % PromptKeysInRow * PromptKeyPitch.width(),
                                    i / PromptKeysInRow * PromptKeyPitch.height()));
-    setFixedSize(qRound(Theme::DesignWidth * by.horizontal), qRound(PromptHeight * by.vertical));
+    setFormSize(qRound(Theme::DesignWidth * by.horizontal), qRound(PromptHeight * by.vertical));
 }
 
 QRect dlgUserCodes::PlaceIn(const QRect& area) const {

@@ -1,6 +1,7 @@
 // What the main menu does with the site file, and the way out of the program.
 
 #include "bus/OutOfServiceWatch.h"
+#include "bus/ProgramEnd.h"
 #include "bus/wPolling.h"
 #include "core/Config.h"
 #include "core/FormNames.h"
@@ -9,7 +10,6 @@
 #include "core/Operator.h"
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
-#include "core/Yield.h"
 #include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/OutOfService.h"
@@ -18,13 +18,15 @@
 #include "screens/dialogs/wHelp.h"
 #include "screens/menu/wMain.h"
 
-#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMessageBox>
 
 namespace {
 
 enum Navigation { SaveAs = 8, OpenFile = 9, Leave = 10, NewSite = 11, Login = 13 };
+
+constexpr int EndTheRehearsal = 718022;
+constexpr int RehearsalMark = 718003;
 
 const QString Files = QStringLiteral("Files");
 const QString SiteExtension = QStringLiteral(".kv2");
@@ -70,22 +72,6 @@ QString ScreenKeyboard() {
 void EndScreenKeyboard() {
     const QString program = ScreenKeyboard().section(u' ', 0, 0);
     platform::KillProcess(program.section(u'/', -1));
-}
-
-/// Ends everything, the polling screen first.
-void EndProgram() {
-    if (wPolling* polling = Polling()) {
-        EventClass event(0, Family::System, 0, SystemEvents::ApplicationStopped);
-        polling->SendEvent(event);
-        polling->setRun(false);
-    }
-    while (NbInstances(FormNames::wPolling) >= 1) {
-        Forms::Unload(FormNames::wPolling);
-        Yield();
-    }
-    Forms::UnloadAllBut({FormNames::wMain});
-    Forms::Unload(FormNames::wMain);
-    QCoreApplication::quit();
 }
 
 } // namespace
@@ -243,6 +229,13 @@ void wMain::LeaveProgram() {
         Message(GetText(20009), Messages::Critical);
         return;
     }
+    // Nothing of a rehearsal is kept.
+    if (Rehearsal::Runs()) {
+        if (Message(GetText(EndTheRehearsal), Messages::Question | Messages::OkCancel) ==
+            Messages::Ok)
+            EndProgram();
+        return;
+    }
     const QPointer<wMain> self(this);
     if (Global::Configuration().Modified())
         SaveCurrent();
@@ -262,8 +255,10 @@ void wMain::LeaveProgram() {
 }
 
 void wMain::TellFailure(qint32 text) {
-    const QPointer<QMessageBox> box(
-        new QMessageBox(QMessageBox::Critical, Global::Title, GetText(text)));
+    const QPointer<QMessageBox> box(new QMessageBox(
+        QMessageBox::Critical, Global::Title,
+        (Rehearsal::Runs() ? GetText(RehearsalMark) + QStringLiteral("\n\n") : QString()) +
+            GetText(text)));
     box->setStyleSheet(
         QStringLiteral("QPushButton { min-width: 120px; min-height: 48px; font-size: 16px; }"));
     failure_ = box;

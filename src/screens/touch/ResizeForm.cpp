@@ -1,6 +1,7 @@
 #include "screens/touch/ResizeForm.h"
 
 #include "core/Global.h"
+#include "core/Rehearsal.h"
 #include "screens/touch/Theme.h"
 
 #include <QGuiApplication>
@@ -14,7 +15,10 @@
 
 namespace {
 
-std::optional<ScreenFactors> factors;
+std::optional<QSize> display;
+
+/// Height of the strip that marks a rehearsal, at the design's size.
+constexpr int StripHeight = 44;
 
 constexpr double Shrink = 0.99;
 constexpr double SmallestShrink = 0.5;
@@ -64,27 +68,42 @@ void ScaleControl(QWidget& control, const ScreenFactors& by) {
     ScaleGrid(control, by);
 }
 
+/// Read once: the display of a panel PC stays.
+QSize DisplaySize() {
+    if (!display) {
+        const QScreen* screen = QGuiApplication::primaryScreen();
+        display = screen ? screen->size() : QSize(Theme::DesignWidth, Theme::DesignHeight);
+    }
+    return *display;
+}
+
 } // namespace
 
+int RehearsalStripHeight() {
+    if (!Rehearsal::Runs())
+        return 0;
+    return Global::Get().noResize
+               ? StripHeight
+               : qRound(double(StripHeight) * DisplaySize().height() / Theme::DesignHeight);
+}
+
 ScreenFactors CurrentScreenFactors() {
-    if (!factors) {
-        const QScreen* screen = QGuiApplication::primaryScreen();
-        OverrideScreenSize(screen ? screen->size()
-                                  : QSize(Theme::DesignWidth, Theme::DesignHeight));
-    }
-    return *factors;
+    QSize room = DisplaySize();
+    if (Global::Get().noResize)
+        room = {Theme::DesignWidth, Rehearsal::Runs()
+                                        ? qMin(room.height(), Theme::DesignHeight + StripHeight)
+                                        : Theme::DesignHeight};
+    return {double(room.width()) / Theme::DesignWidth,
+            double(room.height() - RehearsalStripHeight()) / Theme::DesignHeight};
 }
 
 void OverrideScreenSize(const QSize& size) {
-    factors.reset();
+    display.reset();
     if (!size.isEmpty())
-        factors = ScreenFactors{double(size.width()) / Theme::DesignWidth,
-                                double(size.height()) / Theme::DesignHeight};
+        display = size;
 }
 
 bool ResizeForm(QWidget& form) {
-    if (Global::Get().noResize)
-        return false;
     const ScreenFactors by = CurrentScreenFactors();
     if (by.horizontal == 1 && by.vertical == 1)
         return false;

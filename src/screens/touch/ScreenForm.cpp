@@ -2,8 +2,12 @@
 
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
+#include "core/FormNames.h"
 #include "core/Global.h"
 #include "core/Operator.h"
+#include "core/Rehearsal.h"
+#include "screens/touch/Navigation.h"
+#include "screens/touch/RehearsalStrip.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/Theme.h"
 #include "screens/touch/TouchImage.h"
@@ -155,6 +159,32 @@ void ScreenForm::Prepare() {
     }
     Nationality();
     scaled_ = ResizeForm(*this);
+    if (Rehearsal::Runs())
+        PutStrip();
+}
+
+/// Below all that the form has: nothing of it moves.
+void ScreenForm::PutStrip() {
+    strip_ = new RehearsalStrip(this);
+    connect(strip_, &RehearsalStrip::Touched, this, [this] {
+        const Operator::Acting acting;
+        ErrorHandling::Guard((name_ + QStringLiteral(".lblRehearsal_Click")).toLatin1().constData(),
+                             [] {
+                                 if (NbInstances(FormNames::wRehearsal) == 0)
+                                     OpenDialog(FormNames::wRehearsal);
+                             });
+    });
+    setFormSize(width(), height());
+}
+
+void ScreenForm::setFormSize(int width, int height) {
+    setFixedSize(width, height + (strip_ == nullptr ? 0 : RehearsalStripHeight()));
+    if (strip_ != nullptr)
+        strip_->setGeometry(0, height, width, RehearsalStripHeight());
+}
+
+int ScreenForm::FormHeight() const {
+    return height() - (strip_ == nullptr ? 0 : RehearsalStripHeight());
 }
 
 void ScreenForm::Nationality() {
@@ -299,6 +329,8 @@ void ScreenForm::Place() {
     QRect area = display;
     if (Global::Get().noResize)
         area.setSize({Theme::DesignWidth, Theme::DesignHeight});
+    if (Rehearsal::Runs())
+        area.setHeight(qMin(area.height(), display.height() - RehearsalStripHeight()));
     QRect place = PlaceIn(area);
     place.moveRight(qMin(place.right(), display.right()));
     place.moveBottom(qMin(place.bottom(), display.bottom()));

@@ -11,6 +11,7 @@
 
 class QEventLoop;
 class QLabel;
+class RehearsalStrip;
 
 /// A screen or dialog of the program: a window without a frame that the registry knows by its
 /// name. Its controls are addressed as arrays: the control `imgControl_4` is index 4 of
@@ -63,6 +64,10 @@ protected:
     /// True for a box that lies above all others, the one that waits included, takes its touches
     /// whoever waits, and never takes the keyboard.
     virtual bool Floats() const { return false; }
+    /// Gives the form another size than the design's, without the strip of a rehearsal.
+    void setFormSize(int width, int height);
+    /// Height without that strip.
+    int FormHeight() const;
     /// Puts the form where it belongs, after a change of its size.
     void Place();
 
@@ -92,6 +97,7 @@ private:
     QWidget* FindControl(const QString& array, int index) const;
     void Connect(QWidget* control, const QString& object, std::function<void()> handler);
     void Activate();
+    void PutStrip();
     static void RaiseDialogs();
     static QWidget* Waiting();
     static void LiftFloats();
@@ -101,6 +107,7 @@ private:
     bool scaled_ = false;
     bool unloaded_ = false;
     QEventLoop* modalLoop_ = nullptr;
+    RehearsalStrip* strip_ = nullptr; // null outside a rehearsal
     QHash<QObject*, std::function<void()>> labelClicks_;
     QHash<QLabel*, QLabel*> shadows_;
 };

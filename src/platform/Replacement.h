@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+#include <optional>
+
+/// The program in its own place: at its end it is started again in the same process, with the same
+/// number, so that whoever watches over it sees no end.
+namespace platform::Replacement {
+
+/// Keeps what the program was started with, ahead of what takes arguments out.
+void KeepArguments(int argc, char** argv);
+/// Those arguments without the program's own name.
+QStringList Arguments();
+
+/// At its end the program is to be started again, with these arguments. `note` is left to it.
+void Ask(const QStringList& arguments, const QByteArray& note);
+bool IsAsked();
+/// Takes the asking back, for tests.
+void Forget();
+/// Starts the program that was asked for. To be called when nothing of the present one is left.
+/// Returns only if that fails.
+void Run();
+
+/// The note of the program that was in this process before; none for the first.
+std::optional<QByteArray> Note();
+
+} // namespace platform::Replacement
