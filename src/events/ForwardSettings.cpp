@@ -2,6 +2,7 @@
 
 #include "core/Bytes.h"
 #include "core/Global.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "platform/FileWriting.h"
 #include "platform/Folders.h"
@@ -49,8 +50,9 @@ ForwardSettings ForwardSettings::Read() {
         return SLVfonctions::IsTrue(IniRead(Section, key, Word(fallback)));
     };
     ForwardSettings settings;
-    settings.journal = truth(Journal, factory.journal);
-    settings.syslog = truth(Syslog, factory.syslog);
+    // What is only rehearsed reaches nobody outside.
+    settings.journal = !Rehearsal::Runs() && truth(Journal, factory.journal);
+    settings.syslog = !Rehearsal::Runs() && truth(Syslog, factory.syslog);
     settings.server.host = text(Server);
     const qint32 port = Bytes::LongVal(text(Port));
     if (port >= 1 && port <= HighestPort)

@@ -66,7 +66,12 @@ void HistoryWords::ReadBase() {
     AddText(Family::PanelModel, EventKind::PanelPresent, 51031);
     AddText(Family::PanelModel, EventKind::PanelLost, 51032);
     AddText(Family::PanelModel, EventKind::MidnightState, 51047);
+    for (const Family family : {Family::Channel, Family::PanelModel}) {
+        AddText(family, EventKind::OutOfService, 51060);
+        AddText(family, EventKind::BackInService, 51061);
+    }
     AddText(Family::System, EventKind::AcknowledgedOnPc, 51039);
+    AddText(Family::System, EventKind::OutOfServiceCount, 51062);
     Add(Family::System, EventKind::ApplicationStarted, "APPLIC");
     Add(Family::System, EventKind::CommStarted, "COMM");
     Add(Family::System, EventKind::UserChanged, "LOGIN");

@@ -23,6 +23,9 @@ enum class EventKind : quint8 {
     PanelPresent,
     PanelLost,
     MidnightState,
+    // A panel or a channel.
+    OutOfService,
+    BackInService,
     // The system.
     AcknowledgedOnPc,
     ApplicationStarted,
@@ -30,6 +33,7 @@ enum class EventKind : quint8 {
     UserChanged,
     CommStarted,
     CommStopped,
+    OutOfServiceCount,
 };
 
 /// What the words of a history line mean, in whichever language of the base it was written.

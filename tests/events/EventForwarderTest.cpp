@@ -2,6 +2,7 @@
 
 #include "events/EventForwarder.h"
 
+#include "core/Rehearsal.h"
 #include "model/ConfigClass.h"
 #include "support/Bench.h"
 #include "support/FakeLogServer.h"
@@ -94,10 +95,14 @@ TEST_F(Forwarding, ALineHoldsTheEventEscapedAndMarked) {
     }
 }
 
-TEST_F(Forwarding, NothingHappensUnlessItIsSwitchedOn) {
-    forwarder->Start();
-    Send(1, 3);
-    Pass(100);
+TEST_F(Forwarding, NothingHappensUnlessItIsSwitchedOnNorInARehearsal) {
+    for (const bool rehearses : {false, true}) {
+        Rehearsal::Override(rehearses);
+        rehearses ? SwitchOn(true, true) : forwarder->Start();
+        Send(1, 3);
+        Pass(100);
+    }
+    Rehearsal::Override(false);
     EXPECT_TRUE(server->tries.isEmpty());
     EXPECT_FALSE(QFile::exists(Path("Forward")));
     EXPECT_EQ(Fault(), "none");

@@ -65,7 +65,10 @@ TEST_F(HistoryRecordsTest, EveryEventInEveryLanguage) {
                   {{0, 254, 0, 3}, EventKind::UserChanged},
                   {{0, 254, 0, 4}, EventKind::CommStarted},
                   {{0, 254, 0, 5}, EventKind::CommStopped},
-                  {{12, 254, 0, 6}, EventKind::MidnightState}};
+                  {{12, 254, 0, 6}, EventKind::MidnightState},
+                  {{12, 254, 0, 7}, EventKind::OutOfService},
+                  {{12, 254, 7, 8}, EventKind::BackInService},
+                  {{0, 254, 0, 9}, EventKind::OutOfServiceCount}};
     for (qint16 language = 0; language < 4; ++language) {
         Global::Get().language = language;
         Global::ReadMarks();
@@ -78,9 +81,10 @@ TEST_F(HistoryRecordsTest, EveryEventInEveryLanguage) {
         const auto& [event, kind] = events[i % std::size(events)];
         SCOPED_TRACE(i);
         EXPECT_EQ(read[i].kind, kind);
-        const bool isSystem = event.Chnl() == Family::System && kind != EventKind::MidnightState;
-        EXPECT_EQ(read[i].panel, isSystem ? 0 : 12);
-        EXPECT_EQ(read[i].channel, Family::IsChannel(event.Chnl()) ? event.Chnl() : 0);
+        const bool namesNoPanel = event.Panel() == 0 || kind == EventKind::AcknowledgedOnPc;
+        EXPECT_EQ(read[i].panel, namesNoPanel ? 0 : 12);
+        const bool ofChannel = Family::IsChannel(event.Chnl()) || kind == EventKind::BackInService;
+        EXPECT_EQ(read[i].channel, ofChannel ? 7 + 17 * int(event.Chnl() == 24) : 0);
         EXPECT_EQ(read[i].time, Seconds(2024, 3, 15, 12));
         EXPECT_EQ(read[i].number, 12345);
         EXPECT_EQ(records.Line(read[i]).mid(20, 6), "012345");

@@ -56,6 +56,8 @@ const QList<KindChoice>& KindChoices() {
         {51039, 0, {AcknowledgedOnPc}},
         {51032, 0, {PanelLost}},
         {51031, 0, {PanelPresent}},
+        {51060, 0, {OutOfService, OutOfServiceCount}},
+        {51061, 0, {BackInService}},
         {711160, 0, {UserChanged}},
         {711161, 0, {ApplicationStarted}},
         {711162, 0, {ApplicationStopped}},
