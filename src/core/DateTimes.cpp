@@ -1,11 +1,14 @@
 #include "core/DateTimes.h"
 
+#include <QDateTime>
 #include <QLocale>
 #include <cmath>
 
 namespace DateTimes {
 
 namespace {
+
+const QString KeptPattern = QStringLiteral("yyyy-MM-dd HH:mm:ss");
 
 constexpr qint64 MillisecondsADay = 86400000;
 const QDate DayZero(1899, 12, 30);
@@ -58,6 +61,17 @@ QString ShortDatePattern() {
     if (pattern.isEmpty())
         ReadLocale(QLocale::system());
     return pattern;
+}
+
+QString KeptTime(DateTime when) {
+    return QDateTime(DateOf(when), TimeOf(when)).toString(KeptPattern);
+}
+
+std::optional<DateTime> FromKept(const QString& text) {
+    const QDateTime time = QDateTime::fromString(text, KeptPattern);
+    if (!time.isValid())
+        return std::nullopt;
+    return FromDate(time.date(), time.time());
 }
 
 QDate DateOf(DateTime when) {

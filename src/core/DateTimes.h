@@ -33,6 +33,12 @@ QString FileMonth(DateTime when);
 /// date of this machine's locale.
 std::optional<DateTime> Parse(const QString& text);
 
+/// "yyyy-MM-dd HH:mm:ss", as the settings keep a time: a machine that gets another locale reads it
+/// all the same.
+QString KeptTime(DateTime when);
+/// Reads a KeptTime; nothing for a text that is none.
+std::optional<DateTime> FromKept(const QString& text);
+
 QDate DateOf(DateTime when);
 QTime TimeOf(DateTime when);
 DateTime FromDate(const QDate& date, const QTime& time = QTime(0, 0));

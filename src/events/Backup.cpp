@@ -25,7 +25,6 @@ const QString Section = QStringLiteral("Backup");
 const QString WeekdayKey = QStringLiteral("Weekday");
 const QString LastKey = QStringLiteral("Last");
 const QString SinceKey = QStringLiteral("Since");
-const QString TimePattern = QStringLiteral("yyyy-MM-dd HH:mm:ss");
 
 /// Days without a backup that must be told.
 constexpr int LongestWithout = 14;
@@ -43,14 +42,11 @@ QDateTime QtTime(DateTime when) {
 }
 
 void WriteTime(const QString& key, DateTime when) {
-    IniWrite(Section, key, QtTime(when).toString(TimePattern));
+    IniWrite(Section, key, DateTimes::KeptTime(when));
 }
 
 std::optional<DateTime> ReadTime(const QString& key) {
-    const QDateTime time = QDateTime::fromString(IniRead(Section, key, QString()), TimePattern);
-    if (!time.isValid())
-        return std::nullopt;
-    return DateTimes::FromDate(time.date(), time.time());
+    return DateTimes::FromKept(IniRead(Section, key, QString()));
 }
 
 /// Letters and digits alone: it stands in the names of files on any medium.

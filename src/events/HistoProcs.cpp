@@ -14,8 +14,11 @@
 #include "platform/CodePage.h"
 #include "platform/FileReading.h"
 #include "platform/FileWriting.h"
+#include "platform/Folders.h"
 #include "platform/LineLog.h"
 #include "platform/RunTimeError.h"
+
+#include <QDir>
 
 namespace HistoProcs {
 
@@ -149,9 +152,8 @@ bool DailyFiles() {
 /// Path of the history file of a moment.
 QString FileOf(DateTime when) {
     return Global::InApplicationFolder(
-        QStringLiteral("Histo") +
-        (DailyFiles() ? DateTimes::FileDate(when) : DateTimes::FileMonth(when)) +
-        QStringLiteral(".his"));
+        FileHead + (DailyFiles() ? DateTimes::FileDate(when) : DateTimes::FileMonth(when)) +
+        FileEnd);
 }
 
 /// The line of an event as it stands in the file.
@@ -182,6 +184,11 @@ QString FormateTrace(const EventClass& event) {
             SetChannel(record, event);
     });
     return record.Text();
+}
+
+QStringList HistoFileNames() {
+    return QDir(platform::ApplicationFolder())
+        .entryList({FileHead + u'*' + FileEnd}, QDir::Files | QDir::CaseSensitive, QDir::Name);
 }
 
 QString HistoFileName() {

@@ -3,6 +3,7 @@
 #include "events/EventClass.h"
 
 #include <QString>
+#include <QStringList>
 
 class EventPrinter;
 
@@ -22,6 +23,11 @@ void HistoEvent(const EventClass& event);
 /// or not any more.
 bool HistoryHolds(const EventClass& event);
 
+// What stands around the date in the name of a history file.
+inline const QString FileHead = QStringLiteral("Histo");
+inline const QString FileEnd = QStringLiteral(".his");
+/// Names of the history files in the application's folder, in their order.
+QStringList HistoFileNames();
 /// Path of the history file that takes the lines of the present moment.
 QString HistoFileName();
 

@@ -4,7 +4,6 @@
 #include "platform/CodePage.h"
 #include "platform/RunTimeError.h"
 
-#include <QByteArray>
 #include <QDate>
 #include <cstring>
 
@@ -21,10 +20,6 @@ constexpr qsizetype LongestShown = 2 * ScreenLine::Break.start + 2;
 /// What a heading begins with, the first two of its fields.
 constexpr char Heading[] = "Date       Time ";
 constexpr qsizetype HeadingLength = sizeof Heading - 1;
-
-bool IsHeading(const char* bytes, qsizetype count) {
-    return count >= HeadingLength && std::memcmp(bytes, Heading, HeadingLength) == 0;
-}
 
 bool IsDigit(QChar c) {
     return c >= u'0' && c <= u'9';
@@ -56,6 +51,19 @@ QString AsItStands(const QString& line) {
 }
 
 } // namespace
+
+bool HistoryFile::IsHeading(const char* bytes, qsizetype count) {
+    return count >= HeadingLength && std::memcmp(bytes, Heading, HeadingLength) == 0;
+}
+
+QByteArray HistoryFile::FirstLine(QByteArray bytes) {
+    const qsizetype feed = bytes.indexOf('\n');
+    if (feed >= 0)
+        bytes.truncate(feed);
+    if (bytes.endsWith('\r'))
+        bytes.chop(1);
+    return bytes;
+}
 
 bool HistoryFile::Load(const QString& path) {
     Close();
@@ -107,12 +115,7 @@ QString HistoryFile::ScreenLine(int row) const {
         throw RunTimeError(platform::errors::Subscript);
     QByteArray line;
     if (file_.seek(starts_[size_t(row)]))
-        line = file_.read(LongestShown);
-    const qsizetype feed = line.indexOf('\n');
-    if (feed >= 0)
-        line.truncate(feed);
-    if (line.endsWith('\r'))
-        line.chop(1);
+        line = FirstLine(file_.read(LongestShown));
     const QString text = platform::FromCodePage(line);
     return IsDate(text.left(FileLine::Date.width))
                ? TextProcs::HistoFileLineToHistoScreenLine(text.left(FileLine::Width))

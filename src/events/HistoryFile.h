@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
 #include <deque>
@@ -19,6 +20,11 @@ public:
     /// that begins with no date, in whatever form a locale writes one, stands as it is, in two
     /// halves. Throws RunTimeError `Subscript`.
     QString ScreenLine(int row) const;
+
+    /// Do these bytes begin as the heading of a file does?
+    static bool IsHeading(const char* bytes, qsizetype count);
+    /// What stands ahead of the first line end.
+    static QByteArray FirstLine(QByteArray bytes);
 
 private:
     void FindLines();

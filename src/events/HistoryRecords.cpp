@@ -2,6 +2,8 @@
 
 #include "core/DateTimes.h"
 #include "core/Global.h"
+#include "events/HistoProcs.h"
+#include "events/HistoryFile.h"
 #include "events/TextProcs.h"
 #include "platform/Clock.h"
 #include "platform/Folders.h"
@@ -22,18 +24,8 @@ constexpr qsizetype LongestLine = 0x1000;
 constexpr qint64 SecondsADay = 86400;
 const QDate Epoch(1970, 1, 1);
 
-const QString NameHead = QStringLiteral("Histo");
-const QString NameEnd = QStringLiteral(".his");
-
-constexpr char Heading[] = "Date       Time ";
-constexpr qsizetype HeadingLength = sizeof Heading - 1;
-
 qint64 Midnight(const QDate& date) {
     return Epoch.daysTo(date) * SecondsADay;
-}
-
-bool IsHeading(const char* line, qsizetype length) {
-    return length >= HeadingLength && std::memcmp(line, Heading, HeadingLength) == 0;
 }
 
 /// The number that a run of digits makes, or -1.
@@ -63,9 +55,9 @@ int SecondsOf(const char* text) {
 QList<HistoryRecords::File> HistoryRecords::Files() {
     QList<File> files;
     const QDir folder(platform::ApplicationFolder());
-    for (const QString& name : folder.entryList({NameHead + u'*' + NameEnd},
-                                                QDir::Files | QDir::CaseSensitive, QDir::Name)) {
-        const QString digits = name.mid(NameHead.size()).chopped(NameEnd.size());
+    for (const QString& name : HistoProcs::HistoFileNames()) {
+        const QString digits =
+            name.mid(HistoProcs::FileHead.size()).chopped(HistoProcs::FileEnd.size());
         const bool isMonth = digits.size() == 6;
         const QDate first = QDate::fromString(isMonth ? digits + QStringLiteral("01") : digits,
                                               QStringLiteral("yyyyMMdd"));
@@ -188,7 +180,7 @@ qsizetype HistoryRecords::Take(const char* bytes, qsizetype count, bool isLast) 
 void HistoryRecords::TakeLine(const char* line, qsizetype length, qint64 offset) {
     if (length > 0 && line[length - 1] == '\r')
         --length;
-    if (length == 0 || IsHeading(line, length))
+    if (length == 0 || HistoryFile::IsHeading(line, length))
         return;
     qint64 time = 0;
     if (!ReadTime(line, length, time)) {
@@ -251,10 +243,6 @@ QByteArray HistoryRecords::Line(const HistoryRecord& record) const {
     }
     QByteArray line;
     if (shown_.seek(record.offset))
-        line = shown_.read(FileLine::Width + 2);
-    if (const qsizetype feed = line.indexOf('\n'); feed >= 0)
-        line.truncate(feed);
-    if (line.endsWith('\r'))
-        line.chop(1);
+        line = HistoryFile::FirstLine(shown_.read(FileLine::Width + 2));
     return line.left(FileLine::Width);
 }

@@ -8,7 +8,6 @@
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 
-#include <QDateTime>
 #include <algorithm>
 #include <utility>
 
@@ -48,20 +47,14 @@ std::optional<Thing> ThingOf(const QString& key) {
     return isOne ? std::optional(thing) : std::nullopt;
 }
 
-/// The same in every locale: a machine that gets another one must know its ends all the same.
-const QString TimePattern = QStringLiteral("yyyy-MM-dd HH:mm:ss");
-
 QString TimeText(DateTime when) {
-    return when == 0
-               ? QString()
-               : QDateTime(DateTimes::DateOf(when), DateTimes::TimeOf(when)).toString(TimePattern);
+    return when == 0 ? QString() : DateTimes::KeptTime(when);
 }
 
 /// 0 for a text that is no time.
 DateTime TimeOf(const QString& text) {
-    const QDateTime time = QDateTime::fromString(text, TimePattern);
-    return time.isValid() ? DateTimes::FromDate(time.date(), time.time())
-                          : DateTimes::Parse(text).value_or(0);
+    const std::optional<DateTime> time = DateTimes::FromKept(text);
+    return time ? *time : DateTimes::Parse(text).value_or(0);
 }
 
 QString LineText(int line) {

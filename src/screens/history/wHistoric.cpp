@@ -12,7 +12,6 @@
 #include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
-#include "platform/Folders.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/dlgConsigne.h"
 #include "screens/touch/HoldToRepeat.h"
@@ -22,7 +21,6 @@
 #include "ui_wHistoric.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
 
@@ -38,8 +36,6 @@ constexpr int UpdateDelayMs = 50;
 constexpr int NoEntry = 711001;
 constexpr int NoFile = 711002;
 
-const QString NameHead = QStringLiteral("Histo");
-const QString NameEnd = QStringLiteral(".his");
 const QString Separator = QStringLiteral(" - ");
 
 /// Indices of `imgControl`.
@@ -51,14 +47,15 @@ constexpr int HeldKeys = 4;
 
 /// The date of a file's name in groups: year, month and, in a daily file, day.
 QString Groups(const QString& fileName) {
-    const QString date = QFileInfo(fileName).completeBaseName().mid(NameHead.size());
+    const QString date = QFileInfo(fileName).completeBaseName().mid(HistoProcs::FileHead.size());
     QStringList groups{date.left(4), date.mid(4, 2), date.mid(6)};
     groups.removeAll(QString());
     return groups.join(Separator);
 }
 
 QString PathOf(QString groups) {
-    return Global::InApplicationFolder(NameHead + groups.remove(Separator) + NameEnd);
+    return Global::InApplicationFolder(HistoProcs::FileHead + groups.remove(Separator) +
+                                       HistoProcs::FileEnd);
 }
 
 /// Number of the instruction of the channel that a line of the screen layout comes from, 0 when it
@@ -122,9 +119,7 @@ void wHistoric::Form_Load() {
 
 /// The file that is being written is chosen; where nothing was written yet, the latest one.
 void wHistoric::FillFiles() {
-    const QDir folder(platform::ApplicationFolder());
-    for (const QString& name : folder.entryList({NameHead + u'*' + NameEnd},
-                                                QDir::Files | QDir::CaseSensitive, QDir::Name))
+    for (const QString& name : HistoProcs::HistoFileNames())
         ui_->lstFiles->addItem(Groups(name));
     const QString today = Groups(HistoProcs::HistoFileName());
     const auto found = ui_->lstFiles->findItems(today, Qt::MatchExactly);
