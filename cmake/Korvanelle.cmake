@@ -43,9 +43,9 @@ function(korvanelle_tests folder)
     korvanelle_precompiled(tests test_${folder})
     # Most of a test's build is reading headers: a few tests share one reading.
     set_target_properties(test_${folder} PROPERTIES
-        UNITY_BUILD ${KORVANELLE_UNITY_TESTS} UNITY_BUILD_BATCH_SIZE 8 AUTOMOC OFF AUTOUIC OFF
+        UNITY_BUILD ${KORVANELLE_UNITY} UNITY_BUILD_BATCH_SIZE 8 AUTOMOC OFF AUTOUIC OFF
         AUTORCC OFF)
-    if(KORVANELLE_UNITY_TESTS)
+    if(KORVANELLE_UNITY)
         target_compile_options(test_${folder} PRIVATE -Wno-subobject-linkage)
     endif()
     gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
