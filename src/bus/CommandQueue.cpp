@@ -233,14 +233,18 @@ void CommandQueue::MemoryTaken(int address, const Words& memory, int known) {
 }
 
 /// They leave the settings when all are held, readable or not: an end meanwhile loses none, and one
-/// that can't be read must not come back at every start.
+/// that can't be read must not come back at every start. A time that lies ahead is that of a clock
+/// that was set back meanwhile, as by an empty battery: the command would wait for years, and keep
+/// the same one out of the queue for as long.
 void CommandQueue::Restore() {
+    const DateTime now = DateTimes::Now();
     const auto stored = SLVfonctions::IniReadSection(PendingCommands);
     for (const auto& entry : stored) {
         if (entry.second.isEmpty())
             continue;
         Guard("wPolling.Form_Load", [&] {
             const CommandPtr command = CommandClass::FromText(entry.second);
+            command->setSendTime(Bytes::Less(command->SendTime(), now));
             // The first start of the bus throws the event memories away: a receipt of the former
             // run would drop events that nobody has read.
             if (!IsReceipt(*command))
