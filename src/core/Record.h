@@ -20,11 +20,18 @@ public:
     Record(int width, const QString& text)
         : text_(text.leftJustified(width, u' ', true)) {}
 
+    /// A control character, such as the line break in a spreadsheet's cell, becomes blank: one
+    /// event is one line.
     void Set(const Column& column, QStringView value) {
         QChar* target = text_.data() + column.start;
         const qsizetype copied = std::min<qsizetype>(value.size(), column.width);
         for (qsizetype i = 0; i < column.width; ++i)
-            target[i] = i < copied ? value[i] : QChar(u' ');
+            target[i] = i < copied && value[i] >= u' ' ? value[i] : QChar(u' ');
+    }
+    /// Carriage return and line feed, where a record has two rows.
+    void Break(const Column& column) {
+        text_[column.start] = u'\r';
+        text_[column.start + 1] = u'\n';
     }
     QString Get(const Column& column) const { return text_.mid(column.start, column.width); }
     const QString& Text() const { return text_; }

@@ -173,7 +173,7 @@ QString DisplayText(const EventClass& event) {
 QString FormateHistoScreen(const EventClass& event) {
     Record record(ScreenLine::Width);
     Guard("TextProcs.FormateHistoScreen", [&] {
-        record.Set(ScreenLine::Break, u"\r\n");
+        record.Break(ScreenLine::Break);
         record.Set(ScreenLine::Number, Bytes::Padded(event.Num(), ScreenLine::Number.width));
         record.Set(ScreenLine::Date, DateTimes::ShortDate(event.GDH()));
         record.Set(ScreenLine::Time, DateTimes::LongTime(event.GDH()));

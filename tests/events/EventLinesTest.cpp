@@ -168,6 +168,20 @@ TEST_F(EventLines, OfChannelsAndThePanelAsAWhole) {
     }
 }
 
+TEST_F(EventLines, StayOneLineWhateverTheTexts) {
+    ChannelClass& channel = Site().Panel(12).Channel(7);
+    channel.setScreenText(Text("Two rows\nof a\r\ncell"));
+    channel.setPrintText(Text("On\fpaper"));
+    const QString screen = Screen(12, 7, 0, 1);
+    EXPECT_EQ(screen.mid(80, 2), Text("\r\n"));
+    EXPECT_TRUE(TextProcs::HistoScreenLineToHistoFileLine(screen).trimmed().endsWith(
+        Text(" Two rows of a  cell")));
+    EXPECT_TRUE(HistoProcs::FormateTrace(Event(12, 7, 0, 1))
+                    .trimmed()
+                    .endsWith(Text("Two rows of a  cell")));
+    EXPECT_TRUE(Print(12, 7, 0, 1).endsWith(" On paper"));
+}
+
 TEST_F(EventLines, OfThePanelsAtMidnight) {
     PanelClass& panel = Site().Panel(12);
     const auto expect = [this](const char* texts) {
