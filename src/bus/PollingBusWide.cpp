@@ -88,11 +88,15 @@ void wPolling::tmrMidnight_Timer() {
         if (!run_)
             platform::ServiceManager::Current().Beat();
         outOfService_->Check();
+        Guard("HistoProcs.DoMidnightActions", [&] { second_.Look(); });
         const DateTime now = DateTimes::Now();
         const DateTime last = std::exchange(lastMidnightCheck_, now);
         if (DateTimes::DateOf(last).day() == DateTimes::DateOf(now).day())
             return;
-        HistoProcs::DoMidnightActions();
+        // A clock that leaves a whole day out was set, perhaps to a wrong date: nothing is deleted
+        // by it ahead of the next midnight.
+        constexpr DateTime Day = 1;
+        HistoProcs::DoMidnightActions(second_, now - last < Day);
         outOfService_->TellDay();
         if (run_) {
             MidnightSynchro();

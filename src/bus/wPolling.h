@@ -8,6 +8,7 @@
 #include "events/EventClass.h"
 #include "events/EventForwarder.h"
 #include "events/EventPrinter.h"
+#include "events/SecondFolder.h"
 #include "platform/ActivityDetection.h"
 #include "platform/SerialLink.h"
 #include "platform/ShutdownWatch.h"
@@ -109,6 +110,8 @@ public:
     DirectPrinting& dpPrinter() { return dpPrinter_; }
     EventPrinter& Paper() { return paper_; }
     EventForwarder& Forwarder() { return forwarder_; }
+    /// Takes what a midnight copies.
+    SecondFolder& Second() { return second_; }
     const CommandClasses& Commands() const { return queue_.Commands(); }
     CommandQueue& Queue() { return queue_; }
     /// Counters and next poll of a panel, as the grid shows them; empty before its first poll.
@@ -195,6 +198,7 @@ private:
     DirectPrinting dpPrinter_;
     EventPrinter paper_{dpPrinter_};
     EventForwarder forwarder_;
+    SecondFolder second_;
     QTimer tmrPoll_;
     QTimer tmrMidnight_;
     QTimer tmrReactiv_;

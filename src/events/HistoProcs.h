@@ -2,10 +2,12 @@
 
 #include "events/EventClass.h"
 
+#include <QDir>
 #include <QString>
 #include <QStringList>
 
 class EventPrinter;
+class SecondFolder;
 
 /// What is written of an event: trace line, history line, printed line; and the daily care of the
 /// files.
@@ -43,9 +45,15 @@ int PlainLineWidth();
 /// The line that tells on paper how many events it doesn't hold.
 QString UnprintedLine(int events);
 
+/// The histories of a folder, whoever made them.
+QFileInfoList HistoriesIn(const QDir& folder);
+/// Deletes those last written before the limit. Gives 0 or the number of the error of one that
+/// stays.
+int PurgeHistories(const QDir& folder, const QDateTime& limit);
+
 /// The daily task, in this order: the trace file of the new day; purge of traces by the date of
 /// their name; purge of histories by the time they were last written, here and in the second
-/// folder; copy of the histories to the second folder.
-void DoMidnightActions();
+/// folder; copy of the histories to the second folder. Without `purges` nothing is deleted.
+void DoMidnightActions(SecondFolder& second, bool purges = true);
 
 } // namespace HistoProcs

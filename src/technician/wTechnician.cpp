@@ -300,7 +300,7 @@ void wTechnician::cmdForceHisto_Click() {
     Guard("wTechnician.cmdForceHisto_Click", [] {
         Pointer::Hourglass();
         const auto restored = qScopeGuard([] { Pointer::Default(); });
-        HistoProcs::DoMidnightActions();
+        HistoProcs::DoMidnightActions(Polling()->Second());
     });
 }
 

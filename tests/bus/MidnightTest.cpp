@@ -1,5 +1,6 @@
 #include "bus/Engine.h"
 
+#include <QThread>
 #include <tuple>
 
 namespace {
@@ -174,6 +175,33 @@ TEST_F(Midnight, IsAnotherDayThanOneSecondAgo) {
     link->sent.clear();
     Tick(4, 16, 0);
     EXPECT_EQ(link->sent.size(), 0);
+}
+
+TEST_F(Midnight, AClockThatLeapsDeletesNothingAheadOfTheNextOne) {
+    const QString second = Path(Text("copies"));
+    ASSERT_TRUE(QDir().mkpath(second));
+    IniWrite(Text("Files"), Text("Histo"), second);
+    IniWrite(Text("Files"), Text("PeriodTime"), Text("6"));
+    WriteFile(Text("Histo202403.his"), "x");
+    const auto traces = [&] { return QDir(Path(Text("Trace"))).count(); };
+    const auto atRest = [&] {
+        for (; engine->Second().IsBusy(); engine->tmrMidnight_Timer())
+            QThread::msleep(1);
+    };
+    Tick(3, 15, 12);
+    // A typing error in the year.
+    clock.Set(2099, 3, 16, 12);
+    engine->tmrMidnight_Timer();
+    atRest();
+    EXPECT_TRUE(QFile::exists(Path(Text("Histo202403.his"))));
+    EXPECT_TRUE(QFile::exists(second + Text("/Histo202403.his")));
+    const auto before = traces();
+    clock.Set(2099, 3, 17);
+    engine->tmrMidnight_Timer();
+    atRest();
+    EXPECT_FALSE(QFile::exists(Path(Text("Histo202403.his"))));
+    EXPECT_FALSE(QFile::exists(second + Text("/Histo202403.his")));
+    EXPECT_EQ(traces(), before) << "that of 2024 went, that of the day came";
 }
 
 TEST_F(Midnight, TheRecordOfTheDayIsForced) {

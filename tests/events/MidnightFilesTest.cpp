@@ -1,12 +1,18 @@
 #include "events/HistoProcs.h"
 
+#include "core/ErrorHandling.h"
+#include "events/SecondFolder.h"
 #include "events/TextProcs.h"
 #include "model/Models.h"
 #include "support/Bench.h"
 
 #include <QDateTime>
 #include <QScopeGuard>
+#include <QThread>
+#include <fcntl.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -43,6 +49,16 @@ protected:
                     .arg(Text(error))};
     }
 
+    /// The care of a midnight, that of the second folder to its end.
+    void Night(bool purges = true) {
+        HistoProcs::DoMidnightActions(care, purges);
+        ErrorHandling::Guard("HistoProcs.DoMidnightActions", [this] {
+            for (; care.IsBusy(); care.Look())
+                QThread::msleep(1);
+        });
+    }
+
+    SecondFolder care;
     const QString Second = Text("copies");
     const QString March = Text("Histo202403.his");
     const QString February = Text("Histo202402.his");
@@ -71,7 +87,7 @@ TEST_F(Midnight, TracesGoByTheDateOfTheirName) {
         kept += Text(foreign);
     }
     ASSERT_TRUE(QDir().mkdir(Path(trace + Text("20010102.log"))));
-    HistoProcs::DoMidnightActions();
+    Night();
     kept.sort();
     QStringList left = Names(trace);
     left.sort();
@@ -104,7 +120,7 @@ TEST_F(Midnight, HistoriesGoByTheTimeTheyWereWritten) {
         Put(second + Text("old.his"), "x", limit.addSecs(-1));
         Put(second + Text("young.his"), "x", limit);
         Put(second + Text("old.txt"), "x", Old);
-        HistoProcs::DoMidnightActions();
+        Night();
         const QStringList left = TextList({"Histo199901.his", "Histo199902.his"});
         EXPECT_EQ(Names(QString(), Text("*.his")), left) << unit << " " << period;
         EXPECT_TRUE(QFile::exists(Path(Text("Histo199901.txt"))));
@@ -114,11 +130,12 @@ TEST_F(Midnight, HistoriesGoByTheTimeTheyWereWritten) {
 
 TEST_F(Midnight, WithoutARetentionNothingGoes) {
     const QString second = UseSecond();
-    for (const char* period : {"0", "-3", "x", ""}) {
+    for (const char* period : {"0", "-3", "x", "", "6"}) {
         Set("PeriodTime", Text(period));
         Put(March, period, Old);
         QFile::remove(Path(second + March));
-        HistoProcs::DoMidnightActions();
+        // Nor where the clock has leapt.
+        Night(Text(period) != Text("6"));
         EXPECT_EQ(BytesOf(second + March), QByteArray(period));
         EXPECT_TRUE(QFile::exists(Path(March)));
     }
@@ -148,7 +165,7 @@ TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
     Put(Text("note.txt"), "no history", when);
     QFile::setPermissions(Path(second + newer), QFile::ReadOwner);
     for (int night = 0; night < 2; ++night) {
-        HistoProcs::DoMidnightActions();
+        Night();
         for (const auto& [name, source, later, copy, copyLater, left] : rows)
             EXPECT_EQ(BytesOf(second + name), QByteArray(left)) << name.toStdString();
         EXPECT_EQ(Written(second + newer), when.addMSecs(1));
@@ -156,7 +173,7 @@ TEST_F(Midnight, NewerFilesReplaceTheirCopies) {
     }
     // The line of the day after makes the source newer again.
     Put(Text("new.his"), "new and more", when.addDays(1));
-    HistoProcs::DoMidnightActions();
+    Night();
     EXPECT_EQ(BytesOf(second + Text("new.his")), QByteArray("new and more"));
 }
 
@@ -169,7 +186,7 @@ TEST_F(Midnight, NothingIsCopiedWhereThereIsNoOtherFolder) {
     for (const QString& folder : {QString(), Path(Text("missing")), Path(Text("a file")), own,
                                   own + u'/', own + Text("/Trace/.."), Text(".")}) {
         Set("Histo", folder);
-        HistoProcs::DoMidnightActions();
+        Night();
         EXPECT_EQ(BytesOf(March), QByteArray("x")) << folder.toStdString();
         EXPECT_EQ(Written(March), At(2024, 3, 15));
         EXPECT_FALSE(QFile::exists(Path(Text("missing"))));
@@ -180,7 +197,7 @@ TEST_F(Midnight, NothingIsCopiedWhereThereIsNoOtherFolder) {
     // As typed: beside the histories, whatever folder the program was started in.
     UseSecond();
     Set("Histo", Second);
-    HistoProcs::DoMidnightActions();
+    Night();
     EXPECT_EQ(BytesOf(Second + u'/' + March), QByteArray("x"));
 }
 
@@ -200,7 +217,7 @@ TEST_F(Midnight, AnotherDiskTakesWhatFitsAndAProtectedOneStopsNothing) {
     // The second one is a little too long: its last bytes alone don't fit.
     for (const int size : {100000, 40961}) {
         Put(February, QByteArray(size, 'x'), when.addDays(1));
-        HistoProcs::DoMidnightActions();
+        Night();
         EXPECT_EQ(BytesOf(second + February), QByteArray("the copy of yesterday"));
         EXPECT_EQ(BytesOf(second + March), QByteArray(20000, 'y'));
         EXPECT_EQ(Written(second + March), when);
@@ -213,10 +230,30 @@ TEST_F(Midnight, AnotherDiskTakesWhatFitsAndAProtectedOneStopsNothing) {
     Put(Text("old.his"), "x", Old);
     Put(February, "x");
     ASSERT_TRUE(mounted(MS_REMOUNT | MS_RDONLY, nullptr));
-    HistoProcs::DoMidnightActions();
+    Night();
     EXPECT_EQ(Names(second), QStringList({February, March, Text("old.his")}));
     EXPECT_EQ(Names(QString(), Text("*.his")), QStringList({February, March}));
     EXPECT_EQ(Boxes(), Box("75 : Path/File access error")) << "once";
+}
+
+TEST_F(Midnight, AMediumThatHangsHoldsNothingUp) {
+    const QString second = UseSecond();
+    Put(March, "x");
+    // Whoever opens a pipe to write waits until somebody reads.
+    const QByteArray pipe = QFile::encodeName(Path(second + March + Text(".tmp")));
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    for (const int noted : {0, 1, 2}) {
+        HistoProcs::DoMidnightActions(care);
+        care.Look();
+        EXPECT_TRUE(care.IsBusy());
+        EXPECT_EQ(TraceLines().filter(Text("HISTORIES NOT COPIED TO ")).size(), noted);
+    }
+    const int reader = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
+    Night();
+    close(reader);
+    EXPECT_EQ(Boxes(), Box("57 : Device I/O error"));
+    Night();
+    EXPECT_EQ(BytesOf(second + March), QByteArray("x"));
 }
 
 TEST_F(Midnight, ATraceThatCannotBeOpenedKeepsNoFileFromItsEnd) {
@@ -225,7 +262,7 @@ TEST_F(Midnight, ATraceThatCannotBeOpenedKeepsNoFileFromItsEnd) {
     Set("PeriodTime", Text("6"));
     Put(Text("old.his"), "x", Old);
     Put(March, "x");
-    HistoProcs::DoMidnightActions();
+    Night();
     EXPECT_EQ(Boxes(), Box("75 : Path/File access error"));
     EXPECT_EQ(Names(QString(), Text("*.his")), QStringList(March));
     EXPECT_EQ(Names(second), QStringList(March));

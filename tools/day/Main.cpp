@@ -30,6 +30,7 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <cstdio>
 #include <malloc.h>
 
@@ -254,6 +255,9 @@ private:
             ledger_.Fail(QStringLiteral("the new day has no files"));
         const QString before =
             QStringLiteral("Histo%1.his").arg(DateTimes::FileDate(clock_.Now() - 1));
+        // The stick is cared for by the real time.
+        for (; engine_->Second().IsBusy(); engine_->tmrMidnight_Timer())
+            QThread::msleep(1);
         const bool hasStick = QFile::exists(stick_);
         if (hasStick && QFile::exists(Global::InApplicationFolder(before)) &&
             !QFile::exists(stick_ + u'/' + before))
