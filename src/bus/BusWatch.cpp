@@ -30,11 +30,6 @@ qint64 Now() {
     return platform::Clock::Current().MonotonicMs();
 }
 
-bool IsDue(int address) {
-    const PanelClass& panel = Global::Configuration().Panel(address);
-    return panel.Model() >= 1 && panel.Active() && DateTimes::Now() > panel.NextPoll();
-}
-
 /// Sets a fault with its details, or clears it when there are none.
 void Tell(Kind kind, const QStringList& details) {
     if (details.isEmpty())
@@ -44,6 +39,11 @@ void Tell(Kind kind, const QStringList& details) {
 }
 
 } // namespace
+
+bool BusWatch::IsDue(int address, DateTime now) {
+    const PanelClass& panel = Global::Configuration().Panel(address);
+    return panel.Model() >= 1 && panel.Active() && now > panel.NextPoll();
+}
 
 void BusWatch::Polled(int address) {
     dueSince_[address] = Now();
@@ -60,10 +60,11 @@ void BusWatch::CheckPolls(bool polling) {
         PollingBegins();
         return;
     }
+    const DateTime now = DateTimes::Now();
     QStringList numbers;
     unpolled_.clear();
     for (int address = 1; address <= ConfigClass::PanelCount; ++address) {
-        if (!IsDue(address)) {
+        if (!IsDue(address, now)) {
             dueSince_.remove(address);
             continue;
         }

@@ -14,6 +14,8 @@ public:
     /// Most events of one read: two words each, the largest read on the bus.
     static constexpr int MaxEvents = 62;
 
+    /// The panel is to be polled now.
+    static bool IsDue(int address, DateTime now);
     /// The panel was polled.
     void Polled(int address);
     /// From now on the panels can be polled; what was before doesn't count.

@@ -20,7 +20,6 @@ const QString PendingCommands = QStringLiteral("PendingCommands");
 /// Time that the queue takes of a tick, ms. With the exchange that runs when it is over, a dead
 /// module keeps input waiting for little more than half a second.
 constexpr int QueueShare = 100;
-constexpr int PanelCount = 64;
 
 /// A stored read of the states takes the states that the command was made with; the words read
 /// are not kept.
@@ -82,7 +81,8 @@ void CommandQueue::TraiteCommande(CommandClass& command) {
 
 bool CommandQueue::IsReceipt(const CommandClass& command) {
     return command.CmdType() == CommandTypes::Write && command.Module() >= 1 &&
-           command.Module() <= PanelCount && command.Address() == Registers::EventReceipt;
+           command.Module() <= ConfigClass::PanelCount &&
+           command.Address() == Registers::EventReceipt;
 }
 
 /// A receipt that failed once, or that waited long, is sent only while the memory still begins with

@@ -35,10 +35,6 @@ void Count(PanelClass& panel, int counter) {
     panel.setErrCptr(counter, qint16((panel.ErrCptr(counter) + 1) % CounterLimit));
 }
 
-bool IsDue(const PanelClass& panel, DateTime now) {
-    return panel.Model() >= 1 && panel.Active() && now > panel.NextPoll();
-}
-
 /// Register and number of words of a model's poll; no words for a model without one.
 struct Poll {
     qint32 registerNo;
@@ -147,7 +143,7 @@ int wPolling::PickPanel(bool& turnEnded) {
         pollPointer_ = qint16((pollPointer_ & 63) + 1);
         if (pollPointer_ == PanelCount)
             turnEnded = true;
-        if (IsDue(Global::Configuration().Panel(pollPointer_), now))
+        if (BusWatch::IsDue(pollPointer_, now))
             return pollPointer_;
     } while ((pollPointer_ & 63) != start);
     return 0;

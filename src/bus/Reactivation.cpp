@@ -40,12 +40,9 @@ void Reactivation::Work() {
 }
 
 void Reactivation::FromSettings() {
-    const QString section = QStringLiteral("LastAlarms");
-    QStringList keys;
-    IniReadKeys(keys, section);
-    for (const QString& key : std::as_const(keys)) {
-        const QStringList pieces =
-            IniRead(section, key, QString()).trimmed().split(u' ', Qt::SkipEmptyParts);
+    const auto rows = IniReadSection(QStringLiteral("LastAlarms"));
+    for (const auto& row : rows) {
+        const QStringList pieces = row.second.split(u' ', Qt::SkipEmptyParts);
         if (pieces.size() > 3)
             ReactiverAlarme(qint32(pieces[0].toUInt(nullptr, 16)), ReadTime(pieces[2], pieces[3]),
                             pieces[1].toInt());
