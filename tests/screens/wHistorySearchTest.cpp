@@ -141,6 +141,19 @@ TEST_F(HistorySearchScreenTest, ATouchShowsTheChannelAndOneMoreLeadsBack) {
     EXPECT_FALSE(Child(Search, "imgBack")->isVisible()) << "the system has no channel";
 }
 
+TEST_F(HistorySearchScreenTest, AFileThatIsPurgedMeanwhile) {
+    WriteFile("Histo202402.his", QByteArray("2024-02-20 10:00:00").leftJustified(138) + "\r\n");
+    Open();
+    EXPECT_EQ(Told(), "106 of 106 lines");
+    Tap(Search, "imgControl_4");
+    QFile::remove(Path("Histo202402.his"));
+    TouchRow(0);
+    Touch("imgBack");
+    EXPECT_EQ(Told(), "105 of 105 lines");
+    Tap(Search, "imgControl_9");
+    EXPECT_EQ(Current(), "SYSTEM ");
+}
+
 TEST_F(HistorySearchScreenTest, StepsFromTheComingOfAnAlarmToItsGoing) {
     Open();
     Choose("imgFilter_3", "First fault");

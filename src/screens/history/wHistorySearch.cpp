@@ -137,9 +137,14 @@ void wHistorySearch::Form_Unload() {
     Kept() = search_.Filter();
 }
 
-/// Looks for other lines and goes to a place among them.
+/// Looks for other lines and goes to a place among them. Where the files are read anew the lines of
+/// the former lists may stand elsewhere: those are looked for again, too.
 void wHistorySearch::Begin(const HistoryFilter& filter, const Place& place) {
     search_.Begin(filter);
+    if (search_.Reading()) {
+        for (View& view : former_)
+            view.found.reset();
+    }
     wanted_ = place;
     stopped_ = false;
     ui_->grdAlarms->Restart();
