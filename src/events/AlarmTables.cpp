@@ -301,9 +301,11 @@ void AlarmTables::ReadStale(const AlarmReport& report, const HistoryRecords& rec
                       {GetText(WordsText), 25, false}};
     for (const AlarmReport::Stay& stay : report.StaleAlarms()) {
         const LineText line(records, stay.coming);
+        const bool isKnown = !stay.stands || report.IsKnownToNow();
+        const QString least = isKnown ? QString() : QStringLiteral("> ");
         stale_.rows += {line.Origin(), TimeOf(stay.coming.time),
-                        stay.stands ? GetText(StandsText) : TimeOf(stay.went),
-                        Duration(stay.went - stay.coming.time), line.Words()};
+                        stay.stands && isKnown ? GetText(StandsText) : least + TimeOf(stay.went),
+                        least + Duration(stay.went - stay.coming.time), line.Words()};
     }
 }
 
