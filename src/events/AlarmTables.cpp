@@ -87,8 +87,11 @@ QString HourOf(qint64 seconds) {
     return AlarmPeriod::TimeOf(seconds).toString(QStringLiteral("HH:mm"));
 }
 
+/// Without a separator of thousands, which spreadsheets and readers of another language mistake.
 QString Number(double value) {
-    return AlarmTables::Language().toString(value, 'f', 1).remove(u'\u00A0').remove(u'\u202F');
+    QLocale language = AlarmTables::Language();
+    language.setNumberOptions(QLocale::OmitGroupSeparator);
+    return language.toString(value, 'f', 1);
 }
 
 /// The columns of a line of history.

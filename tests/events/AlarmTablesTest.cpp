@@ -108,6 +108,12 @@ TEST_F(AlarmTablesTest, FileForASpreadsheet) {
                                "Alarms;14;\r\n"))
         << csv.data();
     EXPECT_TRUE(csv.contains("P12-C07;12;85.7;\"Überdruck Kessel; \"\"Nord\"\"\"\r\n"));
+    {
+        HistoryWriter history;
+        for (int i = 0; i < 600; ++i)
+            history.Put({12, 8, 0, 1}, noon - 1);
+    }
+    EXPECT_TRUE(ReportText::Csv(Reckon().All()).contains(";1228.0;")) << "no thousands divided";
     const ReportTable formula{"t", {{"a", 1, false}}, {{"=1+1"}, {"-"}, {"two\nlines"}}};
     EXPECT_EQ(ReportText::Csv({formula}).mid(3), "t\r\na\r\n'=1+1\r\n-\r\n\"two\nlines\"\r\n\r\n");
 }
