@@ -6,6 +6,7 @@
 #include "events/HistoryCsv.h"
 #include "events/HistoryState.h"
 #include "model/Models.h"
+#include "model/OutOfService.h"
 #include "platform/CodePage.h"
 #include "support/Bench.h"
 
@@ -102,6 +103,11 @@ TEST_F(HistorySearchTest, EachFieldChoosesAndAllTogether) {
     EXPECT_EQ(search.RowOf(7), -1);
     EXPECT_TRUE(platform::FromCodePage(search.Line(0)).contains("Vanne 3"));
     EXPECT_EQ(search.Line(0).size(), 138);
+    Global::Get().userName = "Eva";
+    Global::Get().userLevel = 1;
+    OutOfService::Apply({{{1, 7}, true}});
+    Write({1, 254, 7, 7});
+    EXPECT_EQ(Found([](auto& f) { f.user = "Eva"; }), Places({9})) << "took it out of service";
 }
 
 TEST_F(HistorySearchTest, WordsStandAnywhereInTheLine) {
