@@ -241,7 +241,17 @@ TEST_F(HistorySearchScreenTest, WhatIsShownGoesToAStick) {
     Save("imgExport_1");
     AlarmComes();
     EXPECT_EQ(QDir(Path("stick")).entryList(QDir::Files), QStringList("History20240315.csv"));
+    clock.Set(2024, 3, 16);
     Open();
-    EXPECT_TRUE(Filter().endsWith("Panel 01"));
+    EXPECT_TRUE(Filter().endsWith("2024-03-16 \u00B7 Panel 01")) << Filter().toStdString();
     EXPECT_TRUE(boxes.isEmpty());
+
+    // What leaves the machine takes an operator's code.
+    Site().setUserCount(1);
+    Site().setUserLevel(1, 1);
+    Site().setUserPwd(1, "A1");
+    script.On("dlgUserCodes", [] { Tap("dlgUserCodes", "imgControl_0"); });
+    Tap(Search, "imgExport_0");
+    EXPECT_EQ(QDir(Path("stick")).entryList(QDir::Files), QStringList("History20240315.csv"));
+    EXPECT_FALSE(Child(Search, "imgStop")->isVisible());
 }
