@@ -21,6 +21,8 @@ namespace {
 constexpr qsizetype PieceSize = 0x40000;
 /// What a longer line holds behind its columns isn't looked at.
 constexpr qsizetype LongestLine = 0x1000;
+/// Records that get their room at once. Many years may be more: that grows as it comes.
+constexpr qint64 MostForeseen = 20'000'000;
 constexpr qint64 SecondsADay = 86400;
 const QDate Epoch(1970, 1, 1);
 
@@ -89,6 +91,7 @@ void HistoryRecords::Begin(const QDate& from, const QDate& to) {
         found.emplace_back(FirstTime(file), file);
         bytesInAll_ += QFileInfo(file.path).size();
     }
+    records_.reserve(size_t(std::min(bytesInAll_ / (FileLine::Width + 2), MostForeseen)));
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     for (const auto& [time, file] : found)
