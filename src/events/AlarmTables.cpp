@@ -298,10 +298,10 @@ void AlarmTables::ReadSources(const AlarmReport& report, const HistoryRecords& r
 void AlarmTables::ReadStale(const AlarmReport& report, const HistoryRecords& records) {
     stale_.title = Heading(StaleText);
     stale_.columns = {{GetText(OriginText), 12, false},
-                      {GetText(CameText), 25, false},
-                      {GetText(WentText), 25, false},
-                      {GetText(StoodText), 13, true},
-                      {GetText(WordsText), 25, false}};
+                      {GetText(CameText), 23, false},
+                      {GetText(WentText), 26, false},
+                      {GetText(StoodText), 15, true},
+                      {GetText(WordsText), 24, false}};
     for (const AlarmReport::Stay& stay : report.StaleAlarms()) {
         const LineText line(records, stay.coming);
         const bool isKnown = !stay.stands || report.IsKnownToNow();
