@@ -336,10 +336,9 @@ void wHistorySearch::imgBack_Click() {
     tmrSearch_Timer();
 }
 
-/// Another filter of the operator's own: nothing leads back from it.
+/// A filter of the operator's own: nothing leads back from it. The same one again finds what was
+/// written since.
 void wHistorySearch::BeginAnew(const HistoryFilter& filter) {
-    if (filter == search_.Filter() && !stopped_)
-        return;
     former_.clear();
     Begin(filter, Place());
 }
