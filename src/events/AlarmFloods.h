@@ -26,8 +26,8 @@ public:
         : begin_(begin)
         , end_(end) {}
 
-    /// The alarms in the order of their coming. Where a clock was set back by more than a small step
-    /// the counting begins anew.
+    /// The alarms in the order of their coming. Where a clock was set back by more than a small
+    /// step the counting begins anew.
     void Take(qint64 time);
     /// Ends what still goes on.
     void Finish(qint64 now);

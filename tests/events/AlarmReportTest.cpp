@@ -205,7 +205,7 @@ TEST_F(AlarmReportTest, Floods) {
     floods.Take(2600); // 1070 left four behind it when it went
     for (int i = 0; i < 12; ++i)
         floods.Take(i == 6 ? 49999 : 50000); // a clock that is kept right
-    floods.Take(40000); // a clock set back ends it
+    floods.Take(40000);                      // a clock set back ends it
     for (int i = 0; i < 11; ++i)
         floods.Take(99900 + i);
     floods.Finish(100100);
