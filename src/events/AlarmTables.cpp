@@ -6,6 +6,9 @@
 #include "events/TextProcs.h"
 #include "platform/CodePage.h"
 
+#include <algorithm>
+#include <span>
+
 namespace FileLine = TextProcs::FileLine;
 using Unit = AlarmPeriod::Unit;
 
@@ -110,6 +113,14 @@ public:
 private:
     Record record_;
 };
+
+/// Those that are listed in a table; the table notes how many more there are.
+template <class Item>
+std::span<const Item> Listed(const std::vector<Item>& items, ReportTable& table) {
+    const size_t listed = std::min(items.size(), AlarmTables::MostRows);
+    table.more = qsizetype(items.size() - listed);
+    return std::span(items).first(listed);
+}
 
 QString PartName(Unit unit, qint64 begin) {
     const QDateTime time = AlarmPeriod::TimeOf(begin);
@@ -302,7 +313,7 @@ void AlarmTables::ReadStale(const AlarmReport& report, const HistoryRecords& rec
                       {GetText(WentText), 26, false},
                       {GetText(StoodText), 15, true},
                       {GetText(WordsText), 24, false}};
-    for (const AlarmReport::Stay& stay : report.StaleAlarms()) {
+    for (const AlarmReport::Stay& stay : Listed(report.StaleAlarms(), stale_)) {
         const LineText line(records, stay.coming);
         const bool isKnown = !stay.stands || report.IsKnownToNow();
         const QString least = isKnown ? QString() : QStringLiteral("> ");
@@ -319,7 +330,7 @@ void AlarmTables::ReadFloods(const AlarmReport& report) {
                        {GetText(StoodText), 14, true},
                        {GetText(AlarmsText), 12, true},
                        {GetText(MostHeadText), 18, true}};
-    for (const AlarmFloods::Flood& flood : report.Floods())
+    for (const AlarmFloods::Flood& flood : Listed(report.Floods(), floods_))
         floods_.rows += {TimeOf(flood.begin), TimeOf(flood.end), Duration(flood.end - flood.begin),
                          QString::number(flood.alarms), QString::number(flood.most)};
 }

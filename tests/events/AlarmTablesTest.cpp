@@ -118,6 +118,22 @@ TEST_F(AlarmTablesTest, FileForASpreadsheet) {
     EXPECT_EQ(ReportText::Csv({formula}).mid(3), "t\r\na\r\n'=1+1\r\n-\r\n\"two\nlines\"\r\n\r\n");
 }
 
+/// Each that is listed is looked up in its file, in one go.
+TEST_F(AlarmTablesTest, ListsHaveAnEnd) {
+    const AlarmPeriod year(Unit::Year, noon);
+    AlarmReport report(year);
+    for (int i = 0; i < 1400; ++i) {
+        const quint8 panel = 1 + i % 64;
+        const quint8 channel = 1 + i / 64;
+        report.Take({year.Begin() + i, 0, 0, 0, panel, channel, EventKind::Active, true, false});
+    }
+    report.Finish(noon);
+    const AlarmTables tables(report, records);
+    EXPECT_EQ(tables.Stale().rows.size(), 1000);
+    EXPECT_EQ(tables.Stale().more, 400);
+    EXPECT_EQ(Figure(tables, 715024), "1400");
+}
+
 TEST_F(AlarmTablesTest, PrintedInTheWidthOfThePaper) {
     Site().setPrinterInitString(0, "1B 40");
     Site().setPrintMaxLen(60);
@@ -136,6 +152,9 @@ TEST_F(AlarmTablesTest, PrintedInTheWidthOfThePaper) {
     for (int i = 0; i < 60; ++i)
         many.rows += {QString::number(i), "x"};
     const QStringList cut = ReportText::Lines({many}, 40);
-    EXPECT_EQ(cut.size(), 4 + ReportText::MostRows + 2);
+    EXPECT_EQ(cut.size(), 4 + ReportText::PrintedRows + 2);
     EXPECT_EQ(cut[cut.size() - 2], "and 10 more");
+    many.more = 100;
+    EXPECT_EQ(ReportText::Lines({many}, 40).at(cut.size() - 2), "and 110 more");
+    EXPECT_TRUE(ReportText::Csv({many}).endsWith("59;x\r\nand 100 more\r\n\r\n"));
 }
