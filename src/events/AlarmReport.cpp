@@ -16,15 +16,6 @@ constexpr int LookAhead = 1;
 constexpr int Panels = 100;
 constexpr int ChannelsAPanel = Family::LastChannel + 1;
 
-bool IsFault(EventKind kind) {
-    return kind == EventKind::CableFault || kind == EventKind::FirstFault ||
-           kind == EventKind::SecondFault;
-}
-
-bool IsChange(const HistoryRecord& record) {
-    return record.isChange || record.kind == EventKind::PanelLost;
-}
-
 } // namespace
 
 AlarmReport::AlarmReport(const AlarmPeriod& period)
@@ -92,19 +83,20 @@ void AlarmReport::Take(const HistoryRecord& record) {
 
 void AlarmReport::Told(const HistoryRecord& record) {
     State& state = At(record.panel, record.channel);
-    const bool isAgain = IsChange(record) && !record.isSynchro && record.kind == state.kind;
-    if (!state.stands || isAgain)
+    if (!state.stands || state.change.IsMissedGoing(record)) {
         Come(state, record);
-    // Modules that only show states tell an acknowledged fault as an active channel.
-    else if (IsChange(record) && (!IsFault(state.kind) || record.kind != EventKind::Active))
-        state.kind = record.kind;
+        return;
+    }
+    if (state.change.IsAcknowledgement(record))
+        Acknowledge(state, record.time);
+    state.change.Take(record);
 }
 
 /// The loss of a panel doesn't wait: no line tells that somebody took note of it.
 void AlarmReport::Come(State& state, const HistoryRecord& record) {
     const qint64 time = record.time;
     state.stands = true;
-    state.kind = IsChange(record) ? record.kind : EventKind::Unknown;
+    state.change.Begin(record);
     state.coming = record;
     if (!state.waits && record.channel != 0) {
         state.waits = true;

@@ -2,7 +2,7 @@
 
 #include "events/AlarmFloods.h"
 #include "events/AlarmPeriod.h"
-#include "events/HistoryRecords.h"
+#include "events/LatestChange.h"
 
 #include <QDate>
 #include <array>
@@ -28,9 +28,8 @@ inline constexpr int BadActors = 10;
 /// What the history of a period tells of its alarms.
 ///
 /// An alarm is the coming of a channel's alarm or the loss of a panel. A channel that is told to
-/// stand again while it stands has either taken a step of the same alarm, or its going was missed:
-/// the panels report changes only, so the same state twice as a change is another alarm. What a
-/// general reading of the bus finds standing is one only if it wasn't known to stand.
+/// stand again while it stands has either taken a step of the same alarm, or its going was missed.
+/// What a general reading of the bus finds standing is one only if it wasn't known to stand.
 class AlarmReport {
 public:
     /// A channel, or with channel 0 the presence of a panel, and what it did in the period.
@@ -100,7 +99,7 @@ private:
         bool stands = false;
         bool waits = false;
         bool chatters = false;
-        EventKind kind = EventKind::Unknown; ///< of its latest change
+        LatestChange change;
         HistoryRecord coming = {};
         qint64 waitsSince = 0;
         qint64 earlier[AlarmLimits::Chattering - 1] = {};

@@ -165,12 +165,14 @@ TEST_F(AlarmReportTest, TimeToAcknowledgement) {
     Tell(At(15, 21, 2), EventKind::Cleared, 0);
     Tell(At(15, 21), EventKind::Active, 9); // taken out of service
     Tell(At(15, 21, 1), EventKind::OutOfService, 9);
+    Tell(At(15, 21), EventKind::SecondFault, 10); // of a module that only shows states
+    Tell(At(15, 21, 0, 45), EventKind::Active, 10);
     Tell(At(15, 22), EventKind::Active, 8); // never acknowledged
     const AlarmReport report = Reckon();
-    EXPECT_EQ(report.Acknowledged(), 5);
+    EXPECT_EQ(report.Acknowledged(), 6);
     EXPECT_EQ(report.AcknowledgedWithin(50), 40);
     EXPECT_EQ(report.AcknowledgedWithin(95), 120);
-    EXPECT_EQ(report.AcknowledgedWithin(20), 20);
+    EXPECT_EQ(report.AcknowledgedWithin(10), 20);
     EXPECT_EQ(report.Unacknowledged(), 1);
 }
 
