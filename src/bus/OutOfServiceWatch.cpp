@@ -12,7 +12,6 @@ using OutOfService::Entry;
 
 namespace {
 
-constexpr double MillisecondsADay = 86400000;
 /// A clock that was set back by less makes an end late by no more; the change to winter time does.
 constexpr DateTime Patience = 1.5 / 24;
 /// Lines that a second tells; the next one goes on, so that the polls needn't wait.
@@ -49,7 +48,8 @@ bool OutOfServiceWatch::IsOverdue(const Entry& entry) {
         knownSince_.insert(key, now);
         return false;
     }
-    return double(now - *known) / MillisecondsADay > entry.until - entry.since + Patience;
+    return double(now - *known) / double(platform::MillisecondsADay) >
+           entry.until - entry.since + Patience;
 }
 
 void OutOfServiceWatch::Check() {

@@ -6,11 +6,12 @@
 
 namespace DateTimes {
 
+using platform::MillisecondsADay;
+
 namespace {
 
 const QString KeptPattern = QStringLiteral("yyyy-MM-dd HH:mm:ss");
 
-constexpr qint64 MillisecondsADay = 86400000;
 const QDate DayZero(1899, 12, 30);
 QString pattern;
 
