@@ -40,16 +40,11 @@ void TellOutOfService() {
 /// Longer out than it was to be, by a clock that nobody can set: the machine's was set back.
 bool OutOfServiceWatch::IsOverdue(const Entry& entry) {
     const qint64 now = platform::Clock::Current().MonotonicMs();
-    const QString key = QStringLiteral("%1.%2 %3")
-                            .arg(entry.thing.panel)
-                            .arg(entry.thing.channel)
-                            .arg(entry.since, 0, 'f', 6);
-    const auto known = knownSince_.constFind(key);
-    if (known == knownSince_.cend()) {
-        knownSince_.insert(key, now);
-        return false;
-    }
-    return double(now - *known) / MillisecondsADay > entry.until - entry.since + Patience;
+    Known& known = known_[{entry.thing.panel, entry.thing.channel}];
+    if (known.since != entry.since)
+        known = {entry.since, now};
+    return double(now - known.monotonicMs) / MillisecondsADay >
+           entry.until - entry.since + Patience;
 }
 
 void OutOfServiceWatch::Check() {
@@ -64,6 +59,8 @@ void OutOfServiceWatch::Check() {
 }
 
 void OutOfServiceWatch::Tell(qsizetype most) {
+    // A box in the middle would let the next second work on the same lines.
+    const ErrorHandling::Postponed postponed;
     Guard("OutOfServiceWatch.Tell", [&] {
         QList<Entry> entries = OutOfService::Memory();
         const QList<Owed> lines = Number(entries, most);

@@ -5,8 +5,8 @@
 
 #include <QHash>
 #include <QList>
-#include <QString>
 #include <limits>
+#include <utility>
 
 class wPolling;
 
@@ -37,9 +37,14 @@ private:
     bool IsOverdue(const OutOfService::Entry& entry);
     QList<Owed> Number(QList<OutOfService::Entry>& entries, qsizetype most);
 
+    struct Known {
+        DateTime since = 0;     ///< time of its taking out, as the memory has it
+        qint64 monotonicMs = 0; ///< since when this program has known it
+    };
+
     wPolling& engine_;
-    /// By key of the thing and its time: since when this program has known it out, monotonic, ms.
-    QHash<QString, qint64> knownSince_;
+    /// By number of the panel and of the channel.
+    QHash<std::pair<int, int>, Known> known_;
 };
 
 /// Routes the lines that are owed, if there is an engine.
