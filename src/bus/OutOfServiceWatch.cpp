@@ -4,8 +4,10 @@
 #include "core/ErrorHandling.h"
 #include "events/HistoProcs.h"
 #include "model/CurrentConfig.h"
+#include "model/Models.h"
 
 #include <algorithm>
+#include <utility>
 
 using ErrorHandling::Guard;
 using OutOfService::Entry;
@@ -17,6 +19,9 @@ constexpr double MillisecondsADay = 86400000;
 constexpr DateTime Patience = 1.5 / 24;
 /// Lines that a second tells; the next one goes on, so that the polls needn't wait.
 constexpr qsizetype LinesASecond = 20;
+/// State of a channel whose alarm has gone.
+constexpr qint16 NormalAgain = 5;
+constexpr qint32 NoPanelClock = -1;
 
 EventClass EventOf(const Entry& entry) {
     EventClass event(qint16(entry.thing.panel), Family::System, qint16(entry.thing.channel),
@@ -49,12 +54,13 @@ bool OutOfServiceWatch::IsOverdue(const Entry& entry) {
 
 void OutOfServiceWatch::Check() {
     Guard("OutOfServiceWatch.Check", [&] {
-        if (OutOfService::Memory().isEmpty())
-            return;
-        OutOfService::NoticeReturns();
-        if (OutOfService::BringBackDue([this](const Entry& entry) { return IsOverdue(entry); }))
-            KeepCurrentConfig();
-        Tell(LinesASecond);
+        if (!OutOfService::Memory().isEmpty()) {
+            OutOfService::NoticeReturns();
+            if (OutOfService::BringBackDue([this](const Entry& entry) { return IsOverdue(entry); }))
+                KeepCurrentConfig();
+            Tell(LinesASecond);
+        }
+        TellStanding();
     });
 }
 
@@ -73,10 +79,30 @@ void OutOfServiceWatch::Tell(qsizetype most) {
             if (!line.doubtful || !HistoProcs::HistoryHolds(event))
                 engine_.TraiteEvent(event);
             entry.line = OutOfService::LineTold;
+            // One that leaves with its site stays out in it.
+            if (!entry.IsOut() && !OutOfService::IsOut(entry.thing))
+                returned_ += entry.thing;
         }
         entries.removeIf(IsDone);
         OutOfService::setMemory(entries);
     });
+}
+
+/// What the channel's events said meanwhile is its state. It goes out as a general reading would
+/// tell it, and from the timer: it brings the console up, and the screen that brought the channel
+/// back must have come to its end.
+void OutOfServiceWatch::TellStanding() {
+    for (const OutOfService::Thing& thing : std::exchange(returned_, {})) {
+        const PanelClass& panel = Global::Configuration().Panel(thing.panel);
+        if (thing.channel == 0 || panel.Model() == Models::None || OutOfService::IsOut(thing))
+            continue;
+        const qint16 state = panel.Channel(thing.channel).State();
+        if (state <= 0 || state >= NormalAgain)
+            continue;
+        EventClass event(qint16(thing.panel), qint16(thing.channel), 0, state);
+        event.setClock(NoPanelClock);
+        engine_.SendEvent(event);
+    }
 }
 
 /// Gives their numbers to the first lines that are owed. One that has its number already is from

@@ -20,7 +20,8 @@ public:
     explicit OutOfServiceWatch(wPolling& engine)
         : engine_(engine) {}
 
-    /// Each second: what is due comes back, and what isn't out any more is told.
+    /// Each second: what is due comes back, and what isn't out any more is told. So is an alarm that
+    /// stands on a channel that came back: nobody heard of it.
     void Check();
     /// Routes the lines that are owed, or the first of them.
     void Tell(qsizetype most = std::numeric_limits<qsizetype>::max());
@@ -37,6 +38,8 @@ private:
     bool IsOverdue(const OutOfService::Entry& entry);
     QList<Owed> Number(QList<OutOfService::Entry>& entries, qsizetype most);
 
+    void TellStanding();
+
     struct Known {
         DateTime since = 0;     ///< time of its taking out, as the memory has it
         qint64 monotonicMs = 0; ///< since when this program has known it
@@ -45,6 +48,8 @@ private:
     wPolling& engine_;
     /// By number of the panel and of the channel.
     QHash<std::pair<int, int>, Known> known_;
+    /// Came back a moment ago.
+    QList<OutOfService::Thing> returned_;
 };
 
 /// Routes the lines that are owed, if there is an engine.

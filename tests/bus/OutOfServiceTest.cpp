@@ -144,6 +144,26 @@ TEST_F(OutOfServiceEngine, AtTheEndOfItsTimeAThingComesBackByWhateverClock) {
     EXPECT_EQ(Lines(Text("P12")).mid(5), QStringList(automatic));
 }
 
+// Swallowed when it came: nobody has heard of it.
+TEST_F(OutOfServiceEngine, AnAlarmThatStandsAtTheReturnIsTold) {
+    Take(Pump, {}, OutOfService::Shift);
+    for (const int channel : {8, 9})
+        Take({12, channel});
+    for (const auto& [channel, state] : {std::pair(7, 4), std::pair(8, 1), std::pair(9, 0)}) {
+        EventClass event(12, qint16(channel), 0, qint16(state));
+        engine->SendEvent(event);
+    }
+    OutOfService::Apply({{{12, 8}, false}, {{12, 9}, false}});
+    Pass(1000);
+    Pass(8 * Hour);
+    // The channel stays out in the site that is left.
+    Take({12, 8});
+    OutOfService::LeaveSite();
+    Pass(1000);
+    events.removeIf([](const EventClass& event) { return event.Chnl() == Family::System; });
+    EXPECT_EQ(Fields(events), TextList({"12/8 0 1 -1", "12/7 0 4 -1"}));
+}
+
 TEST_F(OutOfServiceEngine, ARestartKeepsWhatIsOutAndTellsWhatIsOver) {
     Take(Pump, Text("Works"), 3 * OutOfService::Day);
     Take(Cabinet);
