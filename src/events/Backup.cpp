@@ -9,6 +9,7 @@
 #include "model/CurrentConfig.h"
 #include "platform/FileReading.h"
 #include "platform/Folders.h"
+#include "platform/RunTimeError.h"
 #include "platform/Volumes.h"
 
 #include <QDir>
@@ -17,6 +18,7 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -66,7 +68,9 @@ void AddBytes(QList<BackupFile::Source>& sources, const QString& name, const QSt
 
 void AddFiles(QList<BackupFile::Source>& sources, const QString& kind, const QString& folder,
               const QString& pattern, const QDateTime& since = {}) {
-    for (const QFileInfo& info : QDir(folder).entryInfoList({pattern}, QDir::Files, QDir::Name)) {
+    // Names of files differ by case here: nothing would read a "X.WAV".
+    const QDir::Filters filters = QDir::Files | QDir::CaseSensitive;
+    for (const QFileInfo& info : QDir(folder).entryInfoList({pattern}, filters, QDir::Name)) {
         const QString name = kind + u'/' + info.fileName();
         const bool isThere =
             std::any_of(sources.cbegin(), sources.cend(),
@@ -112,22 +116,29 @@ BackupFile::Manifest Head(DateTime when, const QString& site) {
     return head;
 }
 
-/// What a kill or a pulled stick has left goes, and of the automatic ones all but the newest.
-void DropOld(const QString& folder, bool automatic) {
-    const QDir dir(folder);
-    if (!automatic)
-        return;
+/// Of the automatic ones all but the newest go. The one just written is the newest, whatever clock
+/// gave the others their names.
+void DropOld(const QString& written) {
+    const QFileInfo info(written);
+    const QDir dir = info.dir();
     QStringList own = dir.entryList({QStringLiteral("*.zip")}, QDir::Files, QDir::Name);
-    own.removeIf([](const QString& name) { return !Backup::IsOwnAutomatic(name); });
-    while (own.size() > Backup::KeptAutomatic)
+    own.removeIf([&](const QString& name) {
+        return !Backup::IsOwnAutomatic(name) || name == info.fileName();
+    });
+    while (own.size() >= Backup::KeptAutomatic)
         QFile::remove(dir.filePath(own.takeFirst()));
 }
 
+/// What a kill or a pulled stick has left goes.
 void DropHalfWritten(const QString& folder) {
     const QDir dir(folder);
     for (const QString& name :
          dir.entryList({QStringLiteral("Korvanelle-*.zip.tmp*")}, QDir::Files))
         QFile::remove(dir.filePath(name));
+}
+
+QString FailedWord(int error) {
+    return QStringLiteral("BACKUP FAILED, ERROR %1 ").arg(error);
 }
 
 QString TraceWord(const BackupJob& job) {
@@ -137,7 +148,7 @@ QString TraceWord(const BackupJob& job) {
     case BackupJob::State::Stopped:
         return QStringLiteral("BACKUP STOPPED ");
     default:
-        return QStringLiteral("BACKUP FAILED, ERROR %1 ").arg(job.Error());
+        return FailedWord(job.Error());
     }
 }
 
@@ -196,7 +207,8 @@ bool IsOverdue() {
     if (Weekday() == 0)
         return false;
     const DateTime since = qMax(Last().value_or(0), ReadTime(SinceKey).value_or(0));
-    return since > 0 && DateTimes::Now() - since > LongestWithout;
+    // One far ahead is of a clock that was set back.
+    return since > 0 && std::abs(DateTimes::Now() - since) > LongestWithout;
 }
 
 } // namespace Backup
@@ -212,7 +224,8 @@ BackupJob::BackupJob(const QString& folder, bool automatic, QObject* parent)
          sources = Sources(site)](BackupFile::Progress& progress) {
             DropHalfWritten(folder);
             BackupFile::Write(path, head, sources, progress);
-            DropOld(folder, automatic);
+            if (automatic)
+                DropOld(path);
         });
     timer_.callOnTimeout([this] { Look(); });
     timer_.start(JobPeriodMs);
@@ -233,7 +246,7 @@ void BackupJob::Look() {
                                        : State::Complete;
         Trace::Note(TraceWord(*this) + path_);
         if (state_ == State::Complete) {
-            ErrorHandling::Guard("BackupJob.Look", [&] { WriteTime(LastKey, begun_); });
+            WriteTime(LastKey, begun_);
             Faults::Clear(Faults::Kind::NoBackup);
         }
     }
@@ -245,13 +258,14 @@ BackupSchedule::BackupSchedule() {
     timer_.start(SchedulePeriodMs);
 }
 
-/// On its day from two o'clock on, once, and again an hour after one that failed.
+/// On its day from two o'clock on, once, and again an hour after one that failed. A last one that is
+/// still to come is of a clock that was set back.
 bool BackupSchedule::IsDue() const {
     const DateTime now = DateTimes::Now();
     const QDate today = DateTimes::DateOf(now);
     const DateTime hour = DateTimes::FromDate(today, QTime(Hour, 0));
-    return Backup::Weekday() == today.dayOfWeek() && now >= hour &&
-           Backup::Last().value_or(0) < hour &&
+    const DateTime last = Backup::Last().value_or(0);
+    return Backup::Weekday() == today.dayOfWeek() && now >= hour && (last < hour || last > now) &&
            (!tried_ || now - *tried_ >= RetryHours / 24.0 || now < *tried_);
 }
 
@@ -263,23 +277,34 @@ void BackupSchedule::Look() {
             if (!folder.isEmpty())
                 Begin(folder);
         }
-        if (Backup::Weekday() == 0)
-            failed_ = false;
-        if (failed_ || Backup::IsOverdue()) {
-            const std::optional<DateTime> last = Backup::Last();
-            Faults::Set(Faults::Kind::NoBackup,
-                        last ? DateTimes::ShortDate(*last) : QStringLiteral("---"));
-        } else {
-            Faults::Clear(Faults::Kind::NoBackup);
-        }
+        TellFault();
     });
+}
+
+/// One that a finger made afterwards is as good.
+void BackupSchedule::TellFault() {
+    if (Backup::Weekday() == 0 ||
+        (current && current->Outcome() == BackupJob::State::Complete))
+        failed_ = false;
+    if (failed_ || Backup::IsOverdue()) {
+        const std::optional<DateTime> last = Backup::Last();
+        Faults::Set(Faults::Kind::NoBackup,
+                    last ? DateTimes::ShortDate(*last) : QStringLiteral("---"));
+    } else {
+        Faults::Clear(Faults::Kind::NoBackup);
+    }
 }
 
 void BackupSchedule::Begin(const QString& folder) {
     tried_ = DateTimes::Now();
     delete current.data();
-    auto* job = new BackupJob(folder, true, this);
-    connect(job, &BackupJob::Changed, this, &BackupSchedule::Ended);
+    try {
+        auto* job = new BackupJob(folder, true, this);
+        connect(job, &BackupJob::Changed, this, &BackupSchedule::Ended);
+    } catch (const platform::RunTimeError& error) {
+        failed_ = true;
+        Trace::Note(FailedWord(error.Number()) + folder);
+    }
 }
 
 void BackupSchedule::Ended() {
@@ -287,5 +312,5 @@ void BackupSchedule::Ended() {
     if (job == nullptr || job->Outcome() == BackupJob::State::Running)
         return;
     failed_ = job->Outcome() == BackupJob::State::Failed;
-    Look();
+    TellFault();
 }

@@ -25,6 +25,7 @@ protected:
         WriteFile("Histo202401.his", "january\r\n");
         WriteFile("Histo202402.his", "february\r\n");
         WriteFile("AlarmSound5.wav", "RIFF");
+        WriteFile("ALARM.WAV", "RIFF");
         WriteFile("own.prt", "[Styles]");
         WriteFile("korvanelle.ini",
                   "[General]\r\nLastEvent=40\r\nNoResize=0\r\nLanguage=2\r\n[Files]\r\nLastUsed=" +
@@ -220,5 +221,23 @@ TEST_F(BackupTest, IsMadeOnItsDayAndTheLastFourStay) {
     platform::OverrideVolumes(QList<platform::Volume>{{"STICK", Stick()}});
     Look();
     EXPECT_FALSE(Faults::Stands(Faults::Kind::NoBackup));
+    // What fails is told until one is good, whoever made it.
+    clock.Set(clock.Now() + 7);
+    QFile::remove(Path("korvanelle.dat"));
+    EXPECT_TRUE(QDir().mkdir(Path("korvanelle.dat")));
+    Look();
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::NoBackup));
+    EXPECT_TRUE(QDir().rmdir(Path("korvanelle.dat")));
+    WaitFor(*new BackupJob(Stick(), false, &schedule));
+    schedule.Look();
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::NoBackup));
+    // A clock that was years ahead stops nothing, and drops no backup in favour of its own.
+    clock.Set(2024, 1, 7, 3);
+    EXPECT_TRUE(Backup::IsOverdue());
+    schedule.Look();
+    WaitFor(*BackupJob::Current());
+    EXPECT_TRUE(QFile::exists(BackupJob::Current()->Path()));
+    EXPECT_EQ(Backup::Last(), clock.Now());
+    EXPECT_EQ(OnStick().filter("-auto").size(), Backup::KeptAutomatic);
     EXPECT_TRUE(boxes.isEmpty());
 }
