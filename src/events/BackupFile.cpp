@@ -4,6 +4,7 @@
 #include "platform/FileWriting.h"
 #include "platform/Folders.h"
 #include "platform/RunTimeError.h"
+#include "platform/Volumes.h"
 #include "platform/ZipFile.h"
 
 #include <QCryptographicHash>
@@ -28,6 +29,8 @@ constexpr int Format = 1;
 constexpr qint64 Portion = qint64(256) * 1024;
 constexpr qsizetype LargestManifest = qsizetype(4) * 1024 * 1024;
 constexpr qsizetype DigestWidth = 64;
+/// Share of the disk that unpacking leaves free, as the watch wants it.
+constexpr double LeastFree = 0.05;
 const QString ManifestName = QStringLiteral("manifest.json");
 const QByteArray CommentHead = QByteArrayLiteral("Korvanelle II backup 1, SHA-256 of all before ");
 
@@ -199,6 +202,24 @@ void TakeEntry(const platform::ZipReader& zip, const Entry& entry, const QString
     platform::Flush(file.handle());
 }
 
+/// Those of the kinds, and the folder itself.
+QStringList FoldersIn(const QString& folder) {
+    QStringList folders;
+    for (const QString& kind :
+         {Kinds::Site, Kinds::Settings, Kinds::Sounds, Kinds::Printers, Kinds::History})
+        folders += folder + u'/' + kind;
+    return folders + QStringList(folder);
+}
+
+/// The machine goes on writing beside what is unpacked.
+void MakeRoom(const QString& folder, qint64 size) {
+    const auto space = platform::SpaceOf(QFileInfo(folder).path());
+    if (space && double(space->free - size) < LeastFree * double(space->total))
+        throw RunTimeError(errors::DiskFull);
+    for (const QString& one : FoldersIn(folder))
+        platform::MakeFolder(one);
+}
+
 Manifest Read(const QString& path, const QString& folder, Progress& progress) {
     QFile file(path);
     Open(file, QIODevice::ReadOnly);
@@ -208,19 +229,18 @@ Manifest Read(const QString& path, const QString& folder, Progress& progress) {
     }
     const platform::ZipReader zip(path);
     Manifest manifest = ManifestOf(zip);
-    for (const QString& kind :
-         {Kinds::Site, Kinds::Settings, Kinds::Sounds, Kinds::Printers, Kinds::History}) {
-        if (!folder.isEmpty())
-            platform::MakeFolder(folder + u'/' + kind);
-    }
     qint64 unpacked = 0;
     for (const Entry& entry : manifest.entries)
         unpacked += entry.size;
+    if (!folder.isEmpty())
+        MakeRoom(folder, unpacked);
     // The first half was the file as it lies there.
     Account account(progress, 2 * unpacked);
     account.Add(unpacked);
     for (const Entry& entry : manifest.entries)
         TakeEntry(zip, entry, folder.isEmpty() ? QString() : folder + u'/' + entry.name, account);
+    for (const QString& one : folder.isEmpty() ? QStringList() : FoldersIn(folder))
+        platform::FlushFolder(one);
     return manifest;
 }
 

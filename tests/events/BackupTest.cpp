@@ -56,7 +56,7 @@ protected:
     int Refusal(const QByteArray& bytes) {
         WriteFile("refused.zip", bytes);
         try {
-            Restore::Drop(Stage(Path("refused.zip")));
+            Stage(Path("refused.zip"));
             return 0;
         } catch (const platform::RunTimeError& error) {
             EXPECT_EQ(Stages(), QStringList());
@@ -130,7 +130,12 @@ TEST_F(BackupTest, MovesAMachineOntoAnother) {
     EXPECT_EQ(plan.TargetsOf("history", Restore::Effect::Beside), QStringList{"Histo202402R1.his"});
     EXPECT_EQ(plan.TargetsOf("sounds", Restore::Effect::Replaced), QStringList{"AlarmSound5.wav"});
     Restore::Commit(plan, true);
+    // The month of a line that comes meanwhile.
+    WriteFile("Histo202401.his", "line\r\n");
     EXPECT_TRUE(Restore::Complete());
+    EXPECT_EQ(BytesOf("Histo202401.his"), "line\r\n");
+    ASSERT_TRUE(QFile::remove(Path("Histo202401.his")));
+    ASSERT_TRUE(QFile::rename(Path("Histo202401R1.his"), Path("Histo202401.his")));
     EXPECT_EQ(BytesOf("korvanelle.dat"), site);
     EXPECT_EQ(BytesOf("Histo202402.his"), "another february\r\n");
     EXPECT_EQ(BytesOf("Histo202402R1.his"), "february\r\n");
@@ -157,9 +162,15 @@ TEST_F(BackupTest, IsAllOrNothingOverAKill) {
     BecomeAnother();
     const auto before = Content();
     Stage(path);
+    EXPECT_EQ(Stages(), QStringList()) << "nobody waits for it";
+    EXPECT_TRUE(QDir().mkdir(Path("Restore.stage7")));
     EXPECT_FALSE(Restore::CompleteAtStart());
     EXPECT_EQ(Content(), before);
     EXPECT_EQ(Stages(), QStringList());
+    platform::OverrideSpace(platform::Space{5'000'100, 100'000'000});
+    EXPECT_THROW(Stage(path), platform::RunTimeError) << "no room for what the watch writes";
+    EXPECT_EQ(Stages(), QStringList());
+    platform::OverrideSpace(platform::Space{50'000'000, 100'000'000});
 
     const auto Names = [&] { return Content().keys(); };
     Restore::Commit(Stage(path), false);

@@ -13,7 +13,6 @@
 
 #include <QScopeGuard>
 #include <optional>
-#include <utility>
 
 namespace RestoreRun {
 
@@ -113,7 +112,6 @@ void TakeUp() {
 } // namespace
 
 void Propose(const Restore::Plan& plan) {
-    Drop();
     Waiting() = plan;
 }
 
@@ -122,8 +120,7 @@ const Restore::Plan* Proposed() {
 }
 
 void Drop() {
-    if (Waiting())
-        Restore::Drop(*std::exchange(Waiting(), std::nullopt));
+    Waiting().reset();
 }
 
 int Refusal() {

@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLocale>
+#include <utility>
 
 using ErrorHandling::Guard;
 
@@ -307,7 +308,7 @@ void wBackup::Unpacked() {
     } else if (error != 0) {
         Tell(GetText(Unreadable).replace(u'$', ErrorHandling::RunTimeText(error)));
     } else {
-        RestoreRun::Propose(*plan_);
+        RestoreRun::Propose(*std::exchange(plan_, nullptr));
         if (const int refusal = RestoreRun::Refusal()) {
             RestoreRun::Drop();
             Tell(GetText(refusal));
@@ -337,15 +338,14 @@ void wBackup::keyPressEvent(QKeyEvent* event) {
         ScreenForm::keyPressEvent(event);
 }
 
-/// The automatic one belongs to nobody's screen and goes on. What was unpacked up to now, the work
-/// itself takes away.
+/// The automatic one belongs to nobody's screen and goes on. What was unpacked goes with whoever
+/// knows of it last.
 void wBackup::Form_Unload() {
     tmrLook_.stop();
     tmrStick_.stop();
     if (job_ && !job_->Automatic())
         job_->Stop();
-    if (unpacking_ && unpacking_->Done() && !unpacking_->WasStopped() && unpacking_->Error() == 0)
-        Restore::Drop(*plan_);
     unpacking_.reset();
+    plan_.reset();
     list_.reset();
 }
