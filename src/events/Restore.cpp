@@ -171,22 +171,28 @@ void TakeOver(const SettingsFile& from, SettingsFile& to, const QString& section
 void MergeSettings(const Plan& plan, bool keepMachine) {
     const SettingsFile present(SLVfonctions::IniFileName());
     SettingsFile merged(plan.FileOf(BackupFile::SettingsFile));
-    for (const QString& section : MomentSections())
-        TakeOver(present, merged, section, QString());
-    TakeOver(present, merged, Backups, LastBackup);
     if (keepMachine)
         for (const MachineSetting& setting : MachineSettings())
             TakeOver(present, merged, setting.section, setting.key);
-    const QString zero = QStringLiteral("0");
-    const qint32 number = qMax(Bytes::LongVal(present.Read(General, LastEvent, zero)),
-                               Bytes::LongVal(merged.Read(General, LastEvent, zero)));
-    merged.Write(General, LastEvent, QString::number(number));
     const auto site = std::find_if(plan.items.cbegin(), plan.items.cend(), [](const Item& item) {
         return item.name.endsWith(QStringLiteral(".kv2"));
     });
     merged.Write(Files, LastUsed,
                  site == plan.items.cend() ? GetText(50010)
                                            : Global::InApplicationFolder(site->target));
+}
+
+/// What belongs to the moment is that of now, however long the restore has waited for its end.
+void MergeMoment(const QString& settings) {
+    const SettingsFile present(SLVfonctions::IniFileName());
+    SettingsFile merged(settings);
+    for (const QString& section : MomentSections())
+        TakeOver(present, merged, section, QString());
+    TakeOver(present, merged, Backups, LastBackup);
+    const QString zero = QStringLiteral("0");
+    const qint32 number = qMax(Bytes::LongVal(present.Read(General, LastEvent, zero)),
+                               Bytes::LongVal(merged.Read(General, LastEvent, zero)));
+    merged.Write(General, LastEvent, QString::number(number));
 }
 
 QStringList SectionsOf(const QString& path) {
@@ -314,6 +320,8 @@ bool Complete() {
         // A month may have begun since the plan was made.
         if (name.startsWith(Kinds::History + u'/'))
             target = FreeName(target);
+        if (name == BackupFile::SettingsFile)
+            MergeMoment(from);
         platform::Rename(from, Global::InApplicationFolder(target));
     }
     platform::FlushFolder(platform::ApplicationFolder());

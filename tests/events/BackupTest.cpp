@@ -130,8 +130,9 @@ TEST_F(BackupTest, MovesAMachineOntoAnother) {
     EXPECT_EQ(plan.TargetsOf("history", Restore::Effect::Beside), QStringList{"Histo202402R1.his"});
     EXPECT_EQ(plan.TargetsOf("sounds", Restore::Effect::Replaced), QStringList{"AlarmSound5.wav"});
     Restore::Commit(plan, true);
-    // The month of a line that comes meanwhile.
+    // The month of a line that comes meanwhile, and its number.
     WriteFile("Histo202401.his", "line\r\n");
+    IniWrite("General", "LastEvent", "41");
     EXPECT_TRUE(Restore::Complete());
     EXPECT_EQ(BytesOf("Histo202401.his"), "line\r\n");
     ASSERT_TRUE(QFile::remove(Path("Histo202401.his")));
@@ -141,7 +142,7 @@ TEST_F(BackupTest, MovesAMachineOntoAnother) {
     EXPECT_EQ(BytesOf("Histo202402R1.his"), "february\r\n");
     EXPECT_EQ(BytesOf("own.prt"), "[Styles]");
     EXPECT_EQ(QFileInfo(Path("Histo202401.his")).lastModified(), written);
-    EXPECT_EQ(IniRead("General", "LastEvent", ""), "40");
+    EXPECT_EQ(IniRead("General", "LastEvent", ""), "41");
     EXPECT_EQ(IniRead("General", "Language", ""), "2");
     EXPECT_EQ(IniRead("General", "NoResize", ""), "1");
     EXPECT_EQ(IniRead("Ports", "COM3", ""), "/dev/new");
