@@ -37,6 +37,11 @@ constexpr int RetryHours = 1;
 constexpr int JobPeriodMs = 100;
 constexpr int SchedulePeriodMs = 10000;
 
+// Made ahead of the start: the background may outlast what is made later.
+const QRegularExpression OtherLetters(QStringLiteral("[^A-Za-z0-9]"));
+const QRegularExpression
+    AutomaticName(QStringLiteral("\\AKorvanelle-[A-Za-z0-9_]*-\\d{8}-\\d{6}-auto\\.zip\\z"));
+
 QPointer<BackupJob> current;
 
 QDateTime QtTime(DateTime when) {
@@ -54,8 +59,7 @@ std::optional<DateTime> ReadTime(const QString& key) {
 /// Letters and digits alone: it stands in the names of files on any medium.
 QString MachineInName() {
     QString name = QSysInfo::machineHostName();
-    static const QRegularExpression others(QStringLiteral("[^A-Za-z0-9]"));
-    return name.replace(others, QStringLiteral("_"));
+    return name.replace(OtherLetters, QStringLiteral("_"));
 }
 
 /// Small files are taken as they are now: they change while the backup is written.
@@ -178,9 +182,7 @@ QString FileName(DateTime when, bool automatic) {
 }
 
 bool IsAutomatic(const QString& fileName) {
-    static const QRegularExpression pattern(
-        QStringLiteral("\\AKorvanelle-[A-Za-z0-9_]*-\\d{8}-\\d{6}-auto\\.zip\\z"));
-    return pattern.match(fileName).hasMatch();
+    return AutomaticName.match(fileName).hasMatch();
 }
 
 bool IsOwnAutomatic(const QString& fileName) {
@@ -258,8 +260,8 @@ BackupSchedule::BackupSchedule() {
     timer_.start(SchedulePeriodMs);
 }
 
-/// On its day from two o'clock on, once, and again an hour after one that failed. A last one that is
-/// still to come is of a clock that was set back.
+/// On its day from two o'clock on, once, and again an hour after one that failed. A last one that
+/// is still to come is of a clock that was set back.
 bool BackupSchedule::IsDue() const {
     const DateTime now = DateTimes::Now();
     const QDate today = DateTimes::DateOf(now);
@@ -283,8 +285,7 @@ void BackupSchedule::Look() {
 
 /// One that a finger made afterwards is as good.
 void BackupSchedule::TellFault() {
-    if (Backup::Weekday() == 0 ||
-        (current && current->Outcome() == BackupJob::State::Complete))
+    if (Backup::Weekday() == 0 || (current && current->Outcome() == BackupJob::State::Complete))
         failed_ = false;
     if (failed_ || Backup::IsOverdue()) {
         const std::optional<DateTime> last = Backup::Last();
