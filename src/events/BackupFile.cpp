@@ -1,5 +1,6 @@
 #include "events/BackupFile.h"
 
+#include "core/DateTimes.h"
 #include "core/Global.h"
 #include "platform/FileWriting.h"
 #include "platform/Folders.h"
@@ -108,13 +109,15 @@ QByteArray ToJson(const Manifest& manifest) {
     return QJsonDocument(root).toJson();
 }
 
-/// A file of its kind, and no way out of a folder.
+/// A file of its kind, and no way out of a folder. Made ahead of the start: the background may
+/// outlast what is made later.
+const QRegularExpression
+    EntryPattern(QStringLiteral("\\A(site/current\\.dat|settings/settings\\.ini|"
+                                "(site/[^/\\\\]+\\.kv2|sounds/[^/\\\\]+\\.wav|printers/[^/"
+                                "\\\\]+\\.prt|history/[^/\\\\]+\\.his))\\z"));
+
 bool IsEntryName(const QString& name) {
-    static const QRegularExpression pattern(
-        QStringLiteral("\\A(site/current\\.dat|settings/settings\\.ini|"
-                       "(site/[^/\\\\]+\\.kv2|sounds/[^/\\\\]+\\.wav|printers/[^/"
-                       "\\\\]+\\.prt|history/[^/\\\\]+\\.his))\\z"));
-    return pattern.match(name).hasMatch() &&
+    return EntryPattern.match(name).hasMatch() &&
            std::none_of(name.cbegin(), name.cend(), [](QChar one) { return one < u' '; });
 }
 
@@ -306,6 +309,13 @@ void WriteAll(const QString& path, Manifest& manifest, const QList<Source>& sour
 }
 
 } // namespace
+
+QString Manifest::DateText() const {
+    if (!date.isValid())
+        return {};
+    return DateTimes::ShortDate(DateTimes::FromDate(date.date())) +
+           date.toString(QStringLiteral(" HH:mm"));
+}
 
 void Write(const QString& path, Manifest head, const QList<Source>& sources, Progress& progress) {
     const QString temporary = path + QStringLiteral(".tmp");

@@ -106,6 +106,7 @@ void TakeUp() {
         polling->ReinitComm();
         polling->SetupUserSleep();
         polling->SetupPrinter();
+        polling->Forwarder().Start();
     }
 }
 
