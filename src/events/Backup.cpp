@@ -62,6 +62,11 @@ QString MachineInName() {
     return name.replace(OtherLetters, QStringLiteral("_"));
 }
 
+/// What the names of this machine's backups begin with.
+QString OwnHead() {
+    return QStringLiteral("Korvanelle-%1-").arg(MachineInName());
+}
+
 /// Small files are taken as they are now: they change while the backup is written.
 void AddBytes(QList<BackupFile::Source>& sources, const QString& name, const QString& path) {
     BackupFile::Source source{name, QString(), platform::ReadFile(path), 0,
@@ -133,11 +138,11 @@ void DropOld(const QString& written) {
         QFile::remove(dir.filePath(own.takeFirst()));
 }
 
-/// What a kill or a pulled stick has left goes.
+/// What a kill or a pulled stick has left goes; another machine may be writing beside it.
 void DropHalfWritten(const QString& folder) {
     const QDir dir(folder);
-    for (const QString& name :
-         dir.entryList({QStringLiteral("Korvanelle-*.zip.tmp*")}, QDir::Files))
+    const QString own = OwnHead() + QStringLiteral("*.zip.tmp*");
+    for (const QString& name : dir.entryList({own}, QDir::Files))
         QFile::remove(dir.filePath(name));
 }
 
@@ -156,11 +161,12 @@ QString TraceWord(const BackupJob& job) {
     }
 }
 
-/// The stick that holds such backups already, or else any.
+/// The stick that holds such backups already, or else any that can be written.
 QString StickForBackups() {
     QString first;
     for (const platform::Volume& volume : platform::RemovableVolumes()) {
-        if (!platform::IsReady(volume.path))
+        if (!platform::IsReady(volume.path) ||
+            platform::MediumOf(volume.path) != platform::Medium::There)
             continue;
         const QStringList names = QDir(volume.path).entryList({QStringLiteral("*.zip")});
         if (std::any_of(names.cbegin(), names.cend(), Backup::IsOwnAutomatic))
@@ -176,9 +182,8 @@ QString StickForBackups() {
 namespace Backup {
 
 QString FileName(DateTime when, bool automatic) {
-    return QStringLiteral("Korvanelle-%1-%2%3.zip")
-        .arg(MachineInName(), QtTime(when).toString(QStringLiteral("yyyyMMdd-HHmmss")),
-             automatic ? QStringLiteral("-auto") : QString());
+    return OwnHead() + QtTime(when).toString(QStringLiteral("yyyyMMdd-HHmmss")) +
+           (automatic ? QStringLiteral("-auto.zip") : QStringLiteral(".zip"));
 }
 
 bool IsAutomatic(const QString& fileName) {
@@ -186,8 +191,7 @@ bool IsAutomatic(const QString& fileName) {
 }
 
 bool IsOwnAutomatic(const QString& fileName) {
-    return IsAutomatic(fileName) &&
-           fileName.startsWith(QStringLiteral("Korvanelle-%1-").arg(MachineInName()));
+    return IsAutomatic(fileName) && fileName.startsWith(OwnHead());
 }
 
 int Weekday() {

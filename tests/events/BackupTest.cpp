@@ -84,8 +84,12 @@ protected:
 } // namespace
 
 TEST_F(BackupTest, RefusesWhatIsCutAlteredOrForeign) {
+    const QString own = Backup::FileName(clock.Now(), true) + ".tmp.Xy12ab";
+    for (const QString& left : {own, QString("Korvanelle-other-20240317-020000.zip.tmp.Xy12ab")})
+        EXPECT_TRUE(QFile(Stick() + u'/' + left).open(QIODevice::WriteOnly));
     const QString path = MakeBackup();
-    EXPECT_EQ(OnStick().size(), 1);
+    EXPECT_EQ(OnStick().size(), 2) << "another machine's is on its way";
+    EXPECT_FALSE(OnStick().contains(own));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray whole = file.readAll();
