@@ -14,6 +14,7 @@
 #include "support/Script.h"
 
 #include <QDir>
+#include <QLabel>
 
 namespace {
 
@@ -143,6 +144,8 @@ TEST_F(BackupRoad, AnAlarmEndsWhatIsUnderWay) {
     ASSERT_TRUE(Until([] { return BackupJob::Current()->Outcome() != BackupJob::State::Running; }));
     EXPECT_EQ(BackupJob::Current()->Outcome(), BackupJob::State::Stopped);
     EXPECT_EQ(OnStick().size(), 1);
+    OpenBackup();
+    EXPECT_EQ(Find<QLabel>(FormNames::wBackup, "lblTold")->text(), GetText(716083));
 }
 
 // A machine that was never set up offers it on its first screen. A folder in the place of a file

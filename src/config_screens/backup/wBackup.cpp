@@ -95,7 +95,9 @@ wBackup::wBackup()
     OnClick(ui_->lblFolder, [this] { imgFolder_Click(); });
     OnClick(ui_->lblWeekday, [this] { lblWeekday_Click(); });
     OnClick(ui_->imgClose, [this] { ReturnToMenu(*this, int(MenuTile::System)); });
-    WatchRunning();
+    // Also what became of one that ended while nobody looked.
+    if (BackupJob* job = BackupJob::Current())
+        Watch(job);
     ShowWeekday();
     FindStick();
     tmrLook_.callOnTimeout([this] { Guard("wBackup.tmrLook", [&] { Look(); }); });
