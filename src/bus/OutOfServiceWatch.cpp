@@ -94,7 +94,7 @@ void OutOfServiceWatch::Tell(qsizetype most) {
 void OutOfServiceWatch::TellStanding() {
     for (const OutOfService::Thing& thing : std::exchange(returned_, {})) {
         const PanelClass& panel = Global::Configuration().Panel(thing.panel);
-        if (thing.channel == 0 || panel.Model() == Models::None || OutOfService::IsOut(thing))
+        if (thing.channel == 0 || !Models::HasChannels(panel.Model()) || OutOfService::IsOut(thing))
             continue;
         const qint16 state = panel.Channel(thing.channel).State();
         if (state <= 0 || state >= NormalAgain)
