@@ -34,16 +34,14 @@ private:
         qsizetype place;
         bool doubtful;
     };
-
-    bool IsOverdue(const OutOfService::Entry& entry);
-    QList<Owed> Number(QList<OutOfService::Entry>& entries, qsizetype most);
-
-    void TellStanding();
-
     struct Known {
         DateTime since = 0;     ///< time of its taking out, as the memory has it
         qint64 monotonicMs = 0; ///< since when this program has known it
     };
+
+    bool IsOverdue(const OutOfService::Entry& entry);
+    QList<Owed> Number(QList<OutOfService::Entry>& entries, qsizetype most);
+    void TellStanding();
 
     wPolling& engine_;
     /// By number of the panel and of the channel.

@@ -77,7 +77,7 @@ void AddBytes(QList<BackupFile::Source>& sources, const QString& name, const QSt
 
 void AddFiles(QList<BackupFile::Source>& sources, const QString& kind, const QString& folder,
               const QString& pattern, const QDateTime& since = {}) {
-    // Names of files differ by case here: nothing would read a "X.WAV".
+    // Names of files differ by case here: nothing reads an "X.WAV".
     const QDir::Filters filters = QDir::Files | QDir::CaseSensitive;
     for (const QFileInfo& info : QDir(folder).entryInfoList({pattern}, filters, QDir::Name)) {
         const QString name = kind + u'/' + info.fileName();
@@ -316,6 +316,7 @@ void BackupSchedule::Ended() {
     const auto* job = qobject_cast<BackupJob*>(sender());
     if (job == nullptr || job->Outcome() == BackupJob::State::Running)
         return;
-    failed_ = job->Outcome() == BackupJob::State::Failed;
+    // One that was stopped says nothing.
+    failed_ = failed_ || job->Outcome() == BackupJob::State::Failed;
     TellFault();
 }
