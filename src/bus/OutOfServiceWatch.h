@@ -20,8 +20,8 @@ public:
     explicit OutOfServiceWatch(wPolling& engine)
         : engine_(engine) {}
 
-    /// Each second: what is due comes back, and what isn't out any more is told. So is an alarm that
-    /// stands on a channel that came back: nobody heard of it.
+    /// Each second: what is due comes back, and what isn't out any more is told. So is an alarm
+    /// that stands on a channel that came back: nobody heard of it.
     void Check();
     /// Routes the lines that are owed, or the first of them.
     void Tell(qsizetype most = std::numeric_limits<qsizetype>::max());

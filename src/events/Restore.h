@@ -26,8 +26,8 @@ struct Item {
     Effect effect = Effect::Same;
 };
 
-/// The folder in which files wait. It goes with the last plan that knows it, unless what waits in it
-/// was written down to be taken.
+/// The folder in which files wait. It goes with the last plan that knows it, unless what waits in
+/// it was written down to be taken.
 struct StageFolder {
     explicit StageFolder(QString newPath);
     ~StageFolder();
