@@ -94,7 +94,7 @@ void FillMirrors(benchmark::State& state) {
 }
 BENCHMARK(FillMirrors)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-const bool registered = [] {
+const bool configuringRegistered = [] {
     for (const QString& form :
          {FormNames::wBusModules, FormNames::wBusPanneau, FormNames::dlgBusCopy,
           FormNames::wBusMiroirs, FormNames::wBusMirrorOne, FormNames::dlgEditMirror,

@@ -104,7 +104,7 @@ void GapWhileTapping(benchmark::State& state, const QString& form) {
     state.counters["longest_gap_ms"] = double(bus.Longest());
 }
 
-const bool registered = [] {
+const bool editingRegistered = [] {
     for (const QString& form :
          {FormNames::wMain, FormNames::wBusModules, FormNames::wBusPanneau, FormNames::wBusMiroirs,
           FormNames::wParamBiblio, FormNames::wParamConsignes, FormNames::wParamEcran,

@@ -54,7 +54,7 @@ void FlushToDisk(benchmark::State& state) {
 }
 BENCHMARK(FlushToDisk)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-const bool registered = [] {
+const bool screensRegistered = [] {
     for (const char* form : {"wMain", "wRunAlarms", "wHistoric", "wTeleCmdes", "wPolling", "wHelp",
                              "dlgUserCodes", "dlgDefPwds", "dlgKeyboard", "dlgFilePicker"})
         benchmark::RegisterBenchmark((std::string("OpenScreen/") + form).c_str(), OpenScreen,

@@ -15,6 +15,16 @@ if(KORVANELLE_SANITIZE)
     target_link_options(korvanelle_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# korvanelle_unity(<target> <sources>): most of a build is reading headers, so a few sources share one
+# reading. Names that a source keeps to itself must differ within its folder.
+function(korvanelle_unity target batch)
+    set_target_properties(${target} PROPERTIES
+        UNITY_BUILD ${KORVANELLE_UNITY} UNITY_BUILD_BATCH_SIZE ${batch})
+    if(KORVANELLE_UNITY)
+        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+    endif()
+endfunction()
+
 # korvanelle_folder(<name> <libraries>...): the library of src/<name>, made of all sources
 # in it and in the folders below.
 function(korvanelle_folder name)
@@ -41,13 +51,8 @@ function(korvanelle_tests folder)
     # Tests run once; what they test is optimized, they are not.
     target_compile_options(test_${folder} PRIVATE $<$<CONFIG:Release>:-O0>)
     korvanelle_precompiled(tests test_${folder})
-    # Most of a test's build is reading headers: a few tests share one reading.
-    set_target_properties(test_${folder} PROPERTIES
-        UNITY_BUILD ${KORVANELLE_UNITY_TESTS} UNITY_BUILD_BATCH_SIZE 8 AUTOMOC OFF AUTOUIC OFF
-        AUTORCC OFF)
-    if(KORVANELLE_UNITY_TESTS)
-        target_compile_options(test_${folder} PRIVATE -Wno-subobject-linkage)
-    endif()
+    korvanelle_unity(test_${folder} 8)
+    set_target_properties(test_${folder} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
     gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES TIMEOUT 300 COST ${KORVANELLE_TEST_COST}

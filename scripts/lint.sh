@@ -26,7 +26,7 @@ git ls-files '*.sh' '.ci/*' | xargs shellcheck
 # clang doesn't read the compiler's precompiled headers, and looks at one file at a time.
 build=build/lint
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
-    -DKORVANELLE_PRECOMPILED=OFF -DKORVANELLE_UNITY_TESTS=OFF >/dev/null
+    -DKORVANELLE_PRECOMPILED=OFF -DKORVANELLE_UNITY=OFF >/dev/null
 mapfile -t sources < <(
     if [ -n "$since" ]; then
         git diff --name-only --diff-filter=d "$since" -- '*.cpp'

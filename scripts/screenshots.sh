@@ -17,9 +17,11 @@ site=$(mktemp -d)
 trap 'rm -rf "$site"' EXIT
 cp -r build/release/korvanelle.cfg data/help/* data/printers/*.prt "$site"
 build/release/tools/mksite/korvanelle-mksite data/demo/site.json "$site/korvanelle.cfg" "$site/korvanelle.dat"
-build/release/tools/screens/korvanelle-screens "$site" "$target/800x600"
-build/release/tools/screens/korvanelle-screens "$site" "$target/1280x800" 1280 800
-build/release/tools/screens/korvanelle-screens "$site" "$target/1280x1024" 1280 1024
+for size in "800 600" "1280 800" "1280 1024"; do
+    read -r width height <<<"$size"
+    mkdir -p "$target/${width}x$height"
+    build/release/tools/screens/korvanelle-screens "$site" "$target/${width}x$height" "$width" "$height"
+done
 
 # Half the size and few colours: what is looked for is where things stand.
 [ -n "$help" ] || exit 0

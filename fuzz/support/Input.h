@@ -14,13 +14,13 @@ public:
     Input(const uint8_t* data, size_t size)
         : bytes_(QByteArray(reinterpret_cast<const char*>(data), qsizetype(size))) {}
 
-    /// One input in 61, by the sum of its bytes: for what costs a run a hundred times the others.
-    bool IsRare() const {
-        constexpr int OneIn = 61;
+    /// One input in so many, by the sum of its bytes: for what costs a run a hundred times the
+    /// others.
+    bool IsRare(int oneIn = 61) const {
         const int sum =
             std::accumulate(bytes_.cbegin(), bytes_.cend(), 0,
                             [](int before, char byte) { return before + quint8(byte); });
-        return sum % OneIn == 0;
+        return sum % oneIn == 0;
     }
     bool IsEmpty() const { return position_ >= bytes_.size(); }
     quint8 Byte() { return IsEmpty() ? quint8(0) : quint8(bytes_[position_++]); }

@@ -6,7 +6,6 @@
 namespace {
 
 constexpr int MinuteMs = 60000;
-constexpr double MillisecondsADay = 86400000.0;
 /// Two clocks that are read one after the other differ by less, ms.
 constexpr double Slack = 20;
 
@@ -96,10 +95,11 @@ const BusDiagnosis::Frame& BusDiagnosis::FrameAt(quint64 number) const {
 
 platform::DateTime BusDiagnosis::TimeOf(const Frame& frame) const {
     const platform::Clock& clock = platform::Clock::Current();
-    const double offset = clock.Now() - double(clock.MonotonicMs()) / MillisecondsADay;
-    if (std::abs(offset - offset_) * MillisecondsADay > Slack)
+    const double offset =
+        clock.Now() - double(clock.MonotonicMs()) / double(platform::MillisecondsADay);
+    if (std::abs(offset - offset_) * double(platform::MillisecondsADay) > Slack)
         offset_ = offset;
-    return offset_ + double(frame.monotonicMs) / MillisecondsADay;
+    return offset_ + double(frame.monotonicMs) / double(platform::MillisecondsADay);
 }
 
 void BusDiagnosis::Keep(Direction direction, const QByteArray& bytes, qint64 now) {

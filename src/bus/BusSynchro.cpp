@@ -19,13 +19,12 @@ using ErrorHandling::Guard;
 
 namespace {
 
-constexpr qint16 NormalAgain = 5;
 /// Words that the slow update reads, whatever the model says.
 constexpr int UpdateWords = 12;
 constexpr int TypeTries = 3;
 
 qint16 WithoutNormalAgain(qint16 state) {
-    return state == NormalAgain ? 0 : state;
+    return state == Registers::NormalAgain ? 0 : state;
 }
 
 /// Throws the event memory of a module away. False when it may still stand.

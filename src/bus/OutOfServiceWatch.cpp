@@ -1,5 +1,6 @@
 #include "bus/OutOfServiceWatch.h"
 
+#include "bus/Registers.h"
 #include "bus/wPolling.h"
 #include "core/ErrorHandling.h"
 #include "events/HistoProcs.h"
@@ -14,13 +15,10 @@ using OutOfService::Entry;
 
 namespace {
 
-constexpr double MillisecondsADay = 86400000;
 /// A clock that was set back by less makes an end late by no more; the change to winter time does.
 constexpr DateTime Patience = 1.5 / 24;
 /// Lines that a second tells; the next one goes on, so that the polls needn't wait.
 constexpr qsizetype LinesASecond = 20;
-/// State of a channel whose alarm has gone.
-constexpr qint16 NormalAgain = 5;
 constexpr qint32 NoPanelClock = -1;
 
 EventClass EventOf(const Entry& entry) {
@@ -48,7 +46,7 @@ bool OutOfServiceWatch::IsOverdue(const Entry& entry) {
     Known& known = known_[{entry.thing.panel, entry.thing.channel}];
     if (known.since != entry.since)
         known = {entry.since, now};
-    return double(now - known.monotonicMs) / MillisecondsADay >
+    return double(now - known.monotonicMs) / double(platform::MillisecondsADay) >
            entry.until - entry.since + Patience;
 }
 
@@ -97,7 +95,7 @@ void OutOfServiceWatch::TellStanding() {
         if (thing.channel == 0 || !Models::HasChannels(panel.Model()) || OutOfService::IsOut(thing))
             continue;
         const qint16 state = panel.Channel(thing.channel).State();
-        if (state <= 0 || state >= NormalAgain)
+        if (state <= 0 || state >= Registers::NormalAgain)
             continue;
         EventClass event(qint16(thing.panel), qint16(thing.channel), 0, state);
         event.setClock(NoPanelClock);

@@ -4,6 +4,7 @@
 
 #include "bus/BusWatch.h"
 #include "bus/Miroirs.h"
+#include "bus/Registers.h"
 #include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "core/FormNames.h"
@@ -27,7 +28,6 @@ namespace {
 constexpr int NumberLimit = 1000000;
 /// `Chnl` of the panel as a whole in the event memory.
 constexpr int PanelWideInMemory = 15;
-constexpr qint16 NormalAgain = 5;
 
 } // namespace
 
@@ -80,7 +80,7 @@ void wPolling::ExploiteEvent(PanelClass& panel, quint16 head, quint16 clock) {
         return;
     }
     event.setNum(IncEvtNum());
-    if (event.Aff() == NormalAgain)
+    if (event.Aff() == Registers::NormalAgain)
         event.setAff(0);
     TraiteEvent(event);
 }

@@ -36,6 +36,8 @@ inline constexpr qint32 EventReceipt = 288;
 /// Sets the clock of the module to zero.
 inline constexpr qint32 Clock = 289;
 
+/// State of a channel that has come back to normal; kept and told as 0.
+inline constexpr qint16 NormalAgain = 5;
 /// Value of `PanelCommand`.
 inline constexpr qint16 Acknowledge = 2;
 

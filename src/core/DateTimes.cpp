@@ -5,9 +5,10 @@
 
 namespace DateTimes {
 
+using platform::MillisecondsADay;
+
 namespace {
 
-constexpr qint64 MillisecondsADay = 86400000;
 const QDate DayZero(1899, 12, 30);
 QString pattern;
 

@@ -4,10 +4,10 @@
 
 namespace {
 constexpr int LettersOfPort = 3;
-enum LinePart { Speed, Parity, DataBits, StopBits };
 } // namespace
 
 BusSettings BusSettings::Of(const QString& text) {
+    enum LinePart { Speed, Parity, DataBits, StopBits };
     const QStringList pieces = text.split(u':');
     const QStringList parts = pieces.value(1).split(u',');
     return {pieces[0].mid(LettersOfPort), parts.value(Speed), parts.value(StopBits),

@@ -33,7 +33,7 @@ std::shared_ptr<PanelClass> NewPanel(int index) {
     return panel;
 }
 
-size_t PanelPlace(int index) {
+size_t PlaceOf(int index) {
     if (index < 1 || index > ConfigClass::PanelCount)
         throw RunTimeError(errors::Subscript);
     return size_t(index) - 1;
@@ -74,7 +74,7 @@ ConfigClass::ConfigClass()
     , optionPrinter_(DefaultMask(defaults::OptionPrinter))
     , optionKlaxon_(DefaultMask(defaults::OptionKlaxon)) {
     for (int i = 1; i <= PanelCount; ++i)
-        panels_[PanelPlace(i)] = NewPanel(i);
+        panels_[PlaceOf(i)] = NewPanel(i);
     alarmPrioSound_.fill(1);
     for (int i = 1; i <= 2; ++i) {
         userNames_.append(GetConfig(defaults::UserNames + i));
@@ -121,7 +121,7 @@ QString ConfigClass::ConsigneText(int index) const {
 void ConfigClass::InitPanel(int index) {
     if (index < 1 || index > PanelCount)
         return;
-    panels_[PanelPlace(index)] = NewPanel(index);
+    panels_[PlaceOf(index)] = NewPanel(index);
     modified_ = true;
 }
 
@@ -150,17 +150,17 @@ void ConfigClass::SetBit(quint8& mask, int bit, bool value) {
 }
 
 PanelClass& ConfigClass::Panel(int index) {
-    return *panels_[PanelPlace(index)];
+    return *panels_[PlaceOf(index)];
 }
 
 const PanelClass& ConfigClass::Panel(int index) const {
-    return *panels_[PanelPlace(index)];
+    return *panels_[PlaceOf(index)];
 }
 
 void ConfigClass::setPanel(int index, std::shared_ptr<PanelClass> panel) {
     if (!panel)
         throw RunTimeError(errors::InvalidPropertyValue);
-    if (Replace(panels_[PanelPlace(index)], std::move(panel)))
+    if (Replace(panels_[PlaceOf(index)], std::move(panel)))
         setModified(true);
 }
 

@@ -6,7 +6,6 @@ namespace {
 
 const QString Com = QStringLiteral("COM");
 const QString Lpt = QStringLiteral("LPT");
-enum LinePart { Speed, Parity, DataBits, StopBits };
 
 /// The text when it is a number above 0.
 QString Number(const QString& text) {
@@ -23,6 +22,7 @@ QString ParityOf(const QString& text) {
 } // namespace
 
 PrinterSettings PrinterSettings::Of(const QString& text) {
+    enum LinePart { Speed, Parity, DataBits, StopBits };
     PrinterSettings settings;
     const QStringList pieces = text.split(u':');
     const QString number = Number(pieces[0].mid(Com.size()));

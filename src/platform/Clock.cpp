@@ -8,12 +8,10 @@ namespace platform {
 
 namespace {
 
-constexpr double MillisecondsADay = 86400000.0;
-
 const QDate DayZero(1899, 12, 30);
 
 DateTime ToDayNumber(const QDate& date, const QTime& time) {
-    return double(DayZero.daysTo(date)) + time.msecsSinceStartOfDay() / MillisecondsADay;
+    return double(DayZero.daysTo(date)) + time.msecsSinceStartOfDay() / double(MillisecondsADay);
 }
 
 class MachineClock : public Clock {
@@ -59,7 +57,7 @@ void TestClock::Set(int year, int month, int day, int hour, int minute, int seco
 }
 
 void TestClock::Advance(qint64 milliseconds) {
-    now_ += double(milliseconds) / MillisecondsADay;
+    now_ += double(milliseconds) / double(MillisecondsADay);
     monotonic_ += milliseconds;
 }
 

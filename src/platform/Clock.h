@@ -8,6 +8,7 @@ namespace platform {
 /// 30 December 1899; 0 itself means "no time".
 using DateTime = double;
 
+inline constexpr qint64 MillisecondsADay = 86'400'000;
 inline constexpr DateTime OneSecond = 1.15740740740741E-05;
 inline constexpr DateTime OneMinute = 1.0 / 1440;
 

@@ -129,7 +129,7 @@ def write_sources(faults):
 
 def configure():
     subprocess.run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
-                    "-DKORVANELLE_BENCHMARKS=OFF", "-DCMAKE_AUTOGEN_ORIGIN_DEPENDS=OFF",
+                    "-DKORVANELLE_BENCHMARKS=OFF", "-DKORVANELLE_UNITY=OFF", "-DCMAKE_AUTOGEN_ORIGIN_DEPENDS=OFF",
                     f"-DCMAKE_CXX_FLAGS=-O0 -w -I{TREE}/tools/mutants"], check=True, stdout=subprocess.DEVNULL)
 
 
