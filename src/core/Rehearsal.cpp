@@ -36,7 +36,11 @@ const QList<Keys>& CopiedKeys() {
           QStringLiteral("LastConfigModified")}}};
     return keys;
 }
-const QString OutOfService = QStringLiteral("OutOfService");
+const QStringList& CopiedSections() {
+    static const QStringList sections = {QStringLiteral("OutOfService"),
+                                         QStringLiteral("OutOfServiceReasons")};
+    return sections;
+}
 
 bool runs = false;
 QString home;
@@ -57,7 +61,8 @@ void CopySettings(const QString& from, const QString& to) {
                 own.Write(section, key, value);
         }
     }
-    own.WriteSection(OutOfService, plant.ReadSection(OutOfService));
+    for (const QString& section : CopiedSections())
+        own.WriteSection(section, plant.ReadSection(section));
     // Saved under its name, the site lands here.
     const QString site = plant.Read(Files, LastUsed, QString());
     if (!site.isEmpty())
