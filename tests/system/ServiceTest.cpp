@@ -71,10 +71,19 @@ TEST_F(ServiceTest, ARehearsalTakesThePlaceOfTheWatchAndGivesItBack) {
     IniWrite(Pending, "1", "2|1|0043|0|0002");
     const QByteArray settings = ContentOf(folder.Path("korvanelle.ini"));
 
+    // A compositor takes the end of such a pipe for the end of the program.
+    int pipe[2] = {};
+    ASSERT_EQ(::pipe(pipe), 0);
+    const Handle reader(pipe[0]);
     const NotifySocket socket(folder.Path("notify"));
     ProgramProcess program(folder,
                            {{"NOTIFY_SOCKET", folder.Path("notify")}, {"WATCHDOG_USEC", "2000000"}},
                            {"--rehearsal"});
+    close(pipe[1]);
+    const auto isHeld = [&reader] {
+        pollfd place = {reader.Number(), POLLIN, 0};
+        return poll(&place, 1, 0) == 0;
+    };
     ASSERT_TRUE(socket.Hears("READY=1"));
     EXPECT_FALSE(LinesIn(QDir(own.filePath("Trace")), "*.log").filter("COMM   START").isEmpty());
     EXPECT_EQ(LinesIn(own, "Histo2*.his").filter("APPLIC").size(), 1);
@@ -107,7 +116,9 @@ TEST_F(ServiceTest, ARehearsalTakesThePlaceOfTheWatchAndGivesItBack) {
     EXPECT_FALSE(folder.History().filter("APPLIC").isEmpty());
     EXPECT_TRUE(socket.Hears("READY=1"));
     EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
+    EXPECT_TRUE(isHeld());
     EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_FALSE(isHeld());
 }
 
 TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {
