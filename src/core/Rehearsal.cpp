@@ -36,7 +36,8 @@ const QList<Keys>& CopiedKeys() {
           QStringLiteral("LastConfigModified")}}};
     return keys;
 }
-const QString OutOfService = QStringLiteral("OutOfService");
+const QStringList CopiedSections = {QStringLiteral("OutOfService"),
+                                    QStringLiteral("OutOfServiceReasons")};
 
 bool runs = false;
 QString home;
@@ -57,7 +58,8 @@ void CopySettings(const QString& from, const QString& to) {
                 own.Write(section, key, value);
         }
     }
-    own.WriteSection(OutOfService, plant.ReadSection(OutOfService));
+    for (const QString& section : CopiedSections)
+        own.WriteSection(section, plant.ReadSection(section));
     // Saved under its name, the site lands here.
     const QString site = plant.Read(Files, LastUsed, QString());
     if (!site.isEmpty())
