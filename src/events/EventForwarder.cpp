@@ -51,6 +51,8 @@ EventForwarder::EventForwarder(std::unique_ptr<platform::LogServer> server,
 void EventForwarder::Start() {
     Stop();
     settings_ = ForwardSettings::Read();
+    if (!settings_.journal)
+        journalQueue_.clear();
     if (!settings_.journal && !settings_.syslog) {
         Faults::Clear(Faults::Kind::NotForwarded);
         return;
@@ -90,16 +92,15 @@ void EventForwarder::SendTest(const QString& text) {
 }
 
 void EventForwarder::Tell(const LogEntry& entry) noexcept {
-    try {
-        if (settings_.journal)
-            ToJournal(entry);
-        if (settings_.syslog)
-            ToSpool(entry);
-    } catch (const platform::RunTimeError&) {
-        // Told with the next one that finds room.
+    if (settings_.journal)
+        ToJournal(entry);
+    if (!settings_.syslog)
+        return;
+    if (!ToSpool(entry)) {
         ++untold_;
         ++lost_;
     }
+    TellLost();
 }
 
 void EventForwarder::ToJournal(const LogEntry& entry) {
@@ -116,14 +117,19 @@ void EventForwarder::EmptyJournalQueue() {
         journalQueue_.removeFirst();
 }
 
-void EventForwarder::ToSpool(const LogEntry& entry) {
-    spool_->Append(SyslogLine::Format(entry));
-    TellLost();
+/// False when there is no room.
+bool EventForwarder::ToSpool(const LogEntry& entry) {
+    try {
+        spool_->Append(SyslogLine::Format(entry));
+    } catch (const platform::RunTimeError&) {
+        return false;
+    }
     if (state_.phase == Phase::Connected)
         pump_.start();
+    return true;
 }
 
-/// How many the server will never get is a line of its own.
+/// How many the server will never get is a line of its own, as soon as there is room for it.
 void EventForwarder::TellLost() {
     const qint64 lost = spool_->TakeLost();
     untold_ += lost;
@@ -131,8 +137,8 @@ void EventForwarder::TellLost() {
     if (untold_ == 0)
         return;
     const QString words = QStringLiteral("%1 EVENTS NOT FORWARDED").arg(untold_);
-    spool_->Append(
-        SyslogLine::Format(SyslogLine::NoteOf(LogEntry::Severity::Error, "EVENTS-LOST", words)));
+    if (!ToSpool(SyslogLine::NoteOf(LogEntry::Severity::Error, "EVENTS-LOST", words)))
+        return;
     Trace::Note(words);
     untold_ = 0;
 }
@@ -246,13 +252,8 @@ void EventForwarder::Judge(qint64 now) {
         lastGood_ = now;
     if (good && untold_ == 0)
         lost_ = 0;
-    if (spool_) {
-        try {
-            TellLost();
-        } catch (const platform::RunTimeError&) {
-            // Still no room.
-        }
-    }
+    if (spool_)
+        TellLost();
     if (lost_ == 0 && now - lastGood_ < Patience) {
         Faults::Clear(Faults::Kind::NotForwarded);
         return;

@@ -68,7 +68,7 @@ private:
     void Tell(const LogEntry& entry) noexcept;
     void ToJournal(const LogEntry& entry);
     void EmptyJournalQueue();
-    void ToSpool(const LogEntry& entry);
+    bool ToSpool(const LogEntry& entry);
     void TellLost();
     void Connect(qint64 now);
     void Stands();

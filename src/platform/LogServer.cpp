@@ -129,6 +129,8 @@ void SocketServer::MakeSocket() {
             Lose(socket, verdict, socket->errorString());
         },
         Qt::QueuedConnection);
+    // None of them says anything that counts, and one that talks must not fill the memory.
+    QObject::connect(socket, &QSslSocket::readyRead, socket, [socket] { socket->readAll(); });
     const auto written = [this] { onWritten(); };
     QObject::connect(socket, &QSslSocket::bytesWritten, socket, written);
     QObject::connect(socket, &QSslSocket::encryptedBytesWritten, socket, written);

@@ -55,7 +55,6 @@ private:
     };
 
     QString PathOf(const Segment& segment) const;
-    void Open();
     void Close();
     void FindSegments();
     void MendLast();
@@ -63,6 +62,7 @@ private:
     bool StartsEntry(const Place& place) const;
     qsizetype IndexOf(qint64 number) const;
     bool IsRemoved() const;
+    void BeginAnew();
     void MakeSegment();
     void DropOldest();
     bool FillBuffer();
