@@ -58,7 +58,7 @@ void EventForwarder::Start() {
         return;
     }
     tick_.start();
-    lastGood_ = MonotonicNow();
+    lastGood_ = lastTick_ = MonotonicNow();
     if (!settings_.syslog)
         return;
     spool_ = std::make_unique<platform::Spool>(
@@ -151,6 +151,7 @@ EventForwarder::State EventForwarder::Present() const {
 
 void EventForwarder::Tick() {
     const qint64 now = MonotonicNow();
+    Overlook(now - std::exchange(lastTick_, now) - TickInterval, now);
     EmptyJournalQueue();
     if (state_.phase == Phase::Waits && now - since_ >= pause_)
         Connect(now);
@@ -160,6 +161,20 @@ void EventForwarder::Tick() {
         Confirm(now);
     Judge(now);
     TellChange();
+}
+
+/// A server isn't to blame for a time in which the event loop stood, as in the first reading of the
+/// bus, and what became of the connection meanwhile isn't known yet.
+void EventForwarder::Overlook(qint64 unseen, qint64 now) {
+    if (unseen < TickInterval)
+        return;
+    const auto shift = [unseen, now](qint64& time) { time = qMin(now, time + unseen); };
+    shift(since_);
+    shift(lastGood_);
+    for (Mark& mark : marks_) {
+        if (mark.taken)
+            shift(*mark.taken);
+    }
 }
 
 void EventForwarder::Connect(qint64 now) {

@@ -122,8 +122,11 @@ TEST_F(Forwarding, AnEntryIsInDoubtUntilTheConnectionHasStoodLonger) {
     EXPECT_EQ(Waiting(), 1) << "the last one isn't with the server's machine";
     server->unsent = 0;
     Pass(2);
+    clock.Advance(90000);
+    forwarder->Tick();
+    EXPECT_EQ(Fault(), "none") << "while nobody looked";
     server->Fail(LogServerError::Closed);
-    EXPECT_EQ(Waiting(), 1);
+    EXPECT_EQ(Waiting(), 1) << "who knows for how long it stood";
     Send(4, 4);
     Pass(1);
     server->Accept();
