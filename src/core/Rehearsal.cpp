@@ -40,7 +40,6 @@ const QStringList CopiedSections = {QStringLiteral("OutOfService"),
                                     QStringLiteral("OutOfServiceReasons")};
 
 bool runs = false;
-QString home;
 QString simulator;
 
 QString FileOf(const QString& folder, const QString& extension) {
@@ -89,10 +88,6 @@ bool Runs() {
     return runs;
 }
 
-QString Home() {
-    return runs && !home.isEmpty() ? home : platform::ApplicationFolder();
-}
-
 QStringList BeginArguments() {
     return EndArguments() + QStringList(Option);
 }
@@ -121,7 +116,6 @@ void Begin() {
     const QString own = plant + u'/' + FolderName;
     if (!platform::UseApplicationFolder(own))
         throw platform::RunTimeError(platform::errors::PathAccess);
-    home = plant;
     runs = true;
     Clean(QDir(own));
     CopySettings(plant, own);
@@ -135,7 +129,6 @@ void Begin() {
 
 void Override(bool on) {
     runs = on;
-    home.clear();
 }
 
 QString SimulatorProgram() {

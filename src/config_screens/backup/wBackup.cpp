@@ -5,7 +5,6 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/FormNames.h"
-#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "platform/RunTimeError.h"
 #include "platform/Volumes.h"
@@ -168,8 +167,7 @@ void wBackup::ShowButtons() {
             sound |= backup.path == ui_->tblBackups->CurrentTag() &&
                      backup.state != BackupList::State::Damaged;
     }
-    // One of a rehearsal would be taken for one of the plant.
-    ui_->imgControl_0->setEnabled(!folder_.isEmpty() && !Busy() && !Rehearsal::Runs());
+    ui_->imgControl_0->setEnabled(!folder_.isEmpty() && !Busy());
     ui_->imgControl_1->setEnabled(sound && !Busy());
     ui_->imgControl_3->setVisible(Busy());
 }
