@@ -203,7 +203,11 @@ qint64 SocketServer::Unsent() const {
 
 } // namespace
 
+/// The end of the program waits for a look-up that is under way: name servers that don't answer are
+/// given up sooner than usual, and asked again with the next try. Set ahead of the first look-up.
 std::unique_ptr<LogServer> MakeLogServer() {
+    if (qEnvironmentVariableIsEmpty("RES_OPTIONS"))
+        qputenv("RES_OPTIONS", "timeout:2 attempts:1");
     return std::make_unique<SocketServer>();
 }
 
