@@ -4,10 +4,8 @@
 
 #include "core/DateTimes.h"
 #include "core/ErrorHandling.h"
-#include "core/Rehearsal.h"
 #include "core/Trace.h"
 #include "model/CurrentConfig.h"
-#include "model/PrinterSettings.h"
 
 using ErrorHandling::Guard;
 
@@ -15,11 +13,7 @@ using ErrorHandling::Guard;
 /// the bus is told and not taken.
 void wPolling::SetupPrinter() {
     Guard("wPolling.SetupPrinter", [&] {
-        QString settings = Global::Configuration().PrtSettings();
-        // On whatever port: the site itself stays as it is, and may be saved from here.
-        if (Rehearsal::Runs() &&
-            PrinterSettings::Of(settings).kind != PrinterSettings::PortKind::None)
-            settings = QStringLiteral("LPT1:");
+        const QString settings = Global::Configuration().PrtSettings();
         QString port = settings.section(u':', 0, 0);
         const QString line = settings.section(u':', 1, 1);
         dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };

@@ -53,8 +53,12 @@ TEST_F(RehearsalRoad, PlaysThePolledPanelsOfTheSite) {
     // A site that is saved in a rehearsal is the plant's.
     Site().setPrtSettings("COM2:9600,N,8,1");
     Rehearsal::Override(true);
+    QFile prints(Rehearsal::Prints());
+    ASSERT_TRUE(prints.open(QIODevice::ReadWrite));
     engine->SetupPrinter();
-    EXPECT_EQ(engine->dpPrinter().Port(), "LPT1");
+    EXPECT_EQ(engine->dpPrinter().PrintLine("line"), QString());
+    EXPECT_EQ(prints.readAll(), "line\r\n");
+    EXPECT_TRUE(boxes.isEmpty());
     EXPECT_EQ(Site().PrtSettings(), "COM2:9600,N,8,1");
     Forms::Show(FormNames::wSysForward);
     EXPECT_FALSE(Find(FormNames::wSysForward, "chkSyslog")->isEnabled());
