@@ -36,8 +36,11 @@ const QList<Keys>& CopiedKeys() {
           QStringLiteral("LastConfigModified")}}};
     return keys;
 }
-const QStringList CopiedSections = {QStringLiteral("OutOfService"),
-                                    QStringLiteral("OutOfServiceReasons")};
+const QStringList& CopiedSections() {
+    static const QStringList sections = {QStringLiteral("OutOfService"),
+                                         QStringLiteral("OutOfServiceReasons")};
+    return sections;
+}
 
 bool runs = false;
 QString simulator;
@@ -57,7 +60,7 @@ void CopySettings(const QString& from, const QString& to) {
                 own.Write(section, key, value);
         }
     }
-    for (const QString& section : CopiedSections)
+    for (const QString& section : CopiedSections())
         own.WriteSection(section, plant.ReadSection(section));
     // Saved under its name, the site lands here.
     const QString site = plant.Read(Files, LastUsed, QString());
