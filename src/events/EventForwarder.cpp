@@ -74,6 +74,7 @@ void EventForwarder::Stop() {
         Pump();
     server_->Close();
     spool_.reset();
+    toldTo_ = 0;
     marks_.clear();
     settings_ = {};
     lost_ = 0;
@@ -141,6 +142,7 @@ void EventForwarder::TellLost() {
         return;
     Trace::Note(words);
     untold_ = 0;
+    toldTo_ = spool_->End();
 }
 
 EventForwarder::State EventForwarder::Present() const {
@@ -250,7 +252,12 @@ void EventForwarder::Confirm(qint64 now) {
         sure = marks_.takeFirst().place;
     if (!sure)
         return;
-    lastGood_ = now;
+    // On a busy plant something always waits: what counts is that it gets through.
+    if (journalQueue_.isEmpty()) {
+        lastGood_ = now;
+        if (untold_ == 0 && sure->number >= toldTo_)
+            lost_ = 0;
+    }
     try {
         spool_->Confirm(*sure);
     } catch (const platform::RunTimeError&) {

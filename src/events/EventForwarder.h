@@ -97,4 +97,5 @@ private:
     qint64 lastGood_ = 0; // monotonic, when all was well last
     qint64 untold_ = 0;   // lost entries that no line tells of yet
     qint64 lost_ = 0;     // lost since the server was last up to date
+    qint64 toldTo_ = 0;   // number behind the last line that tells of lost ones
 };

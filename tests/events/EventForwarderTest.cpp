@@ -181,6 +181,14 @@ TEST_F(Forwarding, WhatIsDroppedIsAFaultAndALine) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(server->taken.contains("EVENTS-LOST - \xEF\xBB\xBF"
                                        "2 EVENTS"));
+    for (int number = 1; number <= 6; ++number) {
+        Send(number, number);
+        Pass(1);
+    }
+    EXPECT_GT(Waiting(), 0);
+    EXPECT_EQ(Fault(), "none") << "the line is through, though events go on";
+    Pass(4);
+    server->taken.clear();
     server->Fail(LogServerError::Closed);
     Send(1, 100);
     Pass(1);
@@ -234,8 +242,15 @@ TEST_F(Forwarding, AJournalThatStandsStillHoldsUpNothingAndLosesNothing) {
     Send(1, 3);
     Pass(61);
     EXPECT_EQ(Fault(), "3");
+    SwitchOn(true, true);
+    server->Accept();
+    for (int second = 0; second < 61; ++second) {
+        Send(second, second);
+        Pass(1);
+    }
+    EXPECT_NE(Fault(), "none") << "though the server gets all";
     SwitchOn(true, false);
     server->Accept();
-    Pass(1);
+    Pass(4);
     EXPECT_EQ(Fault(), "none") << "nothing waits for what is off";
 }
