@@ -43,7 +43,6 @@ const QStringList& CopiedSections() {
 }
 
 bool runs = false;
-QString home;
 QString simulator;
 
 QString FileOf(const QString& folder, const QString& extension) {
@@ -92,10 +91,6 @@ bool Runs() {
     return runs;
 }
 
-QString Home() {
-    return runs && !home.isEmpty() ? home : platform::ApplicationFolder();
-}
-
 QStringList BeginArguments() {
     return EndArguments() + QStringList(Option);
 }
@@ -124,7 +119,6 @@ void Begin() {
     const QString own = plant + u'/' + FolderName;
     if (!platform::UseApplicationFolder(own))
         throw platform::RunTimeError(platform::errors::PathAccess);
-    home = plant;
     runs = true;
     Clean(QDir(own));
     CopySettings(plant, own);
@@ -138,7 +132,6 @@ void Begin() {
 
 void Override(bool on) {
     runs = on;
-    home.clear();
 }
 
 QString SimulatorProgram() {
