@@ -84,6 +84,7 @@ void wPolling::Form_Load(DateTime started) {
         ReinitComm();
         queue_.Clear();
         SetupPrinter();
+        paper_.Recall();
         forwarder_.Start();
         // The end of the program may have come while a box of the two stood.
         if (closing_)

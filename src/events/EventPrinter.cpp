@@ -1,7 +1,9 @@
 #include "events/EventPrinter.h"
 
+#include "core/Bytes.h"
 #include "core/ErrorHandling.h"
 #include "core/Faults.h"
+#include "core/SLVfonctions.h"
 #include "events/HistoProcs.h"
 #include "platform/Clock.h"
 
@@ -15,6 +17,9 @@ namespace {
 /// Rest between two looks at a printer that takes its time, ms.
 constexpr int BusyStep = 10;
 constexpr int LongestFinish = 2000;
+
+const QString Section = QStringLiteral("Printer");
+const QString UnprintedKey = QStringLiteral("Unprinted");
 
 } // namespace
 
@@ -159,6 +164,7 @@ void EventPrinter::Settle(const QString& error) {
         Faults::Clear(Faults::Kind::PrinterNotReached);
     else
         Miss(0);
+    Keep();
 }
 
 void EventPrinter::Fail() {
@@ -171,6 +177,13 @@ void EventPrinter::Fail() {
 void EventPrinter::Miss(int lines) {
     unprinted_ += lines;
     Faults::Set(Faults::Kind::PrinterNotReached, QString::number(unprinted_));
+    if (lines > 0)
+        Keep();
+}
+
+/// With each line: nobody knows when the program ends.
+void EventPrinter::Keep() const {
+    IniWrite(Section, UnprintedKey, QString::number(unprinted_));
 }
 
 void EventPrinter::Forget() {
@@ -178,8 +191,10 @@ void EventPrinter::Forget() {
     waiting_.clear();
     current_ = Current::Nothing;
     refusing_ = false;
-    if (std::exchange(unprinted_, 0) > 0)
-        Faults::Clear(Faults::Kind::PrinterNotReached);
+    if (std::exchange(unprinted_, 0) == 0)
+        return;
+    Faults::Clear(Faults::Kind::PrinterNotReached);
+    Keep();
 }
 
 void EventPrinter::SetTimer() {
@@ -199,4 +214,20 @@ void EventPrinter::Finish() {
         Advance();
     }
     timer_.stop();
+    current_ = Current::Nothing;
+    if (!waiting_.isEmpty())
+        Miss(int(std::exchange(waiting_, {}).size()));
+}
+
+void EventPrinter::Recall() {
+    ErrorHandling::Guard("EventPrinter.Recall", [&] {
+        unprinted_ =
+            Bytes::Greater(Bytes::LongVal(IniRead(Section, UnprintedKey, QStringLiteral("0"))), 0);
+        if (unprinted_ == 0)
+            return;
+        refusing_ = true;
+        nextTry_ = 0;
+        Miss(0);
+        Advance();
+    });
 }

@@ -39,8 +39,10 @@ public:
     /// comes from the event loop with the error, empty if all is well.
     void PrintReport(const QStringList& lines, std::function<void(const QString& error)> done);
     /// Waits for the lines that still queue, at the end of the program; no longer than a line may
-    /// take.
+    /// take. What isn't out by then counts as not printed.
     void Finish();
+    /// At the start of the program: takes over what the former run didn't print and didn't tell.
+    void Recall();
     /// Lines that were not printed and not told on paper yet.
     int Unprinted() const { return unprinted_; }
 
@@ -57,6 +59,7 @@ private:
     void Settle(const QString& error);
     void Fail();
     void Miss(int lines);
+    void Keep() const;
     void Forget();
     void SetTimer();
 

@@ -62,6 +62,28 @@ TEST_F(Paper, ANoteThatFailsIsToldWithWhatCameMeanwhile) {
     EXPECT_EQ(paper.Unprinted(), 0);
 }
 
+TEST_F(Paper, WhatIsMissingIsToldAfterARestart) {
+    port->stuck = true;
+    Print("a");
+    Print("b");
+    paper.Finish();
+    port->stuck = false;
+    Written();
+    for (const char* note : {"2 events not printed, see history\r", ""}) {
+        EventPrinter next(printer);
+        next.Recall();
+        EXPECT_EQ(Written(), QByteArray(note));
+        EXPECT_FALSE(Faults::Stands(Faults::Kind::PrinterNotReached));
+    }
+    // Where the printer was given up there is no paper to tell it on.
+    port->writeError = ENODEV;
+    Print("c");
+    printer.setPort(QString());
+    port->writeError = 0;
+    EventPrinter(printer).Recall();
+    EXPECT_EQ(IniRead(Text("Printer"), Text("Unprinted"), Text("none")), Text("0"));
+}
+
 TEST_F(Paper, ASlowPrinterKeepsTheOrderAndALimit) {
     port->stuck = true;
     QByteArray expected;
