@@ -49,6 +49,9 @@ TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
     Tap(Form, "chkPeriod");
     Leave(Messages::Yes);
     EXPECT_EQ(Key("PeriodTime") + Key("PeriodLimit"), "00") << "the purge goes by the time alone";
+    IniWrite("Files", "PeriodTime", "12");
+    Forms::Show(Form);
+    EXPECT_TRUE(Find<QAbstractButton>(Form, "chkPeriod")->isChecked()) << "and so does the box";
 }
 
 TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
