@@ -63,6 +63,11 @@ TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
     EXPECT_EQ(Site().AlarmPrioSound(1), Config::HighestSound());
     EXPECT_EQ(boxes.last(), GetText(30009));
 
+    QFile::remove(CurrentConfigFile());
+    ASSERT_TRUE(QDir().mkpath(CurrentConfigFile()));
+    TapImage(ApplySound);
+    EXPECT_EQ(boxes.last(), GetText(20002)) << "it will be gone with the next start";
+
     TapImage(MoreUrgent);
     EXPECT_EQ(Shown("lblSoundPrio"), "2");
     EXPECT_EQ(Sound(), 0);

@@ -284,8 +284,8 @@ void wSysConfSon::AssignSound() {
         return;
     }
     Global::Configuration().setAlarmPrioSound(priority_->Value(), qint16(sound_->Value()));
-    SaveSite();
-    Message(GetText(Applied), Messages::Information);
+    if (SaveSite())
+        Message(GetText(Applied), Messages::Information);
 }
 
 /// A file of the machine comes ahead of the sound of the base.
