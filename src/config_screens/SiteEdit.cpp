@@ -9,13 +9,14 @@
 #include <QPair>
 #include <array>
 
-void SaveSite() {
+bool SaveSite() {
     if (!Global::Configuration().Modified())
-        return;
+        return true;
     const qint32 result = KeepCurrentConfig();
     TellOutOfService();
     if (result >= 1)
         Message(GetText(result), Messages::Critical);
+    return result < 1;
 }
 
 void CopySettings(PanelClass& to, const PanelClass& from) {

@@ -23,7 +23,12 @@ QString CurrentConfigFile() {
 }
 
 qint32 SaveCurrentConfig() {
-    const qint32 result = Global::Configuration().Save(CurrentConfigFile());
+    ConfigClass& site = Global::Configuration();
+    const bool modified = site.Modified();
+    const qint32 result = site.Save(CurrentConfigFile());
+    // It lowers the marks of the panels, which the site's own file doesn't hold yet.
+    if (modified)
+        site.setModified(true);
     if (result == ConfigClass::Saved)
         OutOfService::SiteSaved();
     return result;

@@ -17,8 +17,8 @@ void setConfiguration(std::unique_ptr<ConfigClass> configuration);
 
 /// The site file beside the executable that the program starts from.
 QString CurrentConfigFile();
-/// Saves the site model there; results as ConfigClass::Save.
+/// Saves the site model there; results as ConfigClass::Save. A site that is marked as changed stays
+/// so: its own file is another one.
 qint32 SaveCurrentConfig();
-/// The same for a change that the site's own file doesn't hold: the site stays marked as changed,
-/// though saving lowers the marks of its panels.
+/// The same for a change that the site's own file doesn't hold: the site is marked as changed.
 qint32 KeepCurrentConfig();

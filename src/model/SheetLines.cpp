@@ -4,7 +4,6 @@
 #include "platform/CodePage.h"
 
 #include <QStringConverter>
-#include <optional>
 
 namespace {
 
@@ -26,17 +25,6 @@ bool IsMeant(const QString& decoded) {
         before = foreign;
     }
     return false;
-}
-
-/// The text of a file that isn't in Windows-1252, or nothing.
-std::optional<QString> Unicode(const QByteArray& bytes) {
-    const auto marked = QStringConverter::encodingForData(bytes);
-    QStringDecoder decoder(marked.value_or(QStringConverter::Utf8));
-    QString text = decoder(bytes);
-    if (decoder.hasError() || (!marked && !IsMeant(text)))
-        return std::nullopt;
-    // Some systems write an accent behind its letter; the page has both in one.
-    return text.normalized(QString::NormalizationForm_C);
 }
 
 /// A number as the program writes it, up to the first tab.
@@ -102,9 +90,19 @@ QString WithoutReturn(QString line) {
 
 } // namespace
 
+std::optional<QString> UnicodeText(const QByteArray& bytes) {
+    const auto marked = QStringConverter::encodingForData(bytes);
+    QStringDecoder decoder(marked.value_or(QStringConverter::Utf8));
+    QString text = decoder(bytes);
+    if (decoder.hasError() || (!marked && !IsMeant(text)))
+        return std::nullopt;
+    // Some systems write an accent behind its letter; the page has both in one.
+    return text.normalized(QString::NormalizationForm_C);
+}
+
 SheetLines::SheetLines(const QByteArray& bytes, int columns)
     : columns_(columns) {
-    const std::optional<QString> text = Unicode(bytes);
+    const std::optional<QString> text = UnicodeText(bytes);
     unicode_ = text.has_value();
     const qsizetype mark = !unicode_ && bytes.startsWith(Utf8Mark) ? Utf8Mark.size() : 0;
     lines_ = text.value_or(platform::FromCodePage(bytes.mid(mark))).split(u'\n');

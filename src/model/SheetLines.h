@@ -3,6 +3,11 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <optional>
+
+/// The text of a file that is in UTF-8 or UTF-16, as editors save one today; nothing for one in
+/// Windows-1252. The bytes may end in the middle of a character.
+std::optional<QString> UnicodeText(const QByteArray& bytes);
 
 /// The lines of a sheet that begin with a number other than 0, split at the tabs. A line that was
 /// written by the program is taken as it stands; of one that a spreadsheet has written the quotes

@@ -52,4 +52,8 @@ bool FitsCodePage(const QString& text) {
     return FromCodePage(ToCodePage(text)) == text;
 }
 
+QString WithoutForeign(QString text) {
+    return text.removeIf([](QChar character) { return !FitsCodePage(QString(character)); });
+}
+
 } // namespace platform

@@ -15,5 +15,7 @@ QByteArray ToCodePage(const QString& text);
 
 /// Does a text come back as itself?
 bool FitsCodePage(const QString& text);
+/// A text without what doesn't.
+QString WithoutForeign(QString text);
 
 } // namespace platform

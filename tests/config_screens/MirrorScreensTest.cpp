@@ -225,6 +225,16 @@ TEST_F(MirrorScreensTest, AChannelShowsBothItsSides) {
         EXPECT_TRUE(Lines("lstTo").isEmpty() && Lines("lstFrom").isEmpty());
     });
     Forms::Unload(Panel);
+    InMirrorsOf(4, [&] {
+        InDialog(One, "imgNew", [&] {
+            Press(TargetUp);
+            Press(ToUp);
+            Reply(Confirm);
+            EXPECT_EQ(boxes.takeLast(), GetText(20006)) << "no source";
+            Reply(Cancel);
+        });
+    });
+    Forms::Unload(Panel);
     InMirrorsOf(2, [&] {
         EXPECT_EQ(TextOf(One, "lblChannel"), "All");
         EXPECT_FALSE(Child(One, "imgControl_1")->isEnabled());
@@ -243,8 +253,18 @@ TEST_F(MirrorScreensTest, RulesOfAChannelReachTheSiteWithItsPanel) {
         });
         EXPECT_EQ(boxes.takeLast(), GetText(20005));
         EXPECT_EQ(Forms::Find(Dialog), nullptr) << "refused, it is gone";
-        InDialog(One, "imgNew", [&] {
+    });
+    script.On(One, [&] {
+        InDialog(One, "imgNew", [] {
             Enter(1, 1, 3, 12);
+            AlarmComes();
+        });
+    });
+    Tap(Panel, "imgNavig_12");
+    RemoveUnloaded();
+    InMirrorsOf(1, [&] {
+        InDialog(One, "imgNew", [&] {
+            EXPECT_EQ(Shown(), "1/1/3/12") << "an alarm loses no entry";
             Reply(Confirm);
         });
         ASSERT_EQ(Lines("lstTo").size(), 2);

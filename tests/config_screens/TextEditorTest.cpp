@@ -121,10 +121,14 @@ TEST_F(TextEditorTest, AnAlarmKeepsWhatWasEdited) {
 
 TEST_F(TextEditorTest, ImportTakesTheHeadOfAFile) {
     WriteFile("long.txt", QByteArray("\x80 1\r\n") + QByteArray(1995, 'W'));
+    WriteFile("unicode.txt", "Maßnahme ł" + QByteArray(4081, ' ') + "ßß");
     Forms::Show(Consignes);
+    const auto* whole = Find<QTextEdit>(Consignes, "txtConsigne");
+    TakeFile("unicode.txt");
+    Touch(Consignes, FromFile);
+    EXPECT_EQ(whole->toPlainText(), "Maßnahme ?");
     TakeFile("long.txt");
     Touch(Consignes, FromFile);
-    const auto* whole = Find<QTextEdit>(Consignes, "txtConsigne");
     EXPECT_EQ(whole->toPlainText(), QStringLiteral("€ 1\n") + QString(1019, u'W'));
     EXPECT_EQ(IniRead("Files", "Import", QString()),
               QDir::cleanPath(Global::InApplicationFolder(QString())));

@@ -149,8 +149,11 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
         EXPECT_TRUE(way.isEmpty() || Shown("lblVisuTcde") == way) << way.toStdString();
     }
     EXPECT_EQ(boxes.size(), asked) << "in no mirror any more";
-    Leave(Messages::No);
-    EXPECT_EQ(Site().Panel(1).Model() + Site().Mirrors().Count(), 2) << "what went is gone";
+    AlarmComes();
+    Open(1);
+    EXPECT_TRUE(TellsOfKept());
+    Leave(Messages::Yes);
+    EXPECT_EQ(Site().Panel(1).Model() + Site().Mirrors().Count(), 1) << "what went is gone";
 }
 
 TEST_F(BusPanneauTest, WhatTheBusFoundOutMeanwhileStays) {

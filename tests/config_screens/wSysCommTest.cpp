@@ -75,8 +75,18 @@ TEST_F(SysCommTest, APortThatFailsStopsThePollingAsLongAsItIsEdited) {
     Forms::Show(Form);
     EXPECT_EQ(Values(), "9 19200 2 No");
     EXPECT_TRUE(TellsOfKept());
+    // The file from which the program starts can't be written.
+    QFile::remove(CurrentConfigFile());
+    ASSERT_TRUE(QDir().mkpath(CurrentConfigFile()));
+    int failures = 0;
+    Messages::Install([&](const QString& text, int, bool) {
+        failures += text == GetText(20002) ? 1 : 0;
+        EXPECT_TRUE(text == GetText(30010) || (link->CommPort() == 9 && engine->Run()))
+            << "the bus waits for no answer";
+        return int(Messages::Yes);
+    });
     Leave(Messages::Yes);
-    EXPECT_EQ(link->CommPort(), 9);
+    EXPECT_EQ(failures, 1);
     EXPECT_EQ(Site().BusSettings(), "COM9:19200,N,8,2");
 }
 
@@ -85,6 +95,10 @@ TEST_F(SysCommTest, AnEmptyFieldIsNotTaken) {
     Site().setBusSettings(QString());
     Forms::Show(Form);
     Change(1, "9600");
+    Press("imgBusDir", 0, 4);
+    script.On(FormNames::dlgListInput, [] { Tap(FormNames::dlgListInput, "imgControl_2"); });
+    Tap(Form, "imgBusModif");
+    EXPECT_EQ(link->CommPort(), 3) << "nothing was chosen";
     Leave(Messages::Yes);
     EXPECT_EQ(boxes.last(), GetText(20006));
     EXPECT_NE(Screen(Form), nullptr);
@@ -108,6 +122,16 @@ TEST_F(SysCommTest, TheDeviceOfThePortIsNamedInTheSettings) {
     ChooseDevice("lblPortDevice", 1);
     Leave(Messages::Yes);
     EXPECT_EQ(Device(), ports.Lasting(adapter));
+
+    Forms::Show(Form);
+    Change(0, "4");
+    ChooseDevice("lblPortDevice", 1);
+    Change(0, "3");
+    boxes.clear();
+    Leave(Messages::Yes);
+    EXPECT_TRUE(boxes.isEmpty()) << "nothing differs";
+    EXPECT_EQ(SLVfonctions::DevicePath("COM4"), "/dev/ttyS3")
+        << "nor means another port another device";
 
     Forms::Show(Form);
     Site().setPrtSettings("COM8:");

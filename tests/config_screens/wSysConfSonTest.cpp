@@ -49,6 +49,9 @@ TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
     Tap(Form, "chkPeriod");
     Leave(Messages::Yes);
     EXPECT_EQ(Key("PeriodTime") + Key("PeriodLimit"), "00") << "the purge goes by the time alone";
+    IniWrite("Files", "PeriodTime", "12");
+    Forms::Show(Form);
+    EXPECT_TRUE(Find<QAbstractButton>(Form, "chkPeriod")->isChecked()) << "and so does the box";
 }
 
 TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
@@ -59,6 +62,11 @@ TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {
     TapImage(ApplySound);
     EXPECT_EQ(Site().AlarmPrioSound(1), Config::HighestSound());
     EXPECT_EQ(boxes.last(), GetText(30009));
+
+    QFile::remove(CurrentConfigFile());
+    ASSERT_TRUE(QDir().mkpath(CurrentConfigFile()));
+    TapImage(ApplySound);
+    EXPECT_EQ(boxes.last(), GetText(20002)) << "it will be gone with the next start";
 
     TapImage(MoreUrgent);
     EXPECT_EQ(Shown("lblSoundPrio"), "2");

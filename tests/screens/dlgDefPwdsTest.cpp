@@ -124,6 +124,31 @@ TEST_F(DefPwdsTest, AUserMayKeepTheOwnNameAndCode) {
     EXPECT_EQ(Site().UserLevel(1), 3);
 }
 
+TEST_F(DefPwdsTest, AnAlarmLosesNoChangeAndShowsItToNobodyOfALowerLevel) {
+    Open(3);
+    Fill("NEW", "1234");
+    Press(Add);
+    NobodyIsThere();
+    RemoveUnloaded();
+    Open(2);
+    EXPECT_EQ(Grid().rowCount(), 3);
+    EXPECT_FALSE(Child(Table, "lblKept")->isVisible());
+    Tap(Table, "cmdBoutons_0");
+    Open(3);
+    EXPECT_TRUE(Child(Table, "lblKept")->isVisible());
+    ASSERT_EQ(Rows().value(3), "NEW 1234 0");
+    Choose(0);
+    Press(Delete);
+    AlarmComes();
+    RemoveUnloaded();
+    Open(3);
+    Save();
+    EXPECT_EQ(Site().UserCount(), 3);
+    EXPECT_EQ(Site().UserName(3), "NEW");
+    Open(3);
+    EXPECT_FALSE(Child(Table, "lblKept")->isVisible());
+}
+
 TEST_F(DefPwdsTest, DeletingAsksAndATableOfNobodyCantBeSaved) {
     Open(3);
     answer = Messages::Cancel;

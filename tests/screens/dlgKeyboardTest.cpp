@@ -152,6 +152,16 @@ TEST_F(dlgKeyboardTest, AFullBoxTakesNothingMore) {
     EXPECT_EQ(Ask("abc", breakOn, 7, true), "abc\r\nde");
 }
 
+TEST_F(dlgKeyboardTest, ALetterThatNoFileKeepsIsntTaken) {
+    const auto type = [] {
+        Ctrls({Left});
+        TypeAbroad(Keyboard()->focusWidget(), "ałé😀€");
+        Confirm();
+    };
+    EXPECT_EQ(Ask("xz", type), "xaé€z");
+    EXPECT_EQ(Ask("xz", type, 1024, true), "xaé€z");
+}
+
 TEST_F(dlgKeyboardTest, EnterConfirmsAndEscapeCancelsOnARealKeyboard) {
     for (const bool multiLine : {false, true}) {
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {

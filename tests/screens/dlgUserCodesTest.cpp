@@ -68,6 +68,9 @@ TEST_F(UserCodesTest, KeysWriteIntoTheActiveBoxAndNowhereWithoutOne) {
     Box(1)->setCursorPosition(0);
     TapKeys("<<Z");
     EXPECT_EQ(Box(1)->text(), "ABCDEFGHIJKLMNZ");
+    Box(1)->clear();
+    TypeAbroad(Box(1), "piłé");
+    EXPECT_EQ(Box(1)->text(), "pié") << "no file keeps the third letter";
 }
 
 TEST_F(UserCodesTest, LevelsEndAtThreeAndOnAGuardedSiteAtTheOwnOne) {

@@ -147,7 +147,8 @@ TEST_F(wMainFilesTest, ASavingThatFailsIsToldInAPlainBoxAndStopsWhateverWantedIt
         Messages::Install([&](const QString&, int, bool) {
             return answers.isEmpty() ? int(Messages::Cancel) : answers.takeFirst();
         });
-        Site().setModified(true);
+        Site().setModified(false);
+        Site().Panel(7).Channel(1).setScreenText(image);
         plainTexts.clear();
         Take("Full");
         AcceptPlainBox();

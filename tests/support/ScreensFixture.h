@@ -86,6 +86,13 @@ protected:
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
                           view->visualRect(view->model()->index(row, 0)).center());
     }
+    /// Types on the keyboard of some other country.
+    static void TypeAbroad(QWidget* box, const QString& text) {
+        for (const QChar character : text) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
+            QCoreApplication::sendEvent(box, &press);
+        }
+    }
     /// Touches the instruction on a form and gives the two texts of the dialog, none if it doesn't
     /// come.
     static QStringList ReadInstruction(const QString& form) {

@@ -41,6 +41,11 @@ QString WholePanel() {
     return Global::Get().text10100;
 }
 
+/// The remote-controlled models report nothing that could be mirrored.
+bool CanBeSource(int model) {
+    return Models::IsQFamily(model) || model == Models::Q6200XT;
+}
+
 void StepPanel(ValueLabel& label, int by) {
     const int number = label.Number() + by;
     if (number >= 1 && number <= ConfigClass::PanelCount)
@@ -111,12 +116,15 @@ MirrorClass dlgEditMirror::Rule() const {
     return rule;
 }
 
+void dlgEditMirror::Begin() {
+    question_ = Captions();
+    if (const auto kept = interrupted.Take(question_))
+        setCaptions(kept->split(Separator));
+}
+
 void dlgEditMirror::Ask() {
-    if (question_.isEmpty()) {
-        question_ = Captions();
-        if (const auto kept = interrupted.Take(question_))
-            setCaptions(kept->split(Separator));
-    }
+    if (question_.isEmpty())
+        Begin();
     ok_ = false;
     answered_ = false;
     ShowModal();
@@ -243,8 +251,10 @@ void dlgEditMirror::lblDestModNo_Change() {
     ShowPanels();
 }
 
+/// A fixed source has a channel whatever its model.
 bool dlgEditMirror::IsComplete() const {
-    return ui_->lblDestModNo->IsNumeric() && ui_->lblSrceModNo->IsNumeric() &&
+    const PanelClass* source = PanelOf(ui_->lblSrceModNo->Number());
+    return source != nullptr && CanBeSource(source->Model()) && ui_->lblDestModNo->IsNumeric() &&
            !ui_->lblSrceChnlNo->Caption().isEmpty() &&
            (!ui_->frmDestChnl->isEnabled() || ui_->lblDestChnlNo->IsNumeric());
 }

@@ -32,8 +32,10 @@ public:
     void FixSource(int module, const QString& channel);
     /// The rule as it is shown.
     MirrorClass Rule() const;
-    /// Shows the dialog until it is left, again if it was before. What an alarm took away stands
-    /// there again when the same rule is asked for.
+    /// What is shown is the question. What an alarm took away stands there again when the same rule
+    /// is asked for.
+    void Begin();
+    /// Shows the dialog until it is left, again if it was before.
     void Ask();
 
 protected:

@@ -176,6 +176,7 @@ void wBusMiroirs::imgCancel_Click() {
 
 bool wBusMiroirs::Take() {
     Global::Configuration().Mirrors().Copy(rules_);
+    rules_.setModified(false);
     SaveSite();
     return true;
 }

@@ -171,6 +171,7 @@ void wBusMirrorOne::imgNew_Click() {
             [&](dlgEditMirror& dialog) {
                 dialog.setPanel(panel_);
                 dialog.FixSource(ui_->lblNumModule->Number(), ui_->lblChannel->Caption());
+                dialog.Begin();
             },
             [](const dlgEditMirror& dialog) {
                 return dialog.Ok() ? std::make_optional(dialog.Rule()) : std::nullopt;

@@ -49,8 +49,9 @@ void PanelDraft::Take() {
     }
 }
 
+/// Mirrors that nobody edited are those of the site, which may have lost some since.
 PanelDraft::Snapshot PanelDraft::Edited() const {
-    return SnapshotOf(*panel_, mirrors_);
+    return SnapshotOf(*panel_, mirrors_.Modified() ? mirrors_ : Global::Configuration().Mirrors());
 }
 
 PanelDraft::Snapshot PanelDraft::OfSite() const {

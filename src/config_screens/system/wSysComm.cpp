@@ -175,7 +175,8 @@ void wSysComm::imgBusModif_Click() {
         return;
     switch (place) {
     case PortField:
-        ChangePort(*value);
+        if (IsNumeric(*value))
+            ChangePort(*value);
         return;
     case SpeedField:
         edit_->speed = *value;
@@ -306,8 +307,9 @@ bool wSysComm::UpdateConfig() {
         site.setBusSettings(BusSettings::Text(port, link.Settings()));
         site.setAutoStart(edit.autoStart);
         applied = true;
-        SaveSite();
+        // A failure to save is told, and the bus waits for no answer.
         StartBus(run);
+        SaveSite();
         if (!works)
             Message(GetText(PortFails), Messages::Warning);
     });
@@ -343,8 +345,10 @@ void wSysComm::Keep() {
         QTimer::singleShot(0, Polling(), [port, run] { PutBack(port, run); });
 }
 
-/// The polling screen stays loaded; what waits for it must not stay before the console.
+/// The polling screen stays loaded; what waits for it must not stay before the console. A port that
+/// isn't chosen any more may have another device though nothing differs.
 void wSysComm::Closing() {
+    devices_.PutBack();
     Forms::Form* watch = watches_ ? Forms::Find(FormNames::wPolling) : nullptr;
     if (watch != nullptr)
         watch->Hide();

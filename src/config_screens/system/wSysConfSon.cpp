@@ -78,9 +78,10 @@ wSysConfSon::Memory& wSysConfSon::Kept() {
 wSysConfSon::Files wSysConfSon::OfSettings() {
     Files files;
     files.folder = IniRead(FilesSection, Folder, platform::ApplicationFolder());
-    files.limit = TruthOf(FilesSection, Limit, QStringLiteral("0"));
     files.daily = Bytes::ShortVal(IniRead(FilesSection, Unit, QStringLiteral("0"))) >= 1;
     files.time = Bytes::ShortVal(IniRead(FilesSection, Time, QStringLiteral("0")));
+    // The purge goes by the time alone: whatever `Limit` says, this is what is done.
+    files.limit = files.time >= 1;
     files.noResize = TruthOf(GeneralSection, NoResize, QStringLiteral("1"));
     return files;
 }
@@ -283,8 +284,8 @@ void wSysConfSon::AssignSound() {
         return;
     }
     Global::Configuration().setAlarmPrioSound(priority_->Value(), qint16(sound_->Value()));
-    SaveSite();
-    Message(GetText(Applied), Messages::Information);
+    if (SaveSite())
+        Message(GetText(Applied), Messages::Information);
 }
 
 /// A file of the machine comes ahead of the sound of the base.

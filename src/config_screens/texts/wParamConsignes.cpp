@@ -3,6 +3,7 @@
 #include "core/Config.h"
 #include "core/SLVfonctions.h"
 #include "model/ConfigClass.h"
+#include "model/SheetLines.h"
 #include "platform/CodePage.h"
 #include "platform/RunTimeError.h"
 #include "screens/dialogs/FilePicker.h"
@@ -20,6 +21,8 @@ namespace {
 constexpr int BigStep = 8;
 constexpr int TextFiles = 50004;
 constexpr int TextMargin = 8;
+/// Of a character in UTF-8.
+constexpr int MostBytes = 4;
 const QString Files = QStringLiteral("Files");
 const QString ImportKey = QStringLiteral("Import");
 
@@ -82,13 +85,16 @@ void wParamConsignes::imgControl_Click(int index) {
         TextEditor::imgControl_Click(index);
 }
 
-/// What stands in the file beyond the length of a text is left out without a word.
+/// What stands in the file beyond the length of a text is left out without a word. A letter that
+/// the site's file can't hold shows as it will come back from there.
 void wParamConsignes::Import() {
     const QPointer<wParamConsignes> self(this);
     const QString path =
         FilePicker::Open(IniRead(Files, ImportKey, QString()), QString(), GetText(TextFiles, true));
     if (path.isEmpty() || !IsLoaded(self.data()))
         return;
-    setEntry(platform::FromCodePage(HeadOf(path, ConfigClass::ConsigneWidth)));
+    const QByteArray head = HeadOf(path, MostBytes * ConfigClass::ConsigneWidth);
+    const std::optional<QString> text = UnicodeText(head);
+    setEntry(platform::FromCodePage(text ? platform::ToCodePage(*text) : head));
     IniWrite(Files, ImportKey, FilePicker::Folder(path));
 }

@@ -44,7 +44,6 @@ constexpr int ForeignLetters = 714062;
 constexpr int KindRole = Qt::UserRole;
 constexpr int PathRole = Qt::UserRole + 1;
 constexpr int IconSize = 32;
-/// Confirm or cancel with the exclamation picture.
 /// Longest name of a file, bytes, as the file systems of panel PCs and sticks have it.
 constexpr int LongestName = 255;
 

@@ -5,6 +5,7 @@
 #include "core/FormNames.h"
 #include "core/Operator.h"
 #include "platform/CodePage.h"
+#include "screens/touch/CodePageLine.h"
 #include "screens/touch/Interrupted.h"
 #include "screens/touch/ModalDialog.h"
 #include "screens/touch/ResizeForm.h"
@@ -116,6 +117,7 @@ dlgKeyboard::dlgKeyboard()
     Prepare();
     LayoutKeys();
     ui_->txtValue_0->setTextMargins(TextMargin, 0, TextMargin, 0);
+    ui_->txtValue_0->setValidator(new CodePageLine(this));
     setMaxLength(0);
     rangeBase_ = FirstBase;
     KeyRename();
@@ -123,7 +125,7 @@ dlgKeyboard::dlgKeyboard()
                              static_cast<QWidget*>(ui_->txtValue_1), ui_->picKeyboard})
         watched->installEventFilter(this);
     connect(ui_->txtValue_1, &QPlainTextEdit::textChanged, this,
-            [this] { Guard("dlgKeyboard.txtValue_Change", [this] { LimitLength(); }); });
+            [this] { Guard("dlgKeyboard.txtValue_Change", [this] { LimitText(); }); });
     OnClick(Keys, [this](int index) { Key_Click(index); });
     OnClick(Ranges, [this](int index) { Range_Click(index); });
     OnClick(EditKeys, [this](int index) { Ctrl_Click(index); });
@@ -211,7 +213,7 @@ void dlgKeyboard::setText(const QString& text) {
 void dlgKeyboard::setMaxLength(int length) {
     maxLength_ = length > 0 ? length : std::numeric_limits<qint16>::max();
     ui_->txtValue_0->setMaxLength(maxLength_);
-    LimitLength();
+    LimitText();
 }
 
 void dlgKeyboard::setMultiLine(bool on) {
@@ -251,10 +253,17 @@ void dlgKeyboard::Write(const QString& text, int caret) {
     box->ensureCursorVisible();
 }
 
-/// A text typed or pasted from a real keyboard may be too long: what doesn't fit goes.
-void dlgKeyboard::LimitLength() {
-    if (multiLine_ && Text().size() > maxLength_)
-        Write(Head(Text(), maxLength_), Caret());
+/// A text typed or pasted from a real keyboard may be too long, or have letters that no file keeps:
+/// what doesn't fit goes.
+void dlgKeyboard::LimitText() {
+    if (!multiLine_)
+        return;
+    QString text = Text();
+    int caret = Caret();
+    CodePageLine().validate(text, caret);
+    text = Head(text, maxLength_);
+    if (text != Text())
+        Write(text, caret);
 }
 
 /// A full box takes nothing more, as when a real keyboard types.

@@ -57,7 +57,7 @@ private:
     bool HandleKey(const QKeyEvent& event);
     int Caret() const;
     void Write(const QString& text, int caret);
-    void LimitLength();
+    void LimitText();
     QWidget* Box() const;
 
     std::unique_ptr<Ui::dlgKeyboard> ui_;

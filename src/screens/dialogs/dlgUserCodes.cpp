@@ -7,6 +7,7 @@
 #include "core/Global.h"
 #include "model/Access.h"
 #include "screens/dialogs/AskPassword.h"
+#include "screens/touch/CodePageLine.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/Theme.h"
 #include "ui_dlgUserCodes.h"
@@ -75,8 +76,10 @@ dlgUserCodes::dlgUserCodes()
     connect(tmrAutoClose_, &QTimer::timeout, this, [this] { Close(false); });
     OnClick(Key, [this](int index) { cmdChar_Click(index); });
     OnClick(Image, [this](int index) { imgControl_Click(index); });
-    for (const int index : Indices(Text))
+    for (const int index : Indices(Text)) {
         Box(index)->installEventFilter(this);
+        Box(index)->setValidator(new CodePageLine(this));
+    }
     ShowBoxes();
 }
 

@@ -8,6 +8,7 @@
 #include "model/CurrentConfig.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/dlgUserCodes.h"
+#include "screens/touch/KeptEdit.h"
 #include "screens/touch/ModalDialog.h"
 #include "screens/touch/Navigation.h"
 #include "screens/touch/SwipeScroll.h"
@@ -35,11 +36,24 @@ constexpr int BesideColumns = 24;
 
 } // namespace
 
+/// What an alarm interrupted, and the level of whoever did it.
+struct dlgDefPwds::Memory {
+    KeptEdit<QList<User>> edit;
+    int level = 0;
+};
+
+dlgDefPwds::Memory& dlgDefPwds::Kept() {
+    static Memory memory;
+    return memory;
+}
+
 dlgDefPwds::dlgDefPwds()
     : ScreenForm(FormNames::dlgDefPwds, Kind::Dialog)
-    , ui_(std::make_unique<Ui::dlgDefPwds>()) {
+    , ui_(std::make_unique<Ui::dlgDefPwds>())
+    , level_(Global::Get().userLevel) {
     ui_->setupUi(this);
     Form_Load();
+    FillGrid();
     Prepare();
     QHeaderView& header = *ui_->grdUsers->horizontalHeader();
     header.setFont(ui_->grdUsers->font());
@@ -76,14 +90,29 @@ void dlgDefPwds::Form_Load() {
     grid.setSelectionMode(QAbstractItemView::SingleSelection);
     grid.setTabKeyNavigation(false);
     new SwipeScroll(grid);
+}
+
+QList<dlgDefPwds::User> dlgDefPwds::OfSite() {
     const ConfigClass& site = Global::Configuration();
+    QList<User> users;
+    for (int i = 1; i <= site.UserCount(); ++i)
+        users += {site.UserName(i), site.UserPwd(i), site.UserLevel(i), i};
+    return users;
+}
+
+void dlgDefPwds::FillGrid() {
+    QTableWidget& grid = *ui_->grdUsers;
     const bool guarded = IsGuarded();
-    grid.setRowCount(site.UserCount());
+    QList<User> users = OfSite();
+    if (!guarded || level_ >= Kept().level) {
+        const auto kept = Kept().edit.Take(users);
+        ui_->lblKept->setVisible(kept.has_value());
+        users = kept.value_or(users);
+    }
+    grid.setRowCount(int(users.size()));
     for (int row = 0; row < grid.rowCount(); ++row) {
-        const int number = row + 1;
-        WriteRow(row,
-                 {site.UserName(number), site.UserPwd(number), site.UserLevel(number), number});
-        if (guarded && site.UserLevel(number) > Global::Get().userLevel)
+        WriteRow(row, users[row]);
+        if (guarded && users[row].level > level_)
             grid.hideRow(row);
         else if (grid.currentRow() < 0)
             grid.setCurrentCell(row, NameColumn);
@@ -220,19 +249,33 @@ void dlgDefPwds::cmdBoutons_Click(int index) {
     Close();
 }
 
+QList<dlgDefPwds::User> dlgDefPwds::Users() const {
+    QList<User> users;
+    for (int row = 0; row < ui_->grdUsers->rowCount(); ++row)
+        users += UserOf(row);
+    return users;
+}
+
 void dlgDefPwds::Save() {
     ConfigClass& site = Global::Configuration();
-    const int count = ui_->grdUsers->rowCount();
-    site.setUserCount(qint16(count));
-    for (int row = 0; row < count; ++row) {
-        const User user = UserOf(row);
-        site.setUserName(row + 1, user.name);
-        site.setUserPwd(row + 1, user.code);
-        site.setUserLevel(row + 1, user.level);
+    const QList<User> users = Users();
+    site.setUserCount(qint16(users.size()));
+    for (int i = 1; i <= users.size(); ++i) {
+        site.setUserName(i, users[i - 1].name);
+        site.setUserPwd(i, users[i - 1].code);
+        site.setUserLevel(i, users[i - 1].level);
     }
 }
 
+void dlgDefPwds::Form_Unload() {
+    if (left_ || Users() == OfSite())
+        return;
+    Kept().edit.Keep(OfSite(), Users());
+    Kept().level = level_;
+}
+
 void dlgDefPwds::Close() {
+    left_ = true;
     Unload();
     if (NbInstances(FormNames::wMain) > 0)
         ReturnToMenu(*this, int(MenuTile::System));

@@ -2,6 +2,7 @@
 
 #include "screens/touch/ScreenForm.h"
 
+#include <QList>
 #include <memory>
 #include <optional>
 
@@ -12,7 +13,8 @@ class dlgDefPwds;
 }
 
 /// The table of users. What is changed here goes into the site only when it is saved. Users of a
-/// level above the connected one can't be seen on a guarded site, and are kept.
+/// level above the connected one can't be seen on a guarded site, and are kept. Changes that an
+/// alarm takes off the display stand there again for whoever has the level of their maker.
 class dlgDefPwds : public ScreenForm {
     Q_OBJECT
 public:
@@ -21,6 +23,7 @@ public:
 
 protected:
     void CloseRequested() override { Close(); }
+    void Form_Unload() override;
 
 private:
     struct User {
@@ -29,10 +32,17 @@ private:
         int level = 0;
         /// Number in the table of the site, 0 for one that isn't in it yet.
         int number = 0;
+        bool operator==(const User&) const = default;
     };
+    struct Memory;
+    static Memory& Kept();
+    static QList<User> OfSite();
 
     void Form_Load();
+    void FillGrid();
     User UserOf(int row) const;
+    /// The table as it is shown.
+    QList<User> Users() const;
     void WriteRow(int row, const User& user);
     void ShowActions();
     void imgControl_Click(int index);
@@ -49,4 +59,6 @@ private:
     void Close();
 
     std::unique_ptr<Ui::dlgDefPwds> ui_;
+    int level_; // of whoever opened the table
+    bool left_ = false;
 };
