@@ -32,6 +32,7 @@ void TechCommand::SendCommand(const CommandPtr& command) {
         if (engine == nullptr)
             return;
         command_ = command;
+        module_ = command->Module();
         setState(State::Sent);
         if (engine->Run()) {
             engine->SendCommand(command);

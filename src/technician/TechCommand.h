@@ -22,6 +22,8 @@ public:
     /// tries and blocks for that time.
     void SendCommand(const CommandPtr& command);
     State Outcome() const { return state_; }
+    /// Module of the command sent last, 0 for all.
+    int Module() const { return module_; }
 
 Q_SIGNALS:
     void Changed();
@@ -32,5 +34,6 @@ private:
 
     CommandPtr command_;
     State state_ = State::None;
+    int module_ = 0;
     QTimer timer_;
 };

@@ -86,7 +86,8 @@ void wTechEtatModule::MiseEnFormeModule(PanelClass& panel) {
         panel_ = &panel;
         ui_->lblModType_0->setNum(panel.Numero());
         ui_->lblModType_1->setText(ModuleName(panel.Model()));
-        ui_->lblTitle->setText(FrontTiles::Broken(panel.Title(), ui_->lblTitle->fontMetrics(),
+        ui_->lblTitle->setText(FrontTiles::Broken(panel.Title().replace(u'|', u' '),
+                                                  ui_->lblTitle->fontMetrics(),
                                                   ui_->lblTitle->width(), TitleLines));
         ui_->fraVoyants->setPanel(panel);
         for (const int index : Indices(QStringLiteral("cmdBoutons")))

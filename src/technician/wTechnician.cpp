@@ -222,8 +222,10 @@ void wTechnician::ShowRun() {
 }
 
 /// Painted at once: with the polling stopped the command holds up everything until its tries are
-/// over.
+/// over. What comes of a command to another module than the one that is chosen by now isn't told.
 void wTechnician::ShowOutcome(const TechCommand& command, QLabel& label) {
+    if (command.Module() != Numero())
+        return;
     const bool toAll = command.Outcome() == TechCommand::State::Obeyed && Numero() == 0;
     label.setText(GetText(
         toAll ? SentToAll : FirstOutcome - int(TechCommand::State::Sent) + int(command.Outcome())));

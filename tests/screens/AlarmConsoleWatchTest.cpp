@@ -1,8 +1,10 @@
 // What the console says of the watch itself, and that no touch does what the operator didn't mean.
 
+#include "events/Klaxon.h"
 #include "screens/AlarmConsoleFixture.h"
 #include "screens/console/FaultBand.h"
 #include "screens/console/RowShapes.h"
+#include "screens/dialogs/dlgConsigne.h"
 #include "screens/touch/Colours.h"
 
 #include <QImage>
@@ -54,6 +56,7 @@ TEST_F(ConsoleWatchTest, TheGreenTickStandsOnlyWhileAllAreWatched) {
         {{BusState::FirstReading, {}, false}, 714070},
         {{BusState::PortLost, {}, false}, 714072},
         {{BusState::Running, {3}, false}, 714073},
+        {{BusState::Running, {}, false, false}, 710012},
         {{BusState::PortLost, {1, 2}, true}, 714075},
         {calm, 710006},
     };
@@ -64,6 +67,10 @@ TEST_F(ConsoleWatchTest, TheGreenTickStandsOnlyWhileAllAreWatched) {
     }
     Faults::Set(Kind::RoundStopped);
     EXPECT_EQ(Picture(), "console_fault");
+    ConsoleHead::OverrideWatch(std::nullopt);
+    EXPECT_TRUE(ConsoleHead::Look().anyPanel);
+    Global::setConfiguration(nullptr);
+    EXPECT_FALSE(ConsoleHead::Look().anyPanel) << "an empty site";
 }
 
 TEST_F(ConsoleWatchTest, TheBandShowsWhatStandsAndGivesItsRoomBack) {
@@ -136,7 +143,7 @@ TEST_F(ConsoleWatchTest, CountsRowsAndThoseThatWait) {
     Bus(1, 2, 1, 1);
     Bus(1, 3, 1, 4);
     EXPECT_EQ(Text("lblCount"), "3 of 3, 2 not acknowledged");
-    Site().Panel(2).setTitle("Fire water");
+    Site().Panel(2).setTitle("Fire|water");
     Bus(2, 255, 1, 0);
     const AlarmRow& lost = Grid().Rows().Row(0);
     EXPECT_TRUE(AlarmGrid::PaintedText(lost).endsWith(" Fire water"));
@@ -148,17 +155,27 @@ TEST_F(ConsoleWatchTest, CountsRowsAndThoseThatWait) {
 TEST_F(ConsoleWatchTest, ATouchMeantForSomethingElseIsNotTaken) {
     Load();
     Bus(1, 1, 1, 4);
-    Forms::Show("wTeleCmde");
-    Look();
     EventClass known(1, 1, 1, 4);
-    engine->SendEvent(known);
+    for (const char* other : {"wTeleCmde", "wPolling"}) {
+        Forms::Show(other);
+        ASSERT_TRUE(Comes([&] { return Screen(other)->isActiveWindow(); }));
+        Look();
+        engine->SendEvent(known);
+        ASSERT_TRUE(Comes([&] { return console->isActiveWindow(); }));
+        Tap("imgAcquit");
+        EXPECT_EQ(Commands(), 0) << "came up over " << other;
+    }
     ASSERT_EQ(NbInstances("wTeleCmde"), 0);
-    Tap("imgAcquit");
-    EXPECT_EQ(Commands(), 0) << "came up over another screen";
     Look();
+    engine->SendEvent(known);
+    EXPECT_TRUE(Screen("wPolling")->Visible()) << "left open behind the console";
     QTest::mousePress(&Child("imgAcquit"), Qt::LeftButton);
+    EXPECT_TRUE(Child<QAbstractButton>("imgAcquit").isDown());
+    Alarme(5);
     Bus(1, 7, 1, 3);
     ASSERT_EQ(SelectedPlace(), "P01-C07") << "jumped";
+    Tap("imgArretKlaxon");
+    EXPECT_EQ(horn->playing, "") << "the horn is the same whatever is selected";
     QTest::mouseRelease(&Child("imgAcquit"), Qt::LeftButton);
     EXPECT_EQ(Commands(), 0);
     EXPECT_FALSE(Child<QAbstractButton>("imgAcquit").isDown());
@@ -171,6 +188,22 @@ TEST_F(ConsoleWatchTest, ATouchMeantForSomethingElseIsNotTaken) {
     Tap("imgAcquit");
     EXPECT_EQ(Commands(), 1);
     EXPECT_GE(engine->Commands().Item(1)->SendTime(), clock.Now() - platform::OneSecond);
+}
+
+TEST_F(ConsoleWatchTest, ATouchMeantForAnInstructionDropsNoOffer) {
+    Load();
+    Bus(1, 1, 1, 4);
+    auto* read = new dlgConsigne;
+    read->Show();
+    Look();
+    EventClass known(1, 1, 1, 4);
+    engine->SendEvent(known);
+    const auto offered = [this] { return Child("fraReadOn").isVisible(); };
+    ASSERT_TRUE(offered());
+    Tap("imgDrop");
+    EXPECT_TRUE(offered());
+    Click("imgDrop");
+    EXPECT_FALSE(offered());
 }
 
 TEST_F(ConsoleWatchTest, AcknowledgesOnlyWhatIsSeenAndOnceATouch) {

@@ -119,6 +119,8 @@ TEST(GesturesTest, ATableSortsByTouchAndKeepsItsRow) {
     rows[0].order = {QString(), "d"};
     table.setRows(rows);
     EXPECT_EQ(shown(1), "b c a") << "sorted by more than its text";
+    table.setRows({Line("10", "x", "0"), Line("9", "y", "0"), Line("11", "z", "0")});
+    EXPECT_EQ(shown(0), "y x z") << "equal ones by the numbers that are their tags";
     rows.removeLast();
     table.setRows(rows);
     EXPECT_TRUE(table.CurrentTag().isEmpty()) << "its row is gone";

@@ -111,6 +111,25 @@ TEST_F(HelpTest, PageIsTurnedByTouchAndTheWayBackIsKept) {
     EXPECT_FALSE(back->isEnabled());
 }
 
+TEST_F(HelpTest, IsTurnedAboveAFormThatWaits) {
+    Provide("en");
+    Forms::Show(Console);
+    ScreenForm& waiting = *dynamic_cast<ScreenForm*>(Forms::Load(FormNames::dlgConsigne));
+    QTimer::singleShot(0, [&] {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&waiting));
+        ShowHelp();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(Screen(Help)));
+        // By the window system, which lets nothing through to a window below a modal one.
+        QTest::mouseClick(Screen(Help)->windowHandle(), Qt::LeftButton, {},
+                          Child(Help, "imgClose")->geometry().center());
+        EXPECT_EQ(NbInstances(Help), 0);
+        EXPECT_TRUE(waiting.isVisible());
+        Forms::Unload(Help);
+        waiting.Hide();
+    });
+    waiting.ShowModal();
+}
+
 TEST_F(HelpTest, OpensAtTheChapterOfItsScreenAndGivesWayToAnAlarm) {
     Provide("en");
     const auto opens = [](ScreenForm* opener, const char* chapter) {

@@ -42,7 +42,7 @@ protected:
 } // namespace
 
 TEST_F(TeleCmdesTest, OnlyModulesInServiceThatTakeCommandsHaveATile) {
-    AddPanel(64, Models::P5500).setTitle("Doors");
+    AddPanel(64, Models::P5500).setTitle("Doors|east");
     AddPanel(3, Models::P5000);
     AddPanel(5, Models::P5000).setActive(false);
     for (const int model : {Models::Q7100, Models::Q6200XT, Models::Q7000})
@@ -53,7 +53,7 @@ TEST_F(TeleCmdesTest, OnlyModulesInServiceThatTakeCommandsHaveATile) {
     EXPECT_FALSE(Offers("imgNavig_1"));
     EXPECT_FALSE(Offers("imgNavig_2"));
     for (const auto& [label, text] :
-         {std::pair("lblTypePan", "P5500"), std::pair("lblPnlTitle", "Doors")})
+         {std::pair("lblTypePan", "P5500"), std::pair("lblPnlTitle", "Doors east")})
         EXPECT_EQ(Tile(2).findChild<QLabel*>(label)->text(), text);
     EXPECT_EQ(Tile(2).findChildren<Voyant*>().size(), 12);
 

@@ -99,6 +99,8 @@ TEST_F(wTechnicianTest, ACommandTellsWhatBecameOfIt) {
 }
 
 TEST_F(wTechnicianTest, WhileTheBusRunsTheQueueTakesTheCommand) {
+    // No loss of a panel brings the console.
+    SetOptions(0, 0, 0, 0);
     modules[1];
     Touch("imgStopRun_1");
     EXPECT_TRUE(engine->Run());
@@ -114,6 +116,16 @@ TEST_F(wTechnicianTest, WhileTheBusRunsTheQueueTakesTheCommand) {
     }
     EXPECT_TRUE(Comes([&] { return Shown("lblTestLeds") == GetText(810142); }));
     EXPECT_EQ(modules[1].value(66), 1);
+    Touch("cmdTestLeds");
+    modules[3];
+    Console().setNumero(3);
+    Touch("cmdPanelReset");
+    for (int round = 0; round < 5; ++round) {
+        clock.Advance(1000);
+        engine->RunComm();
+    }
+    EXPECT_TRUE(Comes([&] { return Shown("lblReset") == GetText(810142); }));
+    EXPECT_EQ(Shown("lblTestLeds"), QString()) << "of a module that isn't shown any more";
     const bool beat = IsHidden("imgComm_0");
     Q_EMIT engine->PollDone();
     EXPECT_NE(IsHidden("imgComm_0"), beat);

@@ -95,6 +95,7 @@ void TakeWatch(const Paths& path) {
         {"console_port_lost", {BusState::PortLost, {}, true}},
         {"console_missing", {BusState::Running, {3, 8}, false}},
         {"console_bus_lost", {BusState::Running, {1, 2, 3, 4, 5, 6, 7, 8}, true}},
+        {"console_no_panel", {BusState::Running, {}, false, false}},
     };
     for (const auto& [name, watch] : watches) {
         ConsoleHead::OverrideWatch(watch);

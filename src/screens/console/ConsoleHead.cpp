@@ -43,6 +43,19 @@ QString MissingWords(qsizetype count) {
                       : Filled(GetText(714074), QStringList(QString::number(count)));
 }
 
+/// To be polled, by a model that there is.
+bool IsWatched(const PanelClass& panel) {
+    return panel.Active() && panel.Model() > Models::None;
+}
+
+bool IsAnyWatched() {
+    for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
+        if (IsWatched(Global::Configuration().Panel(number)))
+            return true;
+    }
+    return false;
+}
+
 /// Why nobody, or not everybody, is watched; empty when all are.
 QString StateWords(BusState state) {
     switch (state) {
@@ -69,7 +82,7 @@ Watch Look() {
     const wPolling* engine = Polling();
     if (engine == nullptr)
         return watch;
-    watch = {engine->State(), engine->MissingPanels(), engine->BusLost()};
+    watch = {engine->State(), engine->MissingPanels(), engine->BusLost(), IsAnyWatched()};
     for (const int panel : LongMissing()) {
         if (!watch.missing.contains(panel))
             watch.missing.append(panel);
@@ -86,7 +99,7 @@ QList<int> LongMissing() {
     QList<int> missing;
     for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
         const PanelClass& panel = Global::Configuration().Panel(number);
-        if (panel.Active() && panel.Model() > Models::None &&
+        if (IsWatched(panel) &&
             (panel.ErrCptr(PollFailures) > MostPollFailures || panel.ErrCptr(MissingPolls) > 0))
             missing.append(panel.Numero());
     }
@@ -108,6 +121,8 @@ Verdict Judge(const Watch& watch) {
     }
     if (!state.isEmpty())
         return {watch.state == BusState::PortLost ? Tone::Alarm : Tone::Warning, state, state};
+    if (!watch.anyPanel)
+        return {Tone::Warning, GetText(710012), GetText(710012)};
     if (!watch.missing.isEmpty())
         return {Tone::Warning, MissingWords(watch.missing.size()), {}};
     return {Tone::Calm, GetText(710006), {}};

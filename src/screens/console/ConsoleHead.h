@@ -16,6 +16,8 @@ struct Watch {
     QList<int> missing;
     /// One cause for all of them, or the port.
     bool busLost = false;
+    /// There is a panel to be watched.
+    bool anyPanel = true;
 };
 
 /// What the engine says now.
@@ -36,7 +38,7 @@ struct Verdict {
     QString chip;
 };
 
-/// Calm only while every active panel is watched and answers.
+/// Calm only while there are active panels, and every one is watched and answers.
 Verdict Judge(const Watch& watch);
 
 /// "row of rows, so many not acknowledged". `row` counts from 1.

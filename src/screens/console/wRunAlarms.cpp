@@ -37,13 +37,14 @@ namespace {
 constexpr int ClockPeriodMs = 1000;
 constexpr int ShadowOffset = 2;
 
-/// The screen of the engine stays behind the console as long as somebody left it open.
+/// Another screen under the finger? That of the engine stays behind the console as long as somebody
+/// left it open.
 bool IsAnotherScreenOpen(const ScreenForm* own) {
     const QWidgetList windows = QApplication::topLevelWidgets();
     return std::any_of(windows.cbegin(), windows.cend(), [own](const QWidget* window) {
         const auto* form = qobject_cast<const ScreenForm*>(window);
         return form != nullptr && form != own && form->Visible() &&
-               form->Name() != FormNames::wPolling;
+               (form->Name() != FormNames::wPolling || form->isActiveWindow());
     });
 }
 
@@ -66,6 +67,7 @@ wRunAlarms::wRunAlarms()
     OmbrerTexte(QStringLiteral("lblLogin"), ShadowOffset, ShadowOffset);
     ConnectControls();
     guard_ = std::make_unique<TouchGuard>(*this);
+    selectionGuard_ = std::make_unique<TouchGuard>(*this, SelectionControls());
     Form_Load();
 }
 
@@ -78,6 +80,15 @@ void wRunAlarms::Show() {
     if (!Operator::Acts() && (!isVisible() || IsAnotherScreenOpen(this)))
         guard_->Hold();
     ScreenForm::Show();
+}
+
+/// What acts on the selected row or moves on from it.
+QList<QWidget*> wRunAlarms::SelectionControls() const {
+    QList<QWidget*> controls{ui_->grdAlarms, ui_->imgAcquit, ui_->imgConsigne};
+    const QString arrows = QStringLiteral("imgControl");
+    for (const int index : Indices(arrows))
+        controls += Control(arrows, index);
+    return controls;
 }
 
 AlarmRows& wRunAlarms::Rows() const {
@@ -192,7 +203,7 @@ void wRunAlarms::mwComm_BusEvent(const EventClass& event) {
         Rows().Take(event, AlarmRows::RowText(event));
         // Another alarm than the operator looked at: a touch that is under way doesn't mean it.
         if (!AlarmRows::IsSamePlace(selected, RowData(Rows().Current())))
-            guard_->Hold();
+            selectionGuard_->Hold();
         RecaleCurseur();
         BringToFront();
     });

@@ -49,6 +49,7 @@ private:
     void MakeHead();
     void ConnectControls();
     void Press(TouchImage* image, const char* source, std::function<void()> handler);
+    QList<QWidget*> SelectionControls() const;
     AlarmRows& Rows() const;
 
     void mwComm_BusEvent(const EventClass& event);
@@ -90,6 +91,8 @@ private:
     std::unique_ptr<Ui::wRunAlarms> ui_;
     QTimer tmrDateTime_;
     std::unique_ptr<TouchGuard> guard_;
+    /// After a jump of the selection: what doesn't act on it, the horn above all, stays in use.
+    std::unique_ptr<TouchGuard> selectionGuard_;
     QLabel* lblWatch_ = nullptr;
     FaultBand* lblFaults_ = nullptr;
     QLabel* lblOutOfService_ = nullptr;

@@ -24,8 +24,6 @@ namespace {
 /// Two touches within this are one, ms.
 constexpr qint64 BounceMs = 300;
 
-/// Register of a panel that takes an acknowledgement, and what is written into it.
-
 /// The last channel whose instruction the console looks up. Sites count on it as it is.
 constexpr qint16 LastChannelWithInstruction = 23;
 
@@ -67,7 +65,8 @@ void wRunAlarms::imgAcquit_Click() {
         return;
     // The bus may have changed the list while the code was entered, at the last moment even the
     // selection.
-    const bool seen = !guard_->Holds() && (Rows().IsEmpty() || HasSelectionInSight());
+    const bool seen = !guard_->Holds() && !selectionGuard_->Holds() &&
+                      (Rows().IsEmpty() || HasSelectionInSight());
     Alarme(StopAlarme);
     if (seen && !Rows().IsEmpty())
         Acknowledge();

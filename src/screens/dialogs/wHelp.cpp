@@ -87,6 +87,9 @@ wHelp::wHelp()
     , ui_(std::make_unique<Ui::wHelp>()) {
     if (const auto* screen = dynamic_cast<ScreenForm*>(QApplication::activeWindow()))
         opener_ = screen->Name();
+    // Below a form that waits for an answer nobody could see it, nor touch it.
+    if (QApplication::activeModalWidget() != nullptr)
+        setWindowModality(Qt::ApplicationModal);
     ui_->setupUi(this);
     ui_->txtHelp->setFocusPolicy(Qt::NoFocus);
     ui_->txtHelp->setTextInteractionFlags(Qt::NoTextInteraction);

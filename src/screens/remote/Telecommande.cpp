@@ -194,7 +194,7 @@ void Telecommande::setPanel(const PanelClass* panel) {
         panel_ = panel;
         lblNumPan_->setText(panel ? Bytes::Padded(panel->Numero(), 2) : QString());
         lblTypePan_->setText(panel ? ModuleName(panel->Model()) : QString());
-        lblPnlTitle_->setText(panel ? panel->Title() : QString());
+        lblPnlTitle_->setText(panel ? panel->Title().replace(u'|', u' ') : QString());
         MakeLamps(panel ? panel->ChannelCount() : 0);
         UserControl_Resize();
     });
@@ -217,8 +217,12 @@ void Telecommande::Update() {
         if (panel_ == nullptr)
             return;
         const bool missing = IsMissing(*panel_);
-        lblTypePan_->setText(missing ? GetText(MissingText) : ModuleName(panel_->Model()));
-        lblTypePan_->setStyleSheet(missing ? QStringLiteral("color: #FFA64D;") : QString());
+        const QString type = missing ? GetText(MissingText) : ModuleName(panel_->Model());
+        // Each turn of the bus comes here: a style that is set anew is worked out anew.
+        if (type != lblTypePan_->text()) {
+            lblTypePan_->setText(type);
+            lblTypePan_->setStyleSheet(missing ? QStringLiteral("color: #FFA64D;") : QString());
+        }
         for (int i = 0; i < lamps_.size(); ++i)
             lamps_[i]->setState(panel_->Channel(i + 1).State(), missing);
     });

@@ -22,7 +22,6 @@ namespace {
 
 const QString Lamps = QStringLiteral("lblVoyant");
 
-/// Register that takes the order to channel n is this + n.
 /// An order is the button's index times this.
 constexpr int OrderStep = 3;
 
@@ -121,9 +120,9 @@ void wTeleCmde::setPanel(const PanelClass* panel) {
 }
 
 void wTeleCmde::ShowTitle() {
-    ui_->lblTitle->setText(panel_ == nullptr
-                               ? GetText(710005)
-                               : GetText(710005) + QStringLiteral(" - ") + panel_->Title());
+    ui_->lblTitle->setText(panel_ == nullptr ? GetText(710005)
+                                             : GetText(710005) + QStringLiteral(" - ") +
+                                                   panel_->Title().replace(u'|', u' '));
 }
 
 void wTeleCmde::MiseEnFormeModule() {

@@ -121,8 +121,7 @@ void wTeleCmdes::UpdateTiles() {
         tile->Update();
 }
 
-/// Back to where the operator came from: the FormNames::wHistoric lies above the console while it
-/// is there.
+/// Back to where the operator came from: the history lies above the console while it is there.
 void wTeleCmdes::Close() {
     const QString opener =
         NbInstances(FormNames::wHistoric) > 0 ? FormNames::wHistoric : FormNames::wRunAlarms;

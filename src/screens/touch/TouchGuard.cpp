@@ -2,6 +2,7 @@
 
 #include "platform/Clock.h"
 
+#include <QChildEvent>
 #include <QCoreApplication>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
@@ -16,9 +17,18 @@ qint64 NowMs() {
 
 TouchGuard::TouchGuard(QWidget& screen)
     : QObject(&screen)
-    , screen_(screen) {
+    , screen_(screen)
+    , wholeScreen_(true) {
     screen.installEventFilter(this);
     for (QWidget* control : screen.findChildren<QWidget*>())
+        control->installEventFilter(this);
+}
+
+TouchGuard::TouchGuard(QWidget& screen, const QList<QWidget*>& controls)
+    : QObject(&screen)
+    , screen_(screen) {
+    screen.installEventFilter(this);
+    for (QWidget* control : controls)
         control->installEventFilter(this);
 }
 
@@ -53,6 +63,11 @@ bool TouchGuard::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Paint:
         if (watched == &screen_)
             Painted();
+        return false;
+    case QEvent::ChildAdded:
+        if (QObject* child = static_cast<QChildEvent*>(event)->child();
+            wholeScreen_ && child->isWidgetType())
+            child->installEventFilter(this);
         return false;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:

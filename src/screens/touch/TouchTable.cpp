@@ -93,29 +93,20 @@ private:
         const QString order = row.order.value(sorted_);
         return order.isEmpty() ? row.cells.value(sorted_) : order;
     }
-    /// Numbers stand by their value and before words; equal rows stand by their tag.
+    /// Numbers stand by their value and before words. Below 0 when the first text stands first.
+    static int Compare(const QString& one, const QString& other) {
+        bool isNumber = false;
+        bool isOtherNumber = false;
+        const double difference = one.toDouble(&isNumber) - other.toDouble(&isOtherNumber);
+        if (isNumber != isOtherNumber)
+            return isNumber ? -1 : 1;
+        return isNumber ? int(difference > 0) - int(difference < 0) : one.compare(other);
+    }
+    /// Equal rows stand by their tag.
     void Order() {
-        struct Key {
-            bool word = false;
-            double number = 0;
-        };
-        const auto keyOf = [](const QString& text) {
-            bool isNumber = false;
-            const double number = text.toDouble(&isNumber);
-            return Key{!isNumber, number};
-        };
         std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& one, const Row& other) {
-            const Row& first = falling_ ? other : one;
-            const Row& second = falling_ ? one : other;
-            const QString left = SortedBy(first);
-            const QString right = SortedBy(second);
-            const Key a = keyOf(left);
-            const Key b = keyOf(right);
-            if (a.word != b.word)
-                return b.word;
-            if (a.word ? left != right : a.number != b.number)
-                return a.word ? left < right : a.number < b.number;
-            return one.tag < other.tag;
+            const int order = Compare(SortedBy(one), SortedBy(other));
+            return order != 0 ? (order < 0) != falling_ : Compare(one.tag, other.tag) < 0;
         });
     }
 
