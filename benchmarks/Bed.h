@@ -28,6 +28,7 @@ public:
     RestlessClock& operator=(const RestlessClock&) = delete;
 
     platform::DateTime Now() const override { return machine_.Now(); }
+    int OffsetFromUtc() const override { return machine_.OffsetFromUtc(); }
     qint64 MonotonicMs() const override { return machine_.MonotonicMs(); }
     void Sleep(int) override {}
 

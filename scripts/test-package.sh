@@ -157,6 +157,26 @@ hangs_and_dies() {
     [ "$(shown Result)" = success ] || fail "the end of $unit"
     told "Korvanelle II stops" || fail "$unit was killed at its end"
 }
+rehearsing() { [[ $(shown StatusText) == Rehearsal.* ]]; }
+watching() { up 0 && ! rehearsing; }
+# A rehearsal takes the place of the watch and gives it back; neither the unit nor a compositor may
+# take that for an end.
+rehearses() {
+    local place="$root/etc/systemd/system/$unit.service.d/rehearsal.conf"
+    printf '[Service]\nExecStart=\n%s --rehearsal\n' "$(grep ^ExecStart= "packaging/kiosk/$unit.service")" >"$place"
+    booted systemctl daemon-reload
+    booted systemctl start "$unit"
+    eventually rehearsing || fail "$unit doesn't rehearse: $(booted journalctl -b -u "$unit")"
+    # A simulator is given up with its third death.
+    for _ in 1 2 3; do
+        eventually booted killall -q -KILL korvanelle-sim
+        sleep 1
+    done
+    eventually watching || fail "the rehearsal of $unit has no good end: $(booted journalctl -b -u "$unit")"
+    booted systemctl stop "$unit"
+    rm "$place"
+    booted systemctl daemon-reload
+}
 
 unmount_all
 if "${nspawn[@]}" true 2>/dev/null; then
@@ -176,9 +196,11 @@ if "${nspawn[@]}" true 2>/dev/null; then
     machine=$!
     unit=korvanelle-kiosk
     hangs_and_dies
+    rehearses
     unit=korvanelle-kiosk-wayland
     booted systemctl start "$unit"
     hangs_and_dies
+    rehearses
     kill "$machine"
     wait "$machine" || true
     machine=

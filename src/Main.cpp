@@ -27,7 +27,7 @@ int RunProgram(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    platform::Replacement::KeepArguments(argc, argv);
+    platform::Replacement::KeepStart(argc, argv);
     platform::Replacement::Note();
     QCoreApplication::setApplicationName(Global::Title);
     QCoreApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")

@@ -24,7 +24,6 @@
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
 #include "model/OutOfService.h"
-#include "model/SimulatedSite.h"
 #include "platform/Folders.h"
 #include "platform/Replacement.h"
 #include "platform/ServiceManager.h"
@@ -156,7 +155,6 @@ bool Startup::EnterRehearsal() {
 
 /// The modules are there before their port is opened.
 bool Startup::PlaySite(qint32 result) {
-    SimulatedSite::Fit(Global::Configuration());
     plant_ = std::make_unique<SimulatedPlant>();
     connect(
         plant_.get(), &SimulatedPlant::Over, this,
@@ -174,7 +172,7 @@ void Startup::TellRehearsal() {
         return;
     Trace::Note(QStringLiteral("REHEARSAL ENDED"));
     if (*ending != Rehearsal::Ending::Asked)
-        Boxes::Post(GetText(FirstEnding + int(*ending)), Messages::Warning);
+        Boxes::Post(AndWhatOfTheBus(FirstEnding + int(*ending)), Messages::Warning);
 }
 
 bool Startup::Main(bool rehearses) {
@@ -224,7 +222,7 @@ void Startup::ComeUp() {
     EventClass event(0, Family::System, 0, SystemEvents::ApplicationStarted);
     polling_->SendEvent(event);
     polling_->ServiceWatch().Check();
-    const bool autoStart = Global::Configuration().AutoStart();
+    const bool autoStart = Rehearsal::Runs() || Global::Configuration().AutoStart();
     if (autoStart && result == 0)
         StartByItself();
     if (HasEnded())

@@ -23,11 +23,6 @@ namespace {
 constexpr int UpdateWords = 12;
 constexpr int TypeTries = 3;
 
-/// The models whose channels can be read and forced one by one.
-bool HasChannels(int model) {
-    return Models::IsQFamily(model) || Models::IsRemoteControlled(model);
-}
-
 qint16 WithoutNormalAgain(qint16 state) {
     return state == Registers::NormalAgain ? 0 : state;
 }
@@ -130,7 +125,7 @@ void BusSynchro::MeetPanel(int address, ChannelWords& qualifiers) {
 void BusSynchro::ResetModule(int address) {
     PanelClass& panel = Global::Configuration().Panel(address);
     const auto module = quint8(address);
-    if (HasChannels(panel.ActualModel())) {
+    if (Models::HasChannels(panel.ActualModel())) {
         for (int number = 1; number <= panel.ChannelCount() && !engine_.EndWanted(); ++number)
             EcritUnMot(link_, module, Registers::ForcedStateBase + number, 0);
         if (engine_.EndWanted())
@@ -157,7 +152,7 @@ void BusSynchro::EmptyConsole() {
 void BusSynchro::ReportStanding(int address, const ChannelWords& qualifiers) {
     constexpr qint32 NoPanelClock = -1;
     PanelClass& panel = Global::Configuration().Panel(address);
-    if (!HasChannels(panel.ActualModel()))
+    if (!Models::HasChannels(panel.ActualModel()))
         return;
     Words states(panel.ChannelCount());
     if (!LitMots(link_, quint8(address), Registers::State, states))
@@ -297,7 +292,7 @@ void BusSynchro::ReleaseStale(int address, int number) {
         CommandClass command(qint16(address), registerNo, {value});
         queue_.TraiteCommande(command);
     };
-    if (HasChannels(panel.ActualModel())) {
+    if (Models::HasChannels(panel.ActualModel())) {
         write(Registers::ForcedStateBase + number, 0);
     } else if (panel.ActualModel() == Models::Q6200XT) {
         constexpr qint16 ClearLater = -1;

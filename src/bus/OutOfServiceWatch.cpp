@@ -1,11 +1,14 @@
 #include "bus/OutOfServiceWatch.h"
 
+#include "bus/Registers.h"
 #include "bus/wPolling.h"
 #include "core/ErrorHandling.h"
 #include "events/HistoProcs.h"
 #include "model/CurrentConfig.h"
+#include "model/Models.h"
 
 #include <algorithm>
+#include <utility>
 
 using ErrorHandling::Guard;
 using OutOfService::Entry;
@@ -16,6 +19,7 @@ namespace {
 constexpr DateTime Patience = 1.5 / 24;
 /// Lines that a second tells; the next one goes on, so that the polls needn't wait.
 constexpr qsizetype LinesASecond = 20;
+constexpr qint32 NoPanelClock = -1;
 
 EventClass EventOf(const Entry& entry) {
     EventClass event(qint16(entry.thing.panel), Family::System, qint16(entry.thing.channel),
@@ -39,31 +43,28 @@ void TellOutOfService() {
 /// Longer out than it was to be, by a clock that nobody can set: the machine's was set back.
 bool OutOfServiceWatch::IsOverdue(const Entry& entry) {
     const qint64 now = platform::Clock::Current().MonotonicMs();
-    const QString key = QStringLiteral("%1.%2 %3")
-                            .arg(entry.thing.panel)
-                            .arg(entry.thing.channel)
-                            .arg(entry.since, 0, 'f', 6);
-    const auto known = knownSince_.constFind(key);
-    if (known == knownSince_.cend()) {
-        knownSince_.insert(key, now);
-        return false;
-    }
-    return double(now - *known) / double(platform::MillisecondsADay) >
+    Known& known = known_[{entry.thing.panel, entry.thing.channel}];
+    if (known.since != entry.since)
+        known = {entry.since, now};
+    return double(now - known.monotonicMs) / double(platform::MillisecondsADay) >
            entry.until - entry.since + Patience;
 }
 
 void OutOfServiceWatch::Check() {
     Guard("OutOfServiceWatch.Check", [&] {
-        if (OutOfService::Memory().isEmpty())
-            return;
-        OutOfService::NoticeReturns();
-        if (OutOfService::BringBackDue([this](const Entry& entry) { return IsOverdue(entry); }))
-            KeepCurrentConfig();
-        Tell(LinesASecond);
+        if (!OutOfService::Memory().isEmpty()) {
+            OutOfService::NoticeReturns();
+            if (OutOfService::BringBackDue([this](const Entry& entry) { return IsOverdue(entry); }))
+                KeepCurrentConfig();
+            Tell(LinesASecond);
+        }
+        TellStanding();
     });
 }
 
 void OutOfServiceWatch::Tell(qsizetype most) {
+    // A box in the middle would let the next second work on the same lines.
+    const ErrorHandling::Postponed postponed;
     Guard("OutOfServiceWatch.Tell", [&] {
         QList<Entry> entries = OutOfService::Memory();
         const QList<Owed> lines = Number(entries, most);
@@ -76,10 +77,30 @@ void OutOfServiceWatch::Tell(qsizetype most) {
             if (!line.doubtful || !HistoProcs::HistoryHolds(event))
                 engine_.TraiteEvent(event);
             entry.line = OutOfService::LineTold;
+            // One that leaves with its site stays out in it.
+            if (!entry.IsOut() && !OutOfService::IsOut(entry.thing))
+                returned_ += entry.thing;
         }
         entries.removeIf(IsDone);
         OutOfService::setMemory(entries);
     });
+}
+
+/// What the channel's events said meanwhile is its state. It goes out as a general reading would
+/// tell it, and from the timer: it brings the console up, and the screen that brought the channel
+/// back must have come to its end.
+void OutOfServiceWatch::TellStanding() {
+    for (const OutOfService::Thing& thing : std::exchange(returned_, {})) {
+        const PanelClass& panel = Global::Configuration().Panel(thing.panel);
+        if (thing.channel == 0 || !Models::HasChannels(panel.Model()) || OutOfService::IsOut(thing))
+            continue;
+        const qint16 state = panel.Channel(thing.channel).State();
+        if (state <= 0 || state >= Registers::NormalAgain)
+            continue;
+        EventClass event(qint16(thing.panel), qint16(thing.channel), 0, state);
+        event.setClock(NoPanelClock);
+        engine_.SendEvent(event);
+    }
 }
 
 /// Gives their numbers to the first lines that are owed. One that has its number already is from

@@ -5,8 +5,8 @@
 
 #include <QHash>
 #include <QList>
-#include <QString>
 #include <limits>
+#include <utility>
 
 class wPolling;
 
@@ -20,7 +20,8 @@ public:
     explicit OutOfServiceWatch(wPolling& engine)
         : engine_(engine) {}
 
-    /// Each second: what is due comes back, and what isn't out any more is told.
+    /// Each second: what is due comes back, and what isn't out any more is told. So is an alarm
+    /// that stands on a channel that came back: nobody heard of it.
     void Check();
     /// Routes the lines that are owed, or the first of them.
     void Tell(qsizetype most = std::numeric_limits<qsizetype>::max());
@@ -33,13 +34,20 @@ private:
         qsizetype place;
         bool doubtful;
     };
+    struct Known {
+        DateTime since = 0;     ///< time of its taking out, as the memory has it
+        qint64 monotonicMs = 0; ///< since when this program has known it
+    };
 
     bool IsOverdue(const OutOfService::Entry& entry);
     QList<Owed> Number(QList<OutOfService::Entry>& entries, qsizetype most);
+    void TellStanding();
 
     wPolling& engine_;
-    /// By key of the thing and its time: since when this program has known it out, monotonic, ms.
-    QHash<QString, qint64> knownSince_;
+    /// By number of the panel and of the channel.
+    QHash<std::pair<int, int>, Known> known_;
+    /// Came back a moment ago.
+    QList<OutOfService::Thing> returned_;
 };
 
 /// Routes the lines that are owed, if there is an engine.

@@ -1,8 +1,10 @@
 #include "bus/ProgramEnd.h"
 
 #include "bus/wPolling.h"
+#include "core/Config.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "core/Message.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
 #include "core/Yield.h"
@@ -10,6 +12,10 @@
 #include "platform/Replacement.h"
 
 #include <QCoreApplication>
+
+namespace {
+enum Texts { BeginIt = 718010, EndIt = 718022, StartByHand = 718023 };
+} // namespace
 
 void EndProgram(Rehearsal::Ending ending) {
     if (Rehearsal::Runs())
@@ -28,13 +34,29 @@ void EndProgram(Rehearsal::Ending ending) {
     QCoreApplication::quit();
 }
 
-bool BeginRehearsal() {
-    if (Global::Configuration().Modified() && SaveCurrentConfig() != ConfigClass::Saved)
-        return false;
+QString AndWhatOfTheBus(int text) {
+    return GetText(text) + (Global::Configuration().AutoStart()
+                                ? QString()
+                                : QStringLiteral("\r\n") + GetText(StartByHand));
+}
+
+void BeginRehearsal() {
+    if (Message(AndWhatOfTheBus(BeginIt), Messages::Warning | Messages::OkCancel) != Messages::Ok)
+        return;
+    if (Global::Configuration().Modified()) {
+        if (const qint32 failure = SaveCurrentConfig(); failure != ConfigClass::Saved) {
+            Message(GetText(failure), Messages::Critical);
+            return;
+        }
+    }
     IniWrite(QStringLiteral("Files"), QStringLiteral("LastConfigModified"),
              QString::number(Global::Configuration().Modified() ? 1 : 0));
     Trace::Note(QStringLiteral("REHEARSAL BEGINS"));
     platform::Replacement::Ask(Rehearsal::BeginArguments(), "rehearsal begins");
     EndProgram();
-    return true;
+}
+
+void EndRehearsal() {
+    if (Message(AndWhatOfTheBus(EndIt), Messages::Question | Messages::OkCancel) == Messages::Ok)
+        EndProgram();
 }

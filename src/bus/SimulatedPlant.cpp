@@ -65,12 +65,6 @@ bool SimulatedPlant::Start() {
     return true;
 }
 
-void SimulatedPlant::End() {
-    follow_.stop();
-    attendance_.setEnabled(false);
-    simulator_.End();
-}
-
 /// The line is another with each simulator: whoever is on it opens it anew.
 bool SimulatedPlant::Play(const QByteArray& scenario) {
     played_ = scenario;
@@ -104,25 +98,32 @@ void SimulatedPlant::FollowSite() {
     Guard("SimulatedPlant.FollowSite", [&] {
         const QByteArray scenario = SimulatedSite::ScenarioOf(Global::Configuration());
         if (scenario != played_ && !Play(scenario))
-            Q_EMIT Over(Rehearsal::Ending::Simulator);
+            ComeUpAgain();
     });
 }
 
 void SimulatedPlant::ComeUpAgain() {
-    // Whoever ends the program may have ended both.
-    if (platform::ShutdownWatch::Pending())
-        return;
     Guard("SimulatedPlant.ComeUpAgain", [&] {
-        const qint64 now = platform::Clock::Current().MonotonicMs();
-        deaths_.removeIf([now](qint64 death) { return now - death > DeathSpan; });
-        deaths_ += now;
-        Trace::Note(QStringLiteral("SIMULATOR DIED"));
-        if (deaths_.size() >= MostDeaths || !Play(played_)) {
-            Q_EMIT Over(Rehearsal::Ending::Simulator);
-            return;
-        }
+        do {
+            // Whoever ends the program may have ended both.
+            if (platform::ShutdownWatch::Pending())
+                return;
+            if (DiesTooOften()) {
+                Q_EMIT Over(Rehearsal::Ending::Simulator);
+                return;
+            }
+        } while (!Play(played_));
         Boxes::Post(GetText(DiedText), Messages::Warning);
     });
+}
+
+/// Counts a death; one that hasn't come up is dead as well.
+bool SimulatedPlant::DiesTooOften() {
+    const qint64 now = platform::Clock::Current().MonotonicMs();
+    deaths_.removeIf([now](qint64 death) { return now - death > DeathSpan; });
+    deaths_ += now;
+    Trace::Note(QStringLiteral("SIMULATOR DIED"));
+    return deaths_.size() >= MostDeaths;
 }
 
 void SimulatedPlant::setContact(int panel, int channel, Contact contact) {

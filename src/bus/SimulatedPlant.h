@@ -25,8 +25,6 @@ public:
 
     /// Starts the modules. False when they can't be played.
     bool Start();
-    /// Ends them, ahead of the end of the program.
-    void End();
     /// Number of the simulator's process, 0 for none.
     qint64 Process() const { return simulator_.Number(); }
 
@@ -52,6 +50,7 @@ private:
     bool Play(const QByteArray& scenario);
     void FollowSite();
     void ComeUpAgain();
+    bool DiesTooOften();
     void TellContact(int panel, int channel, Contact contact);
 
     platform::Companion simulator_{this};

@@ -1,6 +1,5 @@
 #include "core/DateTimes.h"
 
-#include <QDateTime>
 #include <QLocale>
 #include <cmath>
 
@@ -9,8 +8,6 @@ namespace DateTimes {
 using platform::MillisecondsADay;
 
 namespace {
-
-const QString KeptPattern = QStringLiteral("yyyy-MM-dd HH:mm:ss");
 
 const QDate DayZero(1899, 12, 30);
 QString pattern;
@@ -62,17 +59,6 @@ QString ShortDatePattern() {
     if (pattern.isEmpty())
         ReadLocale(QLocale::system());
     return pattern;
-}
-
-QString KeptTime(DateTime when) {
-    return QDateTime(DateOf(when), TimeOf(when)).toString(KeptPattern);
-}
-
-std::optional<DateTime> FromKept(const QString& text) {
-    const QDateTime time = QDateTime::fromString(text, KeptPattern);
-    if (!time.isValid())
-        return std::nullopt;
-    return FromDate(time.date(), time.time());
 }
 
 QDate DateOf(DateTime when) {
@@ -130,6 +116,20 @@ QString LongTime(DateTime when) {
 
 QString DateAndTime(DateTime when) {
     return ShortDate(when) + u' ' + LongTime(when);
+}
+
+QString KeptTime(DateTime when) {
+    const QDate date = DateOf(when);
+    return Digits(date.year(), 4) + u'-' + Digits(date.month(), 2) + u'-' + Digits(date.day(), 2) +
+           u' ' + LongTime(when);
+}
+
+std::optional<DateTime> FromKept(const QString& text) {
+    const QDate date = QDate::fromString(text.section(u' ', 0, 0), Qt::ISODate);
+    const QTime time = QTime::fromString(text.section(u' ', 1), Qt::ISODate);
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    return FromDate(date, time);
 }
 
 QString FileDate(DateTime when) {

@@ -34,7 +34,8 @@ QString FileMonth(DateTime when);
 std::optional<DateTime> Parse(const QString& text);
 
 /// "yyyy-MM-dd HH:mm:ss", as the settings keep a time: a machine that gets another locale reads it
-/// all the same.
+/// all the same. Also of an hour that the change to summer time leaves out, as a reckoned end may
+/// be.
 QString KeptTime(DateTime when);
 /// Reads a KeptTime; nothing for a text that is none.
 std::optional<DateTime> FromKept(const QString& text);

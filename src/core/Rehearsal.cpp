@@ -36,10 +36,13 @@ const QList<Keys>& CopiedKeys() {
           QStringLiteral("LastConfigModified")}}};
     return keys;
 }
-const QString OutOfService = QStringLiteral("OutOfService");
+const QStringList& CopiedSections() {
+    static const QStringList sections = {QStringLiteral("OutOfService"),
+                                         QStringLiteral("OutOfServiceReasons")};
+    return sections;
+}
 
 bool runs = false;
-QString home;
 QString simulator;
 
 QString FileOf(const QString& folder, const QString& extension) {
@@ -57,7 +60,8 @@ void CopySettings(const QString& from, const QString& to) {
                 own.Write(section, key, value);
         }
     }
-    own.WriteSection(OutOfService, plant.ReadSection(OutOfService));
+    for (const QString& section : CopiedSections())
+        own.WriteSection(section, plant.ReadSection(section));
     // Saved under its name, the site lands here.
     const QString site = plant.Read(Files, LastUsed, QString());
     if (!site.isEmpty())
@@ -85,10 +89,6 @@ void CopyFiles(const QString& from, const QString& to, const QString& pattern) {
 
 bool Runs() {
     return runs;
-}
-
-QString Home() {
-    return runs && !home.isEmpty() ? home : platform::ApplicationFolder();
 }
 
 QStringList BeginArguments() {
@@ -119,7 +119,6 @@ void Begin() {
     const QString own = plant + u'/' + FolderName;
     if (!platform::UseApplicationFolder(own))
         throw platform::RunTimeError(platform::errors::PathAccess);
-    home = plant;
     runs = true;
     Clean(QDir(own));
     CopySettings(plant, own);
@@ -133,7 +132,6 @@ void Begin() {
 
 void Override(bool on) {
     runs = on;
-    home.clear();
 }
 
 QString SimulatorProgram() {

@@ -20,9 +20,6 @@ enum class Ending {
 
 /// This program is a rehearsal.
 bool Runs();
-/// Folder of the plant's own files, without a separator at its end; the application's own outside a
-/// rehearsal.
-QString Home();
 /// Arguments of the program in a rehearsal, and of the normal one.
 QStringList BeginArguments();
 QStringList EndArguments();

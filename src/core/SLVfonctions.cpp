@@ -63,6 +63,12 @@ void IniWriteSection(const QString& section, const QList<std::pair<QString, QStr
     Guard("SLVfonctions.IniWriteSection", [&] { File().WriteSection(section, values); });
 }
 
+quint64 IniRevision() {
+    quint64 revision = 0;
+    Guard("SLVfonctions.IniRevision", [&] { revision = File().Revision(); });
+    return revision;
+}
+
 int IniReadKeys(QStringList& keys, const QString& section) {
     keys.clear();
     Guard("SLVfonctions.IniReadKeys", [&] { keys = File().Keys(section); });

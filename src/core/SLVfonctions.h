@@ -17,6 +17,8 @@ void IniDeleteSection(const QString& section);
 /// file.
 QList<std::pair<QString, QString>> IniReadSection(const QString& section);
 void IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values);
+/// Another number behind each change of the file.
+quint64 IniRevision();
 /// Fills `keys` with the section's key names and gives their number.
 int IniReadKeys(QStringList& keys, const QString& section);
 
@@ -49,5 +51,6 @@ using SLVfonctions::IniDeleteSection;
 using SLVfonctions::IniRead;
 using SLVfonctions::IniReadKeys;
 using SLVfonctions::IniReadSection;
+using SLVfonctions::IniRevision;
 using SLVfonctions::IniWrite;
 using SLVfonctions::IniWriteSection;

@@ -1,5 +1,7 @@
 #include "events/AlarmCourse.h"
 
+#include "events/LatestChange.h"
+
 namespace {
 
 enum class Step { None, Coming, Acknowledgement, Going };
@@ -87,23 +89,25 @@ private:
             line = at;
     }
 
-    /// The panels report changes only: the same state twice is another alarm whose going before
-    /// was missed, unless a reading of the bus has found it.
     bool Come(const HistoryRecord& record, size_t at) {
-        const bool again = record.isChange && !record.isSynchro && record.kind == state_;
-        if (course_.coming && (course_.going || again)) {
+        if (course_.coming && (course_.going || change_.IsMissedGoing(record))) {
             if (at > place_)
                 return false;
             course_ = {};
         }
-        Set(course_.coming, at);
-        if (record.isChange)
-            state_ = record.kind;
+        if (!course_.coming) {
+            course_.coming = at;
+            change_.Begin(record);
+            return true;
+        }
+        if (change_.IsAcknowledgement(record))
+            Set(course_.acknowledged, at);
+        change_.Take(record);
         return true;
     }
 
     size_t place_;
-    EventKind state_ = EventKind::Unknown;
+    LatestChange change_;
     AlarmCourse course_;
 };
 

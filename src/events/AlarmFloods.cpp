@@ -3,10 +3,12 @@
 #include <algorithm>
 
 void AlarmFloods::Take(qint64 time) {
-    if (!recent_.empty() && time < recent_.back()) {
+    if (!recent_.empty() && time < recent_.back() - SmallStep) {
         End(recent_.back());
         recent_.clear();
     }
+    if (!recent_.empty())
+        time = std::max(time, recent_.back());
     Leave(time);
     recent_.push_back(time);
     const int count = int(recent_.size());

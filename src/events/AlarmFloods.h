@@ -18,14 +18,16 @@ public:
     static constexpr qint64 Window = 600;
     static constexpr int BeginsAbove = 10;
     static constexpr int EndsBelow = 5;
+    /// A clock that is kept right goes back by no more, seconds: that ends nothing.
+    static constexpr qint64 SmallStep = 60;
 
     /// Counts what lies between two times.
     AlarmFloods(qint64 begin, qint64 end)
         : begin_(begin)
         , end_(end) {}
 
-    /// The alarms in the order of their coming. Where a clock was set back the counting begins
-    /// anew.
+    /// The alarms in the order of their coming. Where a clock was set back by more than a small
+    /// step the counting begins anew.
     void Take(qint64 time);
     /// Ends what still goes on.
     void Finish(qint64 now);

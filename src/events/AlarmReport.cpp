@@ -9,21 +9,12 @@ namespace {
 constexpr qint64 Hour = 3600;
 constexpr qint64 Day = 86400;
 /// How far back an alarm may have come that stands in the period, days.
-constexpr int LookBack = 31;
+constexpr int LookBack = 366;
 /// What comes of the period's last alarms is looked for so long, days.
 constexpr int LookAhead = 1;
 /// Origins have two digits for the panel.
 constexpr int Panels = 100;
 constexpr int ChannelsAPanel = Family::LastChannel + 1;
-
-bool IsFault(EventKind kind) {
-    return kind == EventKind::CableFault || kind == EventKind::FirstFault ||
-           kind == EventKind::SecondFault;
-}
-
-bool IsChange(const HistoryRecord& record) {
-    return record.isChange || record.kind == EventKind::PanelLost;
-}
 
 } // namespace
 
@@ -82,6 +73,9 @@ void AlarmReport::Take(const HistoryRecord& record) {
     case EventKind::Cleared:
         Clear(record.panel);
         break;
+    case EventKind::OutOfService:
+        TakeOut(record);
+        break;
     default:
         break;
     }
@@ -89,20 +83,22 @@ void AlarmReport::Take(const HistoryRecord& record) {
 
 void AlarmReport::Told(const HistoryRecord& record) {
     State& state = At(record.panel, record.channel);
-    const bool isAgain = IsChange(record) && !record.isSynchro && record.kind == state.kind;
-    if (!state.stands || isAgain)
+    if (!state.stands || state.change.IsMissedGoing(record)) {
         Come(state, record);
-    // Modules that only show states tell an acknowledged fault as an active channel.
-    else if (IsChange(record) && (!IsFault(state.kind) || record.kind != EventKind::Active))
-        state.kind = record.kind;
+        return;
+    }
+    if (state.change.IsAcknowledgement(record))
+        Acknowledge(state, record.time);
+    state.change.Take(record);
 }
 
+/// The loss of a panel doesn't wait: no line tells that somebody took note of it.
 void AlarmReport::Come(State& state, const HistoryRecord& record) {
     const qint64 time = record.time;
     state.stands = true;
-    state.kind = IsChange(record) ? record.kind : EventKind::Unknown;
+    state.change.Begin(record);
     state.coming = record;
-    if (!state.waits) {
+    if (!state.waits && record.channel != 0) {
         state.waits = true;
         state.waitsSince = time;
         ++waiting_[std::min<size_t>(record.panel, Panels - 1)];
@@ -159,10 +155,16 @@ void AlarmReport::EndStay(const State& state, qint64 time, bool stands) {
 void AlarmReport::Acknowledge(State& state, qint64 time) {
     if (!state.waits)
         return;
-    state.waits = false;
-    --waiting_[std::min<size_t>(state.coming.panel, Panels - 1)];
+    StopWaiting(state);
     if (time >= state.waitsSince && period_.Holds(state.waitsSince))
         waits_.push_back(time - state.waitsSince);
+}
+
+void AlarmReport::StopWaiting(State& state) {
+    if (!state.waits)
+        return;
+    state.waits = false;
+    --waiting_[std::min<size_t>(state.coming.panel, Panels - 1)];
 }
 
 void AlarmReport::AcknowledgePanel(int panel, qint64 time) {
@@ -191,15 +193,26 @@ void AlarmReport::Clear(int panel) {
         return;
     for (size_t channel = 1; channel < ChannelsAPanel; ++channel) {
         State& state = At(size_t(panel), channel);
-        if (!state.waits || state.stands)
-            continue;
-        state.waits = false;
-        --waiting_[size_t(panel)];
+        if (!state.stands)
+            StopWaiting(state);
+    }
+}
+
+/// What is out of service tells nothing more: its alarm neither stands on nor waits. A panel is out
+/// with all of its channels.
+void AlarmReport::TakeOut(const HistoryRecord& record) {
+    const bool isWhole = record.channel == 0;
+    const size_t end = isWhole ? ChannelsAPanel : size_t(record.channel) + 1;
+    for (size_t channel = record.channel; channel < end; ++channel) {
+        State& state = At(record.panel, channel);
+        Go(state, record.time);
+        StopWaiting(state);
     }
 }
 
 void AlarmReport::Finish(qint64 now) {
     const qint64 known = std::min(now, period_.End() + LookAhead * Day);
+    isKnownToNow_ = known == now;
     floods_.Finish(known);
     for (const State& state : states_) {
         if (state.stands)

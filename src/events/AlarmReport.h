@@ -2,7 +2,7 @@
 
 #include "events/AlarmFloods.h"
 #include "events/AlarmPeriod.h"
-#include "events/HistoryRecords.h"
+#include "events/LatestChange.h"
 
 #include <QDate>
 #include <array>
@@ -27,10 +27,9 @@ inline constexpr int BadActors = 10;
 
 /// What the history of a period tells of its alarms.
 ///
-/// An alarm is the coming of a channel's alarm or of the loss of a panel. A channel that is told to
-/// stand again while it stands has either taken a step of the same alarm, or its going was missed:
-/// the panels report changes only, so the same state twice as a change is another alarm. What a
-/// general reading of the bus finds standing is one only if it wasn't known to stand.
+/// An alarm is the coming of a channel's alarm or the loss of a panel. A channel that is told to
+/// stand again while it stands has either taken a step of the same alarm, or its going was missed.
+/// What a general reading of the bus finds standing is one only if it wasn't known to stand.
 class AlarmReport {
 public:
     /// A channel, or with channel 0 the presence of a panel, and what it did in the period.
@@ -85,6 +84,8 @@ public:
     const std::vector<Source>& Sources() const { return sources_; }
     /// Those that stood longest first.
     const std::vector<Stay>& StaleAlarms() const { return stale_; }
+    /// What stands by the report stands now. Else it may have gone since.
+    bool IsKnownToNow() const { return isKnownToNow_; }
     /// Seconds until so many of a hundred were acknowledged, of the alarms of the period that
     /// were; -1 when none was. An acknowledgement answers every alarm of its channel since the
     /// first one that waits.
@@ -98,7 +99,7 @@ private:
         bool stands = false;
         bool waits = false;
         bool chatters = false;
-        EventKind kind = EventKind::Unknown; ///< of its latest change
+        LatestChange change;
         HistoryRecord coming = {};
         qint64 waitsSince = 0;
         qint64 earlier[AlarmLimits::Chattering - 1] = {};
@@ -112,9 +113,11 @@ private:
     void Go(State& state, qint64 time);
     void EndStay(const State& state, qint64 time, bool stands);
     void Acknowledge(State& state, qint64 time);
+    void StopWaiting(State& state);
     void AcknowledgePanel(int panel, qint64 time);
     void AcknowledgeOnPc(const HistoryRecord& record);
     void Clear(int panel);
+    void TakeOut(const HistoryRecord& record);
 
     AlarmPeriod period_;
     std::vector<qint64> parts_;
@@ -131,4 +134,5 @@ private:
     int unacknowledged_ = 0;
     std::vector<Source> sources_;
     std::vector<Stay> stale_;
+    bool isKnownToNow_ = true;
 };

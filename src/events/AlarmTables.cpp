@@ -6,6 +6,9 @@
 #include "events/TextProcs.h"
 #include "platform/CodePage.h"
 
+#include <algorithm>
+#include <span>
+
 namespace FileLine = TextProcs::FileLine;
 using Unit = AlarmPeriod::Unit;
 
@@ -87,8 +90,11 @@ QString HourOf(qint64 seconds) {
     return AlarmPeriod::TimeOf(seconds).toString(QStringLiteral("HH:mm"));
 }
 
+/// Without a separator of thousands, which spreadsheets and readers of another language mistake.
 QString Number(double value) {
-    return AlarmTables::Language().toString(value, 'f', 1).remove(u'\u00A0').remove(u'\u202F');
+    QLocale language = AlarmTables::Language();
+    language.setNumberOptions(QLocale::OmitGroupSeparator);
+    return language.toString(value, 'f', 1);
 }
 
 /// The columns of a line of history.
@@ -107,6 +113,14 @@ public:
 private:
     Record record_;
 };
+
+/// Those that are listed in a table; the table notes how many more there are.
+template <class Item>
+std::span<const Item> Listed(const std::vector<Item>& items, ReportTable& table) {
+    const size_t listed = std::min(items.size(), AlarmTables::MostRows);
+    table.more = qsizetype(items.size() - listed);
+    return std::span(items).first(listed);
+}
 
 QString PartName(Unit unit, qint64 begin) {
     const QDateTime time = AlarmPeriod::TimeOf(begin);
@@ -295,15 +309,17 @@ void AlarmTables::ReadSources(const AlarmReport& report, const HistoryRecords& r
 void AlarmTables::ReadStale(const AlarmReport& report, const HistoryRecords& records) {
     stale_.title = Heading(StaleText);
     stale_.columns = {{GetText(OriginText), 12, false},
-                      {GetText(CameText), 25, false},
-                      {GetText(WentText), 25, false},
-                      {GetText(StoodText), 13, true},
-                      {GetText(WordsText), 25, false}};
-    for (const AlarmReport::Stay& stay : report.StaleAlarms()) {
+                      {GetText(CameText), 23, false},
+                      {GetText(WentText), 26, false},
+                      {GetText(StoodText), 15, true},
+                      {GetText(WordsText), 24, false}};
+    for (const AlarmReport::Stay& stay : Listed(report.StaleAlarms(), stale_)) {
         const LineText line(records, stay.coming);
+        const bool isKnown = !stay.stands || report.IsKnownToNow();
+        const QString least = isKnown ? QString() : QStringLiteral("> ");
         stale_.rows += {line.Origin(), TimeOf(stay.coming.time),
-                        stay.stands ? GetText(StandsText) : TimeOf(stay.went),
-                        Duration(stay.went - stay.coming.time), line.Words()};
+                        stay.stands && isKnown ? GetText(StandsText) : least + TimeOf(stay.went),
+                        least + Duration(stay.went - stay.coming.time), line.Words()};
     }
 }
 
@@ -314,7 +330,7 @@ void AlarmTables::ReadFloods(const AlarmReport& report) {
                        {GetText(StoodText), 14, true},
                        {GetText(AlarmsText), 12, true},
                        {GetText(MostHeadText), 18, true}};
-    for (const AlarmFloods::Flood& flood : report.Floods())
+    for (const AlarmFloods::Flood& flood : Listed(report.Floods(), floods_))
         floods_.rows += {TimeOf(flood.begin), TimeOf(flood.end), Duration(flood.end - flood.begin),
                          QString::number(flood.alarms), QString::number(flood.most)};
 }

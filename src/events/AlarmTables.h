@@ -18,6 +18,8 @@ struct ReportTable {
     QString title;
     QList<Column> columns;
     QList<QStringList> rows;
+    /// Rows that were left out at the end.
+    qsizetype more = 0;
 };
 
 /// One figure of the report beside the limit that it should keep.
@@ -39,6 +41,9 @@ struct ReportBars {
 /// What a report tells, in words and numbers of the language in use.
 class AlarmTables {
 public:
+    /// Rows of a list of alarms or floods: what all of them hold is read and shown in one go.
+    static constexpr size_t MostRows = 1000;
+
     /// The lines behind the report tell the texts of its channels. Both are read at once.
     AlarmTables(const AlarmReport& report, const HistoryRecords& records);
 

@@ -9,6 +9,7 @@
 #include "model/CurrentConfig.h"
 #include "platform/FileReading.h"
 #include "platform/Folders.h"
+#include "platform/RunTimeError.h"
 #include "platform/Volumes.h"
 
 #include <QDir>
@@ -17,6 +18,7 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -35,6 +37,11 @@ constexpr int RetryHours = 1;
 constexpr int JobPeriodMs = 100;
 constexpr int SchedulePeriodMs = 10000;
 
+// Made ahead of the start: the background may outlast what is made later.
+const QRegularExpression OtherLetters(QStringLiteral("[^A-Za-z0-9]"));
+const QRegularExpression
+    AutomaticName(QStringLiteral("\\AKorvanelle-[A-Za-z0-9_]*-\\d{8}-\\d{6}-auto\\.zip\\z"));
+
 QPointer<BackupJob> current;
 
 QDateTime QtTime(DateTime when) {
@@ -52,8 +59,12 @@ std::optional<DateTime> ReadTime(const QString& key) {
 /// Letters and digits alone: it stands in the names of files on any medium.
 QString MachineInName() {
     QString name = QSysInfo::machineHostName();
-    static const QRegularExpression others(QStringLiteral("[^A-Za-z0-9]"));
-    return name.replace(others, QStringLiteral("_"));
+    return name.replace(OtherLetters, QStringLiteral("_"));
+}
+
+/// What the names of this machine's backups begin with.
+QString OwnHead() {
+    return QStringLiteral("Korvanelle-%1-").arg(MachineInName());
 }
 
 /// Small files are taken as they are now: they change while the backup is written.
@@ -66,7 +77,9 @@ void AddBytes(QList<BackupFile::Source>& sources, const QString& name, const QSt
 
 void AddFiles(QList<BackupFile::Source>& sources, const QString& kind, const QString& folder,
               const QString& pattern, const QDateTime& since = {}) {
-    for (const QFileInfo& info : QDir(folder).entryInfoList({pattern}, QDir::Files, QDir::Name)) {
+    // Names of files differ by case here: nothing reads an "X.WAV".
+    const QDir::Filters filters = QDir::Files | QDir::CaseSensitive;
+    for (const QFileInfo& info : QDir(folder).entryInfoList({pattern}, filters, QDir::Name)) {
         const QString name = kind + u'/' + info.fileName();
         const bool isThere =
             std::any_of(sources.cbegin(), sources.cend(),
@@ -112,22 +125,29 @@ BackupFile::Manifest Head(DateTime when, const QString& site) {
     return head;
 }
 
-/// What a kill or a pulled stick has left goes, and of the automatic ones all but the newest.
-void DropOld(const QString& folder, bool automatic) {
-    const QDir dir(folder);
-    if (!automatic)
-        return;
+/// Of the automatic ones all but the newest go. The one just written is the newest, whatever clock
+/// gave the others their names.
+void DropOld(const QString& written) {
+    const QFileInfo info(written);
+    const QDir dir = info.dir();
     QStringList own = dir.entryList({QStringLiteral("*.zip")}, QDir::Files, QDir::Name);
-    own.removeIf([](const QString& name) { return !Backup::IsOwnAutomatic(name); });
-    while (own.size() > Backup::KeptAutomatic)
+    own.removeIf([&](const QString& name) {
+        return !Backup::IsOwnAutomatic(name) || name == info.fileName();
+    });
+    while (own.size() >= Backup::KeptAutomatic)
         QFile::remove(dir.filePath(own.takeFirst()));
 }
 
+/// What a kill or a pulled stick has left goes; another machine may be writing beside it.
 void DropHalfWritten(const QString& folder) {
     const QDir dir(folder);
-    for (const QString& name :
-         dir.entryList({QStringLiteral("Korvanelle-*.zip.tmp*")}, QDir::Files))
+    const QString own = OwnHead() + QStringLiteral("*.zip.tmp*");
+    for (const QString& name : dir.entryList({own}, QDir::Files))
         QFile::remove(dir.filePath(name));
+}
+
+QString FailedWord(int error) {
+    return QStringLiteral("BACKUP FAILED, ERROR %1 ").arg(error);
 }
 
 QString TraceWord(const BackupJob& job) {
@@ -137,15 +157,16 @@ QString TraceWord(const BackupJob& job) {
     case BackupJob::State::Stopped:
         return QStringLiteral("BACKUP STOPPED ");
     default:
-        return QStringLiteral("BACKUP FAILED, ERROR %1 ").arg(job.Error());
+        return FailedWord(job.Error());
     }
 }
 
-/// The stick that holds such backups already, or else any.
+/// The stick that holds such backups already, or else any that can be written.
 QString StickForBackups() {
     QString first;
     for (const platform::Volume& volume : platform::RemovableVolumes()) {
-        if (!platform::IsReady(volume.path))
+        if (!platform::IsReady(volume.path) ||
+            platform::MediumOf(volume.path) != platform::Medium::There)
             continue;
         const QStringList names = QDir(volume.path).entryList({QStringLiteral("*.zip")});
         if (std::any_of(names.cbegin(), names.cend(), Backup::IsOwnAutomatic))
@@ -161,20 +182,16 @@ QString StickForBackups() {
 namespace Backup {
 
 QString FileName(DateTime when, bool automatic) {
-    return QStringLiteral("Korvanelle-%1-%2%3.zip")
-        .arg(MachineInName(), QtTime(when).toString(QStringLiteral("yyyyMMdd-HHmmss")),
-             automatic ? QStringLiteral("-auto") : QString());
+    return OwnHead() + QtTime(when).toString(QStringLiteral("yyyyMMdd-HHmmss")) +
+           (automatic ? QStringLiteral("-auto.zip") : QStringLiteral(".zip"));
 }
 
 bool IsAutomatic(const QString& fileName) {
-    static const QRegularExpression pattern(
-        QStringLiteral("\\AKorvanelle-[A-Za-z0-9_]*-\\d{8}-\\d{6}-auto\\.zip\\z"));
-    return pattern.match(fileName).hasMatch();
+    return AutomaticName.match(fileName).hasMatch();
 }
 
 bool IsOwnAutomatic(const QString& fileName) {
-    return IsAutomatic(fileName) &&
-           fileName.startsWith(QStringLiteral("Korvanelle-%1-").arg(MachineInName()));
+    return IsAutomatic(fileName) && fileName.startsWith(OwnHead());
 }
 
 int Weekday() {
@@ -196,7 +213,8 @@ bool IsOverdue() {
     if (Weekday() == 0)
         return false;
     const DateTime since = qMax(Last().value_or(0), ReadTime(SinceKey).value_or(0));
-    return since > 0 && DateTimes::Now() - since > LongestWithout;
+    // One far ahead is of a clock that was set back.
+    return since > 0 && std::abs(DateTimes::Now() - since) > LongestWithout;
 }
 
 } // namespace Backup
@@ -212,7 +230,8 @@ BackupJob::BackupJob(const QString& folder, bool automatic, QObject* parent)
          sources = Sources(site)](BackupFile::Progress& progress) {
             DropHalfWritten(folder);
             BackupFile::Write(path, head, sources, progress);
-            DropOld(folder, automatic);
+            if (automatic)
+                DropOld(path);
         });
     timer_.callOnTimeout([this] { Look(); });
     timer_.start(JobPeriodMs);
@@ -233,7 +252,7 @@ void BackupJob::Look() {
                                        : State::Complete;
         Trace::Note(TraceWord(*this) + path_);
         if (state_ == State::Complete) {
-            ErrorHandling::Guard("BackupJob.Look", [&] { WriteTime(LastKey, begun_); });
+            WriteTime(LastKey, begun_);
             Faults::Clear(Faults::Kind::NoBackup);
         }
     }
@@ -245,13 +264,14 @@ BackupSchedule::BackupSchedule() {
     timer_.start(SchedulePeriodMs);
 }
 
-/// On its day from two o'clock on, once, and again an hour after one that failed.
+/// On its day from two o'clock on, once, and again an hour after one that failed. A last one that
+/// is still to come is of a clock that was set back.
 bool BackupSchedule::IsDue() const {
     const DateTime now = DateTimes::Now();
     const QDate today = DateTimes::DateOf(now);
     const DateTime hour = DateTimes::FromDate(today, QTime(Hour, 0));
-    return Backup::Weekday() == today.dayOfWeek() && now >= hour &&
-           Backup::Last().value_or(0) < hour &&
+    const DateTime last = Backup::Last().value_or(0);
+    return Backup::Weekday() == today.dayOfWeek() && now >= hour && (last < hour || last > now) &&
            (!tried_ || now - *tried_ >= RetryHours / 24.0 || now < *tried_);
 }
 
@@ -263,29 +283,40 @@ void BackupSchedule::Look() {
             if (!folder.isEmpty())
                 Begin(folder);
         }
-        if (Backup::Weekday() == 0)
-            failed_ = false;
-        if (failed_ || Backup::IsOverdue()) {
-            const std::optional<DateTime> last = Backup::Last();
-            Faults::Set(Faults::Kind::NoBackup,
-                        last ? DateTimes::ShortDate(*last) : QStringLiteral("---"));
-        } else {
-            Faults::Clear(Faults::Kind::NoBackup);
-        }
+        TellFault();
     });
+}
+
+/// One that a finger made afterwards is as good.
+void BackupSchedule::TellFault() {
+    if (Backup::Weekday() == 0 || (current && current->Outcome() == BackupJob::State::Complete))
+        failed_ = false;
+    if (failed_ || Backup::IsOverdue()) {
+        const std::optional<DateTime> last = Backup::Last();
+        Faults::Set(Faults::Kind::NoBackup,
+                    last ? DateTimes::ShortDate(*last) : QStringLiteral("---"));
+    } else {
+        Faults::Clear(Faults::Kind::NoBackup);
+    }
 }
 
 void BackupSchedule::Begin(const QString& folder) {
     tried_ = DateTimes::Now();
     delete current.data();
-    auto* job = new BackupJob(folder, true, this);
-    connect(job, &BackupJob::Changed, this, &BackupSchedule::Ended);
+    try {
+        auto* job = new BackupJob(folder, true, this);
+        connect(job, &BackupJob::Changed, this, &BackupSchedule::Ended);
+    } catch (const platform::RunTimeError& error) {
+        failed_ = true;
+        Trace::Note(FailedWord(error.Number()) + folder);
+    }
 }
 
 void BackupSchedule::Ended() {
     const auto* job = qobject_cast<BackupJob*>(sender());
     if (job == nullptr || job->Outcome() == BackupJob::State::Running)
         return;
-    failed_ = job->Outcome() == BackupJob::State::Failed;
-    Look();
+    // One that was stopped says nothing.
+    failed_ = failed_ || job->Outcome() == BackupJob::State::Failed;
+    TellFault();
 }

@@ -83,6 +83,7 @@ private:
     bool IsDue() const;
     void Begin(const QString& folder);
     void Ended();
+    void TellFault();
 
     QTimer timer_;
     std::optional<DateTime> tried_;

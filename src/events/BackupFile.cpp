@@ -1,9 +1,11 @@
 #include "events/BackupFile.h"
 
+#include "core/DateTimes.h"
 #include "core/Global.h"
 #include "platform/FileWriting.h"
 #include "platform/Folders.h"
 #include "platform/RunTimeError.h"
+#include "platform/Volumes.h"
 #include "platform/ZipFile.h"
 
 #include <QCryptographicHash>
@@ -28,6 +30,8 @@ constexpr int Format = 1;
 constexpr qint64 Portion = qint64(256) * 1024;
 constexpr qsizetype LargestManifest = qsizetype(4) * 1024 * 1024;
 constexpr qsizetype DigestWidth = 64;
+/// Share of the disk that unpacking leaves free, as the watch wants it.
+constexpr double LeastFree = 0.05;
 const QString ManifestName = QStringLiteral("manifest.json");
 const QByteArray CommentHead = QByteArrayLiteral("Korvanelle II backup 1, SHA-256 of all before ");
 
@@ -105,13 +109,15 @@ QByteArray ToJson(const Manifest& manifest) {
     return QJsonDocument(root).toJson();
 }
 
-/// A file of its kind, and no way out of a folder.
+/// A file of its kind, and no way out of a folder. Made ahead of the start: the background may
+/// outlast what is made later.
+const QRegularExpression
+    EntryPattern(QStringLiteral("\\A(site/current\\.dat|settings/settings\\.ini|"
+                                "(site/[^/\\\\]+\\.kv2|sounds/[^/\\\\]+\\.wav|printers/[^/"
+                                "\\\\]+\\.prt|history/[^/\\\\]+\\.his))\\z"));
+
 bool IsEntryName(const QString& name) {
-    static const QRegularExpression pattern(
-        QStringLiteral("\\A(site/current\\.dat|settings/settings\\.ini|"
-                       "(site/[^/\\\\]+\\.kv2|sounds/[^/\\\\]+\\.wav|printers/[^/"
-                       "\\\\]+\\.prt|history/[^/\\\\]+\\.his))\\z"));
-    return pattern.match(name).hasMatch() &&
+    return EntryPattern.match(name).hasMatch() &&
            std::none_of(name.cbegin(), name.cend(), [](QChar one) { return one < u' '; });
 }
 
@@ -199,6 +205,24 @@ void TakeEntry(const platform::ZipReader& zip, const Entry& entry, const QString
     platform::Flush(file.handle());
 }
 
+/// Those of the kinds, and the folder itself.
+QStringList FoldersIn(const QString& folder) {
+    QStringList folders;
+    for (const QString& kind :
+         {Kinds::Site, Kinds::Settings, Kinds::Sounds, Kinds::Printers, Kinds::History})
+        folders += folder + u'/' + kind;
+    return folders + QStringList(folder);
+}
+
+/// The machine goes on writing beside what is unpacked.
+void MakeRoom(const QString& folder, qint64 size) {
+    const auto space = platform::SpaceOf(QFileInfo(folder).path());
+    if (space && double(space->free - size) < LeastFree * double(space->total))
+        throw RunTimeError(errors::DiskFull);
+    for (const QString& one : FoldersIn(folder))
+        platform::MakeFolder(one);
+}
+
 Manifest Read(const QString& path, const QString& folder, Progress& progress) {
     QFile file(path);
     Open(file, QIODevice::ReadOnly);
@@ -208,19 +232,18 @@ Manifest Read(const QString& path, const QString& folder, Progress& progress) {
     }
     const platform::ZipReader zip(path);
     Manifest manifest = ManifestOf(zip);
-    for (const QString& kind :
-         {Kinds::Site, Kinds::Settings, Kinds::Sounds, Kinds::Printers, Kinds::History}) {
-        if (!folder.isEmpty())
-            platform::MakeFolder(folder + u'/' + kind);
-    }
     qint64 unpacked = 0;
     for (const Entry& entry : manifest.entries)
         unpacked += entry.size;
+    if (!folder.isEmpty())
+        MakeRoom(folder, unpacked);
     // The first half was the file as it lies there.
     Account account(progress, 2 * unpacked);
     account.Add(unpacked);
     for (const Entry& entry : manifest.entries)
         TakeEntry(zip, entry, folder.isEmpty() ? QString() : folder + u'/' + entry.name, account);
+    for (const QString& one : folder.isEmpty() ? QStringList() : FoldersIn(folder))
+        platform::FlushFolder(one);
     return manifest;
 }
 
@@ -286,6 +309,13 @@ void WriteAll(const QString& path, Manifest& manifest, const QList<Source>& sour
 }
 
 } // namespace
+
+QString Manifest::DateText() const {
+    if (!date.isValid())
+        return {};
+    return DateTimes::ShortDate(DateTimes::FromDate(date.date())) +
+           date.toString(QStringLiteral(" HH:mm"));
+}
 
 void Write(const QString& path, Manifest head, const QList<Source>& sources, Progress& progress) {
     const QString temporary = path + QStringLiteral(".tmp");

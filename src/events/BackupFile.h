@@ -42,6 +42,9 @@ struct Manifest {
     QString machine;
     QString site; ///< name of the site, empty without one
     QList<Entry> entries;
+
+    /// Date and minute in the machine's form.
+    QString DateText() const;
 };
 
 /// What goes into a backup: bytes, or the first `size` bytes of a file.

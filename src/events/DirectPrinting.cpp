@@ -4,6 +4,7 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/Message.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "model/BusSettings.h"
 #include "model/CurrentConfig.h"
@@ -64,8 +65,11 @@ platform::LineSettings ParseLine(const QString& settings) {
 
 } // namespace
 
+/// A rehearsal prints to a file, whatever the port; the site is none the wiser.
 DirectPrinting::DirectPrinting()
-    : DirectPrinting(platform::MakePrinterPort(SLVfonctions::DevicePath)) {}
+    : DirectPrinting(platform::MakePrinterPort([](const QString& port) {
+        return Rehearsal::Runs() ? Rehearsal::Prints() : SLVfonctions::DevicePath(port);
+    })) {}
 
 DirectPrinting::DirectPrinting(std::unique_ptr<platform::PrinterPort> device)
     : device_(std::move(device)) {}
@@ -117,7 +121,7 @@ QString DirectPrinting::OpenPrinter(const QString& port, const QString& settings
 
 /// A failure here is told and doesn't stop: the port may still print.
 void DirectPrinting::Configure() {
-    if (IsSerial(port_)) {
+    if (IsSerial(port_) && !Rehearsal::Runs()) {
         if (const int unread = device_->CheckLine())
             Told(unread, ReadingState);
         if (const int unset = device_->SetLine(ParseLine(settings_)))
@@ -196,7 +200,8 @@ bool IsBusPort(const QString& port) {
     const int number = Bytes::ShortVal(BusSettings::Of(bus).port);
     if (IsSerial(port) && Bytes::ShortVal(port.mid(3)) == number)
         return true;
-    return platform::Ports::SameDevice(SLVfonctions::DevicePath(port),
+    return !Rehearsal::Runs() &&
+           platform::Ports::SameDevice(SLVfonctions::DevicePath(port),
                                        SLVfonctions::DevicePath(BusSettings::PortName(number)));
 }
 

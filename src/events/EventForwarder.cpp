@@ -51,12 +51,14 @@ EventForwarder::EventForwarder(std::unique_ptr<platform::LogServer> server,
 void EventForwarder::Start() {
     Stop();
     settings_ = ForwardSettings::Read();
+    if (!settings_.journal)
+        journalQueue_.clear();
     if (!settings_.journal && !settings_.syslog) {
         Faults::Clear(Faults::Kind::NotForwarded);
         return;
     }
     tick_.start();
-    lastGood_ = MonotonicNow();
+    lastGood_ = lastTick_ = MonotonicNow();
     if (!settings_.syslog)
         return;
     spool_ = std::make_unique<platform::Spool>(
@@ -72,6 +74,7 @@ void EventForwarder::Stop() {
         Pump();
     server_->Close();
     spool_.reset();
+    toldTo_ = 0;
     marks_.clear();
     settings_ = {};
     lost_ = 0;
@@ -90,16 +93,15 @@ void EventForwarder::SendTest(const QString& text) {
 }
 
 void EventForwarder::Tell(const LogEntry& entry) noexcept {
-    try {
-        if (settings_.journal)
-            ToJournal(entry);
-        if (settings_.syslog)
-            ToSpool(entry);
-    } catch (const platform::RunTimeError&) {
-        // Told with the next one that finds room.
+    if (settings_.journal)
+        ToJournal(entry);
+    if (!settings_.syslog)
+        return;
+    if (!ToSpool(entry)) {
         ++untold_;
         ++lost_;
     }
+    TellLost();
 }
 
 void EventForwarder::ToJournal(const LogEntry& entry) {
@@ -116,14 +118,19 @@ void EventForwarder::EmptyJournalQueue() {
         journalQueue_.removeFirst();
 }
 
-void EventForwarder::ToSpool(const LogEntry& entry) {
-    spool_->Append(SyslogLine::Format(entry));
-    TellLost();
+/// False when there is no room.
+bool EventForwarder::ToSpool(const LogEntry& entry) {
+    try {
+        spool_->Append(SyslogLine::Format(entry));
+    } catch (const platform::RunTimeError&) {
+        return false;
+    }
     if (state_.phase == Phase::Connected)
         pump_.start();
+    return true;
 }
 
-/// How many the server will never get is a line of its own.
+/// How many the server will never get is a line of its own, as soon as there is room for it.
 void EventForwarder::TellLost() {
     const qint64 lost = spool_->TakeLost();
     untold_ += lost;
@@ -131,10 +138,11 @@ void EventForwarder::TellLost() {
     if (untold_ == 0)
         return;
     const QString words = QStringLiteral("%1 EVENTS NOT FORWARDED").arg(untold_);
-    spool_->Append(
-        SyslogLine::Format(SyslogLine::NoteOf(LogEntry::Severity::Error, "EVENTS-LOST", words)));
+    if (!ToSpool(SyslogLine::NoteOf(LogEntry::Severity::Error, "EVENTS-LOST", words)))
+        return;
     Trace::Note(words);
     untold_ = 0;
+    toldTo_ = spool_->End();
 }
 
 EventForwarder::State EventForwarder::Present() const {
@@ -145,6 +153,7 @@ EventForwarder::State EventForwarder::Present() const {
 
 void EventForwarder::Tick() {
     const qint64 now = MonotonicNow();
+    Overlook(now - std::exchange(lastTick_, now) - TickInterval, now);
     EmptyJournalQueue();
     if (state_.phase == Phase::Waits && now - since_ >= pause_)
         Connect(now);
@@ -154,6 +163,20 @@ void EventForwarder::Tick() {
         Confirm(now);
     Judge(now);
     TellChange();
+}
+
+/// A server isn't to blame for a time in which the event loop stood, as in the first reading of the
+/// bus, and what became of the connection meanwhile isn't known yet.
+void EventForwarder::Overlook(qint64 unseen, qint64 now) {
+    if (unseen < TickInterval)
+        return;
+    const auto shift = [unseen, now](qint64& time) { time = qMin(now, time + unseen); };
+    shift(since_);
+    shift(lastGood_);
+    for (Mark& mark : marks_) {
+        if (mark.taken)
+            shift(*mark.taken);
+    }
 }
 
 void EventForwarder::Connect(qint64 now) {
@@ -229,7 +252,12 @@ void EventForwarder::Confirm(qint64 now) {
         sure = marks_.takeFirst().place;
     if (!sure)
         return;
-    lastGood_ = now;
+    // On a busy plant something always waits: what counts is that it gets through.
+    if (journalQueue_.isEmpty()) {
+        lastGood_ = now;
+        if (untold_ == 0 && sure->number >= toldTo_)
+            lost_ = 0;
+    }
     try {
         spool_->Confirm(*sure);
     } catch (const platform::RunTimeError&) {
@@ -246,13 +274,8 @@ void EventForwarder::Judge(qint64 now) {
         lastGood_ = now;
     if (good && untold_ == 0)
         lost_ = 0;
-    if (spool_) {
-        try {
-            TellLost();
-        } catch (const platform::RunTimeError&) {
-            // Still no room.
-        }
-    }
+    if (spool_)
+        TellLost();
     if (lost_ == 0 && now - lastGood_ < Patience) {
         Faults::Clear(Faults::Kind::NotForwarded);
         return;

@@ -68,8 +68,9 @@ private:
     void Tell(const LogEntry& entry) noexcept;
     void ToJournal(const LogEntry& entry);
     void EmptyJournalQueue();
-    void ToSpool(const LogEntry& entry);
+    bool ToSpool(const LogEntry& entry);
     void TellLost();
+    void Overlook(qint64 unseen, qint64 now);
     void Connect(qint64 now);
     void Stands();
     void Lost(platform::LogServerError error, const QString& words);
@@ -91,8 +92,10 @@ private:
     State told_;
     qint64 bytes_ = 0;    // written on this connection
     qint64 since_ = 0;    // monotonic, when the phase began
+    qint64 lastTick_ = 0; // monotonic
     qint64 pause_ = 0;    // ahead of the next try, ms
     qint64 lastGood_ = 0; // monotonic, when all was well last
     qint64 untold_ = 0;   // lost entries that no line tells of yet
     qint64 lost_ = 0;     // lost since the server was last up to date
+    qint64 toldTo_ = 0;   // number behind the last line that tells of lost ones
 };

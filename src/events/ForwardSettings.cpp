@@ -27,14 +27,17 @@ QString Word(bool value) {
     return value ? QStringLiteral("1") : QStringLiteral("0");
 }
 
-void KeepFile(QString& path) {
+/// `other` is kept beside it, maybe from another folder under the same name.
+void KeepFile(QString& path, const QString& other) {
     const QString folder = Global::InApplicationFolder(QStringLiteral("Certificates"));
     const QFileInfo info(path);
     QFile file(path);
     if (path.isEmpty() || info.absolutePath() == folder || !file.open(QIODevice::ReadOnly))
         return;
     platform::MakeFolder(folder);
-    const QString kept = folder + u'/' + info.fileName();
+    QString kept = folder + u'/' + info.fileName();
+    if (kept == other)
+        kept = folder + QStringLiteral("/2-") + info.fileName();
     platform::ReplaceFile(kept, file.readAll());
     // One of them holds a key.
     QFile::setPermissions(kept, QFile::ReadOwner | QFile::WriteOwner);
@@ -64,8 +67,8 @@ ForwardSettings ForwardSettings::Read() {
 }
 
 void ForwardSettings::KeepFiles() {
-    KeepFile(server.authority);
-    KeepFile(server.certificate);
+    KeepFile(server.authority, server.certificate);
+    KeepFile(server.certificate, server.authority);
 }
 
 void ForwardSettings::Write() const {

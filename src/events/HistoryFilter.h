@@ -34,7 +34,7 @@ struct HistoryFilter {
     int panel = 0;
     int channel = 0;
     EventKinds kinds;
-    /// Who logged in or acknowledged.
+    /// Who logged in, acknowledged, or took something out of service or back.
     QString user;
     /// All of these, divided by blanks, stand in the line, in capitals or not.
     QString words;

@@ -21,6 +21,8 @@ namespace {
 constexpr qsizetype PieceSize = 0x40000;
 /// What a longer line holds behind its columns isn't looked at.
 constexpr qsizetype LongestLine = 0x1000;
+/// Records that get their room at once. Many years may be more: that grows as it comes.
+constexpr qint64 MostForeseen = 20'000'000;
 constexpr qint64 SecondsADay = 86400;
 const QDate Epoch(1970, 1, 1);
 
@@ -75,7 +77,6 @@ void HistoryRecords::Begin(const QDate& from, const QDate& to) {
     Cancel();
     sources_.clear();
     records_.clear();
-    lastDate_.clear();
     at_ = 0;
     bytesDone_ = bytesInAll_ = unread_ = unreadFiles_ = 0;
     from_ = Midnight(from);
@@ -90,25 +91,33 @@ void HistoryRecords::Begin(const QDate& from, const QDate& to) {
         found.emplace_back(FirstTime(file), file);
         bytesInAll_ += QFileInfo(file.path).size();
     }
+    records_.reserve(size_t(std::min(bytesInAll_ / (FileLine::Width + 2), MostForeseen)));
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     for (const auto& [time, file] : found)
         sources_.append(file);
 }
 
-/// Of a month that went over to daily files, or back, the files overlap by their names only.
+/// Of a month that went over to daily files, or back, the files overlap by their names only. A day
+/// isn't looked into: there may be hundreds.
 qint64 HistoryRecords::FirstTime(const File& file) {
     qint64 time = Midnight(file.first);
     QFile input(file.path);
-    if (!input.open(QIODevice::ReadOnly))
+    if (file.first == file.last || !input.open(QIODevice::ReadOnly))
         return time;
+    TakeUp(file);
     for (int line = 0; line < 2; ++line) {
         const QByteArray bytes = input.readLine(LongestLine);
         if (ReadTime(bytes.constData(), bytes.size(), time))
             break;
     }
-    lastDate_.clear();
     return time;
+}
+
+/// A date that was read in one file may be another one in the next.
+void HistoryRecords::TakeUp(const File& file) {
+    month_ = file.first.month();
+    lastDate_.clear();
 }
 
 void HistoryRecords::Cancel() {
@@ -151,7 +160,7 @@ void HistoryRecords::ReadPiece() {
             return;
         }
         piece_.resize(PieceSize);
-        lastDate_.clear();
+        TakeUp(sources_[at_]);
     }
     const qint64 count = input_.seek(offset_) ? input_.read(piece_.data(), PieceSize) : -1;
     if (count < 0)
@@ -227,8 +236,7 @@ QDate HistoryRecords::DateOf(const char* text) const {
     const QDate turned = dayFirst_ ? QDate(year, one, other) : QDate(year, other, one);
     if (!usual.isValid() || !turned.isValid())
         return usual.isValid() ? usual : turned;
-    const int month = at_ < sources_.size() ? sources_[at_].first.month() : 0;
-    return turned.month() == month && usual.month() != month ? turned : usual;
+    return turned.month() == month_ && usual.month() != month_ ? turned : usual;
 }
 
 QByteArray HistoryRecords::Line(const HistoryRecord& record) const {

@@ -53,7 +53,7 @@ public:
 
     /// In the order of the files and of their lines. Times go back where a clock was set back.
     const std::vector<HistoryRecord>& Records() const { return records_; }
-    /// The files that `file` of a record counts, by the time of their first line.
+    /// The files that `file` of a record counts: days by their names, a month by its first line.
     const QList<File>& Sources() const { return sources_; }
     /// Lines without a date and a time; headings and empty lines aren't among them.
     qint64 Unread() const { return unread_; }
@@ -71,6 +71,7 @@ private:
     void TakeLine(const char* line, qsizetype length, qint64 offset);
     bool ReadTime(const char* line, qsizetype length, qint64& time);
     QDate DateOf(const char* text) const;
+    void TakeUp(const File& file);
     qint64 FirstTime(const File& file);
 
     HistoryWords words_;
@@ -81,6 +82,8 @@ private:
     bool dayFirst_ = false;
     qsizetype at_ = 0;
     QFile input_;
+    /// That of the file that is read.
+    int month_ = 0;
     QByteArray piece_;
     qint64 offset_ = 0;
     qint64 bytesDone_ = 0;

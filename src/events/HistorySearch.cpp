@@ -14,6 +14,10 @@ namespace FileLine = TextProcs::FileLine;
 
 namespace {
 
+/// The kinds whose lines always hold the name of a user, and those that do where one was logged in.
+const EventKinds WithUser{EventKind::UserChanged, EventKind::AcknowledgedOnPc};
+const EventKinds OftenWithUser{EventKind::OutOfService, EventKind::BackInService};
+
 /// Records between two looks at the clock; those whose lines are read take a microsecond each.
 constexpr size_t Portion = 2048;
 
@@ -51,11 +55,6 @@ QByteArrayView UserOf(QByteArrayView line) {
 } // namespace
 
 HistorySearch::HistorySearch() = default;
-
-const EventKinds& HistorySearch::KindsWithUser() {
-    static const EventKinds kinds{EventKind::UserChanged, EventKind::AcknowledgedOnPc};
-    return kinds;
-}
 
 qint64 HistorySearch::SizeOfFiles() const {
     qint64 size = 0;
@@ -150,13 +149,13 @@ int HistorySearch::RowOf(qint64 record) const {
 
 /// What costs no look into the file comes first.
 bool HistorySearch::Takes(const HistoryRecord& record) {
-    const bool holdsUser = KindsWithUser().Has(record.kind);
+    const bool holdsUser = WithUser.Has(record.kind);
     if (holdsUser)
         NoteUser(UserOf(lines_.Of(record)));
     if ((filter_.panel != 0 && record.panel != filter_.panel) ||
         (filter_.channel != 0 && record.channel != filter_.channel) ||
         (!filter_.kinds.IsEmpty() && !filter_.kinds.Has(record.kind)) ||
-        (!user_.isEmpty() && !holdsUser))
+        (!user_.isEmpty() && !holdsUser && !OftenWithUser.Has(record.kind)))
         return false;
     if (words_.isEmpty() && user_.isEmpty())
         return true;

@@ -45,9 +45,6 @@ public:
     /// through; in the order of the alphabet.
     QStringList Users() const;
 
-    /// The kinds whose lines hold the name of a user.
-    static const EventKinds& KindsWithUser();
-
 private:
     enum class Stage { Reading, Matching, Done };
 

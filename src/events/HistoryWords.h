@@ -48,8 +48,8 @@ public:
         bool isSynchro = false;
     };
 
-    /// Takes the words of all languages of the base. A word that means two things in two languages
-    /// has the meaning of the language in use.
+    /// Takes the words of all languages of the base, in which none has two meanings for lines of
+    /// the same origin.
     void ReadBase();
     /// The meaning of a line of Windows-1252; what is missing at its end counts as blank.
     Meaning Of(const char* line, qsizetype length) const;

@@ -51,9 +51,9 @@ QString Line(const QStringList& cells, const ReportTable& table, const QList<int
 
 } // namespace
 
-QList<QStringList> PrintedRows(const ReportTable& table) {
-    QList<QStringList> rows = table.rows.mid(0, MostRows);
-    if (const qsizetype more = table.rows.size() - rows.size(); more > 0)
+QList<QStringList> Rows(const ReportTable& table, qsizetype most) {
+    QList<QStringList> rows = table.rows.mid(0, most);
+    if (const qsizetype more = table.rows.size() - rows.size() + table.more; more > 0)
         rows += {GetText(AndMore).replace(u'$', QString::number(more))};
     return rows;
 }
@@ -62,7 +62,7 @@ QByteArray Csv(const QList<ReportTable>& tables) {
     QString text(QChar::ByteOrderMark);
     for (const ReportTable& table : tables) {
         text += ::Csv::Row({table.title}) + ::Csv::Row(Titles(table));
-        for (const QStringList& row : table.rows)
+        for (const QStringList& row : Rows(table, table.rows.size()))
             text += ::Csv::Row(row);
         text += LineEnd;
     }
@@ -74,7 +74,7 @@ QStringList Lines(const QList<ReportTable>& tables, int width) {
     for (const ReportTable& table : tables) {
         if (table.rows.isEmpty())
             continue;
-        const QList<QStringList> rows = PrintedRows(table);
+        const QList<QStringList> rows = Rows(table, PrintedRows);
         const QList<int> widths =
             Widths(rows + QList<QStringList>{Titles(table)}, int(table.columns.size()), width);
         lines += QString(width, u'-');

@@ -5,11 +5,11 @@
 /// The tables of a report as text.
 namespace ReportText {
 
-/// Rows of a table that are printed; the file of a spreadsheet has them all.
-inline constexpr int MostRows = 50;
+/// Rows of a table that are printed; screen and spreadsheet show all that it has.
+inline constexpr qsizetype PrintedRows = 50;
 
-/// The rows that are printed, and one that tells how many more there are.
-QList<QStringList> PrintedRows(const ReportTable& table);
+/// The first rows, and one of a single cell that tells how many more there are.
+QList<QStringList> Rows(const ReportTable& table, qsizetype most);
 
 /// For spreadsheets: UTF-8 behind its mark, fields parted by ";", a blank line between tables.
 QByteArray Csv(const QList<ReportTable>& tables);

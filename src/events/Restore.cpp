@@ -17,6 +17,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace Restore {
 
@@ -78,6 +79,19 @@ std::optional<QByteArray> DigestOf(const QString& path, qint64 size,
     return hash.result().toHex();
 }
 
+/// The name beside a name.
+QString Beside(const QString& name, int number) {
+    const QFileInfo info(name);
+    return info.completeBaseName() + QStringLiteral("R%1.").arg(number) + info.suffix();
+}
+
+QString FreeName(const QString& name) {
+    QString found = name;
+    for (int number = 1; QFile::exists(Global::InApplicationFolder(found)); ++number)
+        found = Beside(name, number);
+    return found;
+}
+
 /// Decides for one machine what becomes of each file.
 class Planner {
 public:
@@ -119,14 +133,13 @@ private:
         return {entry.name, target, IsThere(entry, present) ? Effect::Same : Effect::Replaced};
     }
     Item Keeping(const Entry& entry) const {
-        const QFileInfo name(entry.FileName());
-        QString target = name.fileName();
+        QString target = entry.FileName();
         for (int number = 1;; ++number) {
             if (!QFile::exists(Path(target)))
                 return {entry.name, target, number == 1 ? Effect::New : Effect::Beside};
             if (IsThere(entry, Path(target)))
                 return {entry.name, target, Effect::Same};
-            target = name.completeBaseName() + QStringLiteral("R%1.").arg(number) + name.suffix();
+            target = Beside(entry.FileName(), number);
         }
     }
 
@@ -158,22 +171,28 @@ void TakeOver(const SettingsFile& from, SettingsFile& to, const QString& section
 void MergeSettings(const Plan& plan, bool keepMachine) {
     const SettingsFile present(SLVfonctions::IniFileName());
     SettingsFile merged(plan.FileOf(BackupFile::SettingsFile));
-    for (const QString& section : MomentSections())
-        TakeOver(present, merged, section, QString());
-    TakeOver(present, merged, Backups, LastBackup);
     if (keepMachine)
         for (const MachineSetting& setting : MachineSettings())
             TakeOver(present, merged, setting.section, setting.key);
-    const QString zero = QStringLiteral("0");
-    const qint32 number = qMax(Bytes::LongVal(present.Read(General, LastEvent, zero)),
-                               Bytes::LongVal(merged.Read(General, LastEvent, zero)));
-    merged.Write(General, LastEvent, QString::number(number));
     const auto site = std::find_if(plan.items.cbegin(), plan.items.cend(), [](const Item& item) {
         return item.name.endsWith(QStringLiteral(".kv2"));
     });
     merged.Write(Files, LastUsed,
                  site == plan.items.cend() ? GetText(50010)
                                            : Global::InApplicationFolder(site->target));
+}
+
+/// What belongs to the moment is that of now, however long the restore has waited for its end.
+void MergeMoment(const QString& settings) {
+    const SettingsFile present(SLVfonctions::IniFileName());
+    SettingsFile merged(settings);
+    for (const QString& section : MomentSections())
+        TakeOver(present, merged, section, QString());
+    TakeOver(present, merged, Backups, LastBackup);
+    const QString zero = QStringLiteral("0");
+    const qint32 number = qMax(Bytes::LongVal(present.Read(General, LastEvent, zero)),
+                               Bytes::LongVal(merged.Read(General, LastEvent, zero)));
+    merged.Write(General, LastEvent, QString::number(number));
 }
 
 QStringList SectionsOf(const QString& path) {
@@ -221,23 +240,23 @@ Places Places::OfProgram() {
             Global::InApplicationFolder(StageName.arg(++number))};
 }
 
-Plan Stage(const QString& backup, const Places& places, BackupFile::Progress& progress) {
-    const QString& stage = places.stage;
-    QDir(stage).removeRecursively();
-    try {
-        Plan plan{BackupFile::Unpack(backup, stage, progress), stage, {}};
-        const Planner planner(places, progress);
-        for (const Entry& entry : plan.manifest.entries)
-            plan.items += planner.Of(entry);
-        return plan;
-    } catch (...) {
-        QDir(stage).removeRecursively();
-        throw;
-    }
+StageFolder::StageFolder(QString newPath)
+    : path(std::move(newPath)) {
+    QDir(path).removeRecursively();
 }
 
-void Drop(const Plan& plan) {
-    QDir(plan.stage).removeRecursively();
+StageFolder::~StageFolder() {
+    if (!isCommitted)
+        QDir(path).removeRecursively();
+}
+
+Plan Stage(const QString& backup, const Places& places, BackupFile::Progress& progress) {
+    Plan plan{{}, std::make_shared<StageFolder>(places.stage), {}};
+    plan.manifest = BackupFile::Unpack(backup, places.stage, progress);
+    const Planner planner(places, progress);
+    for (const Entry& entry : plan.manifest.entries)
+        plan.items += planner.Of(entry);
+    return plan;
 }
 
 QList<Setting> ChangedSettings(const Plan& plan, bool keepMachine) {
@@ -271,7 +290,7 @@ QList<Setting> ChangedSettings(const Plan& plan, bool keepMachine) {
 /// The settings come last: what they name is there then.
 void Commit(const Plan& plan, bool keepMachine) {
     MergeSettings(plan, keepMachine);
-    QStringList lines{QFileInfo(plan.stage).fileName()};
+    QStringList lines{QFileInfo(plan.stage->path).fileName()};
     QString settings;
     for (const Item& item : plan.items) {
         if (item.name == BackupFile::SettingsFile)
@@ -282,6 +301,7 @@ void Commit(const Plan& plan, bool keepMachine) {
     if (!settings.isEmpty())
         lines += settings;
     platform::ReplaceFile(Journal(), lines.join(u'\n').toUtf8());
+    plan.stage->isCommitted = true;
     platform::FlushFolder(platform::ApplicationFolder());
 }
 
@@ -291,10 +311,18 @@ bool Complete() {
     QStringList lines = QString::fromUtf8(platform::ReadFile(Journal())).split(u'\n');
     const QString stage = Global::InApplicationFolder(lines.takeFirst());
     for (const QString& line : lines) {
-        const QString from = stage + u'/' + line.section(u'\t', 0, 0);
+        const QString name = line.section(u'\t', 0, 0);
+        const QString from = stage + u'/' + name;
         // One that isn't there any more has its place already.
-        if (QFile::exists(from))
-            platform::Rename(from, Global::InApplicationFolder(line.section(u'\t', 1)));
+        if (!QFile::exists(from))
+            continue;
+        QString target = line.section(u'\t', 1);
+        // A month may have begun since the plan was made.
+        if (name.startsWith(Kinds::History + u'/'))
+            target = FreeName(target);
+        if (name == BackupFile::SettingsFile)
+            MergeMoment(from);
+        platform::Rename(from, Global::InApplicationFolder(target));
     }
     platform::FlushFolder(platform::ApplicationFolder());
     QFile::remove(Journal());

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <memory>
 
 /// Takes a backup onto this machine: first all of it is unpacked beside what is there and nothing
 /// is touched, then a list of renames says what takes which place, and then they are done. A kill
@@ -25,13 +26,25 @@ struct Item {
     Effect effect = Effect::Same;
 };
 
+/// The folder in which files wait. It goes with the last plan that knows it, unless what waits in
+/// it was written down to be taken.
+struct StageFolder {
+    explicit StageFolder(QString newPath);
+    ~StageFolder();
+    StageFolder(const StageFolder&) = delete;
+    StageFolder& operator=(const StageFolder&) = delete;
+
+    QString path;
+    bool isCommitted = false;
+};
+
 struct Plan {
     BackupFile::Manifest manifest;
-    QString stage; ///< folder in which the files wait
+    std::shared_ptr<StageFolder> stage;
     QList<Item> items;
 
     /// The waiting file of an entry.
-    QString FileOf(const QString& name) const { return stage + u'/' + name; }
+    QString FileOf(const QString& name) const { return stage->path + u'/' + name; }
 
     QStringList TargetsOf(const QString& kind, Effect effect) const;
 };
@@ -49,8 +62,6 @@ struct Places {
 /// Unpacks a backup beside and finds what each of its files means. Throws like BackupFile::Unpack.
 /// Nothing is left of what fails.
 Plan Stage(const QString& backup, const Places& places, BackupFile::Progress& progress);
-/// Drops what waits.
-void Drop(const Plan& plan);
 
 /// A setting that the backup has otherwise than this machine.
 struct Setting {

@@ -2,6 +2,7 @@
 
 #include "core/Record.h"
 #include "events/TextProcs.h"
+#include "platform/Clock.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -87,9 +88,11 @@ QByteArray Escaped(const QString& value) {
     return OneLine(value).replace('\\', "\\\\").replace('"', "\\\"").replace(']', "\\]");
 }
 
+/// Of a time that is just now.
 QByteArray TimeStamp(DateTime when) {
-    const QDateTime local(DateTimes::DateOf(when), DateTimes::TimeOf(when));
-    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs).toLatin1();
+    const QDateTime stamp(DateTimes::DateOf(when), DateTimes::TimeOf(when), Qt::OffsetFromUTC,
+                          platform::Clock::Current().OffsetFromUtc());
+    return stamp.toString(Qt::ISODateWithMs).toLatin1();
 }
 
 /// Letters, digits and signs that print, or "-" for none.

@@ -23,6 +23,11 @@ constexpr bool IsRemoteControlled(int model) {
     return model == P5000 || model == P5500;
 }
 
+/// The models whose channels can be read and forced one by one.
+constexpr bool HasChannels(int model) {
+    return IsQFamily(model) || IsRemoteControlled(model);
+}
+
 /// Name of a model; empty for a code that no model has.
 QString ModuleName(int code);
 

@@ -281,16 +281,15 @@ void SiteSaved() {
     setMemory(entries);
 }
 
-/// Each second asks for it: what the settings hold is read into entries once.
+/// Each second and each line asks for it: the settings are read again when they have changed.
 QList<Entry> Memory() {
-    static QList<std::pair<QString, QString>> values;
+    static quint64 revision = 0;
     static QList<Entry> entries;
-    QList<std::pair<QString, QString>> present = IniReadSection(Section);
-    if (present == values)
+    const quint64 present = IniRevision();
+    if (std::exchange(revision, present) == present)
         return entries;
-    values = std::move(present);
     entries.clear();
-    for (const auto& [key, value] : std::as_const(values)) {
+    for (const auto& [key, value] : IniReadSection(Section)) {
         if (const auto thing = ThingOf(key))
             entries.append(EntryOf(*thing, value));
     }

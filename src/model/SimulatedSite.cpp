@@ -2,7 +2,6 @@
 
 #include "model/ConfigClass.h"
 #include "model/Models.h"
-#include "model/PrinterSettings.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,22 +16,11 @@ QByteArray ScenarioOf(const ConfigClass& site) {
         if (!panel.Active() || panel.Model() < Models::Q7100 || panel.Model() > Models::P5500)
             continue;
         modules += QJsonObject{{QStringLiteral("address"), address},
-                               {QStringLiteral("model"), ModuleName(panel.Model())},
-                               {QStringLiteral("title"), panel.Title()}};
+                               {QStringLiteral("model"), ModuleName(panel.Model())}};
     }
     return modules.isEmpty()
                ? QByteArray()
                : QJsonDocument(QJsonObject{{QStringLiteral("modules"), modules}}).toJson();
-}
-
-void Fit(ConfigClass& site) {
-    const bool modified = site.Modified();
-    site.setAutoStart(true);
-    if (PrinterSettings::Of(site.PrtSettings()).kind != PrinterSettings::PortKind::None)
-        site.setPrtSettings(QStringLiteral("LPT1:"));
-    // Without a mark before, none but the site's own was raised here.
-    if (!modified)
-        site.setModified(false);
 }
 
 } // namespace SimulatedSite

@@ -5,6 +5,7 @@
 #include "model/Models.h"
 
 #include <QColor>
+#include <QHash>
 #include <functional>
 #include <utility>
 
@@ -262,12 +263,24 @@ QString KindOf(const MirrorClass* rule) {
     return known ? GetText(510300 + rule->MirrorType()) : QString::number(rule->MirrorType());
 }
 
+/// By its end points; of several between the same ones the first.
+QHash<QString, const MirrorClass*> RulesOf(const S& site) {
+    QHash<QString, const MirrorClass*> rules;
+    for (const MirrorClass& rule : site.Mirrors()) {
+        const MirrorClass*& place = rules[rule.ID()];
+        place = place == nullptr ? &rule : place;
+    }
+    return rules;
+}
+
 void CompareMirrors(Comparison& found, const S& first, const S& second) {
     found.setPlace([] { return GetText(Mirrors); });
+    const auto ofFirst = RulesOf(first);
+    const auto ofSecond = RulesOf(second);
     for (const MirrorClass& rule : first.Mirrors())
-        found.Add(RuleName(rule), KindOf(&rule), KindOf(second.Mirrors().GetByID(rule.ID())));
+        found.Add([&] { return RuleName(rule); }, KindOf(&rule), KindOf(ofSecond.value(rule.ID())));
     for (const MirrorClass& rule : second.Mirrors()) {
-        if (!first.Mirrors().IsAlreadyPresent(rule))
+        if (!ofFirst.contains(rule.ID()))
             found.Add(RuleName(rule), GetText(Nothing), KindOf(&rule));
     }
 }

@@ -16,24 +16,6 @@ namespace {
 /// The watch of the bus comes first where both want the processor.
 constexpr int Niceness = 10;
 
-/// Threads that nobody waits for any more but the end of the program.
-class Leaving {
-public:
-    ~Leaving() {
-        for (std::thread& thread : threads_)
-            thread.join();
-    }
-    void Take(std::thread thread) { threads_.push_back(std::move(thread)); }
-
-private:
-    std::vector<std::thread> threads_;
-};
-
-Leaving& TheLeaving() {
-    static Leaving leaving;
-    return leaving;
-}
-
 } // namespace
 
 struct BackgroundTask::Shared : Progress {
@@ -51,6 +33,38 @@ struct BackgroundTask::Shared : Progress {
     std::atomic<qint64> all = 0;
 };
 
+/// Threads that nobody waits for any more but the end of the program. What has ended keeps its
+/// stack until it is joined.
+class BackgroundTask::Leaving {
+public:
+    ~Leaving() {
+        for (Left& left : left_)
+            left.thread.join();
+    }
+    static Leaving& All() {
+        static Leaving all;
+        return all;
+    }
+    void Take(std::thread thread, std::shared_ptr<Shared> shared) {
+        left_.push_back({std::move(thread), std::move(shared)});
+        for (auto left = left_.begin(); left != left_.end();) {
+            if (!left->shared->ended) {
+                ++left;
+                continue;
+            }
+            left->thread.join();
+            left = left_.erase(left);
+        }
+    }
+
+private:
+    struct Left {
+        std::thread thread;
+        std::shared_ptr<Shared> shared;
+    };
+    std::vector<Left> left_;
+};
+
 void BackgroundTask::Progress::Check() const {
     if (Stopped())
         throw Ended();
@@ -58,16 +72,13 @@ void BackgroundTask::Progress::Check() const {
 
 BackgroundTask::BackgroundTask(Work work)
     : shared_(std::make_shared<Shared>()) {
-    TheLeaving();
+    Leaving::All();
     thread_ = std::thread([shared = shared_, work = std::move(work)] { Run(shared, work); });
 }
 
 BackgroundTask::~BackgroundTask() {
     Stop();
-    if (Done())
-        thread_.join();
-    else
-        TheLeaving().Take(std::move(thread_));
+    Leaving::All().Take(std::move(thread_), shared_);
 }
 
 void BackgroundTask::Run(const std::shared_ptr<Shared>& shared, const Work& work) {

@@ -44,6 +44,7 @@ public:
 
 private:
     struct Shared;
+    class Leaving;
     static void Run(const std::shared_ptr<Shared>& shared, const Work& work);
 
     std::shared_ptr<Shared> shared_;

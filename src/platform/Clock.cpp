@@ -21,6 +21,7 @@ public:
         const QDateTime now = QDateTime::currentDateTime();
         return ToDayNumber(now.date(), now.time());
     }
+    int OffsetFromUtc() const override { return QDateTime::currentDateTime().offsetFromUtc(); }
     qint64 MonotonicMs() const override { return timer_.elapsed(); }
     void Sleep(int milliseconds) override {
         QThread::msleep(static_cast<unsigned long>(qMax(0, milliseconds)));

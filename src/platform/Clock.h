@@ -20,6 +20,9 @@ public:
 
     /// Local date and time, to the millisecond.
     virtual DateTime Now() const = 0;
+    /// Seconds that local time is ahead of UTC now. The local time alone doesn't tell: at the end
+    /// of summer time an hour of it comes twice.
+    virtual int OffsetFromUtc() const = 0;
     /// Milliseconds that never go back, for deadlines; its origin has no meaning.
     virtual qint64 MonotonicMs() const = 0;
     /// Blocks the thread without running the event loop.
@@ -41,15 +44,18 @@ public:
     TestClock& operator=(const TestClock&) = delete;
 
     DateTime Now() const override { return now_; }
+    int OffsetFromUtc() const override { return offset_; }
     qint64 MonotonicMs() const override { return monotonic_; }
     void Sleep(int milliseconds) override { Advance(milliseconds); }
 
     void Set(DateTime now) { now_ = now; }
     void Set(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
+    void setOffsetFromUtc(int seconds) { offset_ = seconds; }
     void Advance(qint64 milliseconds);
 
 private:
     DateTime now_ = 0;
+    int offset_ = 3600;
     qint64 monotonic_ = 1;
 };
 

@@ -3,6 +3,7 @@
 #include "platform/FileWriting.h"
 #include "platform/RunTimeError.h"
 
+#include <QFileInfo>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -47,6 +48,7 @@ void GrowingFile::Finish() {
     if (error)
         throw RunTimeError(errors::PathAccess);
     finished_ = true;
+    FlushFolder(QFileInfo(target_).path());
 }
 
 } // namespace platform

@@ -23,7 +23,8 @@ public:
     void Append(const QByteArray& bytes);
     /// The time of its last change, in place of the present one.
     void setTime(const QDateTime& time);
-    /// Gives the file its name. Throws as `Append`, or `PathAccess`.
+    /// Gives the file its name, on the medium too: it may be pulled out then. Throws as `Append`,
+    /// or `PathAccess`.
     void Finish();
 
 private:

@@ -129,6 +129,8 @@ void SocketServer::MakeSocket() {
             Lose(socket, verdict, socket->errorString());
         },
         Qt::QueuedConnection);
+    // None of them says anything that counts, and one that talks must not fill the memory.
+    QObject::connect(socket, &QSslSocket::readyRead, socket, [socket] { socket->readAll(); });
     const auto written = [this] { onWritten(); };
     QObject::connect(socket, &QSslSocket::bytesWritten, socket, written);
     QObject::connect(socket, &QSslSocket::encryptedBytesWritten, socket, written);
@@ -201,7 +203,11 @@ qint64 SocketServer::Unsent() const {
 
 } // namespace
 
+/// The end of the program waits for a look-up that is under way: name servers that don't answer are
+/// given up sooner than usual, and asked again with the next try. Set ahead of the first look-up.
 std::unique_ptr<LogServer> MakeLogServer() {
+    if (qEnvironmentVariableIsEmpty("RES_OPTIONS"))
+        qputenv("RES_OPTIONS", "timeout:2 attempts:1");
     return std::make_unique<SocketServer>();
 }
 

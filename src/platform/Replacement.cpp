@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <climits>
+#include <fcntl.h>
+#include <filesystem>
 #include <unistd.h>
 #include <vector>
 
@@ -16,6 +18,7 @@ constexpr const char* NoteVariable = "KORVANELLE_REPLACED";
 constexpr unsigned FirstOwnHandle = 3;
 
 QStringList kept;
+std::vector<int> given; // handles
 
 struct Successor {
     QByteArray program;
@@ -26,10 +29,19 @@ std::optional<Successor> successor;
 
 } // namespace
 
-void KeepArguments(int argc, char** argv) {
+void KeepStart(int argc, char** argv) {
     kept.clear();
     for (int i = 1; i < argc; ++i)
         kept += QFile::decodeName(argv[i]);
+    given.clear();
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", error)) {
+        const int handle = QByteArray(entry.path().filename().c_str()).toInt();
+        const int flags = fcntl(handle, F_GETFD);
+        // That of the iterator itself is closed when the program goes.
+        if (handle >= int(FirstOwnHandle) && flags >= 0 && (flags & FD_CLOEXEC) == 0)
+            given.push_back(handle);
+    }
 }
 
 QStringList Arguments() {
@@ -63,6 +75,8 @@ void Run() {
     pointers.push_back(nullptr);
     // A library may have left something open.
     close_range(FirstOwnHandle, UINT_MAX, CLOSE_RANGE_CLOEXEC);
+    for (const int handle : given)
+        fcntl(handle, F_SETFD, 0);
     execv(successor->program.constData(), pointers.data());
 }
 

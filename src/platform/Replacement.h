@@ -8,9 +8,11 @@
 /// number, so that whoever watches over it sees no end.
 namespace platform::Replacement {
 
-/// Keeps what the program was started with, ahead of what takes arguments out.
-void KeepArguments(int argc, char** argv);
-/// Those arguments without the program's own name.
+/// Keeps what the program was started with, ahead of what takes arguments out and opens handles.
+/// The handles that are open now go on to the successor, and no others: whoever started the program
+/// may know its end by them, as a compositor does.
+void KeepStart(int argc, char** argv);
+/// The arguments without the program's own name.
 QStringList Arguments();
 
 /// At its end the program is to be started again, with these arguments. `note` is left to it.

@@ -272,7 +272,18 @@ void SettingsFile::Refresh() const {
         Load();
 }
 
+quint64 SettingsFile::Revision() const {
+    Refresh();
+    return revision_;
+}
+
+void SettingsFile::CountChange() const {
+    static quint64 last = 0;
+    revision_ = ++last;
+}
+
 void SettingsFile::Load() const {
+    CountChange();
     lines_.clear();
     unreadable_ = false;
     seen_ = StampOnDisk();
@@ -303,6 +314,7 @@ void SettingsFile::Load() const {
 }
 
 void SettingsFile::Store() {
+    CountChange();
     const auto fail = [this](int handle, int cause) {
         unsaved_ = true;
         if (handle >= 0) {
@@ -342,6 +354,7 @@ void SettingsFile::Store() {
 // kill can't divide: the running number of each event is such a value, and a new file for each
 // would cost most of the time of its routing.
 bool SettingsFile::Overwrite(int at, int from) {
+    CountChange();
     if (unsaved_ || unreadable_ || seen_.size < 0)
         return false;
     qint64 offset = from;

@@ -46,6 +46,8 @@ public:
     QStringList Keys(const QString& section) const;
 
     QString Path() const { return path_; }
+    /// Another number behind each change of the file, by whoever made it, and for each object.
+    quint64 Revision() const;
 
 private:
     struct Line {
@@ -71,6 +73,7 @@ private:
     /// Reads the file again when somebody else has changed it since this object last saw it.
     void Refresh() const;
     void Load() const;
+    void CountChange() const;
     void Store();
     bool Overwrite(int at, int from);
     bool FlushInTime(int handle);
@@ -89,6 +92,7 @@ private:
     mutable Stamp seen_;
     mutable bool unreadable_ = false; // there is a file, but its lines aren't known
     bool unsaved_ = false;            // the last change didn't reach the file
+    mutable quint64 revision_ = 0;
     qint64 lastFlushMs_ = -1000000;
     bool flushOwed_ = false;
 };

@@ -37,7 +37,10 @@ Spool::Spool(const QString& folder)
 Spool::Spool(QString folder, Limits limits)
     : folder_(std::move(folder))
     , limits_(limits) {
-    Open();
+    FindSegments();
+    MendLast();
+    ReadPosition();
+    Rewind();
 }
 
 Spool::~Spool() {
@@ -49,22 +52,12 @@ QString Spool::PathOf(const Segment& segment) const {
            Suffix;
 }
 
-void Spool::Open() {
-    Close();
-    FindSegments();
-    MendLast();
-    ReadPosition();
-    Rewind();
-}
-
 void Spool::Close() {
     if (writer_ >= 0)
         close(std::exchange(writer_, -1));
 }
 
 void Spool::FindSegments() {
-    segments_.clear();
-    total_ = 0;
     const QDir dir(folder_);
     for (const QFileInfo& file : dir.entryInfoList({u'*' + Suffix}, QDir::Files, QDir::Name)) {
         bool isNumber = false;
@@ -130,14 +123,8 @@ bool Spool::IsRemoved() const {
 
 void Spool::Append(const QByteArray& line) {
     const QByteArray bytes = line + '\n';
-    if (IsRemoved()) {
-        lost_ += Waiting();
-        const qint64 next = end_;
-        Open();
-        if (segments_.isEmpty())
-            end_ = next;
-        confirmed_ = read_ = {end_, segments_.isEmpty() ? 0 : segments_.last().size};
-    }
+    if (IsRemoved())
+        BeginAnew();
     while (segments_.size() > 1 && total_ + bytes.size() > limits_.total)
         DropOldest();
     if (segments_.isEmpty() || segments_.last().size + bytes.size() > limits_.segment)
@@ -149,6 +136,18 @@ void Spool::Append(const QByteArray& line) {
     segments_.last().size += bytes.size();
     total_ += bytes.size();
     ++end_;
+}
+
+/// What is left goes as well: the numbers go on, and none stands for two entries.
+void Spool::BeginAnew() {
+    Close();
+    lost_ += Waiting();
+    for (const Segment& segment : std::as_const(segments_))
+        QFile::remove(PathOf(segment));
+    segments_.clear();
+    total_ = 0;
+    confirmed_ = {end_, 0};
+    Rewind();
 }
 
 void Spool::MakeSegment() {

@@ -42,6 +42,8 @@ public:
     /// All ahead of a place has arrived. Throws RunTimeError when that can't be noted; it holds
     /// until the program's end all the same.
     void Confirm(const Place& place);
+    /// Number that the next entry will have.
+    qint64 End() const { return end_; }
     /// Entries that aren't confirmed.
     qint64 Waiting() const { return end_ - confirmed_.number; }
     /// Entries that went without being confirmed, to make room or because their file can't be read,
@@ -55,7 +57,6 @@ private:
     };
 
     QString PathOf(const Segment& segment) const;
-    void Open();
     void Close();
     void FindSegments();
     void MendLast();
@@ -63,6 +64,7 @@ private:
     bool StartsEntry(const Place& place) const;
     qsizetype IndexOf(qint64 number) const;
     bool IsRemoved() const;
+    void BeginAnew();
     void MakeSegment();
     void DropOldest();
     bool FillBuffer();

@@ -27,8 +27,10 @@ zip_t* Open(const QString& path, int flags, int otherwise) {
 }
 
 int ErrorOf(zip_t* zip) {
-    const zip_error_t* error = zip_get_error(zip);
-    return FileError(zip_error_code_system(error), errors::DeviceIo);
+    zip_error_t* error = zip_get_error(zip);
+    const bool mayNotWrite = zip_error_code_zip(error) == ZIP_ER_TMPOPEN;
+    return FileError(zip_error_code_system(error),
+                     mayNotWrite ? errors::PathAccess : errors::DeviceIo);
 }
 
 } // namespace

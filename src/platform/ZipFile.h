@@ -15,7 +15,7 @@ namespace platform {
 /// Builds a zip file: what is added is read when it is written.
 class ZipWriter {
 public:
-    /// Throws RunTimeError `PathAccess` when nothing can be written there.
+    /// Nothing is written yet. Throws RunTimeError `PathAccess` for a path that can't be one.
     explicit ZipWriter(const QString& path);
     /// What isn't finished leaves no file.
     ~ZipWriter();
@@ -26,8 +26,8 @@ public:
     /// The first `size` bytes of a file.
     void AddFile(const QString& name, const QString& path, qint64 size);
     /// Writes all, with a text at the file's very end. `told` is called now and then with the share
-    /// that is written, 0 to 1, and ends the work by false. Throws RunTimeError `DiskFull` or
-    /// `DeviceIo`, and BackgroundTask::Ended.
+    /// that is written, 0 to 1, and ends the work by false. Throws RunTimeError `PathAccess`,
+    /// `DiskFull` or `DeviceIo`, and BackgroundTask::Ended.
     void Finish(const QByteArray& comment, const std::function<bool(double)>& told);
 
 private:

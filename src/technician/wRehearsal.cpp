@@ -6,7 +6,6 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/FormNames.h"
-#include "core/Message.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
 #include "screens/dialogs/wHelp.h"
@@ -49,7 +48,6 @@ constexpr int SwitchOn = 718122;
 constexpr int OnlyShows = 718141;
 constexpr int NothingPlayed = 718142;
 constexpr int IsOffText = 718143;
-constexpr int EndTheRehearsal = 718022;
 
 /// Found again when an alarm has taken the screen away.
 struct Choice {
@@ -85,7 +83,7 @@ wRehearsal::wRehearsal()
         if (SimulatedPlant* plant = SimulatedPlant::Current())
             plant->PressAcknowledge(choice.panel);
     });
-    OnClick(ui_->cmdEnd, [this] { cmdEnd_Click(); });
+    OnClick(ui_->cmdEnd, [] { EndRehearsal(); });
     const ConfigClass& site = Global::Configuration();
     for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
         if (site.Panel(number).Active() && site.Panel(number).Model() != Models::None)
@@ -235,9 +233,4 @@ void wRehearsal::cmdModule_Click() {
     if (SimulatedPlant* plant = SimulatedPlant::Current())
         plant->setOff(choice.panel, !plant->IsOff(choice.panel));
     ShowPanel();
-}
-
-void wRehearsal::cmdEnd_Click() {
-    if (Message(GetText(EndTheRehearsal), Messages::Question | Messages::OkCancel) == Messages::Ok)
-        EndProgram();
 }

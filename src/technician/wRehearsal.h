@@ -39,7 +39,6 @@ private:
     void imgChannel_Click(int index);
     void optContact_Click(int index);
     void cmdModule_Click();
-    void cmdEnd_Click();
 
     std::unique_ptr<Ui::wRehearsal> ui_;
     QFrame* shpSelection_ = nullptr;

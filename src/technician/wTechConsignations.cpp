@@ -43,12 +43,13 @@ constexpr int DeleteIt = 30007;
 /// Of the line below the lists.
 enum Detail {
     NoReason = 850103,
-    ForEver = 850108,
-    SinceWhom = 850111,
+    Since = 850111,
     Until,
     UnknownTime,
     Nobody,
-    TouchALine
+    TouchALine,
+    ByWhom,
+    NoEnd
 };
 constexpr int FirstColumn = 840010;
 constexpr int MinuteLetters = 5;
@@ -85,16 +86,19 @@ OutOfService::Entry Remembered(const Thing& thing) {
     return entry && entry->IsOut() ? *entry : OutOfService::Entry();
 }
 
+/// A sentence about something, or another one when that isn't known.
+QString Said(int text, const QString& what, int otherwise) {
+    return what.isEmpty() ? GetText(otherwise) : GetText(text).replace(u'$', what);
+}
+
 /// Since when, who, until when, and the reason on a line of its own.
 QString DetailOf(const Thing& thing) {
     const OutOfService::Entry entry = Remembered(thing);
-    const QString since = entry.since == 0 ? QString() : Minutes(entry.since);
-    const QString until =
-        entry.until == 0 ? GetText(ForEver) : GetText(Until).replace(u'$', Minutes(entry.until));
-    return GetText(SinceWhom)
-               .replace(QStringLiteral("$1"), OrElse(since, UnknownTime))
-               .replace(QStringLiteral("$2"), OrElse(entry.who, Nobody)) +
-           QStringLiteral(", ") + until + u'\n' + OrElse(entry.why, NoReason);
+    const auto time = [](DateTime when) { return when == 0 ? QString() : Minutes(when); };
+    return QStringList{Said(Since, time(entry.since), UnknownTime), Said(ByWhom, entry.who, Nobody),
+                       Said(Until, time(entry.until), NoEnd)}
+               .join(QStringLiteral(", ")) +
+           u'\n' + OrElse(entry.why, NoReason);
 }
 
 QString ReasonText(const QString& why, int minutes) {

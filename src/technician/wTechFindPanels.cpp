@@ -366,8 +366,11 @@ bool wTechFindPanels::Differs() const {
 }
 
 bool wTechFindPanels::Take() {
-    for (int panel = 1; panel <= PanelCount; ++panel)
-        CopySettings(Global::Configuration().Panel(panel), copies_[size_t(panel)]);
+    // What wasn't touched stays as it is now: a panel may have come back into service meanwhile.
+    for (int panel = 1; panel <= PanelCount; ++panel) {
+        if (copies_[size_t(panel)].Modified())
+            CopySettings(Global::Configuration().Panel(panel), copies_[size_t(panel)]);
+    }
     if (auto* list = dynamic_cast<wBusModules*>(Forms::Find(FormNames::wBusModules)))
         list->HabillePanneaux();
     SaveSite();

@@ -57,7 +57,6 @@ constexpr int SentToAll = 810144;
 /// Words of `TraceCopy::State`.
 constexpr int FirstCopyState = 810151;
 
-constexpr int BeginIt = 718010;
 constexpr int StopTheBus = 718011;
 constexpr int NothingToPlay = 718012;
 
@@ -362,8 +361,7 @@ void wTechnician::cmdRehearse_Click() {
         Message(GetText(running ? StopTheBus : NothingToPlay), Messages::Critical);
         return;
     }
-    if (Message(GetText(BeginIt), Messages::Warning | Messages::OkCancel) == Messages::Ok)
-        BeginRehearsal();
+    BeginRehearsal();
 }
 
 void wTechnician::mwPolling_PollDone() {

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <random>
 #include <sys/wait.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -142,6 +143,28 @@ TEST_F(OutOfServiceEngine, AtTheEndOfItsTimeAThingComesBackByWhateverClock) {
     EXPECT_TRUE(OutOfService::IsOut(Pump));
     Pass(8 * Hour);
     EXPECT_EQ(Lines(Text("P12")).mid(5), QStringList(automatic));
+}
+
+// Swallowed when it came: nobody has heard of it.
+TEST_F(OutOfServiceEngine, AnAlarmThatStandsAtTheReturnIsTold) {
+    Take({3, 7}, {}, OutOfService::Shift);
+    for (const OutOfService::Thing& thing : {OutOfService::Thing{3, 8}, {3, 9}, Pump})
+        Take(thing);
+    for (const auto& [panel, channel, state] :
+         {std::tuple(3, 7, 4), std::tuple(3, 8, 1), std::tuple(3, 9, 0), std::tuple(12, 7, 1)}) {
+        EventClass event(qint16(panel), qint16(channel), 0, qint16(state));
+        engine->SendEvent(event);
+    }
+    // The display module shows what others report.
+    OutOfService::Apply({{{3, 8}, false}, {{3, 9}, false}, {Pump, false}});
+    Pass(1000);
+    Pass(8 * Hour);
+    // The channel stays out in the site that is left.
+    Take({3, 8});
+    OutOfService::LeaveSite();
+    Pass(1000);
+    events.removeIf([](const EventClass& event) { return event.Chnl() == Family::System; });
+    EXPECT_EQ(Fields(events), TextList({"3/8 0 1 -1", "3/7 0 4 -1"}));
 }
 
 TEST_F(OutOfServiceEngine, ARestartKeepsWhatIsOutAndTellsWhatIsOver) {

@@ -155,14 +155,16 @@ TEST_F(BusPanneauTest, AnotherModelLeavesTheMirrorsAtOnce) {
 
 TEST_F(BusPanneauTest, WhatTheBusFoundOutMeanwhileStays) {
     PanelClass& panel = AddPanel(1, 1);
+    panel.setActive(false);
     Open(1);
     Set(ScreenText, "Pump");
     panel.Channel(1).setState(5);
     panel.setPresent(false);
+    panel.setActive(true);
     answer = Messages::Yes;
     Press("imgNavPanel", 2);
     EXPECT_EQ(panel.Channel(1).ScreenText(), "Pump");
-    EXPECT_TRUE(panel.Channel(1).State() == 5 && !panel.Present());
+    EXPECT_TRUE(panel.Channel(1).State() == 5 && !panel.Present() && panel.Active());
     EXPECT_EQ(Shown("lblNumModule_0"), "2");
 }
 

@@ -51,6 +51,17 @@ TEST_F(SysForwardTest, WhatIsEditedIsKeptOverAnAlarmAndInUseOnlyWhenItIsTaken) {
     Tap(Form, "chkSyslog");
     Press("imgControl", 0);
     EXPECT_TRUE(Find<QAbstractButton>(Form, "chkSyslog")->isChecked());
+    for (const char* folder : {"a", "b"}) {
+        QDir().mkpath(Path(folder));
+        QFile file(Path(folder) + "/x.pem");
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(folder);
+    }
+    taken.server.authority = Path("a/x.pem");
+    taken.server.certificate = Path("b/x.pem");
+    taken.KeepFiles();
+    EXPECT_NE(taken.server.authority, taken.server.certificate) << "of one name";
+    EXPECT_EQ(QFileInfo(taken.server.certificate).path(), Path("Certificates"));
     Tap(Form, "chkSyslog");
     Press("imgControl", 1);
     EXPECT_EQ(Shown("lblState"), GetText(717020));

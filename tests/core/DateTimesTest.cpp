@@ -2,6 +2,7 @@
 
 #include "support/PrintText.h"
 
+#include <ctime>
 #include <gtest/gtest.h>
 
 namespace {
@@ -38,6 +39,26 @@ TEST_F(Dates, WhatIsWrittenIsReadBack) {
                         when - std::floor(when), 1e-9);
         }
     }
+}
+
+// An end may be reckoned into the hour that the change to summer time leaves out.
+TEST_F(Dates, AKeptTimeIsReadBackInAnyZone) {
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "Europe/Paris");
+    tzset();
+    for (const QDate& date : {QDate(2026, 3, 29), QDate(2026, 10, 25), QDate(1999, 12, 31)}) {
+        const DateTime when = DateTimes::FromDate(date, QTime(2, 30, 9));
+        const QString text = DateTimes::KeptTime(when);
+        EXPECT_EQ(text, date.toString(Qt::ISODate) + Text(" 02:30:09"));
+        EXPECT_EQ(DateTimes::FromKept(text), when);
+    }
+    for (const char* text : {"", "2026-02-30 02:30:00", "2026-03-29", "29.03.2026 02:30:00"})
+        EXPECT_FALSE(DateTimes::FromKept(Text(text))) << text;
+    if (zone.isNull())
+        qunsetenv("TZ");
+    else
+        qputenv("TZ", zone);
+    tzset();
 }
 
 // Lines written before the locale was changed must not turn into other dates.

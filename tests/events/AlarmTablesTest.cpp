@@ -29,8 +29,8 @@ protected:
         history.PutAlarm(12, 8, noon - 3600, 130, 600);
         history.Put({2, 255, 1, 0}, noon - 1800);
     }
-    AlarmTables Reckon(Unit unit = Unit::Day) {
-        const AlarmPeriod period(unit, noon);
+    AlarmTables Reckon(Unit unit = Unit::Day, int daysAgo = 0) {
+        const AlarmPeriod period = AlarmPeriod(unit, noon).Next(-daysAgo);
         AlarmReport report(period);
         records.Begin(AlarmReport::ReadFrom(period), AlarmReport::ReadTo(period));
         while (!records.Step(0)) {
@@ -62,7 +62,7 @@ TEST_F(AlarmTablesTest, FiguresAndListsOfADay) {
     EXPECT_EQ(Figure(tables, 715035), "12 !");
     EXPECT_EQ(Figure(tables, 715025), "1 (0:11:45)") << "until four are left of ten minutes";
     EXPECT_EQ(Figure(tables, 715036), "0:00:05");
-    EXPECT_EQ(Figure(tables, 715038), "1");
+    EXPECT_EQ(Figure(tables, 715038), "0") << "the loss of a panel waits for nobody";
     EXPECT_EQ(Figure(tables, 715041), "none");
     WriteFile("Histo202402.his", "torn\r\n");
     EXPECT_EQ(Figure(Reckon(), 715041), "1");
@@ -75,6 +75,9 @@ TEST_F(AlarmTablesTest, FiguresAndListsOfADay) {
     ASSERT_EQ(tables.Stale().rows.size(), 1);
     EXPECT_EQ(tables.Stale().rows[0].mid(0, 4),
               QStringList({"P02-C09", "2024-03-12 12:00:00", "still standing", "72:00:00"}));
+    EXPECT_EQ(Reckon(Unit::Day, 2).Stale().rows[0].mid(2, 2),
+              QStringList({"> 2024-03-15 00:00:00", "> 60:00:00"}))
+        << "what became of it later isn't looked for";
     ASSERT_EQ(tables.Floods().rows.size(), 1);
     EXPECT_EQ(tables.Floods().rows[0][0], "2024-03-15 10:00:00");
 }
@@ -105,8 +108,30 @@ TEST_F(AlarmTablesTest, FileForASpreadsheet) {
                                "Alarms;14;\r\n"))
         << csv.data();
     EXPECT_TRUE(csv.contains("P12-C07;12;85.7;\"Überdruck Kessel; \"\"Nord\"\"\"\r\n"));
+    {
+        HistoryWriter history;
+        for (int i = 0; i < 600; ++i)
+            history.Put({12, 8, 0, 1}, noon - 1);
+    }
+    EXPECT_TRUE(ReportText::Csv(Reckon().All()).contains(";1228.0;")) << "no thousands divided";
     const ReportTable formula{"t", {{"a", 1, false}}, {{"=1+1"}, {"-"}, {"two\nlines"}}};
     EXPECT_EQ(ReportText::Csv({formula}).mid(3), "t\r\na\r\n'=1+1\r\n-\r\n\"two\nlines\"\r\n\r\n");
+}
+
+/// Each that is listed is looked up in its file, in one go.
+TEST_F(AlarmTablesTest, ListsHaveAnEnd) {
+    const AlarmPeriod year(Unit::Year, noon);
+    AlarmReport report(year);
+    for (int i = 0; i < 1400; ++i) {
+        const quint8 panel = 1 + i % 64;
+        const quint8 channel = 1 + i / 64;
+        report.Take({year.Begin() + i, 0, 0, 0, panel, channel, EventKind::Active, true, false});
+    }
+    report.Finish(noon);
+    const AlarmTables tables(report, records);
+    EXPECT_EQ(tables.Stale().rows.size(), 1000);
+    EXPECT_EQ(tables.Stale().more, 400);
+    EXPECT_EQ(Figure(tables, 715024), "1400");
 }
 
 TEST_F(AlarmTablesTest, PrintedInTheWidthOfThePaper) {
@@ -127,6 +152,9 @@ TEST_F(AlarmTablesTest, PrintedInTheWidthOfThePaper) {
     for (int i = 0; i < 60; ++i)
         many.rows += {QString::number(i), "x"};
     const QStringList cut = ReportText::Lines({many}, 40);
-    EXPECT_EQ(cut.size(), 4 + ReportText::MostRows + 2);
+    EXPECT_EQ(cut.size(), 4 + ReportText::PrintedRows + 2);
     EXPECT_EQ(cut[cut.size() - 2], "and 10 more");
+    many.more = 100;
+    EXPECT_EQ(ReportText::Lines({many}, 40).at(cut.size() - 2), "and 110 more");
+    EXPECT_TRUE(ReportText::Csv({many}).endsWith("59;x\r\nand 100 more\r\n\r\n"));
 }

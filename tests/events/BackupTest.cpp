@@ -25,6 +25,7 @@ protected:
         WriteFile("Histo202401.his", "january\r\n");
         WriteFile("Histo202402.his", "february\r\n");
         WriteFile("AlarmSound5.wav", "RIFF");
+        WriteFile("ALARM.WAV", "RIFF");
         WriteFile("own.prt", "[Styles]");
         WriteFile("korvanelle.ini",
                   "[General]\r\nLastEvent=40\r\nNoResize=0\r\nLanguage=2\r\n[Files]\r\nLastUsed=" +
@@ -55,7 +56,7 @@ protected:
     int Refusal(const QByteArray& bytes) {
         WriteFile("refused.zip", bytes);
         try {
-            Restore::Drop(Stage(Path("refused.zip")));
+            Stage(Path("refused.zip"));
             return 0;
         } catch (const platform::RunTimeError& error) {
             EXPECT_EQ(Stages(), QStringList());
@@ -83,8 +84,12 @@ protected:
 } // namespace
 
 TEST_F(BackupTest, RefusesWhatIsCutAlteredOrForeign) {
+    const QString own = Backup::FileName(clock.Now(), true) + ".tmp.Xy12ab";
+    for (const QString& left : {own, QString("Korvanelle-other-20240317-020000.zip.tmp.Xy12ab")})
+        EXPECT_TRUE(QFile(Stick() + u'/' + left).open(QIODevice::WriteOnly));
     const QString path = MakeBackup();
-    EXPECT_EQ(OnStick().size(), 1);
+    EXPECT_EQ(OnStick().size(), 2) << "another machine's is on its way";
+    EXPECT_FALSE(OnStick().contains(own));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray whole = file.readAll();
@@ -129,13 +134,19 @@ TEST_F(BackupTest, MovesAMachineOntoAnother) {
     EXPECT_EQ(plan.TargetsOf("history", Restore::Effect::Beside), QStringList{"Histo202402R1.his"});
     EXPECT_EQ(plan.TargetsOf("sounds", Restore::Effect::Replaced), QStringList{"AlarmSound5.wav"});
     Restore::Commit(plan, true);
+    // The month of a line that comes meanwhile, and its number.
+    WriteFile("Histo202401.his", "line\r\n");
+    IniWrite("General", "LastEvent", "41");
     EXPECT_TRUE(Restore::Complete());
+    EXPECT_EQ(BytesOf("Histo202401.his"), "line\r\n");
+    ASSERT_TRUE(QFile::remove(Path("Histo202401.his")));
+    ASSERT_TRUE(QFile::rename(Path("Histo202401R1.his"), Path("Histo202401.his")));
     EXPECT_EQ(BytesOf("korvanelle.dat"), site);
     EXPECT_EQ(BytesOf("Histo202402.his"), "another february\r\n");
     EXPECT_EQ(BytesOf("Histo202402R1.his"), "february\r\n");
     EXPECT_EQ(BytesOf("own.prt"), "[Styles]");
     EXPECT_EQ(QFileInfo(Path("Histo202401.his")).lastModified(), written);
-    EXPECT_EQ(IniRead("General", "LastEvent", ""), "40");
+    EXPECT_EQ(IniRead("General", "LastEvent", ""), "41");
     EXPECT_EQ(IniRead("General", "Language", ""), "2");
     EXPECT_EQ(IniRead("General", "NoResize", ""), "1");
     EXPECT_EQ(IniRead("Ports", "COM3", ""), "/dev/new");
@@ -156,9 +167,15 @@ TEST_F(BackupTest, IsAllOrNothingOverAKill) {
     BecomeAnother();
     const auto before = Content();
     Stage(path);
+    EXPECT_EQ(Stages(), QStringList()) << "nobody waits for it";
+    EXPECT_TRUE(QDir().mkdir(Path("Restore.stage7")));
     EXPECT_FALSE(Restore::CompleteAtStart());
     EXPECT_EQ(Content(), before);
     EXPECT_EQ(Stages(), QStringList());
+    platform::OverrideSpace(platform::Space{5'000'100, 100'000'000});
+    EXPECT_THROW(Stage(path), platform::RunTimeError) << "no room for what the watch writes";
+    EXPECT_EQ(Stages(), QStringList());
+    platform::OverrideSpace(platform::Space{50'000'000, 100'000'000});
 
     const auto Names = [&] { return Content().keys(); };
     Restore::Commit(Stage(path), false);
@@ -220,5 +237,23 @@ TEST_F(BackupTest, IsMadeOnItsDayAndTheLastFourStay) {
     platform::OverrideVolumes(QList<platform::Volume>{{"STICK", Stick()}});
     Look();
     EXPECT_FALSE(Faults::Stands(Faults::Kind::NoBackup));
+    // What fails is told until one is good, whoever made it.
+    clock.Set(clock.Now() + 7);
+    QFile::remove(Path("korvanelle.dat"));
+    EXPECT_TRUE(QDir().mkdir(Path("korvanelle.dat")));
+    Look();
+    EXPECT_TRUE(Faults::Stands(Faults::Kind::NoBackup));
+    EXPECT_TRUE(QDir().rmdir(Path("korvanelle.dat")));
+    WaitFor(*new BackupJob(Stick(), false, &schedule));
+    schedule.Look();
+    EXPECT_FALSE(Faults::Stands(Faults::Kind::NoBackup));
+    // A clock that was years ahead stops nothing, and drops no backup in favour of its own.
+    clock.Set(2024, 1, 7, 3);
+    EXPECT_TRUE(Backup::IsOverdue());
+    schedule.Look();
+    WaitFor(*BackupJob::Current());
+    EXPECT_TRUE(QFile::exists(BackupJob::Current()->Path()));
+    EXPECT_EQ(Backup::Last(), clock.Now());
+    EXPECT_EQ(OnStick().filter("-auto").size(), Backup::KeptAutomatic);
     EXPECT_TRUE(boxes.isEmpty());
 }

@@ -69,11 +69,14 @@ protected:
 
 TEST_F(Forwarding, ALineHoldsTheEventEscapedAndMarked) {
     Site().Panel(12).Channel(7).setScreenText(Text("Größe \"a\\b]\"\r\nc"));
+    // The first of two hours of that name.
+    clock.Set(2026, 10, 25, 2, 30);
+    clock.setOffsetFromUtc(7200);
     EventClass event = Event(123456);
     event.setClock(77);
     const QString line = QString::fromUtf8(SyslogLine::Format(SyslogLine::EntryOf(event)));
     const QRegularExpression pattern(
-        "^<130>1 2024-03-15T12:00:00\\.000(Z|[+-]\\d\\d:\\d\\d) \\S+ korvanelle \\d+ ACTIVE "
+        "^<130>1 2026-10-25T02:30:00\\.000\\+02:00 \\S+ korvanelle \\d+ ACTIVE "
         "\\[event@32473 panel=\"12\" channel=\"7\" kind=\"ACTIVE\" number=\"123456\" param=\"0\" "
         "clock=\"77\" common=\"[^\"]*\" specific=\"Größe \\\\\"a\\\\\\\\b\\\\\\]\\\\\"  c\"\\] "
         "\uFEFFP12-C07 .*Größe \"a\\\\b\\]\"  c$");
@@ -119,8 +122,11 @@ TEST_F(Forwarding, AnEntryIsInDoubtUntilTheConnectionHasStoodLonger) {
     EXPECT_EQ(Waiting(), 1) << "the last one isn't with the server's machine";
     server->unsent = 0;
     Pass(2);
+    clock.Advance(90000);
+    forwarder->Tick();
+    EXPECT_EQ(Fault(), "none") << "while nobody looked";
     server->Fail(LogServerError::Closed);
-    EXPECT_EQ(Waiting(), 1);
+    EXPECT_EQ(Waiting(), 1) << "who knows for how long it stood";
     Send(4, 4);
     Pass(1);
     server->Accept();
@@ -164,7 +170,26 @@ TEST_F(Forwarding, TriesGrowRareAndAMinuteOutOfReachIsAFault) {
 }
 
 TEST_F(Forwarding, WhatIsDroppedIsAFaultAndALine) {
+    ASSERT_TRUE(QFile(Path("Forward")).open(QIODevice::WriteOnly));
     SwitchOn();
+    server->Accept();
+    Send(1, 2);
+    Pass(1);
+    EXPECT_EQ(Fault(), "0 (-2)") << "no folder to write to";
+    QFile::remove(Path("Forward"));
+    Pass(1);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(server->taken.contains("EVENTS-LOST - \xEF\xBB\xBF"
+                                       "2 EVENTS"));
+    for (int number = 1; number <= 6; ++number) {
+        Send(number, number);
+        Pass(1);
+    }
+    EXPECT_GT(Waiting(), 0);
+    EXPECT_EQ(Fault(), "none") << "the line is through, though events go on";
+    Pass(4);
+    server->taken.clear();
+    server->Fail(LogServerError::Closed);
     Send(1, 100);
     Pass(1);
     const qsizetype kept = Waiting();
@@ -217,4 +242,15 @@ TEST_F(Forwarding, AJournalThatStandsStillHoldsUpNothingAndLosesNothing) {
     Send(1, 3);
     Pass(61);
     EXPECT_EQ(Fault(), "3");
+    SwitchOn(true, true);
+    server->Accept();
+    for (int second = 0; second < 61; ++second) {
+        Send(second, second);
+        Pass(1);
+    }
+    EXPECT_NE(Fault(), "none") << "though the server gets all";
+    SwitchOn(true, false);
+    server->Accept();
+    Pass(4);
+    EXPECT_EQ(Fault(), "none") << "nothing waits for what is off";
 }

@@ -114,6 +114,15 @@ TEST_F(HistoryRecordsTest, DatesAsAnyLocaleWritesThem) {
                                         Seconds(2024, 3, 4, 10, 11, 12)}))
             << "the month of the file tells which number is the day";
     }
+    // Another locale wrote the former months: the 2nd of January comes before the 1st of February.
+    WriteFile("Histo202401.his", Line("01/02/2024 10:11:12"));
+    WriteFile("Histo202402.his", Line("02/01/2024 10:11:12"));
+    DateTimes::ReadLocale(QLocale("fr_FR"));
+    QList<qint64> times;
+    for (const HistoryRecord& record : Read({2024, 1, 1}, {2024, 2, 29}))
+        times += record.time;
+    EXPECT_EQ(times,
+              QList<qint64>({Seconds(2024, 1, 2, 10, 11, 12), Seconds(2024, 2, 1, 10, 11, 12)}));
     DateTimes::ReadLocale(QLocale::c());
 }
 

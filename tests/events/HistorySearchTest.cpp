@@ -6,6 +6,7 @@
 #include "events/HistoryCsv.h"
 #include "events/HistoryState.h"
 #include "model/Models.h"
+#include "model/OutOfService.h"
 #include "platform/CodePage.h"
 #include "support/Bench.h"
 
@@ -102,6 +103,11 @@ TEST_F(HistorySearchTest, EachFieldChoosesAndAllTogether) {
     EXPECT_EQ(search.RowOf(7), -1);
     EXPECT_TRUE(platform::FromCodePage(search.Line(0)).contains("Vanne 3"));
     EXPECT_EQ(search.Line(0).size(), 138);
+    Global::Get().userName = "Eva";
+    Global::Get().userLevel = 1;
+    OutOfService::Apply({{{1, 7}, true}});
+    Write({1, 254, 7, 7});
+    EXPECT_EQ(Found([](auto& f) { f.user = "Eva"; }), Places({9})) << "took it out of service";
 }
 
 TEST_F(HistorySearchTest, WordsStandAnywhereInTheLine) {
@@ -152,18 +158,38 @@ TEST_F(HistorySearchTest, WhatWasReadIsKeptUntilTheFilesGrow) {
 
 TEST_F(HistorySearchTest, AnAlarmIsFollowedFromAnyOfItsLines) {
     using enum EventKind;
-    auto records = Records({Normal, Active, FirstFault, PanelLost, Acknowledged, Normal, Normal,
-                            PanelPresent, CableFault, Normal, LampsAcknowledged, SecondFault,
-                            Active, Active, Active, Normal, Normal});
+    auto records = Records({Normal,
+                            Active,
+                            FirstFault,
+                            PanelLost,
+                            Acknowledged,
+                            Normal,
+                            Normal,
+                            PanelPresent,
+                            CableFault,
+                            Normal,
+                            LampsAcknowledged,
+                            SecondFault,
+                            Active,
+                            Active,
+                            Active,
+                            Normal,
+                            Normal,
+                            FirstFault,
+                            Active,
+                            FirstFault,
+                            Normal});
     records[13].isSynchro = true; // known to stand
     records[16].isChange = false; // the alarm's own end
+    // A module that only shows states: acknowledged, and come again.
+    records[17].isChange = records[19].isChange = true;
     const struct {
         std::vector<size_t> lines;
         std::optional<size_t> coming, acknowledged, going;
-    } courses[] = {{{0}, {}, {}, {}},         {{1, 2, 4, 5, 6}, 1, 4, 5},
-                   {{3, 7}, 3, {}, 7},        {{8, 9}, 8, 10, 9},
-                   {{10}, {}, {}, {}},        {{11, 12, 13}, 11, {}, {}},
-                   {{14, 15, 16}, 14, 16, 15}};
+    } courses[] = {
+        {{0}, {}, {}, {}},          {{1, 2, 4, 5, 6}, 1, 4, 5}, {{3, 7}, 3, {}, 7},
+        {{8, 9}, 8, 10, 9},         {{10}, {}, {}, {}},         {{11, 12, 13}, 11, {}, {}},
+        {{14, 15, 16}, 14, 16, 15}, {{17, 18}, 17, 18, {}},     {{19, 20}, 19, {}, 20}};
     for (const auto& expected : courses) {
         for (const size_t line : expected.lines) {
             SCOPED_TRACE(line);

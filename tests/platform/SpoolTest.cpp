@@ -107,9 +107,13 @@ TEST_F(SpoolTest, TheOldestSegmentMakesRoomAndIsCounted) {
     for (const QString& name : QDir(folder.path()).entryList(QDir::Files))
         QFile::remove(folder.filePath(name));
     Reopen();
-    Append(1, 2);
-    QFile::remove(Segment(0));
-    Append(3, 3);
-    EXPECT_EQ(spool->TakeLost(), 2);
-    EXPECT_EQ(Rest(), Range(3, 3));
+    Append(1, 4);
+    EXPECT_EQ(Rest(), Range(1, 4));
+    const Spool::Place four = spool->ReadTo();
+    QFile::remove(Segment(1));
+    Append(5, 5);
+    EXPECT_EQ(spool->TakeLost(), 4);
+    spool->Confirm(four);
+    EXPECT_EQ(spool->Waiting(), 1) << "no place in what is gone";
+    EXPECT_EQ(Rest(), Range(5, 5));
 }

@@ -98,23 +98,26 @@ TEST_F(HistorySearchScreenTest, TheFilterStandsInWordsAndOneTouchClearsIt) {
     EXPECT_FALSE(Child(Search, "imgClear")->isEnabled());
     Choose("imgFilter_1", "12 Boiler house");
     EXPECT_EQ(Told(), "3 of 105 lines");
+    Write({12, 8, 0, 1}, 60);
+    Choose("imgFilter_1", "12 Boiler house");
+    EXPECT_EQ(Told(), "4 of 106 lines") << "the same again, with what was written since";
     Choose("imgFilter_2", "07 Feed pump");
     Choose("imgFilter_3", "Acknowledgements");
-    EXPECT_EQ(Told(), "1 of 105 lines");
+    EXPECT_EQ(Told(), "1 of 106 lines");
     EXPECT_TRUE(Filter().endsWith("Panel 12 Boiler house \u00B7 Channel 07 Feed pump \u00B7 "
                                   "Acknowledgements"))
         << Filter().toStdString();
     Choose("imgFilter_4", "Ole");
-    EXPECT_EQ(Told(), "0 of 105 lines");
+    EXPECT_EQ(Told(), "0 of 106 lines");
     EXPECT_TRUE(Child(Search, "txtNoAlarm")->isVisible());
     Touch("imgClear");
-    EXPECT_EQ(Told(), "105 of 105 lines");
+    EXPECT_EQ(Told(), "106 of 106 lines");
     script.On("dlgKeyboard", [] {
         Find<QLineEdit>("dlgKeyboard", "txtValue_0")->setText("FEED pump");
         Tap("dlgKeyboard", "imgControl_1");
     });
     Touch("imgFilter_5");
-    EXPECT_EQ(Told(), "3 of 105 lines");
+    EXPECT_EQ(Told(), "3 of 106 lines");
     // Another panel has other channels.
     Choose("imgFilter_2", "07");
     Choose("imgFilter_1", "01");
@@ -140,6 +143,19 @@ TEST_F(HistorySearchScreenTest, ATouchShowsTheChannelAndOneMoreLeadsBack) {
     Tap(Search, "imgControl_9");
     TouchRow(Grid().Position().Current() - Grid().Position().First());
     EXPECT_FALSE(Child(Search, "imgBack")->isVisible()) << "the system has no channel";
+}
+
+TEST_F(HistorySearchScreenTest, AFileThatIsPurgedMeanwhile) {
+    WriteFile("Histo202402.his", QByteArray("2024-02-20 10:00:00").leftJustified(138) + "\r\n");
+    Open();
+    EXPECT_EQ(Told(), "106 of 106 lines");
+    Tap(Search, "imgControl_4");
+    QFile::remove(Path("Histo202402.his"));
+    TouchRow(0);
+    Touch("imgBack");
+    EXPECT_EQ(Told(), "105 of 105 lines");
+    Tap(Search, "imgControl_9");
+    EXPECT_EQ(Current(), "SYSTEM ");
 }
 
 TEST_F(HistorySearchScreenTest, StepsFromTheComingOfAnAlarmToItsGoing) {
@@ -175,7 +191,8 @@ TEST_F(HistorySearchScreenTest, DaysAreChosenOnCalendars) {
     });
     Touch("imgFilter_0");
     EXPECT_EQ(Told(), "106 of 106 lines");
-    EXPECT_TRUE(Filter().startsWith("2024-01-01 \u2013 2024-03-16"));
+    EXPECT_TRUE(Filter().startsWith("2024-01-01 \u2013 2024-03-31"))
+        << "lines of a clock that was set back since are among them";
     script.On(Period, [] {
         // The later day first.
         Tap(Period, "imgMonth_1");
@@ -232,7 +249,17 @@ TEST_F(HistorySearchScreenTest, WhatIsShownGoesToAStick) {
     Save("imgExport_1");
     AlarmComes();
     EXPECT_EQ(QDir(Path("stick")).entryList(QDir::Files), QStringList("History20240315.csv"));
+    clock.Set(2024, 3, 16);
     Open();
-    EXPECT_TRUE(Filter().endsWith("Panel 01"));
+    EXPECT_TRUE(Filter().endsWith("2024-03-16 \u00B7 Panel 01")) << Filter().toStdString();
     EXPECT_TRUE(boxes.isEmpty());
+
+    // What leaves the machine takes an operator's code.
+    Site().setUserCount(1);
+    Site().setUserLevel(1, 1);
+    Site().setUserPwd(1, "A1");
+    script.On("dlgUserCodes", [] { Tap("dlgUserCodes", "imgControl_0"); });
+    Tap(Search, "imgExport_0");
+    EXPECT_EQ(QDir(Path("stick")).entryList(QDir::Files), QStringList("History20240315.csv"));
+    EXPECT_FALSE(Child(Search, "imgStop")->isVisible());
 }

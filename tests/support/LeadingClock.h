@@ -14,6 +14,7 @@ public:
     LeadingClock& operator=(const LeadingClock&) = delete;
 
     DateTime Now() const override { return machine_.Now() + lead_; }
+    int OffsetFromUtc() const override { return machine_.OffsetFromUtc(); }
     qint64 MonotonicMs() const override { return machine_.MonotonicMs(); }
     void Sleep(int milliseconds) override { machine_.Sleep(milliseconds); }
     void Lead(DateTime time) { lead_ += time; }

@@ -3,6 +3,7 @@
 #include "bus/BusDiagnosis.h"
 #include "config_screens/backup/RestoreRun.h"
 #include "core/FormNames.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "events/Backup.h"
 #include "platform/Volumes.h"
@@ -13,6 +14,7 @@
 #include "support/Script.h"
 
 #include <QDir>
+#include <QLabel>
 
 namespace {
 
@@ -142,23 +144,42 @@ TEST_F(BackupRoad, AnAlarmEndsWhatIsUnderWay) {
     ASSERT_TRUE(Until([] { return BackupJob::Current()->Outcome() != BackupJob::State::Running; }));
     EXPECT_EQ(BackupJob::Current()->Outcome(), BackupJob::State::Stopped);
     EXPECT_EQ(OnStick().size(), 1);
+    OpenBackup();
+    EXPECT_EQ(Find<QLabel>(FormNames::wBackup, "lblTold")->text(), GetText(716083));
 }
 
-// A machine that was never set up offers it on its first screen.
+// A machine that was never set up offers it on its first screen. A folder in the place of a file
+// stands for a disk that fails.
 TEST_F(BackupRoad, ANewMachineBecomesTheOneThatDied) {
+    const QString sound = folder.Path("AlarmSound5.wav");
+    EXPECT_TRUE(QFile(sound).open(QIODevice::WriteOnly));
     OpenBackup();
+    Rehearsal::Override(true);
+    Tap(FormNames::wBackup, "imgControl_0");
+    Rehearsal::Override(false);
+    EXPECT_EQ(boxes, QStringList(GetText(716095)));
     BackUp();
     Tap(FormNames::wBackup, "imgNavig_0");
     EXPECT_FALSE(Find(FormNames::wMain, "imgRestore")->isVisible());
     Forms::Unload(FormNames::wMain);
     Global::setConfiguration(std::make_unique<ConfigClass>());
-    for (const char* name : {"korvanelle.ini", "korvanelle.dat", "plant.kv2"})
+    for (const char* name : {"korvanelle.ini", "korvanelle.dat", "plant.kv2", "AlarmSound5.wav"})
         QFile::remove(folder.Path(name));
     Forms::Show(FormNames::wMain);
     Tap(FormNames::wMain, "imgRestore");
     ASSERT_TRUE(Until([] { return AllVerified(1); }));
     ProposeFirst();
+    EXPECT_TRUE(QDir().mkdir(folder.Path("Restore.list")));
     Tap(FormNames::wSiteCompare, "imgRestore");
+    EXPECT_TRUE(boxes.last().endsWith(GetText(716094).section(u'$', 1))) << "nothing has changed";
+    EXPECT_EQ(Site().Panel(1).Title(), "");
+    EXPECT_TRUE(QDir().rmdir(folder.Path("Restore.list")) && QDir().mkdir(sound));
+    Tap(FormNames::wSiteCompare, "imgRestore");
+    EXPECT_TRUE(boxes.last().endsWith(GetText(716090).section(u'$', 1)))
+        << "the next start goes on";
+    EXPECT_EQ(NbInstances(FormNames::wSiteCompare), 0);
+    EXPECT_TRUE(QDir().rmdir(sound) && Restore::CompleteAtStart() && Stages().isEmpty());
+    EXPECT_TRUE(QFile::exists(sound));
     EXPECT_EQ(Site().Panel(1).Title(), "Boiler house");
     EXPECT_FALSE(Find(FormNames::wMain, "imgRestore")->isVisible());
     EXPECT_FALSE(engine->Run());

@@ -44,20 +44,24 @@ TEST_F(RehearsalRoad, BeginsBesideAStoppedBusAlone) {
 }
 
 TEST_F(RehearsalRoad, PlaysThePolledPanelsOfTheSite) {
-    Site().Panel(1).setTitle("Kälte \"1\"");
     Site().Panel(2).setModel(Models::P5500);
     Site().Panel(3).setActive(true);
     const auto scenario = Sim::ParseScenario(SimulatedSite::ScenarioOf(Site()).toStdString());
     ASSERT_EQ(scenario.modules.size(), 2U);
-    EXPECT_EQ(scenario.modules[0].title, "K\xC3\xA4lte \"1\"");
     EXPECT_EQ(scenario.modules[1].address, 4);
     EXPECT_EQ(scenario.modules[1].model, Sim::Model::Q6200XT);
+    // A site that is saved in a rehearsal is the plant's.
     Site().setPrtSettings("COM2:9600,N,8,1");
-    Site().setModified(false);
-    SimulatedSite::Fit(Site());
-    EXPECT_TRUE(Site().AutoStart());
-    EXPECT_EQ(Site().PrtSettings(), "LPT1:");
-    EXPECT_FALSE(Site().Modified());
+    Rehearsal::Override(true);
+    QFile prints(Rehearsal::Prints());
+    ASSERT_TRUE(prints.open(QIODevice::ReadWrite));
+    engine->SetupPrinter();
+    EXPECT_EQ(engine->dpPrinter().PrintLine("line"), QString());
+    EXPECT_EQ(prints.readAll(), "line\r\n");
+    EXPECT_TRUE(boxes.isEmpty());
+    EXPECT_EQ(Site().PrtSettings(), "COM2:9600,N,8,1");
+    Forms::Show(FormNames::wSysForward);
+    EXPECT_FALSE(Find(FormNames::wSysForward, "chkSyslog")->isEnabled());
 }
 
 // The strip of the console leads to the modules, an alarm that is raised there back to the console.
@@ -106,6 +110,7 @@ TEST_F(RehearsalRoad, AnAlarmIsRaisedAndTheSimulatorsDeathMended) {
 
     Forms::Show(FormNames::wRehearsal);
     Tap(FormNames::wRehearsal, "cmdEnd");
+    EXPECT_EQ(boxes.last(), GetText(718022) + "\r\n" + GetText(718023)) << "no start by itself";
     EXPECT_TRUE(platform::Replacement::IsAsked());
     EXPECT_FALSE(engine->Run());
 }

@@ -71,16 +71,25 @@ TEST_F(ServiceTest, ARehearsalTakesThePlaceOfTheWatchAndGivesItBack) {
     IniWrite(Pending, "1", "2|1|0043|0|0002");
     const QByteArray settings = ContentOf(folder.Path("korvanelle.ini"));
 
+    // A compositor takes the end of such a pipe for the end of the program.
+    int pipe[2] = {};
+    ASSERT_EQ(::pipe(pipe), 0);
+    const Handle reader(pipe[0]);
     const NotifySocket socket(folder.Path("notify"));
     ProgramProcess program(folder,
                            {{"NOTIFY_SOCKET", folder.Path("notify")}, {"WATCHDOG_USEC", "2000000"}},
                            {"--rehearsal"});
+    close(pipe[1]);
+    const auto isHeld = [&reader] {
+        pollfd place = {reader.Number(), POLLIN, 0};
+        return poll(&place, 1, 0) == 0;
+    };
     ASSERT_TRUE(socket.Hears("READY=1"));
     EXPECT_FALSE(LinesIn(QDir(own.filePath("Trace")), "*.log").filter("COMM   START").isEmpty());
     EXPECT_EQ(LinesIn(own, "Histo2*.his").filter("APPLIC").size(), 1);
     EXPECT_TRUE(own.exists("Histo202001.his"));
-    EXPECT_TRUE(own.exists("Printed.txt"));
     EXPECT_EQ(ContentOf(own.filePath("korvanelle.dat")), ContentOf(folder.Path("korvanelle.dat")));
+    EXPECT_GT(QFileInfo(own.filePath("Printed.txt")).size(), 0) << "whatever the site's port";
     const QByteArray copied = ContentOf(own.filePath("korvanelle.ini"));
     EXPECT_TRUE(copied.contains("PeriodTime=3"));
     EXPECT_TRUE(copied.contains("LastUsed=" + own.filePath("Waterworks.kv2").toLocal8Bit()));
@@ -89,7 +98,7 @@ TEST_F(ServiceTest, ARehearsalTakesThePlaceOfTheWatchAndGivesItBack) {
     EXPECT_TRUE(folder.Trace().isEmpty());
     EXPECT_TRUE(folder.History().isEmpty());
 
-    // The simulator is killed until it is given up: at once when it hasn't come up yet.
+    // The simulator is killed until it is given up, whether it has come up yet or not.
     int child = 0;
     int kills = 0;
     EXPECT_TRUE(Eventually([&] {
@@ -101,13 +110,15 @@ TEST_F(ServiceTest, ARehearsalTakesThePlaceOfTheWatchAndGivesItBack) {
         }
         return !folder.Trace().filter("REHEARSAL ENDED").isEmpty();
     }));
-    EXPECT_TRUE(kills == 2 || kills == 3) << kills;
+    EXPECT_EQ(kills, 3);
     EXPECT_TRUE(program.Running());
     EXPECT_TRUE(Eventually([&] { return ChildOf(program.Number()) == 0; }));
     EXPECT_FALSE(folder.History().filter("APPLIC").isEmpty());
     EXPECT_TRUE(socket.Hears("READY=1"));
     EXPECT_TRUE(socket.Hears("WATCHDOG=1"));
+    EXPECT_TRUE(isHeld());
     EXPECT_EQ(program.Terminate(), 0);
+    EXPECT_FALSE(isHeld());
 }
 
 TEST_F(ServiceTest, AHangOfTheEventLoopSilencesTheSignsOfLife) {

@@ -174,6 +174,7 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     // What the bus finds out meanwhile stays.
     Site().Panel(2).setPresent(false);
     Site().Panel(2).Channel(4).setState(1);
+    Site().Panel(20).setActive(true);
     Leave(Messages::Cancel);
     EXPECT_NE(Screen(Form), nullptr);
     EXPECT_EQ(boxes.last(), GetText(50003));
@@ -184,6 +185,7 @@ TEST_F(TechFindPanelsTest, CommandsChangeTheCopyAlone) {
     EXPECT_TRUE(Site().Panel(7).Active());
     EXPECT_FALSE(Site().Panel(2).Present());
     EXPECT_EQ(Site().Panel(2).Channel(4).State(), 1);
+    EXPECT_TRUE(Site().Panel(20).Active()) << "came back by itself";
     EXPECT_TRUE(QFile::exists(CurrentConfigFile()));
 }
 

@@ -13,7 +13,6 @@
 
 #include <QScopeGuard>
 #include <optional>
-#include <utility>
 
 namespace RestoreRun {
 
@@ -107,13 +106,13 @@ void TakeUp() {
         polling->ReinitComm();
         polling->SetupUserSleep();
         polling->SetupPrinter();
+        polling->Forwarder().Start();
     }
 }
 
 } // namespace
 
 void Propose(const Restore::Plan& plan) {
-    Drop();
     Waiting() = plan;
 }
 
@@ -122,8 +121,7 @@ const Restore::Plan* Proposed() {
 }
 
 void Drop() {
-    if (Waiting())
-        Restore::Drop(*std::exchange(Waiting(), std::nullopt));
+    Waiting().reset();
 }
 
 int Refusal() {

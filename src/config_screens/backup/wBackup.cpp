@@ -5,6 +5,8 @@
 #include "core/Config.h"
 #include "core/ErrorHandling.h"
 #include "core/FormNames.h"
+#include "core/Message.h"
+#include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
 #include "platform/RunTimeError.h"
 #include "platform/Volumes.h"
@@ -19,6 +21,7 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLocale>
+#include <utility>
 
 using ErrorHandling::Guard;
 
@@ -43,6 +46,8 @@ enum Texts {
     FolderTitle = 716091,
     NoBackups,
     Reading,
+    NotInRehearsal = 716095,
+    NotReadBack,
 };
 
 constexpr int LookPeriodMs = 250;
@@ -62,7 +67,7 @@ QString DayText(int day) {
 QStringList Cells(const BackupList::Backup& backup) {
     const bool automatic = Backup::IsAutomatic(QFileInfo(backup.path).fileName());
     const QString site = backup.manifest.site;
-    return {backup.manifest.date.toString(QStringLiteral("yyyy-MM-dd HH:mm")),
+    return {backup.manifest.DateText(),
             site.isEmpty() ? QStringLiteral("---") : site,
             backup.manifest.machine,
             SizeText(backup.size),
@@ -90,12 +95,12 @@ wBackup::wBackup()
     OnClick(ui_->lblFolder, [this] { imgFolder_Click(); });
     OnClick(ui_->lblWeekday, [this] { lblWeekday_Click(); });
     OnClick(ui_->imgClose, [this] { ReturnToMenu(*this, int(MenuTile::System)); });
-    if (BackupJob::Current() != nullptr &&
-        BackupJob::Current()->Outcome() == BackupJob::State::Running)
-        Watch(BackupJob::Current());
+    // Also what became of one that ended while nobody looked.
+    if (BackupJob* job = BackupJob::Current())
+        Watch(job);
     ShowWeekday();
     FindStick();
-    tmrLook_.callOnTimeout([this] { Guard("wBackup.tmrLook", [&] { ShowUnpacking(); }); });
+    tmrLook_.callOnTimeout([this] { Guard("wBackup.tmrLook", [&] { Look(); }); });
     tmrLook_.start(LookPeriodMs);
     tmrStick_.callOnTimeout([this] { Guard("wBackup.tmrStick", [&] { FindStick(); }); });
     tmrStick_.start(StickPeriodMs);
@@ -169,6 +174,7 @@ void wBackup::ShowButtons() {
     }
     ui_->imgControl_0->setEnabled(!folder_.isEmpty() && !Busy());
     ui_->imgControl_1->setEnabled(sound && !Busy());
+    ui_->imgControl_2->setEnabled(!Busy());
     ui_->imgControl_3->setVisible(Busy());
 }
 
@@ -217,6 +223,8 @@ void wBackup::imgFolder_Click() {
 }
 
 void wBackup::lblWeekday_Click() {
+    if (Refuses())
+        return;
     QStringList days;
     for (int day = 0; day <= DaysOfWeek; ++day)
         days += DayText(day);
@@ -229,19 +237,40 @@ void wBackup::lblWeekday_Click() {
     ShowWeekday();
 }
 
+/// A rehearsal has a copy of the site, and nothing of it is kept.
+bool wBackup::Refuses() {
+    if (Rehearsal::Runs())
+        Message(GetText(NotInRehearsal), Messages::Information);
+    return Rehearsal::Runs();
+}
+
 void wBackup::StartBackup() {
+    if (Refuses())
+        return;
     if (Busy()) {
         QApplication::beep();
         return;
     }
-    // What reads the medium gives way.
-    list_.reset();
     delete BackupJob::Current();
     QObject* owner = Polling();
     Watch(new BackupJob(folder_, false, owner != nullptr ? owner : qApp));
 }
 
+void wBackup::Look() {
+    WatchRunning();
+    ShowUnpacking();
+}
+
+/// The backup of the week may begin at any time.
+void wBackup::WatchRunning() {
+    BackupJob* job = BackupJob::Current();
+    if (!job_ && job != nullptr && job->Outcome() == BackupJob::State::Running)
+        Watch(job);
+}
+
 void wBackup::Watch(BackupJob* job) {
+    // What reads the medium gives way.
+    list_.reset();
     job_ = job;
     connect(job, &BackupJob::Changed, this, &wBackup::ShowJob);
     ShowJob();
@@ -263,7 +292,10 @@ void wBackup::ShowJob() {
             Tell(GetText(Stopped));
             break;
         case BackupJob::State::Failed:
-            Tell(GetText(Failed).replace(u'$', ErrorHandling::RunTimeText(job_->Error())));
+            Tell(GetText(Failed).replace(u'$',
+                                         job_->Error() == platform::errors::InvalidPropertyValue
+                                             ? GetText(NotReadBack)
+                                             : ErrorHandling::RunTimeText(job_->Error())));
         }
         job_.clear();
         ReadList();
@@ -271,6 +303,8 @@ void wBackup::ShowJob() {
 }
 
 void wBackup::Unpack() {
+    if (Refuses())
+        return;
     const QString path = ui_->tblBackups->CurrentTag();
     if (path.isEmpty() || Busy()) {
         QApplication::beep();
@@ -307,7 +341,7 @@ void wBackup::Unpacked() {
     } else if (error != 0) {
         Tell(GetText(Unreadable).replace(u'$', ErrorHandling::RunTimeText(error)));
     } else {
-        RestoreRun::Propose(*plan_);
+        RestoreRun::Propose(*std::exchange(plan_, nullptr));
         if (const int refusal = RestoreRun::Refusal()) {
             RestoreRun::Drop();
             Tell(GetText(refusal));
@@ -337,15 +371,14 @@ void wBackup::keyPressEvent(QKeyEvent* event) {
         ScreenForm::keyPressEvent(event);
 }
 
-/// The automatic one belongs to nobody's screen and goes on. What was unpacked up to now, the work
-/// itself takes away.
+/// The automatic one belongs to nobody's screen and goes on. What was unpacked goes with whoever
+/// knows of it last.
 void wBackup::Form_Unload() {
     tmrLook_.stop();
     tmrStick_.stop();
     if (job_ && !job_->Automatic())
         job_->Stop();
-    if (unpacking_ && unpacking_->Done() && !unpacking_->WasStopped() && unpacking_->Error() == 0)
-        Restore::Drop(*plan_);
     unpacking_.reset();
+    plan_.reset();
     list_.reset();
 }

@@ -37,10 +37,13 @@ private:
     void ShowList();
     void ShowButtons();
     void ShowWeekday();
+    void Look();
+    void WatchRunning();
     void Watch(BackupJob* job);
     void ShowJob();
     void Tell(const QString& text);
     bool Busy() const;
+    static bool Refuses();
     void imgControl_Click(int index);
     void imgNavig_Click(int index);
     void imgFolder_Click();

@@ -27,6 +27,7 @@ enum Texts {
     RestoreQuestion = 716088,
     Restored,
     NotFinished,
+    NothingChanged = 716094,
     RestoreTitle = 716101,
     TouchToChoose = 716102,
     PlaceColumn = 716104,
@@ -110,8 +111,7 @@ void wSiteCompare::ShowRestore() {
     ui_->lblSite_0->setCaption(FilePicker::SiteName(LastUsed()));
     ui_->lblSite_1->setCaption(
         GetText(BackupName)
-            .replace(QStringLiteral("$1"),
-                     manifest.date.toString(QStringLiteral("yyyy-MM-dd HH:mm")))
+            .replace(QStringLiteral("$1"), manifest.DateText())
             .replace(QStringLiteral("$2"), manifest.machine) +
         (manifest.site.isEmpty() ? QString() : QStringLiteral(", ") + manifest.site));
     Present(RestoreRun::Differences());
@@ -252,16 +252,19 @@ void wSiteCompare::imgRestore_Click() {
         Message(GetText(RestoreQuestion), Messages::Question | Messages::YesNoCancel);
     if (!IsLoaded(self.data()) || (answer != Messages::Yes && answer != Messages::No))
         return;
-    const QDateTime made = RestoreRun::Proposed()->manifest.date;
+    const QString made = RestoreRun::Proposed()->manifest.DateText();
     try {
         RestoreRun::Run(answer == Messages::No);
     } catch (const platform::RunTimeError& error) {
-        Message(GetText(NotFinished).replace(u'$', ErrorHandling::RunTimeText(error.Number())),
+        const bool stillWaits = RestoreRun::Proposed() != nullptr;
+        Message(GetText(stillWaits ? NothingChanged : NotFinished)
+                    .replace(u'$', ErrorHandling::RunTimeText(error.Number())),
                 Messages::Critical);
+        if (!stillWaits && IsLoaded(self.data()))
+            CloseRequested();
         return;
     }
-    Message(GetText(Restored).replace(u'$', made.toString(QStringLiteral("yyyy-MM-dd HH:mm"))),
-            Messages::Information);
+    Message(GetText(Restored).replace(u'$', made), Messages::Information);
     if (IsLoaded(self.data()))
         CloseRequested();
 }

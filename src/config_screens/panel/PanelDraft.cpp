@@ -26,6 +26,7 @@ void PanelDraft::ReloadPanel() {
     panel_ = std::make_unique<PanelClass>();
     panel_->Copy(Global::Configuration().Panel(number_));
     panel_->setModified(false);
+    wasActive_ = panel_->Active();
 }
 
 void PanelDraft::ClearPanel() {
@@ -37,6 +38,8 @@ void PanelDraft::ClearPanel() {
 void PanelDraft::Take() {
     ConfigClass& site = Global::Configuration();
     if (panel_->Modified()) {
+        if (panel_->Active() == wasActive_)
+            panel_->setActive(site.Panel(number_).Active());
         CopySettings(site.Panel(number_), *panel_);
         panel_->setModified(false);
     }

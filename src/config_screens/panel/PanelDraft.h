@@ -30,7 +30,7 @@ public:
     void ClearPanel();
 
     /// Writes into the site what was modified. What the bus has found out about the panel
-    /// meanwhile stays as it is there.
+    /// meanwhile stays as it is there, and so does the panel's coming back into service by itself.
     void Take();
 
     Snapshot Edited() const;
@@ -40,6 +40,7 @@ public:
 
 private:
     int number_ = 0;
+    bool wasActive_ = false; // when it was loaded
     std::unique_ptr<PanelClass> panel_ = std::make_unique<PanelClass>();
     MirrorClasses mirrors_;
 };

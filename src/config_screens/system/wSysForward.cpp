@@ -4,6 +4,7 @@
 #include "core/Bytes.h"
 #include "core/Config.h"
 #include "core/Message.h"
+#include "core/Rehearsal.h"
 #include "screens/dialogs/FilePicker.h"
 #include "screens/dialogs/dlgKeyboard.h"
 #include "screens/dialogs/wHelp.h"
@@ -129,6 +130,8 @@ void wSysForward::ShowEdit() {
     ui_->lblTls->setText(GetText(server.tls ? Encrypted : NotEncrypted));
     ui_->txtAuthority->setCaption(NameOf(server.authority, MachinesAuthorities));
     ui_->txtCertificate->setCaption(NameOf(server.certificate, NoCertificate));
+    // What is only rehearsed reaches nobody outside.
+    Enable({ui_->chkJournal, ui_->chkSyslog}, !Rehearsal::Runs());
     Enable({ui_->txtServer, ui_->lblPort, ui_->chkTls}, edit_->syslog);
     Enable({ui_->txtAuthority, ui_->imgAuthority_0, ui_->imgAuthority_1, ui_->txtCertificate,
             ui_->imgCertificate_0, ui_->imgCertificate_1},

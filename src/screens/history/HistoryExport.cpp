@@ -53,11 +53,13 @@ void HistoryExport::Stop() {
 void HistoryExport::Advance() {
     try {
         WritePortion();
-        const bool isLast = row_ == search_.Found().size();
-        if (isLast)
+        if (row_ == search_.Found().size() && !isEnded_) {
+            isEnded_ = true;
             writer_->End();
+        }
+        const bool isLast = isEnded_ && writer_->Waiting() <= Portion;
         if (isLast || writer_->Waiting() >= Portion)
-            file_->Append(writer_->Take());
+            file_->Append(writer_->Take(Portion));
         if (isLast) {
             file_->Finish();
             End(State::Complete);

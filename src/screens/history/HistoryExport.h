@@ -47,6 +47,7 @@ private:
     std::unique_ptr<platform::GrowingFile> file_;
     std::unique_ptr<LineWriter> writer_;
     size_t row_ = 0;
+    bool isEnded_ = false; // the writer: what it holds goes to the file yet
     QTimer timer_;
     State state_ = State::Running;
     int error_ = 0;

@@ -20,11 +20,11 @@ public:
     virtual void End() {}
 
     qint64 Waiting() const { return bytes_.size(); }
-    /// The bytes since the last call.
-    QByteArray Take() {
-        QByteArray taken;
-        taken.swap(bytes_.buffer());
-        bytes_.seek(0);
+    /// The next bytes, at most so many.
+    QByteArray Take(qint64 most) {
+        QByteArray taken = bytes_.buffer().left(most);
+        bytes_.buffer().remove(0, taken.size());
+        bytes_.seek(bytes_.size());
         return taken;
     }
 

@@ -3,8 +3,7 @@
 #include "core/Config.h"
 #include "core/DateTimes.h"
 #include "core/FormNames.h"
-#include "core/Global.h"
-#include "events/HistoryRecords.h"
+#include "events/AlarmTables.h"
 #include "screens/touch/ModalDialog.h"
 #include "screens/touch/Theme.h"
 #include "ui_dlgHistoryPeriod.h"
@@ -31,14 +30,12 @@ QDate CurrentDay() {
     return DateTimes::DateOf(DateTimes::Now());
 }
 
-/// That of the oldest file.
-QDate FirstDay() {
-    const QList<HistoryRecords::File> files = HistoryRecords::Files();
-    return files.isEmpty() ? CurrentDay() : files.first().first;
-}
-
-QLocale LocaleOfWords() {
-    return QLocale(GetLanguage(Global::Get().language).left(2).toLower());
+/// The days of all files, the present one among them. Where a clock was set back some lie ahead.
+dlgHistoryPeriod::Period AllDays() {
+    dlgHistoryPeriod::Period days(CurrentDay(), CurrentDay());
+    for (const HistoryRecords::File& file : HistoryRecords::Files())
+        days = {std::min(days.first, file.first), std::max(days.second, file.last)};
+    return days;
 }
 
 } // namespace
@@ -76,13 +73,13 @@ void dlgHistoryPeriod::Dress(QCalendarWidget& calendar, int side) {
         palette.setColor(QPalette::Disabled, QPalette::Text, Theme::Dormant);
         days->setPalette(palette);
     }
-    calendar.setLocale(LocaleOfWords());
+    calendar.setLocale(AlarmTables::Language());
     calendar.setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
     calendar.setNavigationBarVisible(false);
     calendar.setDateEditEnabled(false);
     calendar.setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     calendar.setHorizontalHeaderFormat(QCalendarWidget::ShortDayNames);
-    calendar.setMaximumDate(CurrentDay());
+    calendar.setMaximumDate(AllDays().second);
     connect(&calendar, &QCalendarWidget::currentPageChanged, this,
             [this, side] { ShowMonth(side); });
     connect(&calendar, &QCalendarWidget::selectionChanged, this, [this, side] { ShowDay(side); });
@@ -118,15 +115,16 @@ void dlgHistoryPeriod::Turn(int side, int index) {
 void dlgHistoryPeriod::ShowMonth(int side) {
     const QCalendarWidget& calendar = *calendars_[size_t(side)];
     Control<QLabel>(QStringLiteral("lblMonth"), side)
-        ->setText(LocaleOfWords().standaloneMonthName(calendar.monthShown()) + u'\n' +
+        ->setText(AlarmTables::Language().standaloneMonthName(calendar.monthShown()) + u'\n' +
                   QString::number(calendar.yearShown()));
 }
 
 void dlgHistoryPeriod::ShowDay(int side) {
     const QDate day = calendars_[size_t(side)]->selectedDate();
     Control<QLabel>(QStringLiteral("lblDay"), side)
-        ->setText(GetText(FirstTitle + side) + u' ' + LocaleOfWords().dayName(day.dayOfWeek()) +
-                  u' ' + DateTimes::ShortDate(DateTimes::FromDate(day)));
+        ->setText(GetText(FirstTitle + side) + u' ' +
+                  AlarmTables::Language().dayName(day.dayOfWeek()) + u' ' +
+                  DateTimes::ShortDate(DateTimes::FromDate(day)));
 }
 
 void dlgHistoryPeriod::imgPreset_Click(int index) {
@@ -139,7 +137,7 @@ void dlgHistoryPeriod::imgPreset_Click(int index) {
     case Month:
         return setPeriod({today.addDays(-30), today});
     default:
-        return setPeriod({FirstDay(), today});
+        return setPeriod(AllDays());
     }
 }
 

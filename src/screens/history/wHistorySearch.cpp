@@ -6,8 +6,10 @@
 #include "core/FormNames.h"
 #include "core/SLVfonctions.h"
 #include "events/TextProcs.h"
+#include "model/Access.h"
 #include "model/CurrentConfig.h"
 #include "platform/Volumes.h"
+#include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/FilePicker.h"
 #include "screens/dialogs/dlgConsigne.h"
 #include "screens/dialogs/dlgKeyboard.h"
@@ -68,17 +70,36 @@ constexpr int HeldKeys = 4;
 constexpr Qt::Key Keys[] = {Qt::Key_PageUp,   Qt::Key_Up,   Qt::Key_Down,
                             Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
 
-/// The filter that an alarm took away with the screen; it stands there again when the operator
-/// comes back.
-std::optional<HistoryFilter>& Kept() {
-    static std::optional<HistoryFilter> kept;
+/// The filter that an alarm took away with the screen, and when.
+struct KeptFilter {
+    HistoryFilter filter;
+    QDate day;
+};
+
+std::optional<KeptFilter>& Kept() {
+    static std::optional<KeptFilter> kept;
     return kept;
+}
+
+QDate Today() {
+    return DateTimes::DateOf(DateTimes::Now());
 }
 
 HistoryFilter Usual() {
     HistoryFilter filter;
-    filter.to = DateTimes::DateOf(DateTimes::Now());
+    filter.to = Today();
     filter.from = filter.to.addDays(1 - UsualDays);
+    return filter;
+}
+
+/// The kept filter stands there again when the operator comes back. One that went up to the present
+/// day still does: the alarm may have come at midnight.
+HistoryFilter FirstFilter() {
+    if (!Kept())
+        return Usual();
+    HistoryFilter filter = Kept()->filter;
+    if (filter.to == Kept()->day)
+        filter.to = qMax(filter.from, Today());
     return filter;
 }
 
@@ -107,7 +128,7 @@ wHistorySearch::wHistorySearch()
     Prepare();
     ui_->grdAlarms->setSearch(search_);
     ConnectControls();
-    Guard("wHistorySearch.Form_Load", [this] { Begin(Kept().value_or(Usual()), Place()); });
+    Guard("wHistorySearch.Form_Load", [this] { Begin(FirstFilter(), Place()); });
 }
 
 wHistorySearch::~wHistorySearch() = default;
@@ -134,12 +155,17 @@ void wHistorySearch::ConnectControls() {
 void wHistorySearch::Form_Unload() {
     tmrSearch_.stop();
     delete export_;
-    Kept() = search_.Filter();
+    Kept() = {search_.Filter(), Today()};
 }
 
-/// Looks for other lines and goes to a place among them.
+/// Looks for other lines and goes to a place among them. Where the files are read anew the lines of
+/// the former lists may stand elsewhere: those are looked for again, too.
 void wHistorySearch::Begin(const HistoryFilter& filter, const Place& place) {
     search_.Begin(filter);
+    if (search_.Reading()) {
+        for (View& view : former_)
+            view.found.reset();
+    }
     wanted_ = place;
     stopped_ = false;
     ui_->grdAlarms->Restart();
@@ -229,10 +255,9 @@ AlarmCourse wHistorySearch::Course() const {
     return current == nullptr ? AlarmCourse() : CourseOf(all, size_t(current - all.data()));
 }
 
-/// How long it took from step to step of the alarm that the selected line belongs to.
-QString wHistorySearch::CourseText() const {
+/// How long it took from step to step of an alarm.
+QString wHistorySearch::CourseText(const AlarmCourse& course) const {
     const std::vector<HistoryRecord>& all = search_.Records().Records();
-    const AlarmCourse course = Course();
     if (!course.coming)
         return course.isStep ? GetText(RaisedBefore) : QString();
     const HistoryRecord& coming = all[*course.coming];
@@ -251,12 +276,11 @@ QString wHistorySearch::CourseText() const {
 void wHistorySearch::ShowCourse() {
     Guard("wHistorySearch.grdAlarms_RowColChange", [this] {
         const AlarmCourse course = Course();
-        const HistoryRecord* current = Current();
-        ui_->lblCourse->setText(CourseText());
+        ui_->lblCourse->setText(CourseText(course));
         ui_->imgStep_0->setEnabled(course.coming.has_value());
         ui_->imgStep_1->setEnabled(course.acknowledged.has_value());
         ui_->imgStep_2->setEnabled(course.going.has_value());
-        ui_->imgConsigne->setEnabled(current != nullptr);
+        ui_->imgConsigne->setEnabled(Current() != nullptr);
     });
 }
 
@@ -312,10 +336,9 @@ void wHistorySearch::imgBack_Click() {
     tmrSearch_Timer();
 }
 
-/// Another filter of the operator's own: nothing leads back from it.
+/// A filter of the operator's own: nothing leads back from it. The same one again finds what was
+/// written since.
 void wHistorySearch::BeginAnew(const HistoryFilter& filter) {
-    if (filter == search_.Filter() && !stopped_)
-        return;
     former_.clear();
     Begin(filter, Place());
 }
@@ -380,8 +403,11 @@ void wHistorySearch::imgStep_Click(int index) {
         ShowChannelOf(qint64(*goal), -1);
 }
 
+/// As with the alarm report: what leaves the machine takes an operator's code.
 void wHistorySearch::imgExport_Click(int index) {
     const QPointer<wHistorySearch> self(this);
+    if (!TryLevel(*this, Levels::Operator))
+        return;
     const QString name = GetText(NameOfFile) + DateTimes::FileDate(DateTimes::Now());
     const QString path =
         FilePicker::SaveAs(ExportFolder(), name, GetText(FirstFileFilter + index, true));

@@ -53,7 +53,7 @@ private:
     void ShowCourse();
     void ShowButtons();
     QString FoundText() const;
-    QString CourseText() const;
+    QString CourseText(const AlarmCourse& course) const;
     void GoToWanted();
     Place PresentPlace() const;
     const HistoryRecord* Current() const;

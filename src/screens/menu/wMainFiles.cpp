@@ -25,7 +25,6 @@ namespace {
 
 enum Navigation { SaveAs = 8, OpenFile = 9, Leave = 10, NewSite = 11, Login = 13 };
 
-constexpr int EndTheRehearsal = 718022;
 constexpr int RehearsalMark = 718003;
 
 const QString Files = QStringLiteral("Files");
@@ -231,9 +230,7 @@ void wMain::LeaveProgram() {
     }
     // Nothing of a rehearsal is kept.
     if (Rehearsal::Runs()) {
-        if (Message(GetText(EndTheRehearsal), Messages::Question | Messages::OkCancel) ==
-            Messages::Ok)
-            EndProgram();
+        EndRehearsal();
         return;
     }
     const QPointer<wMain> self(this);

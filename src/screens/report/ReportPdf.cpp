@@ -67,7 +67,7 @@ public:
             return;
         }
         Head(table);
-        for (const QStringList& row : ReportText::PrintedRows(table)) {
+        for (const QStringList& row : ReportText::Rows(table, ReportText::PrintedRows)) {
             if (NeedRoom(RowHeight))
                 Head(table);
             Row(table, row, Theme::Text(TextPixels));

@@ -19,6 +19,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <algorithm>
 
 using ErrorHandling::Guard;
 using Unit = AlarmPeriod::Unit;
@@ -49,6 +50,13 @@ const QString Files = QStringLiteral("Files");
 const QString FolderKey = QStringLiteral("Report");
 const QString Figure = QStringLiteral("lblFigure");
 const QString Exceeded = QStringLiteral("color: #E0A030");
+
+qsizetype WidestOf(const ReportTable& table) {
+    const auto widest = std::max_element(
+        table.columns.cbegin(), table.columns.cend(),
+        [](const auto& one, const auto& other) { return one.share < other.share; });
+    return widest - table.columns.cbegin();
+}
 
 qint64 Now() {
     const DateTime now = DateTimes::Now();
@@ -217,9 +225,14 @@ void wAlarmReport::ShowTable(const ReportTable& table) {
         columns += {column.title, column.share,
                     (column.isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter};
     QList<TouchTable::Row> rows;
-    for (const QStringList& row : table.rows) {
+    for (const QStringList& row : ReportText::Rows(table, table.rows.size())) {
         const QString place = QString::number(rows.size());
-        rows += {row, place, QString(), {place}};
+        // How many more there are stands where most room is.
+        const bool isAlone = row.size() == 1;
+        rows += {isAlone ? QStringList(WidestOf(table), QString()) + row : row,
+                 place,
+                 QString(),
+                 {place}};
     }
     ui_->grdAlarms->setRows({});
     ui_->grdAlarms->setColumns(columns, IsScaled() ? CurrentScreenFactors().vertical : 1);
