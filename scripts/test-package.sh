@@ -228,9 +228,12 @@ grep -q "changed by the technician" "$root/etc/default/korvanelle-kiosk" || fail
 recorded || fail "the history went with the upgrade"
 
 step "remove and purge"
+inside systemctl enable korvanelle-kiosk-wayland
 inside dpkg -r korvanelle-kiosk korvanelle
 [ -e "$data/korvanelle.dat" ] || fail "a removal took the site"
 [ -e "$root/etc/default/korvanelle-kiosk" ] || fail "a removal took the conffile"
+inside sh -c 'dpkg -i /debs/next-*.deb'
+[ "$(inside systemctl is-enabled korvanelle-kiosk-wayland)" = enabled ] || fail "the kiosk that was chosen stays masked"
 inside dpkg -P korvanelle-kiosk korvanelle
 recorded || fail "a purge took the histories"
 { [ ! -e "$data/korvanelle.dat" ] && [ ! -e "$data/Trace" ]; } || fail "a purge left the site"

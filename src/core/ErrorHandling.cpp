@@ -1,6 +1,7 @@
 #include "core/ErrorHandling.h"
 
 #include "core/Boxes.h"
+#include "core/Config.h"
 #include "core/Message.h"
 #include "core/Operator.h"
 #include "core/Pointer.h"
@@ -32,6 +33,37 @@ QHash<QString, qint64> traced;
 constexpr qint64 TracePause = 600000;
 constexpr qsizetype MostTraced = 100;
 
+/// Of the errors that files and sticks make there are words in each language, by their number.
+constexpr int FirstText = 714200;
+
+/// English, like all of the trace: what the run-time library says of an error number.
+QString LibraryText(int number) {
+    using namespace platform;
+    static const QHash<int, QString> texts = {
+        {errors::Overflow, QStringLiteral("Overflow")},
+        {errors::OutOfMemory, QStringLiteral("Out of memory")},
+        {errors::Subscript, QStringLiteral("Subscript out of range")},
+        {errors::TypeMismatch, QStringLiteral("Type mismatch")},
+        {errors::Internal, QStringLiteral("Internal error")},
+        {errors::BadFileName, QStringLiteral("Bad file name or number")},
+        {errors::FileNotFound, QStringLiteral("File not found")},
+        {errors::DeviceIo, QStringLiteral("Device I/O error")},
+        {errors::DiskFull, QStringLiteral("Disk full")},
+        {errors::InputPastEnd, QStringLiteral("Input past end of file")},
+        {errors::PermissionDenied, QStringLiteral("Permission denied")},
+        {errors::PathAccess, QStringLiteral("Path/File access error")},
+        {errors::PathNotFound, QStringLiteral("Path not found")},
+        {errors::InvalidPropertyValue, QStringLiteral("Invalid property value")},
+        {errors::PrinterError, QStringLiteral("Printer error")},
+        {errors::NoSuchField, QStringLiteral("Item not found in this collection")},
+        {errors::DatabaseOpen, QStringLiteral("Could not find or open the database file")},
+        {errors::DatabasePassword, QStringLiteral("Not a valid password")},
+        {errors::PortNotOpen, QStringLiteral("Operation valid only when the port is open")},
+        {errors::PortUnavailable, QStringLiteral("The port is not available")},
+    };
+    return texts.value(number, QStringLiteral("Application-defined or object-defined error"));
+}
+
 /// An error that repeats must not fill the disk.
 void TraceError(const QString& source, int number) {
     const QString words = QStringLiteral("ERROR %1 %2").arg(number).arg(source);
@@ -44,7 +76,7 @@ void TraceError(const QString& source, int number) {
     traced.insert(words, now);
     Trace::Note(words);
     platform::ServiceManager::Current().Log(platform::ServiceManager::Priority::Error,
-                                            words + QStringLiteral(": ") + RunTimeText(number));
+                                            words + QStringLiteral(": ") + LibraryText(number));
 }
 
 void Tell(const QString& text) {
@@ -81,35 +113,13 @@ Postponed::~Postponed() {
 }
 
 QString RunTimeText(int number) {
-    using namespace platform;
-    static const QHash<int, QString> texts = {
-        {errors::Overflow, QStringLiteral("Overflow")},
-        {errors::OutOfMemory, QStringLiteral("Out of memory")},
-        {errors::Subscript, QStringLiteral("Subscript out of range")},
-        {errors::TypeMismatch, QStringLiteral("Type mismatch")},
-        {errors::Internal, QStringLiteral("Internal error")},
-        {errors::BadFileName, QStringLiteral("Bad file name or number")},
-        {errors::FileNotFound, QStringLiteral("File not found")},
-        {errors::DeviceIo, QStringLiteral("Device I/O error")},
-        {errors::DiskFull, QStringLiteral("Disk full")},
-        {errors::InputPastEnd, QStringLiteral("Input past end of file")},
-        {errors::PermissionDenied, QStringLiteral("Permission denied")},
-        {errors::PathAccess, QStringLiteral("Path/File access error")},
-        {errors::PathNotFound, QStringLiteral("Path not found")},
-        {errors::InvalidPropertyValue, QStringLiteral("Invalid property value")},
-        {errors::PrinterError, QStringLiteral("Printer error")},
-        {errors::NoSuchField, QStringLiteral("Item not found in this collection")},
-        {errors::DatabaseOpen, QStringLiteral("Could not find or open the database file")},
-        {errors::DatabasePassword, QStringLiteral("Not a valid password")},
-        {errors::PortNotOpen, QStringLiteral("Operation valid only when the port is open")},
-        {errors::PortUnavailable, QStringLiteral("The port is not available")},
-    };
-    return texts.value(number, QStringLiteral("Application-defined or object-defined error"));
+    const QStringList words = Config::GetTexts(FirstText + number);
+    return words.isEmpty() ? LibraryText(number) : words.first();
 }
 
 QString ErrorText(const QString& source, int number) {
     QString text =
-        QStringLiteral("Error Nr %1 : %2\r\nModule : ").arg(number).arg(RunTimeText(number));
+        QStringLiteral("Error Nr %1 : %2\r\nModule : ").arg(number).arg(LibraryText(number));
     const qsizetype point = source.indexOf(u'.');
     if (point < 0)
         return text + source;

@@ -15,7 +15,7 @@ void Report(const QString& source, int number);
 /// The text of the box.
 QString ErrorText(const QString& source, int number);
 
-/// What the run-time library says of an error number.
+/// What an operator is told of an error number, in his language where it has words for it.
 QString RunTimeText(int number);
 
 /// The number of the exception that is being handled; only inside a catch.

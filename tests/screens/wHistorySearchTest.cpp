@@ -4,6 +4,7 @@
 #include "screens/history/HistoryExport.h"
 #include "screens/history/dlgHistoryPeriod.h"
 
+#include "core/ErrorHandling.h"
 #include "events/HistoProcs.h"
 #include "model/Models.h"
 #include "support/ScreensFixture.h"
@@ -234,6 +235,9 @@ TEST_F(HistorySearchScreenTest, WhatIsShownGoesToAStick) {
     QFile::link("/dev/full", Path("stick/History20240315.pdf.tmp"));
     Save("imgExport_1");
     EXPECT_TRUE(Comes([] { return Told() == "Not saved: Disk full"; })) << Told().toStdString();
+    Global::Get().language = 2;
+    EXPECT_EQ(ErrorHandling::RunTimeText(61), "Datenträger voll") << "not half of it in English";
+    Global::Get().language = 0;
 
     // Stopped, or interrupted by an alarm, nothing is left, and the filter is still there.
     Touch("imgClear");

@@ -8,6 +8,7 @@
 #include "core/Message.h"
 #include "core/Rehearsal.h"
 #include "core/SLVfonctions.h"
+#include "events/AlarmTables.h"
 #include "platform/RunTimeError.h"
 #include "platform/Volumes.h"
 #include "screens/dialogs/FilePicker.h"
@@ -57,7 +58,7 @@ const QString Section = QStringLiteral("Backup");
 const QString FolderKey = QStringLiteral("Folder");
 
 QString SizeText(qint64 bytes) {
-    return QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+    return AlarmTables::Language().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
 }
 
 QString DayText(int day) {
