@@ -147,8 +147,6 @@ void wPolling::Form_Unload() {
 
 void wPolling::setRun(bool on) {
     Guard("wPolling.Run", [&] {
-        // Whoever starts or stops it has decided.
-        waitsForPort_ = false;
         if (on && (closing_ || synchronising_))
             return;
         if (on && !OpenPort()) {
@@ -157,6 +155,8 @@ void wPolling::setRun(bool on) {
                     Messages::Critical);
             return;
         }
+        // A bus that was started in vain waits on.
+        waitsForPort_ = false;
         if (on)
             Faults::Clear(Faults::Kind::RoundStopped);
         else

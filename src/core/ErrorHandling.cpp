@@ -34,7 +34,7 @@ constexpr qint64 TracePause = 600000;
 constexpr qsizetype MostTraced = 100;
 
 /// Of the errors that files and sticks make there are words in each language, by their number.
-constexpr int FirstText = 714200;
+constexpr int ErrorWords = 714200;
 
 /// English, like all of the trace: what the run-time library says of an error number.
 QString LibraryText(int number) {
@@ -113,7 +113,7 @@ Postponed::~Postponed() {
 }
 
 QString RunTimeText(int number) {
-    const QStringList words = Config::GetTexts(FirstText + number);
+    const QStringList words = Config::GetTexts(ErrorWords + number);
     return words.isEmpty() ? LibraryText(number) : words.first();
 }
 

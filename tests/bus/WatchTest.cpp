@@ -118,7 +118,9 @@ TEST_F(Watch, ABusThatStartsByItselfWaitsForItsPort) {
     Forget();
     engine->RunWhenPortComes();
     engine->tmrReactiv_Timer();
-    EXPECT_EQ(engine->State(), BusState::WaitsForPort);
+    engine->setRun(true);
+    EXPECT_EQ(Boxes().size(), 1);
+    EXPECT_EQ(engine->State(), BusState::WaitsForPort) << "also behind a start in vain";
     TakePort(true);
     engine->tmrReactiv_Timer();
     EXPECT_TRUE(engine->Run());

@@ -6,6 +6,7 @@
 #include "screens/dialogs/dlgListInput.h"
 #include "screens/dialogs/dlgMessage.h"
 #include "screens/touch/RowGrid.h"
+#include "screens/touch/TouchGuard.h"
 
 #include <QSignalSpy>
 
@@ -197,6 +198,8 @@ TEST_F(PromptTest, AnInstructionThatAnAlarmTookIsOneTouchAway) {
         EXPECT_EQ(TextOf(dialog, "lblConsigne"), "Close the valve.");
         Tap(dialog, "imgClose");
     });
+    Screen(FormNames::wRunAlarms)->grab();
+    clock.Advance(TouchGuard::HoldMs);
     QTest::mouseClick(back, Qt::LeftButton);
     RemoveUnloaded();
     EXPECT_EQ(Screen(FormNames::wRunAlarms)->findChild<QWidget*>("imgReadOn"), nullptr);
