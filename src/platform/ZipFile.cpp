@@ -44,11 +44,14 @@ ZipWriter::~ZipWriter() {
 }
 
 void ZipWriter::Add(const QString& name, const QByteArray& bytes) {
-    // The source frees what malloc gave.
-    void* copy = malloc(size_t(qMax<qsizetype>(bytes.size(), 1)));
-    if (copy == nullptr)
-        throw RunTimeError(errors::OutOfMemory);
-    memcpy(copy, bytes.constData(), size_t(bytes.size()));
+    // The source frees what malloc gave, unless that has no length.
+    void* copy = nullptr;
+    if (!bytes.isEmpty()) {
+        copy = malloc(size_t(bytes.size()));
+        if (copy == nullptr)
+            throw RunTimeError(errors::OutOfMemory);
+        memcpy(copy, bytes.constData(), size_t(bytes.size()));
+    }
     zip_source_t* source = zip_source_buffer(zip_, copy, zip_uint64_t(bytes.size()), 1);
     if (source == nullptr)
         free(copy);
