@@ -3,6 +3,8 @@
 #include "events/Klaxon.h"
 #include "support/ConfigScreensFixture.h"
 
+#include <QAbstractButton>
+
 namespace {
 
 enum SoundImage { Down, Up, Stop, Play, UndoSound, ApplySound, UndoFiles, ApplyFiles };

@@ -173,7 +173,7 @@ TEST_F(PromptTest, WhatAnAlarmInterruptedIsOfferedAgainForTheSameQuestion) {
             Alarm(3);
         });
         EXPECT_EQ(interrupted, std::nullopt);
-        clock.Advance(hoursLater * 3600000);
+        clock.Advance(hoursLater * qint64(3600000));
         EXPECT_EQ(ask(question, confirm), offered);
         EXPECT_EQ(ask(question, confirm), question) << "offered once";
     }
