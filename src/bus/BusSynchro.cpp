@@ -150,7 +150,6 @@ void BusSynchro::EmptyConsole() {
 
 /// A negative panel clock shows as "SYNCHRO": the module didn't say when.
 void BusSynchro::ReportStanding(int address, const ChannelWords& qualifiers) {
-    constexpr qint32 NoPanelClock = -1;
     PanelClass& panel = Global::Configuration().Panel(address);
     if (!Models::HasChannels(panel.ActualModel()))
         return;
@@ -163,7 +162,7 @@ void BusSynchro::ReportStanding(int address, const ChannelWords& qualifiers) {
             continue;
         EventClass event(qint16(address), qint16(number), qualifiers[size_t(number)],
                          WithoutNormalAgain(state));
-        event.setClock(NoPanelClock);
+        event.setClock(Registers::NoPanelClock);
         engine_.SendEvent(event);
         Miroirs::DoMirrors(event,
                            [this](const CommandPtr& command) { engine_.SendCommand(command); });

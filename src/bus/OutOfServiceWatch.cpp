@@ -19,7 +19,6 @@ namespace {
 constexpr DateTime Patience = 1.5 / 24;
 /// Lines that a second tells; the next one goes on, so that the polls needn't wait.
 constexpr qsizetype LinesASecond = 20;
-constexpr qint32 NoPanelClock = -1;
 
 EventClass EventOf(const Entry& entry) {
     EventClass event(qint16(entry.thing.panel), Family::System, qint16(entry.thing.channel),
@@ -98,7 +97,7 @@ void OutOfServiceWatch::TellStanding() {
         if (state <= 0 || state >= Registers::NormalAgain)
             continue;
         EventClass event(qint16(thing.panel), qint16(thing.channel), 0, state);
-        event.setClock(NoPanelClock);
+        event.setClock(Registers::NoPanelClock);
         engine_.SendEvent(event);
     }
 }

@@ -38,6 +38,8 @@ inline constexpr qint32 Clock = 289;
 
 /// State of a channel that has come back to normal; kept and told as 0.
 inline constexpr qint16 NormalAgain = 5;
+/// `Clock` of an event that a reading of the states has found, and no module's memory.
+inline constexpr qint32 NoPanelClock = -1;
 /// Value of `PanelCommand`.
 inline constexpr qint16 Acknowledge = 2;
 
