@@ -14,11 +14,11 @@ const QString One = FormNames::wBusMirrorOne;
 const QString Dialog = FormNames::dlgEditMirror;
 const QString Panel = FormNames::wBusPanneau;
 
-enum Arrow { SourceDown, SourceUp, ChannelDown, ChannelUp, TargetDown, TargetUp, ToDown, ToUp };
-enum Answer { Cancel, Confirm };
-
 class MirrorScreensTest : public ConfigScreensTest {
 protected:
+    enum Arrow { SourceDown, SourceUp, ChannelDown, ChannelUp, TargetDown, TargetUp, ToDown, ToUp };
+    enum Answer { Cancel, Confirm };
+
     /// Panels 1 to 5 of models 1 to 5, panel 6 of none.
     MirrorScreensTest()
         : ConfigScreensTest(FormNames::wBusMiroirs) {

@@ -12,10 +12,10 @@ namespace {
 const QString Biblio = FormNames::wParamBiblio;
 const QString Consignes = FormNames::wParamConsignes;
 
-enum Image { OneUp = 2, OneDown, StepUp, StepDown, Copy, Paste, Cut, Clear, Edit, FromFile };
-
 class TextEditorTest : public ConfigScreensTest {
 protected:
+    enum Image { OneUp = 2, OneDown, StepUp, StepDown, Copy, Paste, Cut, Clear, Edit, FromFile };
+
     static void Touch(const QString& form, int image) { Tap(form, Part("imgControl", image)); }
     static QListWidget* List(const QString& form) {
         return Screen(form)->findChild<QListWidget*>();

@@ -8,7 +8,7 @@
 TEST(SimulatorTest, ObeysItsConsoleAndDelaysReplies) {
     constexpr int Delay = 300;
     const QTemporaryDir folder;
-    const QString link = folder.filePath("bus");
+    QString link = folder.filePath("bus");
     SimulatorProcess simulator(link, {"3=P5000"});
     for (const auto& [command, complaint] :
          {std::pair("frobnicate", "error: unknown command 'frobnicate'"),
