@@ -21,7 +21,7 @@ function(korvanelle_unity target batch)
     set_target_properties(${target} PROPERTIES
         UNITY_BUILD ${KORVANELLE_UNITY} UNITY_BUILD_BATCH_SIZE ${batch})
     if(KORVANELLE_UNITY)
-        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
     endif()
 endfunction()
 

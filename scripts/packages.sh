@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-    build-essential cmake ninja-build ccache pkg-config python3
+    build-essential clang cmake ninja-build ccache pkg-config python3
     qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev
     libgl-dev libsqlcipher-dev libssl-dev libcli11-dev nlohmann-json3-dev
     libpulse-dev libasound2-dev libsystemd-dev libzip-dev pulseaudio pulseaudio-utils
