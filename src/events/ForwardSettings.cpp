@@ -71,12 +71,12 @@ void ForwardSettings::KeepFiles() {
     KeepFile(server.certificate, server.authority);
 }
 
-void ForwardSettings::Write() const {
-    IniWriteSection(Section, {{Journal, Word(journal)},
-                              {Syslog, Word(syslog)},
-                              {Server, server.host},
-                              {Port, QString::number(server.port)},
-                              {Tls, Word(server.tls)},
-                              {Authority, server.authority},
-                              {Certificate, server.certificate}});
+bool ForwardSettings::Write() const {
+    return IniWriteSection(Section, {{Journal, Word(journal)},
+                                     {Syslog, Word(syslog)},
+                                     {Server, server.host},
+                                     {Port, QString::number(server.port)},
+                                     {Tls, Word(server.tls)},
+                                     {Authority, server.authority},
+                                     {Certificate, server.certificate}});
 }

@@ -18,6 +18,6 @@ struct ForwardSettings {
     /// on goes again, and names the copies. Throws RunTimeError when they can't be written; a file
     /// that can't be read stays named as it is.
     void KeepFiles();
-    /// Throws RunTimeError when the settings can't be written.
-    void Write() const;
+    /// False when the settings can't be written, which is told.
+    bool Write() const;
 };
