@@ -2,7 +2,6 @@
 
 #include "core/Bytes.h"
 #include "core/Config.h"
-#include "core/ErrorHandling.h"
 #include "core/FormNames.h"
 #include "core/Global.h"
 #include "model/Access.h"
@@ -13,7 +12,6 @@
 #include "ui_dlgUserCodes.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QPushButton>
 
 namespace {
@@ -67,6 +65,8 @@ dlgUserCodes::dlgUserCodes()
     ui_->setupUi(this);
     MakeKeys();
     Prepare();
+    OnKey(Qt::Key_Return, [this] { Confirm(); });
+    OnKey(Qt::Key_Escape, [this] { Close(false); });
     guarded_ = IsGuarded();
     tmrAutoClose_ = new QTimer(this);
     tmrAutoClose_->setObjectName(QStringLiteral("tmrAutoClose"));
@@ -252,15 +252,6 @@ void dlgUserCodes::imgControl_Click(int index) {
     else if (index == LevelUp && level < HighestLevel &&
              (!guarded_ || level < Global::Get().userLevel))
         setUserLevel(level + 1);
-}
-
-void dlgUserCodes::keyPressEvent(QKeyEvent* event) {
-    ErrorHandling::Guard("dlgUserCodes.Form_KeyDown", [&] {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-            Confirm();
-        else if (event->key() == Qt::Key_Escape)
-            Close(false);
-    });
 }
 
 /// A code that isn't enough leaves the prompt, with its full time, for another one.

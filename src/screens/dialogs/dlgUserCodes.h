@@ -45,7 +45,6 @@ protected:
     void Form_Activate() override;
     void Form_Unload() override;
     void CloseRequested() override { Close(false); }
-    void keyPressEvent(QKeyEvent* event) override;
     QRect PlaceIn(const QRect& area) const override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
