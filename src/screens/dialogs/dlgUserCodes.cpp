@@ -48,6 +48,7 @@ constexpr QSize PromptKeyPitch(60, 53);
 constexpr int PromptKeysInRow = 13;
 constexpr int NeededLevel = 714100;
 constexpr int UnknownCode = 714101;
+constexpr int AsBeforeTheAlarm = 300901;
 
 /// The box that the keys write to is yellow, the others white.
 QString StyleOf(bool active) {
@@ -186,6 +187,11 @@ int dlgUserCodes::UserLevel() const {
 
 void dlgUserCodes::setUserLevel(int level) {
     ui_->lblPwdLevel->setText(QString::number(level));
+}
+
+void dlgUserCodes::ShowKept() {
+    SetCaption(ui_->lblTold, GetText(AsBeforeTheAlarm));
+    ui_->lblTold->show();
 }
 
 /// Whoever opens the form can type at once.

@@ -40,6 +40,8 @@ public:
     void setUserPwd(const QString& code);
     int UserLevel() const;
     void setUserLevel(int level);
+    /// Tells that the user is one whose entry an alarm took off the display.
+    void ShowKept();
 
 protected:
     void Form_Activate() override;
