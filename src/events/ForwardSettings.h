@@ -2,6 +2,17 @@
 
 #include "platform/LogServer.h"
 
+#include <QString>
+#include <QStringList>
+
+/// Keys of the section "Forward" that name PEM files, and the folder in which the program keeps
+/// them: it is the application's, and a backup takes it along.
+namespace ForwardFiles {
+inline const QString Section = QStringLiteral("Forward");
+inline const QStringList Keys{QStringLiteral("Authority"), QStringLiteral("Certificate")};
+inline const QString Folder = QStringLiteral("Certificates");
+} // namespace ForwardFiles
+
 /// Where events are forwarded to: the section "Forward" of the settings. Nowhere unless somebody
 /// wants it.
 struct ForwardSettings {
