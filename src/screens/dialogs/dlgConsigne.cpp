@@ -9,7 +9,6 @@
 #include "screens/touch/ModalDialog.h"
 #include "ui_dlgConsigne.h"
 
-#include <QPointer>
 
 namespace {
 
