@@ -221,8 +221,8 @@ void ScreenForm::OnClick(QWidget* control, std::function<void()> handler) {
     Connect(control, control->objectName(), std::move(handler));
 }
 
-void ScreenForm::OnKey(Qt::Key key, std::function<void()> handler) {
-    keys_.insert(key, std::move(handler));
+void ScreenForm::OnKey(Qt::Key key, const std::function<void()>& handler) {
+    keys_.insert(key, handler);
 }
 
 void ScreenForm::Connect(QWidget* control, const QString& object, std::function<void()> handler) {

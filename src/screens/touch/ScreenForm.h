@@ -78,7 +78,7 @@ protected:
     void OnClick(QWidget* control, std::function<void()> handler);
     /// Runs `handler` for a key that no control takes. Enter is the same as Return. An error inside
     /// is reported under the form and "Form_KeyDown".
-    void OnKey(Qt::Key key, std::function<void()> handler);
+    void OnKey(Qt::Key key, const std::function<void()>& handler);
     /// Makes black copies of the labels of an array, moved by the offsets in pixels, at the
     /// indices after the last one. The copies have the `Tag` of their label and follow it.
     void OmbrerTexte(const QString& array, int dx, int dy);
