@@ -132,6 +132,14 @@ TEST_F(Routing, TheHornFollowsTheEvent) {
         Route(chnl, param, aff);
         EXPECT_EQ(Global::Get().currentPriority, priority) << chnl << " " << param << " " << aff;
     }
+    // A priority that there isn't is neither silent nor does it silence or keep others from it.
+    for (const int priority : {100, 32767, 0, -1}) {
+        Global::Get().currentPriority = 1;
+        Site().Panel(5).Channel(7).setAlmPrio(qint16(priority));
+        Route(7, 0, 1);
+        EXPECT_EQ(Global::Get().currentPriority, 99) << priority;
+        EXPECT_EQ(horn->playing, Path(Text("AlarmSound9")));
+    }
 }
 
 TEST_F(Routing, InactivityThrowsOutAllButTheLowestLevels) {
