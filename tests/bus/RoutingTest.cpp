@@ -247,4 +247,33 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     EXPECT_EQ(Route(7, 1), QByteArray());
 }
 
+TEST_F(PrinterRoad, AChoiceThatWaitsForAStuckLineIsTheOneThatCounts) {
+    PipePrinter other(Path(Text("other")));
+    other.SwitchOn();
+    IniWrite(Text("Ports"), Text("LPT2"), Path(Text("other")));
+    const auto choose = [this](std::initializer_list<const char*> ports) {
+        printer.Stick();
+        EventClass event(5, 7, 0, 1);
+        engine->SendEvent(event);
+        for (const char* port : ports) {
+            Site().setPrtSettings(Text(port));
+            engine->SetupPrinter();
+        }
+        EXPECT_EQ(engine->dpPrinter().Port(), Text("LPT1")) << "the line is under way";
+    };
+    const auto portBehindTheLine = [this] {
+        printer.Taken();
+        engine->Paper().Advance();
+        return engine->dpPrinter().Port();
+    };
+    choose({"LPT2:", "LPT1:"});
+    EXPECT_EQ(portBehindTheLine(), Text("LPT1"));
+    choose({"LPT2:"});
+    IniWrite(Text("Ports"), Text("COM4"), Path(Text("other")));
+    Site().setBusSettings(Text("COM4:9600,N,8,1"));
+    engine->ConfigCommPort();
+    EXPECT_EQ(portBehindTheLine(), QString()) << "the bus came there meanwhile";
+    EXPECT_EQ(Boxes().size(), 1);
+}
+
 } // namespace
