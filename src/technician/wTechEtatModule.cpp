@@ -36,6 +36,7 @@ constexpr Key Keys[] = {
     {Registers::PanelCommand, 1}, {Registers::Function, 1},
     {Registers::Function, 0},     {Registers::PanelCommand, 3}};
 
+constexpr int OtherModelText = 714301;
 constexpr int ReadingText = 830101;
 constexpr int ReadText = 830102;
 constexpr int FailedText = 830103;
@@ -97,6 +98,10 @@ void wTechEtatModule::MiseEnFormeModule(PanelClass& panel) {
         ui_->lblTitle->setText(FrontTiles::Broken(panel.Title().replace(u'|', u' '),
                                                   ui_->lblTitle->fontMetrics(),
                                                   ui_->lblTitle->width(), TitleLines));
+        ui_->lblCommand->setText(
+            panel.ReportsOtherModel()
+                ? GetText(OtherModelText).replace(u'$', ModuleName(panel.ActualModel()))
+                : QString());
         ui_->fraVoyants->setPanel(panel);
         for (const int index : Indices(QStringLiteral("cmdBoutons")))
             Control(QStringLiteral("cmdBoutons"), index)->setEnabled(true);
