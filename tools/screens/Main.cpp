@@ -21,7 +21,9 @@
 #include "platform/Folders.h"
 #include "screens/Screens.h"
 #include "screens/console/ConsoleHead.h"
+#include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/dlgConsigne.h"
+#include "screens/dialogs/dlgMessage.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/remote/wTeleCmde.h"
 #include "screens/touch/ResizeForm.h"
@@ -31,6 +33,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QTimer>
 #include <cstdio>
 
 namespace {
@@ -159,6 +162,20 @@ void TakeTouched(const Paths& path) {
     }
 }
 
+/// What stands only while it is asked.
+void TakeAsked(const Paths& path) {
+    const auto take = [&](const QString& form, const char* name, const std::function<void()>& ask) {
+        QTimer::singleShot(0, qApp, [&] {
+            Save(form, path(name));
+            Forms::Unload(form);
+        });
+        ask();
+    };
+    take(FormNames::dlgMessage, "dlgMessage",
+         [] { dlgMessage::Present(GetText(30010), 35, false); });
+    take(FormNames::dlgUserCodes, "dlgUserCodes_prompt", [] { AskPassword(nullptr, 2); });
+}
+
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
     const auto path = [&](const char* name) {
         return target.filePath(QString::fromLatin1(name) + u'_' + language +
@@ -171,6 +188,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
             form != FormNames::wRehearsal)
             Take(form, path(form.toLatin1().constData()));
     TakeTouched(path);
+    TakeAsked(path);
     TakeReport(path);
     TakeHistorySearch(path);
     TakeConfiguration(path);
