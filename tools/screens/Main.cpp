@@ -23,6 +23,7 @@
 #include "screens/console/ConsoleHead.h"
 #include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/dlgConsigne.h"
+#include "screens/dialogs/dlgListInput.h"
 #include "screens/dialogs/dlgMessage.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/remote/wTeleCmde.h"
@@ -151,6 +152,11 @@ void TakeTouched(const Paths& path) {
         box->setConsigne(site.Consigne(1));
     }
     Take(FormNames::dlgConsigne, path("dlgConsigne_read"));
+    // The month before: the present one holds what the technician's pictures took out of service.
+    Forms::Show(FormNames::wHistoric);
+    Click(FormNames::wHistoric, "imgControl_0");
+    Save(FormNames::wHistoric, path("wHistoric"));
+    Forms::Unload(FormNames::wHistoric);
     for (const QString& form :
          {FormNames::wRunAlarms, FormNames::wBusPanneau, FormNames::wTechDiagnosis}) {
         Forms::Show(form);
@@ -173,6 +179,9 @@ void TakeAsked(const Paths& path) {
     };
     take(FormNames::dlgMessage, "dlgMessage",
          [] { dlgMessage::Present(GetText(30010), 35, false); });
+    take(FormNames::dlgListInput, "dlgListInput", [] {
+        AskValue(nullptr, QStringLiteral("@|1200|2400|4800|9600|19200"), QStringLiteral("9600"));
+    });
     take(FormNames::dlgUserCodes, "dlgUserCodes_prompt", [] { AskPassword(nullptr, 2); });
 }
 
