@@ -8,6 +8,7 @@
 #include "core/ErrorHandling.h"
 #include "core/FormNames.h"
 #include "core/Forms.h"
+#include "core/Trace.h"
 #include "events/HistoProcs.h"
 #include "model/ConfigClass.h"
 #include "model/CurrentConfig.h"
@@ -33,6 +34,16 @@ bool DropEvents(platform::SerialLink& link, quint8 module) {
     if (!LitMots(link, module, Registers::EventCount, count))
         return false;
     return count[0] <= 0 || EcritUnMot(link, module, Registers::EventReceipt, count[0]);
+}
+
+/// Keeps what the module says it is. The configured model decides how it is asked, whatever it is:
+/// where the two differ alarms may be missing.
+void TakeModel(PanelClass& panel, int reported) {
+    panel.setActualModel(quint8(reported));
+    if (panel.ReportsOtherModel())
+        Trace::Note(QStringLiteral("PANEL %1 IS SET UP AS %2, REPORTS %3")
+                        .arg(QString::number(panel.Numero()), Models::NameOrCode(panel.Model()),
+                             ModuleName(reported)));
 }
 
 /// False for a source that a damaged site file has put out of all bounds.
@@ -109,7 +120,7 @@ void BusSynchro::MeetPanel(int address, ChannelWords& qualifiers) {
     panel.setErrCptr(1, 0);
     panel.setErrCptr(2, 0);
     const int type = AskModuleType(address);
-    panel.setActualModel(quint8(type));
+    TakeModel(panel, type);
     panel.setPresent(type > 0);
     // The list of alarms is emptied: the polls tell a loss, even one that was told before.
     panel.setLossUntold(type <= 0);
@@ -192,7 +203,7 @@ void BusSynchro::UpdatePanel(int address, bool force) {
             if (engine_.EndWanted())
                 return;
         }
-        panel.setActualModel(quint8(type));
+        TakeModel(panel, type);
         SetPresence(address, type > 0);
         if (!Models::IsQFamily(type))
             return;

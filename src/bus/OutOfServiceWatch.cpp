@@ -54,7 +54,7 @@ void OutOfServiceWatch::Check() {
         if (!OutOfService::Memory().isEmpty()) {
             OutOfService::NoticeReturns();
             if (OutOfService::BringBackDue([this](const Entry& entry) { return IsOverdue(entry); }))
-                KeepCurrentConfig();
+                SaveCurrentConfig();
             Tell(LinesASecond);
         }
         TellStanding();

@@ -101,6 +101,7 @@ void wPolling::tmrMidnight_Timer() {
         if (run_) {
             MidnightSynchro();
             watch_->PollingBegins();
+            const QScopedValueRollback inRound(inRound_, true);
             YieldDroppingInput();
         }
         ResetClocks(now);

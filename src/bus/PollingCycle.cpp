@@ -152,10 +152,11 @@ int wPolling::PickPanel(bool& turnEnded) {
 void wPolling::PollPanel(int address) {
     ++polledInTurn_;
     polledPanel_ = address;
-    watch_->Polled(address);
     PanelClass& panel = Global::Configuration().Panel(address);
     const Poll poll = PollOf(panel.Model());
+    // One of a model that nobody knows is never asked, and is told as not polled.
     if (poll.words > 0) {
+        watch_->Polled(address);
         panel.setNextPoll(DateTimes::Now() - platform::OneSecond);
         Words words(poll.words);
         if (LitMots(*link_, quint8(address), poll.registerNo, words)) {

@@ -213,12 +213,10 @@ void wPolling::TraiteKlaxon(const EventClass& event) {
             else if (event.Aff() > 1)
                 Alarme(1);
         } else {
-            const qint16 priority =
-                Global::Configuration().Panel(event.Panel()).Channel(event.Chnl()).AlmPrio();
             if (event.Aff() == 1 && event.Param() != 0)
                 Alarme(HighestPriority);
             else if (event.Aff() >= 1)
-                Alarme(priority);
+                Alarme(Global::Configuration().Panel(event.Panel()).Channel(event.Chnl()));
         }
     });
 }

@@ -18,7 +18,7 @@ void wPolling::SetupPrinter() {
         const QString line = settings.section(u':', 1, 1);
         dpPrinter_.onError = [this](const QString& text, int) { TellPrinterError(text); };
         dpPrinter_.setAddLF(true);
-        if (port == dpPrinter_.Port() && line == dpPrinter_.Settings())
+        if (port == paper_.Port() && line == paper_.Settings())
             return;
         const bool usable = TestPrintPort(settings);
         if (!usable && (!DirectPrinting::IsPort(port) || IsBusPort(port)))
@@ -30,10 +30,13 @@ void wPolling::SetupPrinter() {
 /// Another site may have its bus where this one's printer is.
 void wPolling::KeepPrinterOffTheBus() {
     Guard("wPolling.KeepPrinterOffTheBus", [&] {
-        if (!IsBusPort(dpPrinter_.Port()))
-            return;
-        TestPrintPort(dpPrinter_.Port());
-        dpPrinter_.setPort(QString());
+        if (IsBusPort(paper_.Port())) {
+            TestPrintPort(paper_.Port());
+            paper_.Use(QString(), QString());
+        }
+        // What is under way there must not go on.
+        if (IsBusPort(dpPrinter_.Port()))
+            dpPrinter_.setPort(QString());
     });
 }
 

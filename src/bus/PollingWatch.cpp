@@ -33,8 +33,8 @@ bool wPolling::EndWanted() const {
     return closing_ || platform::ShutdownWatch::Pending();
 }
 
-/// To be polled, by a model that there is.
-bool wPolling::IsWatched(int address) const {
+/// What this says of a panel is what the console's calm rests on.
+bool wPolling::IsWatched(int address) {
     const PanelClass& panel = Global::Configuration().Panel(address);
     return panel.Active() && panel.Model() >= Models::Q7100 && panel.Model() <= Models::P5500;
 }

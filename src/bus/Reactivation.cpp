@@ -82,5 +82,5 @@ void Reactivation::ReactiverAlarme(qint32 id, DateTime time, qint32 number) {
     if (AlarmConsole* console = AlarmConsole::Loaded())
         console->TakeEvent(event);
     if (IsToKlaxon(event))
-        Alarme(channel.AlmPrio());
+        Alarme(channel);
 }

@@ -64,6 +64,8 @@ public:
     /// The polling is at work on the line and lets events run: whoever reads by himself waits.
     bool InRound() const { return inRound_ || synchronising_; }
 
+    /// The panel is to be watched: active, and of a model that there is.
+    static bool IsWatched(int address);
     BusState State() const;
     /// Addresses of the active panels that don't answer, upwards. One that wasn't asked since the
     /// start of the bus is not among them.
@@ -167,7 +169,6 @@ Q_SIGNALS:
 private:
     bool EndIfClosing();
     bool EndWanted() const override;
-    bool IsWatched(int address) const;
     void JudgeAnew();
     bool IsLost(const QList<int>& missing) const;
     void TellState();

@@ -1,19 +1,22 @@
 #include "config_screens/ConfigForm.h"
 
 #include "core/Config.h"
-#include "core/ErrorHandling.h"
 #include "core/Forms.h"
 #include "core/Message.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/touch/Navigation.h"
 
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPointer>
 
 namespace {
 constexpr int KeepTheChanges = 30010;
 } // namespace
+
+ConfigForm::ConfigForm(const QString& name)
+    : ScreenForm(name) {
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
+}
 
 int ConfigForm::Question() const {
     return KeepTheChanges;
@@ -68,11 +71,4 @@ void ConfigForm::Form_Unload() {
     if (!left_ && Differs())
         Keep();
     Closing();
-}
-
-void ConfigForm::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
 }

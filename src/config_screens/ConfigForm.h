@@ -12,7 +12,7 @@
 class ConfigForm : public ScreenForm {
     Q_OBJECT
 public:
-    using ScreenForm::ScreenForm;
+    explicit ConfigForm(const QString& name);
 
 protected:
     /// Indices of `imgNavig` that mean the same on all of them.
@@ -45,7 +45,6 @@ protected:
 
     void Form_Unload() final;
     void CloseRequested() override { Leave(); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool left_ = false;

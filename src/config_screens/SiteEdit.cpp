@@ -12,7 +12,7 @@
 bool SaveSite() {
     if (!Global::Configuration().Modified())
         return true;
-    const qint32 result = KeepCurrentConfig();
+    const qint32 result = SaveCurrentConfig();
     TellOutOfService();
     if (result >= 1)
         Message(GetText(result), Messages::Critical);

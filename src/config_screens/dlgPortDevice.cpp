@@ -13,7 +13,6 @@
 #include "ui_dlgPortDevice.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 
 using platform::PortDevice;
 using platform::Ports;
@@ -66,6 +65,8 @@ dlgPortDevice::dlgPortDevice(PortPurpose purpose, const QString& portName, const
     , present_(present) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_Return, [this] { Control_Click(Confirm); });
+    OnKey(Qt::Key_Escape, [this] { Control_Click(Cancel); });
     MakeTouchList(*ui_->lstDevices, IsScaled() ? CurrentScreenFactors().vertical : 1);
     ui_->lblTitle->setText(GetText(Title).replace(u'$', portName));
     OnClick(QStringLiteral("imgControl"), [this](int index) { Control_Click(index); });
@@ -132,20 +133,6 @@ void dlgPortDevice::Choose() {
     // The name in use stays as long as it leads there.
     chosen_ = Ports::SameDevice(device.path, present_) ? present_ : device.BestPath();
     Hide();
-}
-
-void dlgPortDevice::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        Control_Click(Confirm);
-        break;
-    case Qt::Key_Escape:
-        Control_Click(Cancel);
-        break;
-    default:
-        ScreenForm::keyPressEvent(event);
-    }
 }
 
 std::optional<QString> AskPortDevice(PortPurpose purpose, const QString& portName,

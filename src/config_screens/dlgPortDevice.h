@@ -31,7 +31,6 @@ public:
 
 protected:
     void CloseRequested() override { Hide(); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum Image { Cancel, Confirm, ListAgain };

@@ -25,6 +25,13 @@ namespace {
 /// must not stack boxes over it.
 QSet<QString> standing;
 
+/// What one touch has told already: a screen that saves many settings on a full disk has the same
+/// error with each of them.
+struct {
+    quint64 touch = 0;
+    QSet<QString> texts;
+} told;
+
 int postponing = 0;
 QStringList postponed;
 
@@ -81,11 +88,15 @@ void TraceError(const QString& source, int number) {
 
 void Tell(const QString& text) {
     Pointer::Default();
-    if (standing.contains(text))
+    const quint64 touch = Operator::Touch();
+    if (standing.contains(text) || (touch != 0 && touch == told.touch && told.texts.contains(text)))
         return;
     standing.insert(text);
     const auto answered = qScopeGuard([&text] { standing.remove(text); });
     Message(text, Messages::Critical);
+    if (std::exchange(told.touch, touch) != touch)
+        told.texts.clear();
+    told.texts.insert(text);
 }
 } // namespace
 

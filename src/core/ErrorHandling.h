@@ -8,8 +8,8 @@ namespace ErrorHandling {
 
 /// Tells the operator of an error in a procedure, in a box that waits for whoever touched the
 /// screen and for nobody else, and in the trace; there the same error comes once in ten minutes.
-/// `source` is the module or form, a point and the procedure; handlers of a form add the object,
-/// "_" and the event.
+/// One touch is told the same error once. `source` is the module or form, a point and the
+/// procedure; handlers of a form add the object, "_" and the event.
 void Report(const QString& source, int number);
 
 /// The text of the box.

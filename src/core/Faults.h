@@ -18,7 +18,7 @@ enum class Kind {
     DiskFull,          ///< nothing can be written any more
     HistoryNotWritten, ///< the last event that belonged into the history isn't there
     TraceNotWritten,   ///< the last line of the trace isn't there
-    PanelNotPolled,    ///< an active panel that the cycle doesn't reach
+    PanelNotPolled,    ///< an active panel that the cycle doesn't reach or can't ask
     MemoryUnreadable,  ///< a panel counts events that can't be read
     CommandGivenUp,    ///< a command that the bus never took
     PrinterNotReached, ///< lines wait to be told on paper

@@ -5,25 +5,30 @@
 namespace Operator {
 
 namespace {
-bool acts = false;
+quint64 touch = 0;
+quint64 last = 0;
 } // namespace
 
 bool Acts() {
-    return acts;
+    return touch != 0;
+}
+
+quint64 Touch() {
+    return touch;
 }
 
 Acting::Acting()
-    : before_(std::exchange(acts, true)) {}
+    : before_(std::exchange(touch, touch != 0 ? touch : ++last)) {}
 
 Acting::~Acting() {
-    acts = before_;
+    touch = before_;
 }
 
 Away::Away()
-    : before_(std::exchange(acts, false)) {}
+    : before_(std::exchange(touch, 0)) {}
 
 Away::~Away() {
-    acts = before_;
+    touch = before_;
 }
 
 } // namespace Operator

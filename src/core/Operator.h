@@ -1,11 +1,15 @@
 #pragma once
 
+#include <QtGlobal>
+
 /// Is somebody there to answer? What runs was called by a touch or a key, or by nobody: a timer,
 /// the start, the bus. Only the first may wait for an answer.
 namespace Operator {
 
 /// True inside the handler of a touch or a key.
 bool Acts();
+/// Number of that touch or key, another one for each; 0 when nobody acts.
+quint64 Touch();
 
 /// While one exists, what runs was called by a touch or a key.
 class Acting {
@@ -16,7 +20,7 @@ public:
     Acting& operator=(const Acting&) = delete;
 
 private:
-    bool before_;
+    quint64 before_;
 };
 
 /// Around everything that lets the event loop run inside a handler: what the loop calls was not
@@ -29,7 +33,7 @@ public:
     Away& operator=(const Away&) = delete;
 
 private:
-    bool before_;
+    quint64 before_;
 };
 
 } // namespace Operator

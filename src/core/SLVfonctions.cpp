@@ -41,8 +41,8 @@ QString IniRead(const QString& section, const QString& key, const QString& fallb
     return value;
 }
 
-void IniWrite(const QString& section, const QString& key, const QString& value) {
-    Guard("SLVfonctions.IniWrite", [&] { File().Write(section, key, value); });
+bool IniWrite(const QString& section, const QString& key, const QString& value) {
+    return Guard("SLVfonctions.IniWrite", [&] { File().Write(section, key, value); });
 }
 
 void IniDeleteKey(const QString& section, const QString& key) {
@@ -59,8 +59,8 @@ QList<std::pair<QString, QString>> IniReadSection(const QString& section) {
     return values;
 }
 
-void IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values) {
-    Guard("SLVfonctions.IniWriteSection", [&] { File().WriteSection(section, values); });
+bool IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values) {
+    return Guard("SLVfonctions.IniWriteSection", [&] { File().WriteSection(section, values); });
 }
 
 quint64 IniRevision() {

@@ -10,13 +10,15 @@ namespace SLVfonctions {
 
 QString IniFileName();
 QString IniRead(const QString& section, const QString& key, const QString& fallback);
-void IniWrite(const QString& section, const QString& key, const QString& value);
+/// False, as for IniWriteSection, when the change didn't reach the file: that is told, and what it
+/// says counts until the end of the program and goes out with the next change.
+bool IniWrite(const QString& section, const QString& key, const QString& value);
 void IniDeleteKey(const QString& section, const QString& key);
 void IniDeleteSection(const QString& section);
 /// Keys and values of a section in the file's order, and their replacement in one change of the
 /// file.
 QList<std::pair<QString, QString>> IniReadSection(const QString& section);
-void IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values);
+bool IniWriteSection(const QString& section, const QList<std::pair<QString, QString>>& values);
 /// Another number behind each change of the file.
 quint64 IniRevision();
 /// Fills `keys` with the section's key names and gives their number.

@@ -3,7 +3,6 @@
 namespace {
 
 constexpr qint64 TenMinutes = 600;
-constexpr qint64 Hour = 3600;
 constexpr int DaysAWeek = 7;
 
 qint64 Midnight(const QDate& date) {
@@ -51,20 +50,20 @@ AlarmPeriod::AlarmPeriod(Unit unit, qint64 within)
     : unit_(unit) {
     const QDateTime time = TimeOf(within);
     const QDate first = FirstDay(unit, time.date());
-    begin_ = Midnight(first) + (unit == Unit::Hour ? time.time().hour() * Hour : 0);
-    end_ = unit == Unit::Hour ? begin_ + Hour : Midnight(Later(unit, first, 1));
+    begin_ = Midnight(first) + (unit == Unit::Hour ? time.time().hour() * HourSeconds : 0);
+    end_ = unit == Unit::Hour ? begin_ + HourSeconds : Midnight(Later(unit, first, 1));
 }
 
 AlarmPeriod AlarmPeriod::Next(int by) const {
     if (unit_ == Unit::Hour)
-        return {unit_, begin_ + by * Hour};
+        return {unit_, begin_ + by * HourSeconds};
     return {unit_, Midnight(Later(unit_, TimeOf(begin_).date(), by))};
 }
 
 std::vector<qint64> AlarmPeriod::Parts() const {
     std::vector<qint64> parts;
     if (unit_ == Unit::Hour || unit_ == Unit::Day) {
-        for (qint64 at = begin_; at < end_; at += unit_ == Unit::Hour ? TenMinutes : Hour)
+        for (qint64 at = begin_; at < end_; at += unit_ == Unit::Hour ? TenMinutes : HourSeconds)
             parts.push_back(at);
     } else {
         const Unit part = unit_ == Unit::Year ? Unit::Month : Unit::Day;

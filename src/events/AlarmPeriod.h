@@ -10,6 +10,7 @@
 class AlarmPeriod {
 public:
     enum class Unit { Hour, Day, Week, Month, Year };
+    static constexpr qint64 HourSeconds = 3600;
 
     /// The hour, day and so on that holds a second. Weeks begin with their Monday.
     AlarmPeriod(Unit unit, qint64 within);

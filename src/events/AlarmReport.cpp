@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr qint64 Hour = 3600;
 constexpr qint64 Day = 86400;
 /// How far back an alarm may have come that stands in the period, days.
 constexpr int LookBack = 366;
@@ -110,7 +109,7 @@ void AlarmReport::Come(State& state, const HistoryRecord& record) {
     ++alarms_;
     const auto part = std::upper_bound(parts_.cbegin(), parts_.cend(), time) - parts_.cbegin() - 1;
     ++byPart_[size_t(part)];
-    ++byHour_[size_t(time % Day / Hour)];
+    ++byHour_[size_t(time % Day / AlarmPeriod::HourSeconds)];
     ++byDay_[size_t((time - period_.Begin()) / Day)];
     state.tally.panel = record.panel;
     state.tally.channel = record.channel;
@@ -230,7 +229,7 @@ void AlarmReport::Finish(qint64 now) {
     std::sort(waits_.begin(), waits_.end());
     const qint64 begin = std::max(period_.Begin(), first_ - first_ % Day);
     const qint64 end = std::min(period_.End(), std::max(now, begin));
-    days_ = std::max(double(end - begin) / Day, double(Hour) / Day);
+    days_ = std::max(double(end - begin) / Day, double(AlarmPeriod::HourSeconds) / Day);
 }
 
 std::pair<int, qint64> AlarmReport::BusiestDay() const {

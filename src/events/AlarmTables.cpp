@@ -14,7 +14,6 @@ using Unit = AlarmPeriod::Unit;
 
 namespace {
 
-constexpr qint64 Hour = 3600;
 constexpr qint64 Minute = 60;
 constexpr double HoursADay = 24;
 constexpr double DaySeconds = 86400;
@@ -181,7 +180,7 @@ QString AlarmTables::NameOf(const AlarmPeriod& period) {
 
 QString AlarmTables::Duration(qint64 seconds) {
     return QStringLiteral("%1:%2:%3")
-        .arg(seconds / Hour)
+        .arg(seconds / AlarmPeriod::HourSeconds)
         .arg(seconds / Minute % Minute, 2, 10, QChar(u'0'))
         .arg(seconds % Minute, 2, 10, QChar(u'0'));
 }

@@ -6,6 +6,7 @@
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
 #include "core/Trace.h"
+#include "events/ForwardSettings.h"
 #include "model/CurrentConfig.h"
 #include "platform/FileReading.h"
 #include "platform/Folders.h"
@@ -16,6 +17,7 @@
 #include <QFileInfo>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QSet>
 #include <QSysInfo>
 #include <algorithm>
 #include <cmath>
@@ -89,6 +91,20 @@ void AddFiles(QList<BackupFile::Source>& sources, const QString& kind, const QSt
     }
 }
 
+/// Those that the settings name and that the program keeps, with the key that one of them holds:
+/// without it the restored machine would forward nothing, and the users' codes are in a backup as
+/// well.
+void AddCertificates(QList<BackupFile::Source>& sources) {
+    const platform::LogServerSetup server = ForwardSettings::Read().server;
+    for (const QString& path : QSet<QString>{server.authority, server.certificate}) {
+        const QFileInfo info(path);
+        const QString name = BackupFile::Kinds::Certificates + u'/' + info.fileName();
+        if (info.absolutePath() == Global::InApplicationFolder(ForwardFiles::Folder) &&
+            info.isFile() && info.isReadable() && BackupFile::IsEntryName(name))
+            AddBytes(sources, name, path);
+    }
+}
+
 /// A history grows at its end alone, so that its length now says which part belongs into the
 /// backup.
 QList<BackupFile::Source> Sources(const QString& site) {
@@ -107,6 +123,7 @@ QList<BackupFile::Source> Sources(const QString& site) {
     AddFiles(sources, Kinds::Sounds, folder, QStringLiteral("*.wav"));
     for (const QString& one : platform::ProgramFolders())
         AddFiles(sources, Kinds::Printers, one, QStringLiteral("*.prt"));
+    AddCertificates(sources);
     AddFiles(sources, Kinds::History, folder, QStringLiteral("*.his"),
              QtTime(DateTimes::Now()).addDays(-YearOfHistory));
     return sources;

@@ -114,12 +114,8 @@ QByteArray ToJson(const Manifest& manifest) {
 const QRegularExpression
     EntryPattern(QStringLiteral("\\A(site/current\\.dat|settings/settings\\.ini|"
                                 "(site/[^/\\\\]+\\.kv2|sounds/[^/\\\\]+\\.wav|printers/[^/"
-                                "\\\\]+\\.prt|history/[^/\\\\]+\\.his))\\z"));
-
-bool IsEntryName(const QString& name) {
-    return EntryPattern.match(name).hasMatch() &&
-           std::none_of(name.cbegin(), name.cend(), [](QChar one) { return one < u' '; });
-}
+                                "\\\\]+\\.prt|history/[^/\\\\]+\\.his|"
+                                "certificates/[^/\\\\]+\\.(?i:pem|crt|cer)))\\z"));
 
 Manifest FromJson(const QByteArray& bytes) {
     const QJsonObject root = QJsonDocument::fromJson(bytes).object();
@@ -184,6 +180,9 @@ void TakeEntry(const platform::ZipReader& zip, const Entry& entry, const QString
     QFile file(path);
     if (!path.isEmpty())
         Open(file, QIODevice::WriteOnly | QIODevice::Truncate);
+    // One of them holds a key.
+    if (file.isOpen() && entry.Kind() == Kinds::Certificates)
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     QCryptographicHash hash(QCryptographicHash::Sha256);
     qint64 size = 0;
     zip.Read(entry.name, [&](const QByteArray& portion) {
@@ -208,8 +207,8 @@ void TakeEntry(const platform::ZipReader& zip, const Entry& entry, const QString
 /// Those of the kinds, and the folder itself.
 QStringList FoldersIn(const QString& folder) {
     QStringList folders;
-    for (const QString& kind :
-         {Kinds::Site, Kinds::Settings, Kinds::Sounds, Kinds::Printers, Kinds::History})
+    for (const QString& kind : {Kinds::Site, Kinds::Settings, Kinds::Sounds, Kinds::Printers,
+                                Kinds::Certificates, Kinds::History})
         folders += folder + u'/' + kind;
     return folders + QStringList(folder);
 }
@@ -309,6 +308,11 @@ void WriteAll(const QString& path, Manifest& manifest, const QList<Source>& sour
 }
 
 } // namespace
+
+bool IsEntryName(const QString& name) {
+    return EntryPattern.match(name).hasMatch() &&
+           std::none_of(name.cbegin(), name.cend(), [](QChar one) { return one < u' '; });
+}
 
 QString Manifest::DateText() const {
     if (!date.isValid())

@@ -21,10 +21,14 @@ inline const QString Site = QStringLiteral("site");
 inline const QString Settings = QStringLiteral("settings");
 inline const QString Sounds = QStringLiteral("sounds");
 inline const QString Printers = QStringLiteral("printers");
+inline const QString Certificates = QStringLiteral("certificates");
 inline const QString History = QStringLiteral("history");
 } // namespace Kinds
 inline const QString CurrentSite = QStringLiteral("site/current.dat");
 inline const QString SettingsFile = QStringLiteral("settings/settings.ini");
+
+/// True for a name that an entry may have.
+bool IsEntryName(const QString& name);
 
 struct Entry {
     QString name; ///< kind, "/" and file name

@@ -65,10 +65,15 @@ void EventPrinter::Advance() {
 }
 
 void EventPrinter::Use(const QString& port, const QString& settings) {
-    Lend([this, port, settings] {
+    next_ = Choice{port, settings};
+    Lend([this] {
+        // Of several that waited for the same line the last one counts.
+        const auto choice = std::exchange(next_, std::nullopt);
+        if (!choice)
+            return true;
         printer_.ClosePrinter();
-        printer_.setPort(port);
-        printer_.setSettings(settings);
+        printer_.setPort(choice->port);
+        printer_.setSettings(choice->settings);
         nextTry_ = 0;
         return true;
     });

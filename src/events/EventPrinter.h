@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QTimer>
 #include <functional>
+#include <optional>
 
 /// Prints the lines of events without ever waiting for the printer: they queue and leave with the
 /// event loop. A printer that isn't there or takes nothing is left alone for a while; what comes
@@ -29,6 +30,9 @@ public:
     /// Puts the printer on another port as soon as the line under way is out, so that no closing of
     /// the port waits. What failed before is tried there at once.
     void Use(const QString& port, const QString& settings);
+    /// Where it prints as soon as the line under way is out.
+    QString Port() const { return next_ ? next_->port : printer_.Port(); }
+    QString Settings() const { return next_ ? next_->settings : printer_.Settings(); }
     /// Prints a test line with the settings of a port string, as soon as the line under way is out;
     /// the others queue until it is over. The printer's own port is closed for it and stays what it
     /// is. `done` comes from the event loop.
@@ -50,6 +54,10 @@ private:
     enum class Current { Nothing, Line, Note };
     /// Somebody else's turn with the port: called again until it gives true.
     using Turn = std::function<bool()>;
+    struct Choice {
+        QString port;
+        QString settings;
+    };
 
     void Lend(Turn turn);
     bool TakeTurns();
@@ -67,7 +75,8 @@ private:
     QTimer timer_;
     QStringList waiting_; // the first is under way when current_ is a line
     QList<Turn> turns_;
-    QString turnError_; // of the line that the first of them printed
+    std::optional<Choice> next_; // that a turn is to take
+    QString turnError_;          // of the line that the first of them printed
     Current current_ = Current::Nothing;
     int unprinted_ = 0;
     int noted_ = 0; // of these, on the note that is under way

@@ -12,14 +12,14 @@
 
 namespace {
 
-const QString Section = QStringLiteral("Forward");
+using ForwardFiles::Section;
 const QString Journal = QStringLiteral("Journal");
 const QString Syslog = QStringLiteral("Syslog");
 const QString Server = QStringLiteral("Server");
 const QString Port = QStringLiteral("Port");
 const QString Tls = QStringLiteral("Tls");
-const QString Authority = QStringLiteral("Authority");
-const QString Certificate = QStringLiteral("Certificate");
+const QString& Authority = ForwardFiles::Keys[0];
+const QString& Certificate = ForwardFiles::Keys[1];
 
 constexpr int HighestPort = 65535;
 
@@ -29,12 +29,13 @@ QString Word(bool value) {
 
 /// `other` is kept beside it, maybe from another folder under the same name.
 void KeepFile(QString& path, const QString& other) {
-    const QString folder = Global::InApplicationFolder(QStringLiteral("Certificates"));
+    const QString folder = Global::InApplicationFolder(ForwardFiles::Folder);
     const QFileInfo info(path);
     QFile file(path);
     if (path.isEmpty() || info.absolutePath() == folder || !file.open(QIODevice::ReadOnly))
         return;
     platform::MakeFolder(folder);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QString kept = folder + u'/' + info.fileName();
     if (kept == other)
         kept = folder + QStringLiteral("/2-") + info.fileName();
@@ -71,12 +72,12 @@ void ForwardSettings::KeepFiles() {
     KeepFile(server.certificate, server.authority);
 }
 
-void ForwardSettings::Write() const {
-    IniWriteSection(Section, {{Journal, Word(journal)},
-                              {Syslog, Word(syslog)},
-                              {Server, server.host},
-                              {Port, QString::number(server.port)},
-                              {Tls, Word(server.tls)},
-                              {Authority, server.authority},
-                              {Certificate, server.certificate}});
+bool ForwardSettings::Write() const {
+    return IniWriteSection(Section, {{Journal, Word(journal)},
+                                     {Syslog, Word(syslog)},
+                                     {Server, server.host},
+                                     {Port, QString::number(server.port)},
+                                     {Tls, Word(server.tls)},
+                                     {Authority, server.authority},
+                                     {Certificate, server.certificate}});
 }

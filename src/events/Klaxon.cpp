@@ -36,6 +36,11 @@ void Alarme(qint16 priority) {
     });
 }
 
+void Alarme(const ChannelClass& channel) {
+    const qint16 priority = channel.AlmPrio();
+    Alarme(priority >= 1 && priority <= HighestPriority ? priority : HighestPriority);
+}
+
 bool TrySound(const QString& path, const platform::SoundReserve& reserve,
               std::function<void()> ended) {
     Global::State& state = Global::Get();

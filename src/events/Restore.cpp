@@ -4,6 +4,7 @@
 #include "core/Config.h"
 #include "core/Global.h"
 #include "core/SLVfonctions.h"
+#include "events/ForwardSettings.h"
 #include "platform/CodePage.h"
 #include "platform/FileReading.h"
 #include "platform/FileWriting.h"
@@ -106,6 +107,8 @@ public:
             return Replacing(entry, places_.executable + QStringLiteral(".ini"));
         if (entry.Kind() == Kinds::Site || entry.Kind() == Kinds::History)
             return Keeping(entry);
+        if (entry.Kind() == Kinds::Certificates)
+            return Replacing(entry, ForwardFiles::Folder + u'/' + entry.FileName());
         return Replacing(entry, entry.FileName());
     }
 
@@ -167,6 +170,17 @@ void TakeOver(const SettingsFile& from, SettingsFile& to, const QString& section
         to.Write(section, key, found->second);
 }
 
+/// The files that the program keeps are in this machine's folder.
+void NameCertificates(const Plan& plan, SettingsFile& merged) {
+    for (const QString& key : ForwardFiles::Keys) {
+        const QFileInfo named(merged.Read(ForwardFiles::Section, key, QString()));
+        const QString name = Kinds::Certificates + u'/' + named.fileName();
+        for (const Item& item : plan.items)
+            if (item.name == name)
+                merged.Write(ForwardFiles::Section, key, Global::InApplicationFolder(item.target));
+    }
+}
+
 /// The settings that this machine will have, in place of those that were unpacked.
 void MergeSettings(const Plan& plan, bool keepMachine) {
     const SettingsFile present(SLVfonctions::IniFileName());
@@ -174,6 +188,7 @@ void MergeSettings(const Plan& plan, bool keepMachine) {
     if (keepMachine)
         for (const MachineSetting& setting : MachineSettings())
             TakeOver(present, merged, setting.section, setting.key);
+    NameCertificates(plan, merged);
     const auto site = std::find_if(plan.items.cbegin(), plan.items.cend(), [](const Item& item) {
         return item.name.endsWith(QStringLiteral(".kv2"));
     });
@@ -322,8 +337,11 @@ bool Complete() {
             target = FreeName(target);
         if (name == BackupFile::SettingsFile)
             MergeMoment(from);
-        platform::Rename(from, Global::InApplicationFolder(target));
+        const QString path = Global::InApplicationFolder(target);
+        platform::MakeFolder(QFileInfo(path).path());
+        platform::Rename(from, path);
     }
+    platform::FlushFolder(Global::InApplicationFolder(ForwardFiles::Folder));
     platform::FlushFolder(platform::ApplicationFolder());
     QFile::remove(Journal());
     QDir(stage).removeRecursively();

@@ -33,9 +33,3 @@ qint32 SaveCurrentConfig() {
         OutOfService::SiteSaved();
     return result;
 }
-
-qint32 KeepCurrentConfig() {
-    const qint32 result = SaveCurrentConfig();
-    Global::Configuration().setModified(true);
-    return result;
-}

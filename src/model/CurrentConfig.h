@@ -20,5 +20,3 @@ QString CurrentConfigFile();
 /// Saves the site model there; results as ConfigClass::Save. A site that is marked as changed stays
 /// so: its own file is another one.
 qint32 SaveCurrentConfig();
-/// The same for a change that the site's own file doesn't hold: the site is marked as changed.
-qint32 KeepCurrentConfig();

@@ -19,6 +19,11 @@ QString ModuleName(int code) {
     return names.value(code);
 }
 
+QString NameOrCode(int code) {
+    const QString name = ModuleName(code);
+    return name.isEmpty() ? QString::number(code) : name;
+}
+
 QString ReactivTimeList() {
     return QStringLiteral("@|00:01|00:05|00:10|00:30|01:00|12:00|24:00|36:00");
 }

@@ -30,6 +30,8 @@ constexpr bool HasChannels(int model) {
 
 /// Name of a model; empty for a code that no model has.
 QString ModuleName(int code);
+/// The same with the code itself where there is no name.
+QString NameOrCode(int code);
 
 /// The reactivation delays as a list descriptor: "@" and the times, parted by bars.
 QString ReactivTimeList();

@@ -36,6 +36,11 @@ quint8 PanelClass::ChannelCount() const {
     return model_ == Models::Q6200XT ? 24 : 12;
 }
 
+bool PanelClass::ReportsOtherModel() const {
+    const quint8 reported = model_ == Models::P5000 ? Models::Q7100 : model_;
+    return model_ != Models::None && actualModel_ != Models::None && actualModel_ != reported;
+}
+
 bool PanelClass::Modified() const {
     return modified_ || std::any_of(channels_.cbegin() + 1, channels_.cend(),
                                     [](const ChannelClass& channel) { return channel.Modified(); });

@@ -41,6 +41,9 @@ public:
     /// Model that the panel itself reported.
     quint8 ActualModel() const { return actualModel_; }
     void setActualModel(quint8 value) { actualModel_ = value; }
+    /// The panel reported another model than the configured one. A P5000 can't be told from a
+    /// Q7100 by what it reports.
+    bool ReportsOtherModel() const;
     /// The panel answered the last time.
     bool Present() const { return present_; }
     void setPresent(bool value) {

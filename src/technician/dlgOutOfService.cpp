@@ -11,7 +11,6 @@
 #include "screens/touch/ValueLabel.h"
 #include "ui_dlgOutOfService.h"
 
-#include <QKeyEvent>
 #include <QPointer>
 
 namespace {
@@ -81,6 +80,8 @@ dlgOutOfService::dlgOutOfService()
     , reasons_(OutOfService::Reasons()) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
+    OnKey(Qt::Key_Escape, [this] { imgControl_Click(Cancel); });
     OnClick(Reasons, [this](int index) { imgReason_Click(index); });
     OnClick(QStringLiteral("imgEdit"), [this](int index) { imgEdit_Click(index); });
     OnClick(Ends, [this](int index) { imgEnd_Click(index); });
@@ -196,13 +197,4 @@ void dlgOutOfService::imgDate_Click(int index) {
 void dlgOutOfService::imgControl_Click(int index) {
     ok_ = index == Confirm;
     Hide();
-}
-
-void dlgOutOfService::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else if (event->key() == Qt::Key_Escape)
-        imgControl_Click(Cancel);
-    else
-        ScreenForm::keyPressEvent(event);
 }

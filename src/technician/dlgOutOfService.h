@@ -33,7 +33,6 @@ public:
 
 protected:
     void CloseRequested() override { Hide(); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum Reason { NoReason = OutOfService::ReasonCount, OtherReason };

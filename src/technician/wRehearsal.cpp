@@ -16,7 +16,6 @@
 #include "ui_wRehearsal.h"
 
 #include <QFrame>
-#include <QKeyEvent>
 #include <QLabel>
 
 namespace {
@@ -29,7 +28,6 @@ const QString Channels = QStringLiteral("imgChannel");
 const QString Choices = QStringLiteral("optContact");
 
 constexpr int TilesAPage = 8;
-constexpr int TilesInRow = 4;
 constexpr QRect FirstTile{8, 58, 190, 70};
 constexpr int PitchX = 198;
 constexpr int PitchY = 76;
@@ -74,6 +72,7 @@ wRehearsal::wRehearsal()
     MakeTiles();
     MakeChannels();
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
     OnClick(Tiles, [this](int index) { imgPanneau_Click(index); });
     OnClick(Channels, [this](int index) { imgChannel_Click(index); });
@@ -96,9 +95,7 @@ wRehearsal::wRehearsal()
 wRehearsal::~wRehearsal() = default;
 
 void wRehearsal::MakeTiles() {
-    for (int i = 0; i < TilesAPage; ++i)
-        new PanelTile(this, i,
-                      FirstTile.translated(i % TilesInRow * PitchX, i / TilesInRow * PitchY));
+    PanelTile::MakePage(this, TilesAPage, FirstTile, PitchX, PitchY);
     shpSelection_ = new QFrame(this);
     shpSelection_->setObjectName(QStringLiteral("shpSelection"));
     shpSelection_->setStyleSheet(QStringLiteral("border: 3px solid #FFFFFF; border-radius: 8px;"));
@@ -205,13 +202,6 @@ void wRehearsal::imgNavig_Click(int index) {
     default:
         break;
     }
-}
-
-void wRehearsal::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
 }
 
 void wRehearsal::imgPanneau_Click(int index) {

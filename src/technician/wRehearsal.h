@@ -25,7 +25,6 @@ public:
 
 protected:
     void CloseRequested() override { Unload(); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void MakeTiles();

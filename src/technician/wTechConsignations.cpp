@@ -63,7 +63,8 @@ const PanelClass* PanelOf(int number) {
 
 QString NameOf(const Thing& thing) {
     const PanelClass& panel = *PanelOf(thing.panel);
-    return thing.channel > 0 ? panel.Channel(thing.channel).ScreenText() : panel.Title();
+    return thing.channel > 0 ? panel.Channel(thing.channel).ScreenText()
+                             : panel.Title().replace(u'|', u' ').trimmed();
 }
 
 QString IconOf(const OutOfService::Change& entry) {
@@ -272,7 +273,7 @@ void wTechConsignations::Request(int channel, bool out) {
 void wTechConsignations::lblModule_Click() {
     const PanelClass* panel = PanelOf(module_->Value());
     channel_->setBounds(0, panel == nullptr ? 0 : panel->ChannelCount());
-    ui_->lblTitle_0->setText(panel == nullptr ? QString() : panel->Title());
+    ui_->lblTitle_0->setText(panel == nullptr ? QString() : NameOf({module_->Value()}));
     ui_->imgControl_6->setEnabled(panel != nullptr);
     ui_->imgControl_7->setEnabled(panel != nullptr);
     lblChannel_Change();

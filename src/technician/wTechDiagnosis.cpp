@@ -34,6 +34,7 @@ constexpr int FramesOfOne = 850008;
 constexpr int Held = 850009;
 constexpr int FirstColumn = 850010;
 constexpr int SavedFrames = 850030;
+constexpr int OtherModel = 714300;
 
 const QString Files = QStringLiteral("Files");
 const QString FolderKey = QStringLiteral("Diagnosis");
@@ -43,10 +44,27 @@ QString Milliseconds(const BusDiagnosis::Counters& counters, double value, int d
     return counters.Answers() == 0 ? QString() : QString::number(value, 'f', decimals);
 }
 
+/// That a module reports another model than its panel is set up with; empty when it doesn't.
+QString ReportedModel(int panel) {
+    const PanelClass& of = Global::Configuration().Panel(panel);
+    if (!of.ReportsOtherModel())
+        return {};
+    return GetText(OtherModel)
+        .replace(QStringLiteral("$1"), QString::number(panel))
+        .replace(QStringLiteral("$2"), Models::NameOrCode(of.Model()))
+        .replace(QStringLiteral("$3"), ModuleName(of.ActualModel()));
+}
+
+/// With a mark where the module reports another one.
+QString ModelOf(int panel) {
+    const PanelClass& of = Global::Configuration().Panel(panel);
+    return ModuleName(of.Model()) + (of.ReportsOtherModel() ? QStringLiteral("!") : QString());
+}
+
 QStringList Cells(int panel, const BusDiagnosis::Counters& counters) {
     const auto number = [&](Outcome outcome) { return QString::number(counters.Of(outcome)); };
     return {QString::number(panel),
-            ModuleName(Global::Configuration().Panel(panel).Model()),
+            ModelOf(panel),
             QString::number(counters.exchanges),
             number(Outcome::NoAnswer),
             number(Outcome::BadCrc),
@@ -146,6 +164,7 @@ void wTechDiagnosis::tblPanels_Click() {
         const int panel = ui_->tblPanels->CurrentTag().toInt();
         if (panel != 0 && ui_->grdTrace->Panel() != 0 && ui_->grdTrace->Panel() != panel)
             ui_->grdTrace->setPanel(panel);
+        ui_->lblTold->setText(panel == 0 ? QString() : ReportedModel(panel));
         ShowTrace();
     });
 }
@@ -200,6 +219,13 @@ QString wTechDiagnosis::Report() const {
         }
         lines += QString();
     }
+    const qsizetype before = lines.size();
+    for (int panel = 1; panel <= BusDiagnosis::PanelCount; ++panel) {
+        if (const QString told = ReportedModel(panel); !told.isEmpty())
+            lines += told;
+    }
+    if (lines.size() > before)
+        lines += QString();
     lines += ui_->lblTrace->text();
     lines += ui_->grdTrace->Lines();
     return lines.join(LineEnd) + LineEnd;

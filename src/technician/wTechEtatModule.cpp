@@ -18,6 +18,8 @@ using ErrorHandling::Guard;
 namespace {
 
 constexpr int PollPeriod = 1000; // ms
+/// Longest rest between two ticks, that of the polling for a panel that has just gone missing, ms.
+constexpr int LongestPause = 60000;
 constexpr int BlinkPeriod = 150; // ms
 /// A tick that falls into a round of the polling comes again after so many ms.
 constexpr int RoundPeriod = 50;
@@ -34,6 +36,7 @@ constexpr Key Keys[] = {
     {Registers::PanelCommand, 1}, {Registers::Function, 1},
     {Registers::Function, 0},     {Registers::PanelCommand, 3}};
 
+constexpr int OtherModelText = 714301;
 constexpr int ReadingText = 830101;
 constexpr int ReadText = 830102;
 constexpr int FailedText = 830103;
@@ -47,7 +50,8 @@ constexpr int TitleLines = 2;
 
 wTechEtatModule::wTechEtatModule()
     : ScreenForm(FormNames::wTechEtatModule)
-    , ui_(std::make_unique<Ui::wTechEtatModule>()) {
+    , ui_(std::make_unique<Ui::wTechEtatModule>())
+    , pause_(PollPeriod) {
     ui_->setupUi(this);
     Prepare();
     Form_Load();
@@ -66,6 +70,11 @@ void wTechEtatModule::Form_Load() {
         connect(&tmrPoll_, &QTimer::timeout, this, &wTechEtatModule::tmrPoll_Timer);
         connect(&tmrClign_, &QTimer::timeout, this, &wTechEtatModule::tmrClign_Timer);
         connect(&command_, &TechCommand::Changed, this, &wTechEtatModule::ShowCommand);
+        if (Polling() != nullptr)
+            connect(Polling(), &wPolling::PanelMove, this, [this](int panel, bool present) {
+                if (present && panel_ != nullptr && panel == panel_->Numero())
+                    setPause(PollPeriod);
+            });
         OnClick(QStringLiteral("cmdBoutons"), [this](int index) { cmdBoutons_Click(index); });
         int index = 0;
         for (QLabel* label : {ui_->lblTestLeds, ui_->lblAckCL, ui_->lbAckKL, ui_->lblKlOn,
@@ -89,6 +98,10 @@ void wTechEtatModule::MiseEnFormeModule(PanelClass& panel) {
         ui_->lblTitle->setText(FrontTiles::Broken(panel.Title().replace(u'|', u' '),
                                                   ui_->lblTitle->fontMetrics(),
                                                   ui_->lblTitle->width(), TitleLines));
+        ui_->lblCommand->setText(
+            panel.ReportsOtherModel()
+                ? GetText(OtherModelText).replace(u'$', ModuleName(panel.ActualModel()))
+                : QString());
         ui_->fraVoyants->setPanel(panel);
         for (const int index : Indices(QStringLiteral("cmdBoutons")))
             Control(QStringLiteral("cmdBoutons"), index)->setEnabled(true);
@@ -126,7 +139,7 @@ void wTechEtatModule::tmrPoll_Timer() {
         }
         if (reading_ || !tmrPoll_.isActive())
             return;
-        const int period = MayRead() ? PollPeriod : RoundPeriod;
+        const int period = MayRead() ? pause_ : RoundPeriod;
         if (tmrPoll_.interval() != period)
             tmrPoll_.setInterval(period);
         if (!MayRead())
@@ -134,9 +147,26 @@ void wTechEtatModule::tmrPoll_Timer() {
         const QPointer<wTechEtatModule> self(this);
         reading_ = true;
         Guard("wTechEtatModule.tmrPoll_Timer", [&] { ReadModule(); });
-        if (self)
-            reading_ = false;
+        if (!self)
+            return;
+        reading_ = false;
+        RestUntilNextTick();
     });
+}
+
+/// A read without an answer costs more than a second, in which nobody else is polled. The rest
+/// counts from the end of the reads.
+void wTechEtatModule::RestUntilNextTick() {
+    const bool dead = !lampsKnown_ && !hornKnown_ && Polling() != nullptr && Polling()->Run();
+    if (dead)
+        setPause(qMin(pause_ * 2, LongestPause));
+    else if (pause_ != PollPeriod)
+        setPause(PollPeriod);
+}
+
+void wTechEtatModule::setPause(int pause) {
+    pause_ = pause;
+    tmrPoll_.setInterval(pause);
 }
 
 /// Not inside a round, which lets events run between two exchanges of its own.
@@ -154,16 +184,18 @@ void wTechEtatModule::ReadModule() {
         else
             ui_->fraVoyants->setUnknown();
     };
-    if (ReadUntilSettled(Registers::State, panel_->ChannelCount(), showLamps))
-        ReadUntilSettled(Registers::Function, 1, [this](const Words* words) { ShowHorn(words); });
+    if (ReadUntilSettled(Registers::State, panel_->ChannelCount(), lampsKnown_, showLamps))
+        ReadUntilSettled(Registers::Function, 1, hornKnown_,
+                         [this](const Words* words) { ShowHorn(words); });
 }
 
 /// Gives `show` the words of each good read, and null after the third that failed. A good read
 /// leaves the count of failures as it is: after one the register is read again and again until two
-/// more have failed. False when the reading is to end: nothing of the form may be touched then.
-bool wTechEtatModule::ReadUntilSettled(qint32 registerNo, int count,
+/// more have failed. Where nothing is known any more one read decides, well or not. False when the
+/// reading is to end: nothing of the form may be touched then.
+bool wTechEtatModule::ReadUntilSettled(qint32 registerNo, int count, bool& known,
                                        const std::function<void(const Words* words)>& show) {
-    int failures = 0;
+    int failures = known ? 0 : MaxFailures - 1;
     while (tmrPoll_.isActive()) {
         ShowResult(ReadingText);
         Words words(count);
@@ -171,6 +203,10 @@ bool wTechEtatModule::ReadUntilSettled(qint32 registerNo, int count,
         ShowResult(read ? ReadText : FailedText);
         if (!read)
             failures = (failures + 1) % MaxFailures;
+        else if (!known)
+            failures = 0;
+        if (read || failures == 0)
+            known = read;
         if (read)
             show(&words);
         else if (failures == 0)
@@ -228,6 +264,8 @@ void wTechEtatModule::ShowCommand() {
     const QLabel* const labels[] = {ui_->lblTestLeds, ui_->lblAckCL, ui_->lbAckKL,
                                     ui_->lblKlOn,     ui_->lblKlOff, ui_->lblEffDEf};
     const auto state = command_.Outcome();
+    if (state == TechCommand::State::Obeyed)
+        setPause(PollPeriod);
     const int text = state == TechCommand::State::Sent     ? SentText
                      : state == TechCommand::State::Obeyed ? ObeyedText
                                                            : GivenUpText;

@@ -14,7 +14,8 @@ class wTechEtatModule;
 }
 
 /// A live copy of a module's front: a lamp for each channel and one for the horn, and buttons that
-/// act as the module's own keys. It reads the module itself, whether the polling runs or not.
+/// act as the module's own keys. It reads the module itself, whether the polling runs or not. A
+/// module that doesn't answer is read more and more rarely, so that the others are polled.
 class wTechEtatModule : public ScreenForm, public ModuleFront {
     Q_OBJECT
 public:
@@ -24,7 +25,7 @@ public:
     /// Builds the front of a panel of the site, ahead of the showing.
     void MiseEnFormeModule(PanelClass& panel);
     void Present(PanelClass& panel) override;
-    /// Reads once a second and blinks, or does neither.
+    /// Reads, once a second while the module answers, and blinks, or does neither.
     void EnableTimers(bool on);
 
     /// Ticks of the timers.
@@ -38,8 +39,10 @@ private:
     void Form_Load();
     bool MayRead() const;
     void ReadModule();
-    bool ReadUntilSettled(qint32 registerNo, int count,
+    bool ReadUntilSettled(qint32 registerNo, int count, bool& known,
                           const std::function<void(const Words* words)>& show);
+    void RestUntilNextTick();
+    void setPause(int pause);
     bool LetEventsRun();
     void ShowResult(int text);
     void ShowHorn(const Words* words);
@@ -55,4 +58,8 @@ private:
     int button_ = 0; // whose command was sent last
     bool closing_ = false;
     bool reading_ = false; // a tick reads, and may let events run
+    // By the last reads; before the first nothing speaks against it.
+    bool lampsKnown_ = true;
+    bool hornKnown_ = true;
+    int pause_; // between two ticks, ms
 };

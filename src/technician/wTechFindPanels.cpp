@@ -14,6 +14,7 @@
 #include "platform/Clock.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/menu/BusConfig.h"
+#include "screens/touch/BehindRound.h"
 #include "screens/touch/HoldToRepeat.h"
 #include "screens/touch/KeptEdit.h"
 #include "screens/touch/Position.h"
@@ -25,7 +26,6 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScrollBar>
-#include <QTimer>
 #include <algorithm>
 
 namespace {
@@ -242,14 +242,9 @@ void wTechFindPanels::imgNavig_Click(int index) {
     LeaveModal();
 }
 
-/// A touch that comes in the middle of a round waits for its end: the search would hold it up.
 void wTechFindPanels::StartScan() {
-    constexpr int RoundPause = 20;
-    ErrorHandling::Guard("wTechFindPanels.imgFind_Click", [&] {
-        if (Polling() != nullptr && Polling()->InRound())
-            QTimer::singleShot(RoundPause, this, &wTechFindPanels::StartScan);
-        else
-            Scan();
+    RunBehindRound(this, [this] {
+        ErrorHandling::Guard("wTechFindPanels.imgFind_Click", [this] { Scan(); });
     });
 }
 

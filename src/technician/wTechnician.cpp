@@ -28,7 +28,6 @@
 #include "ui_wTechnician.h"
 
 #include <QDir>
-#include <QKeyEvent>
 #include <QPointer>
 #include <QScopeGuard>
 
@@ -102,6 +101,7 @@ wTechnician::wTechnician()
         Control<QLabel>(QStringLiteral("imgComm"), phase)
             ->setPixmap(Theme::Picture(QStringLiteral("beat_%1").arg(phase), Beat));
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
     ConnectControls();
     Form_Load();
 }
@@ -169,13 +169,6 @@ void wTechnician::Form_Load() {
 void wTechnician::Form_Unload() {
     Guard("wTechnician.Form_Unload",
           [&] { IniWrite(General, TechPanel, ui_->lblNumero->Caption()); });
-}
-
-void wTechnician::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
 }
 
 int wTechnician::Numero() const {

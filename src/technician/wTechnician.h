@@ -27,7 +27,6 @@ public:
 protected:
     void Form_Unload() override;
     void CloseRequested() override { imgNavig_Click(0); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void ConnectControls();

@@ -93,7 +93,7 @@ TEST_F(OutOfServiceEngine, EachComingAndGoingIsALineOfItsOwn) {
     EXPECT_EQ(Lines().mid(2), (QStringList{Text("P03-Q71") + nobody, Text("P12-C07") + nobody}));
     EXPECT_EQ(LinesOf(Text("Histo202403.his"))[3].mid(43, 11), Text("1 h 30     "));
     EXPECT_TRUE(OutOfService::Find(Cabinet).has_value()) << "the file of the start says inactive";
-    KeepCurrentConfig();
+    SaveCurrentConfig();
     EXPECT_EQ(OutOfService::Memory(), QList<Entry>());
 }
 
@@ -186,7 +186,7 @@ TEST_F(OutOfServiceEngine, ARestartKeepsWhatIsOutAndTellsWhatIsOver) {
     IniWriteSection(Text("OutOfService"), {{Text("12.7"), Text("2024-03-14 08:00:00")},
                                            {Text("3.0"), Text("2024-03-14 08:00:00")},
                                            {Text("50.1"), Text("\t\t\t\t\t\t\t")}});
-    KeepCurrentConfig();
+    SaveCurrentConfig();
     Restart();
     EXPECT_EQ(Lines().mid(4), TextList({"P12-C07 Back in service **************************",
                                         "P50-C01 Back in service **************************"}));
@@ -229,7 +229,7 @@ TEST_F(OutOfServiceEngine, KillsLoseAndDoubleNothing) {
     constexpr int Kills = 20;
     std::mt19937 random(3);
     engine.reset();
-    KeepCurrentConfig();
+    SaveCurrentConfig();
     for (int kill = 0; kill < Kills; ++kill) {
         clock.Advance(Hour);
         const pid_t child = fork();
@@ -242,7 +242,7 @@ TEST_F(OutOfServiceEngine, KillsLoseAndDoubleNothing) {
                 for (const OutOfService::Thing& thing : {Pump, Cabinet})
                     OutOfService::Apply({{thing, !OutOfService::IsOut(thing)}});
                 if (i % 3 == 0)
-                    KeepCurrentConfig();
+                    SaveCurrentConfig();
                 TellOutOfService();
             }
         }

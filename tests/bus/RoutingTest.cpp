@@ -132,6 +132,14 @@ TEST_F(Routing, TheHornFollowsTheEvent) {
         Route(chnl, param, aff);
         EXPECT_EQ(Global::Get().currentPriority, priority) << chnl << " " << param << " " << aff;
     }
+    // A priority that there isn't is neither silent nor does it silence or keep others from it.
+    for (const int priority : {100, 32767, 0, -1}) {
+        Global::Get().currentPriority = 1;
+        Site().Panel(5).Channel(7).setAlmPrio(qint16(priority));
+        Route(7, 0, 1);
+        EXPECT_EQ(Global::Get().currentPriority, 99) << priority;
+        EXPECT_EQ(horn->playing, Path(Text("AlarmSound9")));
+    }
 }
 
 TEST_F(Routing, InactivityThrowsOutAllButTheLowestLevels) {
@@ -237,6 +245,35 @@ TEST_F(PrinterRoad, ALineReachesTheDeviceAndAMissingPrinterStopsNothing) {
     EXPECT_EQ(Boxes().filter(GetText(714061)).size(), 1);
     EXPECT_EQ(engine->dpPrinter().Port(), QString());
     EXPECT_EQ(Route(7, 1), QByteArray());
+}
+
+TEST_F(PrinterRoad, AChoiceThatWaitsForAStuckLineIsTheOneThatCounts) {
+    PipePrinter other(Path(Text("other")));
+    other.SwitchOn();
+    IniWrite(Text("Ports"), Text("LPT2"), Path(Text("other")));
+    const auto choose = [this](std::initializer_list<const char*> ports) {
+        printer.Stick();
+        EventClass event(5, 7, 0, 1);
+        engine->SendEvent(event);
+        for (const char* port : ports) {
+            Site().setPrtSettings(Text(port));
+            engine->SetupPrinter();
+        }
+        EXPECT_EQ(engine->dpPrinter().Port(), Text("LPT1")) << "the line is under way";
+    };
+    const auto portBehindTheLine = [this] {
+        printer.Taken();
+        engine->Paper().Advance();
+        return engine->dpPrinter().Port();
+    };
+    choose({"LPT2:", "LPT1:"});
+    EXPECT_EQ(portBehindTheLine(), Text("LPT1"));
+    choose({"LPT2:"});
+    IniWrite(Text("Ports"), Text("COM4"), Path(Text("other")));
+    Site().setBusSettings(Text("COM4:9600,N,8,1"));
+    engine->ConfigCommPort();
+    EXPECT_EQ(portBehindTheLine(), QString()) << "the bus came there meanwhile";
+    EXPECT_EQ(Boxes().size(), 1);
 }
 
 } // namespace

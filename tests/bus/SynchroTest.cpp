@@ -81,6 +81,14 @@ TEST_F(Synchro, AsksResetsAndReadsEachModelInThreePasses) {
     }
     EXPECT_EQ(other.ActualModel(), Models::Q7100);
     EXPECT_EQ(other.Model(), Models::P5000) << "the configured model stays";
+    const auto told = [this] { return TraceLines().filter(Text(", REPORTS ")); };
+    EXPECT_EQ(told(), QStringList()) << "a P5000 reports nothing else";
+    Site().Panel(21).setModel(Models::Q6200XT);
+    Site().Panel(64).setModel(Models::P5500 + 1);
+    engine->SynchroGeneraleBus();
+    ASSERT_EQ(told().size(), 2);
+    EXPECT_TRUE(told()[0].endsWith(Text(" PANEL 21 IS SET UP AS Q6200XT, REPORTS Q7000")));
+    EXPECT_TRUE(told()[1].endsWith(Text(" PANEL 64 IS SET UP AS 6, REPORTS P5500")));
 }
 
 TEST_F(Synchro, SilenceCostsThreeQuestionsAndNoMore) {

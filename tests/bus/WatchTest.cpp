@@ -174,6 +174,15 @@ TEST_F(Watch, APanelThatTheCycleDoesntReachIsTold) {
     Minutes(12);
     EXPECT_EQ(engine->MissingPanels(), QList<int>{64});
     EXPECT_FALSE(Faults::Stands(Kind::PanelNotPolled));
+
+    // Nobody knows how to ask one of a model of later.
+    Site().Panel(2).setModel(Models::P5500 + 1);
+    Minutes(2);
+    EXPECT_EQ(Detail(Kind::PanelNotPolled), Text("2"));
+    EXPECT_FALSE(wPolling::IsWatched(2));
+    Site().Panel(2).setModel(Models::Q7100);
+    Minutes(1);
+    EXPECT_FALSE(Faults::Stands(Kind::PanelNotPolled));
     modules[64];
     Minutes(12);
     EXPECT_TRUE(Faults::Stands(Kind::PanelNotPolled));

@@ -1,5 +1,6 @@
 // Keys of the history files and sounds of the priorities, on a horn that notes what it plays.
 
+#include "core/ErrorHandling.h"
 #include "events/Klaxon.h"
 #include "support/ConfigScreensFixture.h"
 
@@ -54,6 +55,15 @@ TEST_F(SysConfSonTest, KeysAreWrittenByTheirButtonAndTheSizeOnLeaving) {
     IniWrite("Files", "PeriodTime", "12");
     Forms::Show(Form);
     EXPECT_TRUE(Find<QAbstractButton>(Form, "chkPeriod")->isChecked()) << "and so does the box";
+    QFile::remove(Path("korvanelle.ini"));
+    ASSERT_TRUE(QDir().mkdir(Path("korvanelle.ini.tmp")));
+    boxes.clear();
+    for (int touch = 1; touch <= 2; ++touch) {
+        TapImage(ApplyFiles);
+        EXPECT_EQ(boxes, QStringList(touch, ErrorHandling::ErrorText("SLVfonctions.IniWrite", 75)))
+            << "one of four keys, and nothing is said to be applied";
+    }
+    ASSERT_TRUE(QDir().rmdir(Path("korvanelle.ini.tmp")));
 }
 
 TEST_F(SysConfSonTest, ASoundIsAssignedToAPriority) {

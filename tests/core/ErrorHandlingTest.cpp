@@ -93,9 +93,14 @@ TEST_F(Errors, PostponedErrorsAreToldAtTheEndAndOnce) {
 
 // A touch brought the error: its box waits. What comes meanwhile was called by nobody.
 TEST_F(Errors, SameErrorDoesNotStackWhileItsBoxStands) {
-    const Operator::Acting acting;
     const auto tick = [] {
         ErrorHandling::Report(Text("wPolling.tmrPolling_Timer"), errors::PortNotOpen);
+    };
+    const auto touch = [&] {
+        const Operator::Acting acting;
+        tick();
+        const Operator::Acting inner;
+        tick();
     };
     whileShown = [&] {
         whileShown = {};
@@ -103,9 +108,9 @@ TEST_F(Errors, SameErrorDoesNotStackWhileItsBoxStands) {
         tick();
         ErrorHandling::Report(Text("wPolling.tmrPolling_Timer"), errors::DeviceIo);
     };
-    tick();
-    EXPECT_EQ(boxes.size(), 2) << "one for each error";
-    tick();
+    touch();
+    EXPECT_EQ(boxes.size(), 2) << "one for each error of a touch";
+    touch();
     EXPECT_EQ(boxes.size(), 3) << "answered, then failed again";
 }
 

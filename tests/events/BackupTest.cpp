@@ -31,6 +31,11 @@ protected:
                   "[General]\r\nLastEvent=40\r\nNoResize=0\r\nLanguage=2\r\n[Files]\r\nLastUsed=" +
                       Path("plant.kv2").toLatin1() +
                       "\r\n[PendingCommands]\r\n1=old\r\n[Ports]\r\nCOM3=/dev/old\r\n");
+        EXPECT_TRUE(QDir().mkdir(Path("Certificates")));
+        for (const char* name : {"Certificates/own.PEM", "Certificates/left.pem", "far.pem"})
+            WriteFile(name, "KEY");
+        IniWrite("Forward", "Certificate", Path("Certificates/own.PEM"));
+        IniWrite("Forward", "Authority", Path("far.pem"));
     }
     QString Stick() const { return Path("stick"); }
     QStringList OnStick() const { return QDir(Stick()).entryList(QDir::Files, QDir::Name); }
@@ -67,6 +72,7 @@ protected:
     void BecomeAnother() {
         for (const char* name : {"plant.kv2", "Histo202401.his", "own.prt", "korvanelle.dat"})
             QFile::remove(Path(name));
+        QDir(Path("Certificates")).removeRecursively();
         WriteFile("Histo202402.his", "another february\r\n");
         WriteFile("AlarmSound5.wav", "RIFF2");
         WriteFile("korvanelle.ini", "[General]\r\nLastEvent=12\r\nNoResize=1\r\n"
@@ -113,7 +119,8 @@ TEST_F(BackupTest, RefusesWhatIsCutAlteredOrForeign) {
 TEST_F(BackupTest, TakesNothingButFilesOfItsKinds) {
     platform::Unwatched nobody;
     for (const char* name : {"site/../x.kv2", "../x.wav", "/etc/x.his", "sounds/x.sh",
-                             "history/a/b.his", "site/other.dat", "history/..\\x.his"}) {
+                             "history/a/b.his", "site/other.dat", "history/..\\x.his",
+                             "certificates/..", "certificates/../x.pem", "certificates/x.sh"}) {
         const QString path = Path("forged.zip");
         EXPECT_THROW(BackupFile::Write(path, {}, {{name, {}, "x", 1, {}}}, nobody),
                      platform::RunTimeError)
@@ -145,6 +152,12 @@ TEST_F(BackupTest, MovesAMachineOntoAnother) {
     EXPECT_EQ(BytesOf("Histo202402.his"), "another february\r\n");
     EXPECT_EQ(BytesOf("Histo202402R1.his"), "february\r\n");
     EXPECT_EQ(BytesOf("own.prt"), "[Styles]");
+    const QFile key(Path("Certificates/own.PEM"));
+    EXPECT_EQ(BytesOf("Certificates/own.PEM"), "KEY");
+    EXPECT_EQ(key.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    EXPECT_EQ(IniRead("Forward", "Certificate", ""), key.fileName());
+    EXPECT_EQ(IniRead("Forward", "Authority", ""), Path("far.pem"));
+    EXPECT_EQ(QDir(Path("Certificates")).entryList(QDir::Files), QStringList{"own.PEM"});
     EXPECT_EQ(QFileInfo(Path("Histo202401.his")).lastModified(), written);
     EXPECT_EQ(IniRead("General", "LastEvent", ""), "41");
     EXPECT_EQ(IniRead("General", "Language", ""), "2");

@@ -71,6 +71,9 @@ TEST_F(ConsoleWatchTest, TheGreenTickStandsOnlyWhileAllAreWatched) {
     EXPECT_TRUE(ConsoleHead::Look().anyPanel);
     Global::setConfiguration(nullptr);
     EXPECT_FALSE(ConsoleHead::Look().anyPanel) << "an empty site";
+    Global::Configuration().Panel(1).setActive(true);
+    Global::Configuration().Panel(1).setModel(Models::P5500 + 1);
+    EXPECT_FALSE(ConsoleHead::Look().anyPanel) << "nobody can poll that one";
 }
 
 TEST_F(ConsoleWatchTest, TheBandShowsWhatStandsAndGivesItsRoomBack) {

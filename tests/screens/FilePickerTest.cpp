@@ -177,6 +177,16 @@ TEST_F(FilePickerTest, AMediumTakenOutIsToldAndLeft) {
     EXPECT_EQ(Choose(stick, [&] { takenOut(611007); }), QString());
 }
 
+TEST_F(FilePickerTest, ABoxWaitsForTheEndOfARoundOfTheBus) {
+    Open(sites, {}, [&] {
+        QDir(stick).removeRecursively();
+        ScreensTest::TapRow(List(), int(Rows().indexOf("STICK")));
+        engine->SynchroGeneraleBus();
+        EXPECT_TRUE(boxes.isEmpty());
+        EXPECT_TRUE(Comes([&] { return boxes == QStringList{GetText(611007)}; }));
+    });
+}
+
 TEST_F(FilePickerTest, ChoosesAFolderAndMakesOne) {
     const QString old = Choose(sites + u'/', [] {
         EXPECT_EQ(TextOf(Dialog, "lblTitle"), "Where?");

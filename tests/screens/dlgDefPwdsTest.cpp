@@ -149,6 +149,53 @@ TEST_F(DefPwdsTest, AnAlarmLosesNoChangeAndShowsItToNobodyOfALowerLevel) {
     EXPECT_FALSE(Child(Table, "lblKept")->isVisible());
 }
 
+TEST_F(DefPwdsTest, AUserWhoWasHalfEnteredStandsThereAgain) {
+    const auto interrupt = [this](const char* name, const char* code) {
+        script.On(Codes(), [name, code] {
+            Box(0)->setText(name);
+            Box(1)->setText(code);
+            AlarmComes();
+        });
+    };
+    const auto expect = [this](const QString& name, const QString& code, bool told) {
+        script.On(Codes(), [=] {
+            EXPECT_EQ(Box(0)->text() + u' ' + Box(1)->text(), name + u' ' + code);
+            EXPECT_EQ(Child(Codes(), "lblTold")->isVisible(), told);
+            Cancel();
+        });
+    };
+    Open(3);
+    interrupt("NE", "12");
+    Press(Add);
+    RemoveUnloaded();
+    Open(2);
+    EXPECT_FALSE(Child(Table, "lblKept")->isVisible()) << "not for a lower level";
+    expect("", "", false);
+    Press(Add);
+    Tap(Table, "cmdBoutons_0");
+    Open(3);
+    EXPECT_TRUE(Child(Table, "lblKept")->isVisible());
+    Choose(1);
+    expect("MANAGER", "SAME", false);
+    Press(Change);
+    AlarmComes();
+    RemoveUnloaded();
+    Open(3);
+    expect("NE", "12", true);
+    Press(Add);
+    expect("", "", false);
+    Press(Add);
+    Choose(1);
+    interrupt("MANAGER", "SAM");
+    Press(Change);
+    RemoveUnloaded();
+    Open(3);
+    EXPECT_EQ(Grid().currentRow(), 1);
+    expect("MANAGER", "SAM", true);
+    Press(Change);
+    Tap(Table, "cmdBoutons_0");
+}
+
 TEST_F(DefPwdsTest, DeletingAsksAndATableOfNobodyCantBeSaved) {
     Open(3);
     answer = Messages::Cancel;

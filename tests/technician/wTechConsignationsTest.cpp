@@ -29,7 +29,7 @@ protected:
     static PanelClass& Put(int number, int model) {
         PanelClass& panel = Site().Panel(number);
         panel.setModel(quint8(model));
-        panel.setTitle(QStringLiteral("Panel %1").arg(number));
+        panel.setTitle(QStringLiteral("Panel|%1").arg(number));
         return panel;
     }
     void Image(int index, int times = 1) const { Press("imgControl", index, times); }
@@ -111,6 +111,7 @@ TEST_F(OutOfServiceTest, TheTimeStandsAsLongAsTheThingIsOut) {
     Forms::Show(Form);
     EXPECT_EQ(Present(), "P03 2025-11-25 02:43,P12C07 2025-11-25 02:43,P40");
     Press("imgNavig", 103, 2);
+    EXPECT_EQ(Shown("lblTitle_0"), "Panel 12");
     EXPECT_EQ(Shown("lblTitle_1"), "Oil pressure");
     Image(3);
     Leave(Messages::Yes);

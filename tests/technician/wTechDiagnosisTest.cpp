@@ -129,11 +129,17 @@ TEST_F(TechDiagnosisTest, CountersAndFramesAreSavedAsTheyWere) {
         Read({9});
         Tap(Picker, "imgControl_1");
     });
+    Site().Panel(3).setActualModel(Models::Q6200XT);
+    Read({3});
+    EXPECT_EQ(Row(0), "3 Q7100! 1 1 0 0 0");
+    Table().SelectTag("3");
+    EXPECT_EQ(Shown("lblTold"), "Panel 3: set up as Q7100, reports Q6200XT");
     Tap(Form, "imgSave");
-    EXPECT_EQ(Shown("lblTold"), "Frames saved: 2");
+    EXPECT_EQ(Shown("lblTold"), "Frames saved: 3");
     const QByteArray text = BytesOf("Bus20240315.txt");
-    EXPECT_TRUE(text.startsWith("Bus diagnosis\t2024-03-15 12:00:00\r\n")) << text.constData();
+    EXPECT_TRUE(text.startsWith("Bus diagnosis\t2024-03-15 12:00:01\r\n")) << text.constData();
     EXPECT_EQ(text.count("\r\n5\t-----\t1\t0\t0\t0\t0\t0\t0.0\t0\r\n"), 2) << text.constData();
-    EXPECT_TRUE(text.endsWith("\taddr 5  func 3  reg 144  = 7 65535\r\n"));
+    EXPECT_TRUE(text.contains("\r\n\r\nPanel 3: set up as Q7100, reports Q6200XT\r\n\r\n"));
+    EXPECT_TRUE(text.endsWith("\taddr 3  func 3  reg 144  words 2\r\n"));
     EXPECT_FALSE(text.contains("addr 9"));
 }

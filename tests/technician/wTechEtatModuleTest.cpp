@@ -102,6 +102,33 @@ TEST_F(wTechEtatModuleTest, NothingIsKnownAfterThreeFailures) {
     EXPECT_EQ(Lamps() + Horn(), QString(13, u'?'));
 }
 
+TEST_F(wTechEtatModuleTest, ADeadModuleIsReadRarelyWhileTheOthersArePolled) {
+    engine->setRun(true);
+    Site().Panel(PanelAddress).setNextPoll(DateTimes::Now() + 3600 * platform::OneSecond);
+    wTechEtatModule& form = Open();
+    auto* timer = form.findChild<QTimer*>("tmrPoll");
+    modules.Remove(PanelAddress);
+    link->sent.clear();
+    form.tmrPoll_Timer();
+    EXPECT_EQ(Sent(), "1 1 1 64 64 64");
+    for (const int seconds : {2, 4, 8, 16, 32, 60, 60}) {
+        EXPECT_EQ(timer->interval(), seconds * 1000);
+        link->sent.clear();
+        form.tmrPoll_Timer();
+        EXPECT_EQ(Sent(), "1 64");
+    }
+    // The polling finds it again, or it answers.
+    engine->TraitePanelMove(PanelAddress, false);
+    engine->TraitePanelMove(PanelAddress, true);
+    EXPECT_EQ(timer->interval(), 1000);
+    form.tmrPoll_Timer();
+    EXPECT_EQ(timer->interval(), 2000);
+    modules[PanelAddress];
+    form.tmrPoll_Timer();
+    EXPECT_EQ(timer->interval(), 1000);
+    EXPECT_EQ(Horn(), u'.');
+}
+
 TEST_F(wTechEtatModuleTest, AfterAFailureTheRegisterIsReadUntilTheCountHasComeRound) {
     silent = {1, 5, 6, 7, 10, 11};
     modules[PanelAddress][1] = 1;

@@ -29,6 +29,7 @@ enum Texts {
     Added,
     Replaced,
     Beside,
+    Certificates = 714330,
 };
 
 std::optional<Restore::Plan>& Waiting() {
@@ -57,6 +58,7 @@ void AddFiles(QList<SiteDifference>& found) {
     const KindWords words[] = {{Kinds::Site, SiteFile},
                                {Kinds::Sounds, Sounds},
                                {Kinds::Printers, Printers},
+                               {Kinds::Certificates, Certificates},
                                {Kinds::History, History}};
     for (const KindWords& word : words) {
         for (const Restore::Item& item : Waiting()->items) {

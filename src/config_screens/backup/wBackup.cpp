@@ -20,7 +20,6 @@
 
 #include <QApplication>
 #include <QFileInfo>
-#include <QKeyEvent>
 #include <QLocale>
 #include <utility>
 
@@ -83,6 +82,7 @@ wBackup::wBackup()
     , ui_(std::make_unique<Ui::wBackup>()) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
     constexpr std::array<int, 6> Shares = {21, 21, 15, 12, 15, 16};
     QList<TouchTable::Column> columns;
     for (int i = 0; i < int(Shares.size()); ++i)
@@ -363,13 +363,6 @@ void wBackup::OpenCompare() {
 void wBackup::CloseRequested() {
     Forms::Show(FormNames::wMain);
     Unload();
-}
-
-void wBackup::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
 }
 
 /// The automatic one belongs to nobody's screen and goes on. What was unpacked goes with whoever

@@ -25,7 +25,6 @@ public:
 protected:
     void Form_Unload() override;
     void CloseRequested() override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum Button { BackUp, TakeBack, Compare, Stop };

@@ -18,7 +18,6 @@
 #include "screens/touch/ValueLabel.h"
 #include "ui_wSiteCompare.h"
 
-#include <QKeyEvent>
 #include <QPointer>
 
 namespace {
@@ -65,6 +64,7 @@ wSiteCompare::wSiteCompare()
     , ui_(std::make_unique<Ui::wSiteCompare>()) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
     ui_->tblDifferences->setSortable(false);
     connect(ui_->tblDifferences, &TouchTable::RowChanged, this, &wSiteCompare::ShowWhole);
     OnClick(QStringLiteral("lblSite"), [this](int side) { lblSite_Click(side); });
@@ -276,13 +276,6 @@ void wSiteCompare::Leave(const QString& form) {
 
 void wSiteCompare::CloseRequested() {
     Leave(FormNames::wMain);
-}
-
-void wSiteCompare::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
 }
 
 void wSiteCompare::Form_Unload() {

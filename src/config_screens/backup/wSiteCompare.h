@@ -26,7 +26,6 @@ public:
 protected:
     void Form_Unload() override;
     void CloseRequested() override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum Navigation { ToMenu = 0, Help = 7 };

@@ -69,6 +69,12 @@ PanelTile::PanelTile(QWidget* parent, int index, const QRect& area)
     imgCroix_->lower();
 }
 
+void PanelTile::MakePage(QWidget* parent, int tiles, const QRect& first, int pitchX, int pitchY) {
+    constexpr int InRow = 4;
+    for (int i = 0; i < tiles; ++i)
+        new PanelTile(parent, i, first.translated(i % InRow * pitchX, i / InRow * pitchY));
+}
+
 void PanelTile::setPanel(int number, const PanelClass& panel) {
     lblNumPan_->setText(Bytes::Padded(number, 2));
     lblTypePan_->setText(ModuleName(panel.Model()));

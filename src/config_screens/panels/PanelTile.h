@@ -15,6 +15,8 @@ class PanelTile : public TouchImage {
     Q_OBJECT
 public:
     PanelTile(QWidget* parent, int index, const QRect& area);
+    /// Makes the tiles of a page, four in a row, from the area of the first on.
+    static void MakePage(QWidget* parent, int tiles, const QRect& first, int pitchX, int pitchY);
 
     void setPanel(int number, const PanelClass& panel);
 

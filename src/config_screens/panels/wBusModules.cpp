@@ -22,7 +22,6 @@
 #include "screens/touch/Position.h"
 #include "ui_wBusModules.h"
 
-#include <QKeyEvent>
 #include <QPointer>
 #include <QScopeGuard>
 
@@ -40,7 +39,6 @@ const QStringList TileParts{Tiles, QStringLiteral("lblNumPan"), QStringLiteral("
 const QString Sheets = QStringLiteral("imgImportExport");
 
 constexpr int TilesAPage = 16;
-constexpr int TilesInRow = 4;
 constexpr QRect FirstTile(8, 58, 193, 107);
 constexpr int PitchX = 197;
 constexpr int PitchY = 111;
@@ -62,8 +60,9 @@ wBusModules::wBusModules()
     : ConfigForm(FormNames::wBusModules)
     , ui_(std::make_unique<Ui::wBusModules>()) {
     ui_->setupUi(this);
-    MakeTiles();
+    PanelTile::MakePage(this, TilesAPage, FirstTile, PitchX, PitchY);
     Prepare();
+    OnKey(Qt::Key_F12, [this] { AskPanel(); });
     for (const QString& part : TileParts)
         OnClick(part, [this](int index) { imgPanneau_Click(index); });
     OnClick(Navig, [this](int index) { imgNavig_Click(index); });
@@ -79,12 +78,6 @@ wBusModules::wBusModules()
 }
 
 wBusModules::~wBusModules() = default;
-
-void wBusModules::MakeTiles() {
-    for (int i = 0; i < TilesAPage; ++i)
-        new PanelTile(this, i,
-                      FirstTile.translated(i % TilesInRow * PitchX, i / TilesInRow * PitchY));
-}
 
 void wBusModules::HabillePanneaux() {
     Guard("wBusModules.HabillePanneaux", [&] {
@@ -124,13 +117,6 @@ void wBusModules::imgNavig_Click(int index) {
     default:
         break;
     }
-}
-
-void wBusModules::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F12)
-        AskPanel();
-    else
-        ConfigForm::keyPressEvent(event);
 }
 
 /// What there is to type on this screen: where to go.

@@ -23,10 +23,8 @@ public:
 protected:
     bool Differs() const override { return false; }
     bool Take() override { return true; }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void MakeTiles();
     /// Turns to the page of a panel.
     void GoToPanel(int number);
     void AskPanel();

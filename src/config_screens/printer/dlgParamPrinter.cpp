@@ -4,13 +4,13 @@
 #include "screens/touch/ModalDialog.h"
 #include "ui_dlgParamPrinter.h"
 
-#include <QKeyEvent>
-
 dlgParamPrinter::dlgParamPrinter()
     : ScreenForm(FormNames::dlgParamPrinter, Kind::Dialog)
     , ui_(std::make_unique<Ui::dlgParamPrinter>()) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_Return, [this] { imgControl_Click(Confirm); });
+    OnKey(Qt::Key_Escape, [this] { imgControl_Click(Cancel); });
     colors_ = {ui_->optGreen, ui_->optRed, ui_->optYellow};
     styles_ = {ui_->chkGras, ui_->chkItalic, ui_->chkUnderlin};
     OnClick(QStringLiteral("imgControl"), [this](int index) { imgControl_Click(index); });
@@ -54,20 +54,6 @@ PrinterCode dlgParamPrinter::Code() const {
 void dlgParamPrinter::imgControl_Click(int index) {
     ok_ = index == Confirm;
     Hide();
-}
-
-void dlgParamPrinter::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        imgControl_Click(Confirm);
-        break;
-    case Qt::Key_Escape:
-        imgControl_Click(Cancel);
-        break;
-    default:
-        ScreenForm::keyPressEvent(event);
-    }
 }
 
 std::optional<PrinterCode> AskPrinterCode(const QString& title, const PrinterDefinition& definition,

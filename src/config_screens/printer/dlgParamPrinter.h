@@ -30,7 +30,6 @@ public:
 
 protected:
     void CloseRequested() override { imgControl_Click(Cancel); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum Image { Cancel, Confirm };

@@ -12,7 +12,6 @@
 #include "screens/touch/ValueLabel.h"
 #include "ui_dlgSysTime.h"
 
-#include <QKeyEvent>
 #include <array>
 
 using platform::SystemClock;
@@ -44,6 +43,8 @@ dlgSysTime::dlgSysTime()
     , repeat_(this) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
+    OnKey(Qt::Key_Escape, [this] { cmdBoutons_Click(CloseButton); });
     const QString images = QStringLiteral("imgControl");
     for (int field = 0; field < FieldCount; ++field) {
         auto* stepper = new Stepper(repeat_, Control<ValueLabel>(QStringLiteral("lblDate"), field),
@@ -129,18 +130,5 @@ void dlgSysTime::Tell(const SystemClock::Result& result) {
     default:
         ui_->lblNote->setText(GetText(NotSet).replace(u'$', result.words));
         throw platform::RunTimeError(platform::errors::DeviceIo);
-    }
-}
-
-void dlgSysTime::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-    case Qt::Key_F1:
-        ShowHelp();
-        break;
-    case Qt::Key_Escape:
-        cmdBoutons_Click(CloseButton);
-        break;
-    default:
-        ScreenForm::keyPressEvent(event);
     }
 }

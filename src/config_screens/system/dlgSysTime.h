@@ -24,7 +24,6 @@ public:
 
 protected:
     void CloseRequested() override { cmdBoutons_Click(CloseButton); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     enum Buttons { CloseButton, SetButton };

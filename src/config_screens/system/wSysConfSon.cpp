@@ -206,8 +206,8 @@ void wSysConfSon::imgControl_Click(int index) {
         UndoFileEdit();
         break;
     case ApplyFiles:
-        WriteFiles();
-        Message(GetText(Applied), Messages::Information);
+        if (WriteFiles())
+            Message(GetText(Applied), Messages::Information);
         break;
     case PriorityDown:
     case PriorityUp:
@@ -267,15 +267,17 @@ void wSysConfSon::txtHistoPath_Click() {
     ShowFiles();
 }
 
-void wSysConfSon::WriteFiles() {
+bool wSysConfSon::WriteFiles() {
     files_->folder = files_->folder.trimmed();
-    IniWrite(FilesSection, Folder, files_->folder);
-    IniWrite(FilesSection, Unit, Truth(files_->daily));
-    IniWrite(FilesSection, Time, QString::number(files_->time));
-    IniWrite(FilesSection, Limit, Truth(files_->limit));
+    bool written = true;
+    for (const auto& [key, value] :
+         {std::pair(Folder, files_->folder), std::pair(Unit, Truth(files_->daily)),
+          std::pair(Time, QString::number(files_->time)), std::pair(Limit, Truth(files_->limit))})
+        written = IniWrite(FilesSection, key, value) && written;
     if (Polling() != nullptr)
         Polling()->ConfigurationChanged();
     ShowFiles();
+    return written;
 }
 
 void wSysConfSon::AssignSound() {

@@ -74,7 +74,8 @@ private:
     void cmdChooseHistoPath_Click();
     void txtHistoPath_Click();
     void UndoFileEdit();
-    void WriteFiles();
+    /// False when the settings can't be written, which is told.
+    bool WriteFiles();
     void AssignSound();
     void PlaySound();
     void BrowseSounds();

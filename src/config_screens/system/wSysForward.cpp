@@ -221,11 +221,11 @@ bool wSysForward::Take() {
         return false;
     }
     edit_->KeepFiles();
-    edit_->Write();
+    const bool written = edit_->Write();
     if (Polling() != nullptr)
         Polling()->Forwarder().Start();
     ShowEdit();
-    return true;
+    return written;
 }
 
 void wSysForward::Keep() {

@@ -3,7 +3,6 @@
 #include "core/Config.h"
 #include "core/DateTimes.h"
 #include "model/CurrentConfig.h"
-#include "model/Models.h"
 #include "model/OutOfService.h"
 
 #include <QStringList>
@@ -43,14 +42,9 @@ QString MissingWords(qsizetype count) {
                       : Filled(GetText(714074), QStringList(QString::number(count)));
 }
 
-/// To be polled, by a model that there is.
-bool IsWatched(const PanelClass& panel) {
-    return panel.Active() && panel.Model() > Models::None;
-}
-
 bool IsAnyWatched() {
     for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
-        if (IsWatched(Global::Configuration().Panel(number)))
+        if (wPolling::IsWatched(number))
             return true;
     }
     return false;
@@ -99,7 +93,7 @@ QList<int> LongMissing() {
     QList<int> missing;
     for (int number = 1; number <= ConfigClass::PanelCount; ++number) {
         const PanelClass& panel = Global::Configuration().Panel(number);
-        if (IsWatched(panel) &&
+        if (wPolling::IsWatched(number) &&
             (panel.ErrCptr(PollFailures) > MostPollFailures || panel.ErrCptr(MissingPolls) > 0))
             missing.append(panel.Numero());
     }

@@ -9,8 +9,6 @@
 #include "screens/touch/ModalDialog.h"
 #include "ui_dlgConsigne.h"
 
-#include <QKeyEvent>
-#include <QPointer>
 
 namespace {
 
@@ -52,6 +50,8 @@ dlgConsigne::dlgConsigne()
     ui_->setupUi(this);
     Prepare();
     narrow_ = ui_->frmFrames_0->width();
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape})
+        OnKey(key, [this] { Hide(); });
     OnClick(ui_->imgClose, [this] { Hide(); });
     OnClick(Scrollers, [this](int index) { imgControl_Click(index); });
     Layout();
@@ -138,10 +138,4 @@ void dlgConsigne::imgControl_Click(int index) {
     default:
         return;
     }
-}
-
-void dlgConsigne::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Return ||
-        event->key() == Qt::Key_Enter)
-        Hide();
 }

@@ -29,7 +29,6 @@ public:
 protected:
     void CloseRequested() override { Hide(); }
     void Form_Unload() override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void Layout();

@@ -9,6 +9,7 @@
 #include "platform/Folders.h"
 #include "platform/Volumes.h"
 #include "screens/dialogs/dlgKeyboard.h"
+#include "screens/touch/BehindRound.h"
 #include "screens/touch/ResizeForm.h"
 #include "screens/touch/Theme.h"
 #include "screens/touch/TouchList.h"
@@ -16,7 +17,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QKeyEvent>
 #include <QPointer>
 #include <algorithm>
 #include <array>
@@ -101,16 +101,21 @@ dlgFilePicker::dlgFilePicker(Mode mode)
     , folder_(platform::ApplicationFolder()) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_Return, [this] { Control_Click(Confirm); });
+    OnKey(Qt::Key_Escape, [this] { Control_Click(Cancel); });
     Arrange();
     ui_->lstFiles->viewport()->installEventFilter(this);
-    // The list itself changes by a tap on it, so it must be through with the tap first.
+    // The list itself changes by a tap on it, so it must be through with the tap first. What waits
+    // for that is no input any more, which a round of the bus would keep out.
     connect(ui_->lstFiles, &QListWidget::itemClicked, this, [this](const QListWidgetItem* item) {
         const Row kind = Row(item->data(KindRole).toInt());
         QMetaObject::invokeMethod(
             this,
             [this, kind, path = item->data(PathRole).toString()] {
-                const Operator::Acting acting;
-                Guard("dlgFilePicker.lstFiles_Click", [&] { TapRow(kind, path); });
+                RunBehindRound(this, [=, this] {
+                    const Operator::Acting acting;
+                    Guard("dlgFilePicker.lstFiles_Click", [&] { TapRow(kind, path); });
+                });
             },
             Qt::QueuedConnection);
     });
@@ -373,12 +378,4 @@ bool dlgFilePicker::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonDblClick && watched == ui_->lstFiles->viewport())
         return true;
     return ScreenForm::eventFilter(watched, event);
-}
-
-void dlgFilePicker::keyPressEvent(QKeyEvent* event) {
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (enter || event->key() == Qt::Key_Escape)
-        Guard("dlgFilePicker.Form_KeyDown", [&] { Control_Click(enter ? Confirm : Cancel); });
-    else
-        ScreenForm::keyPressEvent(event);
 }

@@ -34,7 +34,6 @@ public:
 
 protected:
     void CloseRequested() override { Hide(); }
-    void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -2,7 +2,6 @@
 
 #include "core/Bytes.h"
 #include "core/Config.h"
-#include "core/ErrorHandling.h"
 #include "core/FormNames.h"
 #include "core/Global.h"
 #include "model/Access.h"
@@ -13,7 +12,6 @@
 #include "ui_dlgUserCodes.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QPushButton>
 
 namespace {
@@ -50,6 +48,7 @@ constexpr QSize PromptKeyPitch(60, 53);
 constexpr int PromptKeysInRow = 13;
 constexpr int NeededLevel = 714100;
 constexpr int UnknownCode = 714101;
+constexpr int AsBeforeTheAlarm = 300901;
 
 /// The box that the keys write to is yellow, the others white.
 QString StyleOf(bool active) {
@@ -67,6 +66,8 @@ dlgUserCodes::dlgUserCodes()
     ui_->setupUi(this);
     MakeKeys();
     Prepare();
+    OnKey(Qt::Key_Return, [this] { Confirm(); });
+    OnKey(Qt::Key_Escape, [this] { Close(false); });
     guarded_ = IsGuarded();
     tmrAutoClose_ = new QTimer(this);
     tmrAutoClose_->setObjectName(QStringLiteral("tmrAutoClose"));
@@ -188,6 +189,11 @@ void dlgUserCodes::setUserLevel(int level) {
     ui_->lblPwdLevel->setText(QString::number(level));
 }
 
+void dlgUserCodes::ShowKept() {
+    SetCaption(ui_->lblTold, GetText(AsBeforeTheAlarm));
+    ui_->lblTold->show();
+}
+
 /// Whoever opens the form can type at once.
 void dlgUserCodes::Form_Activate() {
     if (active_ >= 0)
@@ -252,15 +258,6 @@ void dlgUserCodes::imgControl_Click(int index) {
     else if (index == LevelUp && level < HighestLevel &&
              (!guarded_ || level < Global::Get().userLevel))
         setUserLevel(level + 1);
-}
-
-void dlgUserCodes::keyPressEvent(QKeyEvent* event) {
-    ErrorHandling::Guard("dlgUserCodes.Form_KeyDown", [&] {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-            Confirm();
-        else if (event->key() == Qt::Key_Escape)
-            Close(false);
-    });
 }
 
 /// A code that isn't enough leaves the prompt, with its full time, for another one.

@@ -40,12 +40,13 @@ public:
     void setUserPwd(const QString& code);
     int UserLevel() const;
     void setUserLevel(int level);
+    /// Tells that the user is one whose entry an alarm took off the display.
+    void ShowKept();
 
 protected:
     void Form_Activate() override;
     void Form_Unload() override;
     void CloseRequested() override { Close(false); }
-    void keyPressEvent(QKeyEvent* event) override;
     QRect PlaceIn(const QRect& area) const override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 

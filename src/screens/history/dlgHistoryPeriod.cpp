@@ -8,7 +8,6 @@
 #include "screens/touch/Theme.h"
 #include "ui_dlgHistoryPeriod.h"
 
-#include <QKeyEvent>
 #include <QLocale>
 #include <QTextCharFormat>
 #include <algorithm>
@@ -46,6 +45,8 @@ dlgHistoryPeriod::dlgHistoryPeriod()
     , calendars_() {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_Return, [this] { imgControl_Click(Confirm); });
+    OnKey(Qt::Key_Escape, [this] { imgControl_Click(Cancel); });
     calendars_ = {ui_->calDays_0, ui_->calDays_1};
     for (const int side : {From, To})
         Dress(*calendars_[size_t(side)], side);
@@ -144,13 +145,6 @@ void dlgHistoryPeriod::imgPreset_Click(int index) {
 void dlgHistoryPeriod::imgControl_Click(int index) {
     ok_ = index == Confirm;
     Hide();
-}
-
-void dlgHistoryPeriod::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        imgControl_Click(Cancel);
-    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        imgControl_Click(Confirm);
 }
 
 std::optional<dlgHistoryPeriod::Period> AskPeriod(const dlgHistoryPeriod::Period& present) {

@@ -30,7 +30,6 @@ public:
 protected:
     void CloseRequested() override { Hide(); }
     void Form_Activate() override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void Dress(QCalendarWidget& calendar, int side);

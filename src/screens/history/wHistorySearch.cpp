@@ -126,6 +126,7 @@ wHistorySearch::wHistorySearch()
     , ui_(std::make_unique<Ui::wHistorySearch>()) {
     ui_->setupUi(this);
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
     ui_->grdAlarms->setSearch(search_);
     ConnectControls();
     Guard("wHistorySearch.Form_Load", [this] { Begin(FirstFilter(), Place()); });
@@ -466,13 +467,6 @@ void wHistorySearch::imgConsigne_Click() {
     QString text = ui_->grdAlarms->CurrentLine();
     text.insert(ScreenLine::Break.start + ScreenLine::Break.width, u'\n');
     dlgConsigne::PresentNumber(text, number);
-}
-
-void wHistorySearch::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
 }
 
 /// Back to the files; the next search begins afresh.

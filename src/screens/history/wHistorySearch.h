@@ -29,7 +29,6 @@ public:
 protected:
     void Form_Unload() override;
     void CloseRequested() override { imgClose_Click(); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     /// Where the operator was in a list: a record, and how far below the upper edge it stood.

@@ -1,16 +1,10 @@
 #include "screens/menu/MenuDialog.h"
 
-#include <QKeyEvent>
-
 void MenuDialog::PrepareMenu() {
     Prepare();
+    OnKey(Qt::Key_Escape, [this] { Hide(); });
     OnClick(QStringLiteral("cmdButtons"), [this](int index) {
         cmd_ = qint16(index);
         Hide();
     });
-}
-
-void MenuDialog::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        Hide();
 }

@@ -15,7 +15,6 @@ protected:
     /// The end of a constructor, after the controls are there.
     void PrepareMenu();
     void CloseRequested() override { Hide(); }
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     qint16 cmd_ = 0;

@@ -17,8 +17,8 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QPointer>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -38,7 +38,7 @@ constexpr int BesideColumns = 24;
 
 /// What an alarm interrupted, and the level of whoever did it.
 struct dlgDefPwds::Memory {
-    KeptEdit<QList<User>> edit;
+    KeptEdit<Draft> edit;
     int level = 0;
 };
 
@@ -103,18 +103,20 @@ QList<dlgDefPwds::User> dlgDefPwds::OfSite() {
 void dlgDefPwds::FillGrid() {
     QTableWidget& grid = *ui_->grdUsers;
     const bool guarded = IsGuarded();
-    QList<User> users = OfSite();
+    Draft draft{OfSite(), std::nullopt};
     if (!guarded || level_ >= Kept().level) {
-        const auto kept = Kept().edit.Take(users);
+        const auto kept = Kept().edit.Take(draft);
         ui_->lblKept->setVisible(kept.has_value());
-        users = kept.value_or(users);
+        draft = kept.value_or(draft);
     }
+    keptEntry_ = draft.entry;
+    const QList<User>& users = draft.users;
     grid.setRowCount(int(users.size()));
     for (int row = 0; row < grid.rowCount(); ++row) {
         WriteRow(row, users[row]);
         if (guarded && users[row].level > level_)
             grid.hideRow(row);
-        else if (grid.currentRow() < 0)
+        else if (grid.currentRow() < 0 || (keptEntry_ && keptEntry_->original == users[row]))
             grid.setCurrentCell(row, NameColumn);
     }
 }
@@ -214,18 +216,33 @@ void dlgDefPwds::SendKey(int key) {
 
 std::optional<dlgDefPwds::User> dlgDefPwds::Edit(const User& user) {
     const auto prepare = [&](dlgUserCodes& dialog) {
-        dialog.setUserName(user.name);
-        dialog.setUserPwd(user.code);
-        dialog.setUserLevel(user.level);
+        const bool kept = keptEntry_ && keptEntry_->original == user;
+        const User first = kept ? std::exchange(keptEntry_, std::nullopt)->entered : user;
+        dialog.setUserName(first.name);
+        dialog.setUserPwd(first.code);
+        dialog.setUserLevel(first.level);
+        if (kept)
+            dialog.ShowKept();
+        form_ = &dialog;
+        formOriginal_ = user;
     };
-    const auto read = [&](const dlgUserCodes& dialog) -> std::optional<User> {
-        if (!dialog.Ok())
-            return std::nullopt;
-        return User{dialog.UserName(), dialog.UserPwd(), dialog.UserLevel(), user.number};
+    const auto read = [&](const dlgUserCodes& dialog) {
+        return dialog.Ok() ? std::optional(UserIn(dialog, user.number)) : std::nullopt;
     };
     const std::optional<User> entered =
         RunDialog(new dlgUserCodes, prepare, read).value_or(std::nullopt);
     return entered && !IsDouble(*entered) ? entered : std::nullopt;
+}
+
+dlgDefPwds::User dlgDefPwds::UserIn(const dlgUserCodes& form, int number) {
+    return {form.UserName(), form.UserPwd(), form.UserLevel(), number};
+}
+
+std::optional<dlgDefPwds::Entry> dlgDefPwds::OpenEntry() const {
+    if (!IsLoaded(form_))
+        return keptEntry_;
+    const Entry entry{formOriginal_, UserIn(*form_, formOriginal_.number)};
+    return entry.entered == entry.original ? keptEntry_ : entry;
 }
 
 /// Compared with what the site holds, in capitals. Users that aren't in the site yet don't count.
@@ -268,9 +285,11 @@ void dlgDefPwds::Save() {
 }
 
 void dlgDefPwds::Form_Unload() {
-    if (left_ || Users() == OfSite())
+    const Draft original{OfSite(), std::nullopt};
+    const Draft edited{Users(), OpenEntry()};
+    if (left_ || edited == original)
         return;
-    Kept().edit.Keep(OfSite(), Users());
+    Kept().edit.Keep(original, edited);
     Kept().level = level_;
 }
 

@@ -74,6 +74,8 @@ wMain::wMain()
         Control(Menu, index)->lower();
     FillLanguages();
     Prepare();
+    OnKey(Qt::Key_F1, [] { ShowHelp(); });
+    OnKey(Qt::Key_F12, [] { StartScreenKeyboard(); });
     if (IsScaled())
         ShrinkLabels();
     AligneMenus();

@@ -31,7 +31,6 @@ protected:
     void Nationality() override;
     void Form_Activate() override;
     void Form_Unload() override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void ShowVersion();
@@ -51,6 +50,7 @@ private:
     void OpenSystem();
 
     enum class Saved { Yes, NoName, Failed };
+    static void StartScreenKeyboard();
     /// Saves the site under a name that is asked for. `Failed` also when the menu is gone
     /// meanwhile.
     Saved SaveUnderName(bool withKeyboard);

@@ -15,10 +15,8 @@
 #include "model/OutOfService.h"
 #include "platform/Processes.h"
 #include "screens/dialogs/FilePicker.h"
-#include "screens/dialogs/wHelp.h"
 #include "screens/menu/wMain.h"
 
-#include <QKeyEvent>
 #include <QMessageBox>
 
 namespace {
@@ -100,19 +98,14 @@ void wMain::imgNavig_Click(int index) {
     }
 }
 
-void wMain::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F12)
-        platform::StartProcess(ScreenKeyboard());
-    else if (event->key() == Qt::Key_F1)
-        ShowHelp();
-    else
-        ScreenForm::keyPressEvent(event);
+void wMain::StartScreenKeyboard() {
+    platform::StartProcess(ScreenKeyboard());
 }
 
 wMain::Saved wMain::SaveUnderName(bool withKeyboard) {
     const QPointer<wMain> self(this);
     if (withKeyboard)
-        platform::StartProcess(ScreenKeyboard());
+        StartScreenKeyboard();
     const QString path = FilePicker::SaveAs(FilePicker::Folder(LastUsed()),
                                             FilePicker::FileName(LastUsed()), Filter());
     EndScreenKeyboard();

@@ -16,6 +16,7 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -220,6 +221,10 @@ void ScreenForm::OnClick(QWidget* control, std::function<void()> handler) {
     Connect(control, control->objectName(), std::move(handler));
 }
 
+void ScreenForm::OnKey(Qt::Key key, const std::function<void()>& handler) {
+    keys_.insert(key, handler);
+}
+
 void ScreenForm::Connect(QWidget* control, const QString& object, std::function<void()> handler) {
     const QByteArray source = (name_ + u'.' + object + QStringLiteral("_Click")).toLatin1();
     const auto click = [source, handler = std::move(handler)] {
@@ -265,6 +270,15 @@ bool ScreenForm::event(QEvent* event) {
         return QWidget::event(event);
     const Operator::Acting acting;
     return QWidget::event(event);
+}
+
+void ScreenForm::keyPressEvent(QKeyEvent* event) {
+    const int key = event->key();
+    if (const auto handler = keys_.value(key == Qt::Key_Enter ? int(Qt::Key_Return) : key))
+        ErrorHandling::Guard((name_ + QStringLiteral(".Form_KeyDown")).toLatin1().constData(),
+                             handler);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void ScreenForm::closeEvent(QCloseEvent* event) {

@@ -76,6 +76,9 @@ protected:
     void OnClick(const QString& array, const std::function<void(int)>& handler);
     /// The same for a control outside an array.
     void OnClick(QWidget* control, std::function<void()> handler);
+    /// Runs `handler` for a key that no control takes. Enter is the same as Return. An error inside
+    /// is reported under the form and "Form_KeyDown".
+    void OnKey(Qt::Key key, const std::function<void()>& handler);
     /// Makes black copies of the labels of an array, moved by the offsets in pixels, at the
     /// indices after the last one. The copies have the `Tag` of their label and follow it.
     void OmbrerTexte(const QString& array, int dx, int dy);
@@ -90,6 +93,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -109,6 +113,7 @@ private:
     QEventLoop* modalLoop_ = nullptr;
     RehearsalStrip* strip_ = nullptr; // null outside a rehearsal
     QHash<QObject*, std::function<void()>> labelClicks_;
+    QHash<int, std::function<void()>> keys_;
     QHash<QLabel*, QLabel*> shadows_;
 };
 
