@@ -10,6 +10,7 @@
 #include "core/Message.h"
 #include "core/Pointer.h"
 #include "core/SLVfonctions.h"
+#include "events/AlarmTables.h"
 #include "events/HistoProcs.h"
 #include "model/CurrentConfig.h"
 #include "model/Models.h"
@@ -68,7 +69,7 @@ QPointer<TraceCopy>& Copying() {
 }
 
 QString Megabytes(qint64 bytes) {
-    return QString::number(double(bytes) / 1e6, 'f', 1);
+    return AlarmTables::Language().toString(double(bytes) / 1e6, 'f', 1);
 }
 
 QString TraceFolder() {

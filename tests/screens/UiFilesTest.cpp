@@ -37,11 +37,14 @@ struct Control {
 
 using Design = QList<Control>;
 
-/// Arrays of which one control is shown at a time, and controls that stand in for another one.
+/// Arrays of which one control is shown at a time, controls that stand in for another one, and
+/// labels that are the caption of their tile.
 bool ShareAPlace(const Control& a, const Control& b) {
     static const QStringList oneOf{"imgStopRun", "imgIcons", "imgComm", "PicPort", "imgFind"};
-    static const QList<QPair<QString, QString>> standIns{
-        {"grdAlarms", "txtNoAlarm"}, {"grdAlarms", "imgNoAlarm"}, {"lstDevices", "lblNone"}};
+    static const QList<QPair<QString, QString>> standIns{{"grdAlarms", "txtNoAlarm"},
+                                                         {"grdAlarms", "imgNoAlarm"},
+                                                         {"lstDevices", "lblNone"},
+                                                         {"imgNavig_12", "lblVisuTcde"}};
     const QString array = a.name.section(u'_', 0, 0);
     return (b.name.section(u'_', 0, 0) == array && oneOf.contains(array)) ||
            standIns.contains({a.name, b.name}) || standIns.contains({b.name, a.name});

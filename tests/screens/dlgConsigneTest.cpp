@@ -53,6 +53,9 @@ TEST_F(ConsigneTest, TextsAreReadToTheirEndByTheButtonsThatTheyNeed) {
         EXPECT_LE(needed.width(), label.width());
         EXPECT_LE(needed.height(), label.height());
         EXPECT_EQ(Child(FormNames::dlgConsigne, "imgControl_7")->isVisible(), text.size() > 100);
+        const bool isWide = Child(FormNames::dlgConsigne, "frmFrames_0")->geometry().right() >=
+                            Child(FormNames::dlgConsigne, "imgControl_7")->x();
+        EXPECT_EQ(isWide, text.size() <= 100);
         if (text.size() > 100)
             ReadToTheEnd();
         Tap(FormNames::dlgConsigne, "imgClose");

@@ -21,7 +21,10 @@
 #include "platform/Folders.h"
 #include "screens/Screens.h"
 #include "screens/console/ConsoleHead.h"
+#include "screens/dialogs/AskPassword.h"
 #include "screens/dialogs/dlgConsigne.h"
+#include "screens/dialogs/dlgListInput.h"
+#include "screens/dialogs/dlgMessage.h"
 #include "screens/dialogs/wHelp.h"
 #include "screens/remote/wTeleCmde.h"
 #include "screens/touch/ResizeForm.h"
@@ -31,6 +34,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QTimer>
 #include <cstdio>
 
 namespace {
@@ -148,6 +152,11 @@ void TakeTouched(const Paths& path) {
         box->setConsigne(site.Consigne(1));
     }
     Take(FormNames::dlgConsigne, path("dlgConsigne_read"));
+    // The month before: the present one holds what the technician's pictures took out of service.
+    Forms::Show(FormNames::wHistoric);
+    Click(FormNames::wHistoric, "imgControl_0");
+    Save(FormNames::wHistoric, path("wHistoric"));
+    Forms::Unload(FormNames::wHistoric);
     for (const QString& form :
          {FormNames::wRunAlarms, FormNames::wBusPanneau, FormNames::wTechDiagnosis}) {
         Forms::Show(form);
@@ -157,6 +166,23 @@ void TakeTouched(const Paths& path) {
         Forms::Unload(FormNames::wHelp);
         Forms::Unload(form);
     }
+}
+
+/// What stands only while it is asked.
+void TakeAsked(const Paths& path) {
+    const auto take = [&](const QString& form, const char* name, const std::function<void()>& ask) {
+        QTimer::singleShot(0, qApp, [&] {
+            Save(form, path(name));
+            Forms::Unload(form);
+        });
+        ask();
+    };
+    take(FormNames::dlgMessage, "dlgMessage",
+         [] { dlgMessage::Present(GetText(30010), 35, false); });
+    take(FormNames::dlgListInput, "dlgListInput", [] {
+        AskValue(nullptr, QStringLiteral("@|1200|2400|4800|9600|19200"), QStringLiteral("9600"));
+    });
+    take(FormNames::dlgUserCodes, "dlgUserCodes_prompt", [] { AskPassword(nullptr, 2); });
 }
 
 void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
@@ -171,6 +197,7 @@ void TakeAll(wPolling& engine, const QDir& target, const QString& language) {
             form != FormNames::wRehearsal)
             Take(form, path(form.toLatin1().constData()));
     TakeTouched(path);
+    TakeAsked(path);
     TakeReport(path);
     TakeHistorySearch(path);
     TakeConfiguration(path);

@@ -83,7 +83,7 @@ wBackup::wBackup()
     ui_->setupUi(this);
     Prepare();
     OnKey(Qt::Key_F1, [] { ShowHelp(); });
-    constexpr std::array<int, 6> Shares = {21, 19, 16, 12, 16, 16};
+    constexpr std::array<int, 6> Shares = {21, 21, 15, 12, 15, 16};
     QList<TouchTable::Column> columns;
     for (int i = 0; i < int(Shares.size()); ++i)
         columns += {GetText(FirstColumn + i), Shares[size_t(i)]};

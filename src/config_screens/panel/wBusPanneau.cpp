@@ -48,7 +48,7 @@ constexpr int DisplayMirrors = 300130;
 constexpr int ControlMirrors = 300131;
 /// Rows of the lists beside the parameters, as a share of a finger: they are read, and tapped at
 /// most.
-constexpr double RowScale = 0.62;
+constexpr double RowScale = 0.6;
 
 /// Outlives the screen, so that a channel goes from one panel to another.
 EntryClipboard<ChannelClass>& Clipboard() {

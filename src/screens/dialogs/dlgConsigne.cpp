@@ -49,6 +49,7 @@ dlgConsigne::dlgConsigne()
     , ui_(std::make_unique<Ui::dlgConsigne>()) {
     ui_->setupUi(this);
     Prepare();
+    narrow_ = ui_->frmFrames_0->width();
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape})
         OnKey(key, [this] { Hide(); });
     OnClick(ui_->imgClose, [this] { Hide(); });
@@ -95,14 +96,26 @@ void dlgConsigne::Form_Unload() {
         InstructionStrip::Offer(alarm_, consigne_);
 }
 
-/// The text takes the height that it needs; the buttons show when that is more than there is.
+/// The text takes the height that it needs. The buttons show when that is more than there is; where
+/// they don't, the text has their place as well.
 void dlgConsigne::Layout() {
-    QLabel& text = *ui_->lblConsigne;
-    const int width = ui_->frmConsigne->width();
-    const int height = qMax(text.heightForWidth(width), ui_->frmConsigne->height());
-    text.setGeometry(0, 0, width, height);
+    const QRect buttons = Control(Scrollers, PageUp)->geometry();
+    const auto fit = [&](bool scrolls) {
+        QWidget& frame = *ui_->frmFrames_0;
+        QWidget& page = *ui_->frmConsigne;
+        const int inset = page.x() - frame.x();
+        const int right = scrolls ? frame.x() + narrow_ : buttons.x() + buttons.width();
+        frame.resize(right - frame.x(), frame.height());
+        page.resize(frame.width() - 2 * inset, page.height());
+        const int height = qMax(ui_->lblConsigne->heightForWidth(page.width()), page.height());
+        ui_->lblConsigne->setGeometry(0, 0, page.width(), height);
+        return height <= page.height();
+    };
+    const bool scrolls = !fit(false);
+    if (scrolls)
+        fit(true);
     for (const int index : Indices(Scrollers))
-        Control(Scrollers, index)->setVisible(height > ui_->frmConsigne->height());
+        Control(Scrollers, index)->setVisible(scrolls);
 }
 
 void dlgConsigne::ScrollBy(int pixels) {

@@ -38,4 +38,5 @@ private:
     std::unique_ptr<Ui::dlgConsigne> ui_;
     QString alarm_;
     QString consigne_;
+    int narrow_ = 0; ///< width of the frame beside the buttons
 };

@@ -40,8 +40,10 @@ QPushButton { background: #2C3744; color: #D8DEE6; border: 1px solid #4A5868;
 QPushButton:focus { border: 2px solid #9AA6B4; }
 QPushButton:pressed { background: #475769; }
 QPushButton:checked { background: #3B5675; color: #FFFFFF; border: 2px solid #D8DEE6; }
-QPushButton:disabled { color: #6B7683; }
+QPushButton:disabled { background: #1B222B; color: #6B7683; border-color: #2C3744; }
+QPushButton:checked:disabled { border-color: #6B7683; }
 QHeaderView, QHeaderView::section { background: #2C3744; color: #D8DEE6; border: none; }
+QHeaderView::section { padding: 0 3px; }
 QTableView, QListView, QTreeView, QPlainTextEdit, QTextEdit, QLineEdit { background: #12171E;
     color: #D8DEE6; border: 1px solid #4A5868; border-radius: 4px; gridline-color: #2C3744;
     selection-background-color: #3B5675; selection-color: #FFFFFF; }

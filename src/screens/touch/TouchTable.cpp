@@ -149,8 +149,7 @@ void TouchTable::setColumns(const QList<Column>& columns, double scale) {
     setIconSize(QSize(picture, picture));
     verticalHeader()->setDefaultSectionSize(finger);
     horizontalHeader()->setFixedHeight(finger);
-    GiveTouchScrollBar(
-        *this, scale, QStringLiteral("QTableView::item, QHeaderView::section { padding: 0 6px; }"));
+    GiveTouchScrollBar(*this, scale, {});
     FitColumns();
 }
 
