@@ -7,7 +7,7 @@
 
 namespace {
 /// A slow stick takes it in some 50 ms.
-constexpr qint64 Portion = 128 * 1024;
+constexpr qint64 Portion = qint64(128) * 1024;
 } // namespace
 
 TraceCopy::TraceCopy(const QString& from, const QString& to, QObject* parent)

@@ -28,7 +28,7 @@ void FillStick(const QString& stick) {
     for (int week = 0; week < 3; ++week) {
         BackupFile::Manifest head;
         head.version = QStringLiteral("2.2.27");
-        head.date = QDateTime(first.addDays(7 * week), QTime(2, week));
+        head.date = QDateTime(first.addDays(qint64(7) * week), QTime(2, week));
         head.machine = QStringLiteral("control-room");
         head.site = QStringLiteral("Waterworks North");
         const QString name = QStringLiteral("Korvanelle-control_room-%1%2.zip")
