@@ -20,7 +20,8 @@ namespace errors = platform::errors;
 
 namespace {
 
-constexpr qint64 Portion = qint64(1024) * 1024;
+/// The allocator keeps the largest for the thread that copied, for good.
+constexpr qint64 Portion = qint64(128) * 1024;
 
 /// A stick keeps times in steps of two seconds, cut off: a copy of the source's length and of its
 /// time without what was cut is no older one.
