@@ -9,7 +9,6 @@
 #include "screens/touch/ModalDialog.h"
 #include "ui_dlgConsigne.h"
 
-
 namespace {
 
 const QString Scrollers = QStringLiteral("imgControl");
