@@ -28,6 +28,8 @@ public:
     void setModel(quint8 value) { Change(model_, value); }
     /// The panel's name on every screen.
     QString Title() const { return title_; }
+    /// The same on one line: bars break it where there is room for several.
+    QString TitleLine() const { return Title().replace(u'|', u' '); }
     void setTitle(const QString& value) { Change(title_, value); }
     /// Colour of the title, red in the low byte, then green, then blue.
     qint32 TitleColor() const { return titleColor_; }

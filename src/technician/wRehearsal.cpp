@@ -156,7 +156,7 @@ void wRehearsal::ShowPanel() {
     const bool off = chosen && plant->IsOff(choice.panel);
     ui_->lblPanel->setText(chosen ? Bytes::Padded(choice.panel, 2) + QStringLiteral("  ") +
                                         ModuleName(panel.Model()) + QStringLiteral("  ") +
-                                        panel.Title().replace(u'|', u' ').trimmed()
+                                        panel.TitleLine().trimmed()
                                   : QString());
     ui_->lblState->setText(off ? GetText(IsOffText) : QString());
     ui_->lblNote->setVisible(!wired);

@@ -64,7 +64,7 @@ const PanelClass* PanelOf(int number) {
 QString NameOf(const Thing& thing) {
     const PanelClass& panel = *PanelOf(thing.panel);
     return thing.channel > 0 ? panel.Channel(thing.channel).ScreenText()
-                             : panel.Title().replace(u'|', u' ').trimmed();
+                             : panel.TitleLine().trimmed();
 }
 
 QString IconOf(const OutOfService::Change& entry) {

@@ -95,8 +95,7 @@ void wTechEtatModule::MiseEnFormeModule(PanelClass& panel) {
         panel_ = &panel;
         ui_->lblModType_0->setNum(panel.Numero());
         ui_->lblModType_1->setText(ModuleName(panel.Model()));
-        ui_->lblTitle->setText(FrontTiles::Broken(panel.Title().replace(u'|', u' '),
-                                                  ui_->lblTitle->fontMetrics(),
+        ui_->lblTitle->setText(FrontTiles::Broken(panel.TitleLine(), ui_->lblTitle->fontMetrics(),
                                                   ui_->lblTitle->width(), TitleLines));
         ui_->lblCommand->setText(
             panel.ReportsOtherModel()

@@ -160,7 +160,7 @@ void wTechFindPanels::ShowLink() {
 
 QStringList wTechFindPanels::CellsOf(int panel) const {
     const PanelClass& copy = copies_[size_t(panel)];
-    return {QString::number(panel), copy.Title().replace(u'|', u' '), ModuleName(copy.Model()),
+    return {QString::number(panel), copy.TitleLine(), ModuleName(copy.Model()),
             GetText(copy.Active() ? Yes : No), results_[size_t(panel)]};
 }
 

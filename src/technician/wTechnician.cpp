@@ -183,8 +183,7 @@ void wTechnician::lblNumero_Change() {
     const int number = Numero();
     const auto& site = Global::Configuration();
     ui_->lblPanelType->setText(number == 0 ? QString() : ModuleName(ModelOf(number)));
-    const QString title =
-        number == 0 ? QString() : site.Panel(number).Title().replace(u'|', u' ').trimmed();
+    const QString title = number == 0 ? QString() : site.Panel(number).TitleLine().trimmed();
     ui_->lblPanelTitle->setText(ui_->lblPanelTitle->fontMetrics().elidedText(
         title, Qt::ElideRight, ui_->lblPanelTitle->width()));
     if (number == 0)

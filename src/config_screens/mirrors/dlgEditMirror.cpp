@@ -205,8 +205,7 @@ void dlgEditMirror::ShowPanels() {
     const auto show = [&](const ValueLabel* number, QLabel* type, QLabel* title) {
         const PanelClass* panel = PanelOf(number->Number());
         type->setText(panel == nullptr ? QString() : ModuleName(panel->Model()));
-        const QString text =
-            panel == nullptr ? QString() : panel->Title().replace(u'|', u' ').trimmed();
+        const QString text = panel == nullptr ? QString() : panel->TitleLine().trimmed();
         title->setText(title->fontMetrics().elidedText(text, Qt::ElideRight, title->width()));
     };
     show(ui_->lblSrceModNo, ui_->lblSrceModType, ui_->lblSrceTitle);

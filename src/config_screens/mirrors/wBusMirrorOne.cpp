@@ -88,8 +88,8 @@ void wBusMirrorOne::setPanel(const PanelClass* panel) {
     panel_ = panel;
     ui_->lblNumModule->setCaption(QString::number(panel->Numero()));
     ui_->lblPanelTitle->setText(ui_->lblPanelTitle->fontMetrics().elidedText(
-        ModuleName(panel->Model()) + QStringLiteral("  ") + panel->Title().replace(u'|', u' '),
-        Qt::ElideRight, ui_->lblPanelTitle->width()));
+        ModuleName(panel->Model()) + QStringLiteral("  ") + panel->TitleLine(), Qt::ElideRight,
+        ui_->lblPanelTitle->width()));
     for (const int index : {ChannelDown, ChannelUp})
         Control(ControlImages, index)->setEnabled(panel->Model() == Models::Q7100);
 }

@@ -41,8 +41,7 @@ QString AlarmGrid::PaintedText(const AlarmRow& alarm) {
     if (event.Chnl() != Family::Presence || event.Panel() < 1 ||
         event.Panel() > ConfigClass::PanelCount)
         return text;
-    const QString title =
-        Global::Configuration().Panel(event.Panel()).Title().replace(u'|', u' ').trimmed();
+    const QString title = Global::Configuration().Panel(event.Panel()).TitleLine().trimmed();
     const qsizetype column = qMax(TextColumn, text.size() + 1);
     return title.isEmpty() ? text : (text.leftJustified(column) + title).left(Columns);
 }

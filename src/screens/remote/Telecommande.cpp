@@ -194,7 +194,7 @@ void Telecommande::setPanel(const PanelClass* panel) {
         panel_ = panel;
         lblNumPan_->setText(panel ? Bytes::Padded(panel->Numero(), 2) : QString());
         lblTypePan_->setText(panel ? ModuleName(panel->Model()) : QString());
-        lblPnlTitle_->setText(panel ? panel->Title().replace(u'|', u' ') : QString());
+        lblPnlTitle_->setText(panel ? panel->TitleLine() : QString());
         MakeLamps(panel ? panel->ChannelCount() : 0);
         UserControl_Resize();
     });

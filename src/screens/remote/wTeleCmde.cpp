@@ -120,9 +120,9 @@ void wTeleCmde::setPanel(const PanelClass* panel) {
 }
 
 void wTeleCmde::ShowTitle() {
-    ui_->lblTitle->setText(panel_ == nullptr ? GetText(710005)
-                                             : GetText(710005) + QStringLiteral(" - ") +
-                                                   panel_->Title().replace(u'|', u' '));
+    ui_->lblTitle->setText(panel_ == nullptr
+                               ? GetText(710005)
+                               : GetText(710005) + QStringLiteral(" - ") + panel_->TitleLine());
 }
 
 void wTeleCmde::MiseEnFormeModule() {
